@@ -1,0 +1,143 @@
+#include "session/Database.h"
+
+#include "session/ConnectionString.h"
+#include "session/DatabaseBackend.h"
+
+namespace knjige {
+
+Database::Database() = default;
+Database::~Database() = default;
+
+bool Database::fail(const QString& description)
+{
+    m_error = description;
+    return false;
+}
+
+bool Database::connect(const QString& connectionString)
+{
+    if (m_backend && connectionString == m_connectionString)
+        return true;
+    disconnect();
+    m_connectionString = connectionString;
+    const ConnectionTarget target = parseConnectionString(connectionString);
+    QString error;
+    switch (target.kind) {
+    case ConnectionTarget::Kind::Invalid: return fail(target.error);
+    case ConnectionTarget::Kind::Sqlite: m_backend = openSqliteBackend(target.sqlitePath, false, &error); break;
+    case ConnectionTarget::Kind::Odbc: m_backend = openOdbcBackend(target.odbc, &error); break;
+    }
+    if (!m_backend)
+        return fail(error);
+    m_error.clear();
+    return true;
+}
+
+void Database::disconnect()
+{
+    m_backend.reset();
+    m_inTransaction = false;
+}
+
+bool Database::isConnected() const { return bool(m_backend); }
+
+SqlDialect Database::dialect() const
+{
+    return m_backend ? m_backend->dialect() : SqlDialect::SqlServer;
+}
+
+bool Database::ensureConnected()
+{
+    if (m_backend)
+        return true;
+    if (m_connectionString.isEmpty())
+        return fail(QStringLiteral("Nije zadana veza prema bazi podataka (connection string je prazan)."));
+    const QString text = m_connectionString;
+    m_connectionString.clear();
+    return connect(text);
+}
+
+bool Database::open(const QString& sql, ResultSet& result)
+{
+    m_lastSql = sql;
+    if (!ensureConnected())
+        return false;
+    QString error;
+    ResultSet fresh;
+    if (!m_backend->select(sql, fresh, &error))
+        return fail(error);
+    result = std::move(fresh);
+    m_error.clear();
+    return true;
+}
+
+std::optional<ResultSet> Database::query(const QString& sql)
+{
+    ResultSet rs;
+    if (!open(sql, rs))
+        return std::nullopt;
+    return rs;
+}
+
+bool Database::execute(const QString& sql, int* rowsAffected)
+{
+    m_lastSql = sql;
+    if (!ensureConnected())
+        return false;
+    QString error;
+    if (!m_backend->execute(sql, rowsAffected, &error))
+        return fail(error);
+    m_error.clear();
+    return true;
+}
+
+bool Database::beginTransaction()
+{
+    if (!ensureConnected())
+        return false;
+    QString error;
+    if (!m_backend->begin(&error))
+        return fail(error);
+    m_inTransaction = true;
+    return true;
+}
+
+bool Database::commit()
+{
+    if (!m_backend)
+        return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    QString error;
+    m_inTransaction = false;
+    if (!m_backend->commit(&error))
+        return fail(error);
+    return true;
+}
+
+bool Database::rollback()
+{
+    if (!m_backend)
+        return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    QString error;
+    m_inTransaction = false;
+    if (!m_backend->rollback(&error))
+        return fail(error);
+    return true;
+}
+
+bool Database::writeRow(const RowChange& change)
+{
+    if (!ensureConnected())
+        return false;
+    const BoundStatement st = rowStatement(change, m_backend->dialect());
+    m_lastSql = st.sql;
+    QString error;
+    int affected = 0;
+    if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
+        return fail(error);
+    if (change.kind != RowChange::Kind::Insert && affected == 0)
+        return fail(QStringLiteral("Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik."));
+    m_error.clear();
+    return true;
+}
+
+} // namespace knjige

@@ -1,0 +1,120 @@
+#include "session/Money.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace knjige {
+
+qint64 roundHalfEven(double value)
+{
+    const double floor = std::floor(value);
+    const double diff = value - floor;
+    // Values such as 1.45 * 10000 land a hair off the half; treat anything within a few
+    // ulps of .5 as the half so that decimal input rounds as a person would expect.
+    const double eps = std::max(1e-9, std::abs(value) * 4 * std::numeric_limits<double>::epsilon());
+    if (std::abs(diff - 0.5) <= eps) {
+        const qint64 f = qint64(floor);
+        return (f % 2 == 0) ? f : f + 1;
+    }
+    return qint64(std::llround(value));
+}
+
+Money Money::fromDouble(double value)
+{
+    return Money(roundHalfEven(value * Scale));
+}
+
+std::optional<Money> Money::parse(const QString& text)
+{
+    QString t = text.trimmed();
+    if (t.isEmpty())
+        return std::nullopt;
+    bool negative = false;
+    if (t.startsWith(u'-') || t.startsWith(u'+')) {
+        negative = t.startsWith(u'-');
+        t = t.mid(1).trimmed();
+    }
+    t.replace(u',', u'.');
+    const qsizetype point = t.indexOf(u'.');
+    if (point != t.lastIndexOf(u'.'))
+        return std::nullopt;
+    const QString whole = point < 0 ? t : t.left(point);
+    QString frac = point < 0 ? QString() : t.mid(point + 1);
+    if (whole.isEmpty() && frac.isEmpty())
+        return std::nullopt;
+    for (QChar c : whole + frac)
+        if (!c.isDigit())
+            return std::nullopt;
+    if (whole.size() > 14)
+        return std::nullopt;
+    qint64 units = whole.isEmpty() ? 0 : whole.toLongLong() * Scale;
+    // Digits past the fourth decimal round half to even, like any other conversion.
+    const QString kept = frac.left(4).leftJustified(4, u'0');
+    units += kept.toLongLong();
+    if (frac.size() > 4) {
+        const QString rest = frac.mid(4);
+        const bool aboveHalf = rest[0] > u'5' || (rest[0] == u'5' && rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]"))));
+        const bool exactlyHalf = rest[0] == u'5' && !rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]")));
+        if (aboveHalf || (exactlyHalf && units % 2 != 0))
+            ++units;
+    }
+    return Money(negative ? -units : units);
+}
+
+QString Money::toString() const
+{
+    const qint64 a = m_units < 0 ? -m_units : m_units;
+    return QStringLiteral("%1%2.%3")
+        .arg(m_units < 0 ? QStringLiteral("-") : QString())
+        .arg(a / Scale)
+        .arg(a % Scale, 4, 10, QLatin1Char('0'));
+}
+
+QString Money::toPlainString() const
+{
+    QString s = toString();
+    while (s.endsWith(u'0'))
+        s.chop(1);
+    if (s.endsWith(u'.'))
+        s.chop(1);
+    return s;
+}
+
+Money Money::rounded(int decimals) const
+{
+    decimals = std::clamp(decimals, 0, 4);
+    qint64 step = 1;
+    for (int i = decimals; i < 4; ++i)
+        step *= 10;
+    if (step == 1)
+        return *this;
+    const qint64 q = m_units / step;
+    const qint64 r = m_units % step;
+    const qint64 twice = 2 * (r < 0 ? -r : r);
+    qint64 result = q;
+    if (twice > step || (twice == step && q % 2 != 0))
+        result += (m_units < 0 ? -1 : 1);
+    return Money(result * step);
+}
+
+QString Money::toDisplayString(QChar groupSeparator, QChar decimalMark) const
+{
+    const qint64 cents = rounded(2).units() / 100;
+    const qint64 a = cents < 0 ? -cents : cents;
+    QString whole = QString::number(a / 100);
+    for (qsizetype i = whole.size() - 3; i > 0; i -= 3)
+        whole.insert(i, groupSeparator);
+    return QStringLiteral("%1%2%3%4")
+        .arg(cents < 0 ? QStringLiteral("-") : QString(), whole, QString(decimalMark))
+        .arg(a % 100, 2, 10, QLatin1Char('0'));
+}
+
+Money Money::dividedBy(double divisor) const
+{
+    return fromDouble(double(m_units) / divisor / Scale);
+}
+
+} // namespace knjige

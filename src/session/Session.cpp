@@ -1,0 +1,120 @@
+#include "session/Session.h"
+
+#include "books/BookKind.h"
+#include "session/Interaction.h"
+
+#include <memory>
+
+namespace knjige {
+
+Session& session()
+{
+    static Session instance;
+    return instance;
+}
+
+Database& Session::db()
+{
+    static Database helper;
+    if (helper.connectionString() != ConnString || !helper.isConnected())
+        helper.connect(ConnString);
+    return helper;
+}
+
+void Session::reset()
+{
+    db().disconnect();
+    *this = Session();
+}
+
+namespace DefVarijabli {
+
+QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32 brojProd)
+{
+    QString prefix;
+    switch (tipKnjige) {
+    case Knjiga::PrihRashFBiH:
+        prefix = QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrihRashFBiH WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::EvidPotObvRS:
+        prefix = QStringLiteral("SELECT MAX(RBroj) AS BROJ FROM dbo.KnjEvidPotrIObvFBiH WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::PrometaFBiH:
+        prefix = QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrometaFBiH WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::PrometaRS:
+        prefix = QStringLiteral("SELECT MAX(RBroj) AS BROJ FROM dbo.KnjPrometaFBiH WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::PrihodaRS:
+        prefix = QStringLiteral("SELECT MAX(RBroj) AS BROJ FROM dbo.KnjPrihodaRS WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::RashodaRS:
+        prefix = QStringLiteral("SELECT MAX(RBroj) AS BROJ FROM dbo.KnjRashodaRS WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::PopListaRS:
+    case Knjiga::PopListaFBiH:
+        prefix = QStringLiteral("SELECT MAX(RBroj) AS BROJ FROM dbo.KnjPopListaDugImovFBiH WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::PrihRashDB:
+        prefix = QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrihRashDB WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::TrgUsluga:
+        prefix = QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=");
+        break;
+    case Knjiga::TrgKomisiona:
+        prefix = QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.TrgKnjKomisiona WHERE BROJPODUZECA=");
+        break;
+    default:
+        return {};
+    }
+    QString sql = prefix + QString::number(brojPoduzeca) + QStringLiteral(" AND GODINAKNJ=") + QString::number(godina);
+    if (isTradeBook(tipKnjige))
+        sql += QStringLiteral(" AND BrojProd=") + QString::number(brojProd);
+    return sql;
+}
+
+qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd)
+{
+    Session& s = session();
+    const QString sql = ZadnjiRBrojSql(tipKnjige, s.BrojPoduzeca, s.RadnaGodina, brojProd);
+    if (sql.isEmpty())
+        return 0;
+    Database& db = s.db();
+    ResultSet rs;
+    if (!db.open(sql, rs)) {
+        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+        return 0;
+    }
+    if (rs.isEmpty())
+        return 0;
+    const int c = rs.indexOf(QStringLiteral("Broj"));
+    if (c < 0 || rs.isNull(0, c))
+        return 0;
+    return qint32(rs.integer(0, c));
+}
+
+void CitajKonfiguraciju(bool sveKolone)
+{
+    Session& s = session();
+    Database& db = s.db();
+    if (!db.execute(QStringLiteral("SET TEXTSIZE 1000000")))
+        warn(QStringLiteral("Nisam postavio veličinu TEXTSIZE"));
+    const QString sql = QStringLiteral("SELECT ") + (sveKolone ? QStringLiteral("*") : QStringLiteral("NazivFirme"))
+        + QStringLiteral(" FROM dbo.CONFIG WHERE BROJPODUZECA=") + QString::number(s.BrojPoduzeca);
+    ResultSet rs;
+    if (!db.open(sql, rs)) {
+        warn(QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
+        return;
+    }
+    s.Konfiguracija = rs;
+    const int c = rs.indexOf(QStringLiteral("NazivFirme"));
+    if (!rs.isEmpty() && c >= 0)
+        s.NazivFirme = rs.text(0, c);
+}
+
+QString ImeOperatera() { return session().ImeOperatera; }
+
+} // namespace DefVarijabli
+
+} // namespace knjige

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "session/Database.h"
+#include "session/ResultSet.h"
+
+#include <QString>
+
+namespace knjige {
+
+// What every window of the component works with: how to reach the database, which
+// company and year are kept, who the operator is. One per process; the last value
+// written by any book object wins.
+struct Session {
+    QString ConnString;
+    qint16 RadnaGodina = 0;
+    qint16 BrojPoduzeca = 0;
+    QString NivoPristupa;    // operator access level, a one-digit text
+    QString ImeOperatera;
+    QString NazivFirme;      // from the company's configuration row
+
+    // The company's configuration row as last read; empty until read.
+    ResultSet Konfiguracija;
+
+    // The one data-access helper, created on first use and kept for the process. It
+    // follows ConnString: a changed string reconnects on the next call.
+    Database& db();
+
+    // Back to the empty state (tests; a host that closes every book).
+    void reset();
+};
+
+Session& session();
+
+// The shared routines every window calls.
+namespace DefVarijabli {
+
+// The SQL text that reads the highest ordinal number of a book for the session's
+// company and year (and sales point in the trade books); empty for an unknown kind.
+QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32 brojProd = 0);
+// The highest ordinal number in use, or 0 for an empty book or an unknown kind. A
+// failure is reported ("Desila se greška: " + the data layer's text) and gives 0.
+qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd = 0);
+// Reads the company's configuration row into the session and sets the company name.
+void CitajKonfiguraciju(bool sveKolone);
+QString ImeOperatera();
+
+} // namespace DefVarijabli
+
+} // namespace knjige

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "session/Interaction.h"
+
+#include <QList>
+#include <QQueue>
+
+#include <functional>
+
+namespace knjige::test {
+
+// Stands in for the person at the screen: records every message, answers questions
+// from a script (the message's default when the script runs dry), and lets a test
+// drive each modal dialog with a handler of its own.
+class ScriptedInteraction final : public Interaction {
+public:
+    QList<Message> messages;
+    QQueue<Answer> answers;
+    QQueue<QString> files;
+    QList<QStringList> startedPrograms;     // program first, then its arguments
+    // Runs a modal dialog; without a handler the dialog is rejected at once.
+    std::function<int(QDialog&)> onDialog;
+
+    Answer show(const Message& message) override;
+    int exec(QDialog& dialog) override;
+    QString chooseSaveFile(const FileChoice&) override;
+    QString chooseOpenFile(const FileChoice&) override;
+    bool startProgram(const QString& program, const QStringList& arguments) override;
+
+    QStringList texts() const;
+    void clear();
+};
+
+// Installs a scripted person for the life of the object and restores the previous one.
+class ScopedScript {
+public:
+    ScopedScript();
+    ~ScopedScript();
+    ScriptedInteraction* operator->() { return m_script; }
+    ScriptedInteraction& operator*() { return *m_script; }
+
+private:
+    ScriptedInteraction* m_script;
+    std::unique_ptr<Interaction> m_previous;
+};
+
+} // namespace knjige::test
