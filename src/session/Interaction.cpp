@@ -35,6 +35,8 @@ std::unique_ptr<Interaction>& current()
 
 Interaction& interaction() { return *current(); }
 
+bool usingConsoleInteraction() { return dynamic_cast<ConsoleInteraction*>(current().get()) != nullptr; }
+
 std::unique_ptr<Interaction> setInteraction(std::unique_ptr<Interaction> replacement)
 {
     if (!replacement)

@@ -53,6 +53,8 @@ public:
 Interaction& interaction();
 // Installs a new seam and returns the previous one (for tests that restore it).
 std::unique_ptr<Interaction> setInteraction(std::unique_ptr<Interaction> replacement);
+// True while nobody has installed a seam (the console fallback is in force).
+bool usingConsoleInteraction();
 
 // Shorthands used throughout the component.
 void inform(const QString& text, const QString& title = {}, Icon icon = Icon::None);

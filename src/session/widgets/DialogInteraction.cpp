@@ -1,0 +1,108 @@
+#include "session/widgets/DialogInteraction.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QProcess>
+
+namespace knjige {
+namespace {
+
+QMessageBox::Icon boxIcon(Icon icon)
+{
+    switch (icon) {
+    case Icon::Information: return QMessageBox::Information;
+    case Icon::Exclamation: return QMessageBox::Warning;
+    case Icon::Critical: return QMessageBox::Critical;
+    case Icon::Question: return QMessageBox::Question;
+    case Icon::None: break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButton boxButton(Answer answer)
+{
+    switch (answer) {
+    case Answer::Ok: return QMessageBox::Ok;
+    case Answer::Yes: return QMessageBox::Yes;
+    case Answer::No: return QMessageBox::No;
+    case Answer::Cancel: return QMessageBox::Cancel;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::StandardButtons boxButtons(Buttons buttons)
+{
+    switch (buttons) {
+    case Buttons::Ok: return QMessageBox::Ok;
+    case Buttons::YesNo: return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::YesNoCancel: return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case Buttons::OkCancel: return QMessageBox::Ok | QMessageBox::Cancel;
+    }
+    return QMessageBox::Ok;
+}
+
+Answer answerOf(int button)
+{
+    switch (button) {
+    case QMessageBox::Yes: return Answer::Yes;
+    case QMessageBox::No: return Answer::No;
+    case QMessageBox::Cancel: return Answer::Cancel;
+    default: return Answer::Ok;
+    }
+}
+
+// "CSV datoteka (*.csv)|*.csv" (the program's own filter form) or Qt's form.
+QString qtFilter(const QString& filter)
+{
+    const qsizetype bar = filter.indexOf(u'|');
+    return bar < 0 ? filter : filter.left(bar);
+}
+
+} // namespace
+
+Answer DialogInteraction::show(const Message& message)
+{
+    QMessageBox box(boxIcon(message.icon),
+                    message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
+                    boxButtons(message.buttons), QApplication::activeWindow());
+    box.setDefaultButton(boxButton(message.buttons == Buttons::Ok ? Answer::Ok : message.defaultAnswer));
+    const int button = box.exec();
+    if (button == QMessageBox::Escape || button == 0)
+        return message.buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+    return answerOf(button);
+}
+
+int DialogInteraction::exec(QDialog& dialog) { return dialog.exec(); }
+
+QString DialogInteraction::chooseSaveFile(const FileChoice& choice)
+{
+    QFileDialog dialog(QApplication::activeWindow(), choice.title, choice.directory, qtFilter(choice.filter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(choice.defaultSuffix);
+    // The overwrite question is the program's own, worded as its users know it.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    if (!choice.fileName.isEmpty())
+        dialog.selectFile(choice.fileName);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+QString DialogInteraction::chooseOpenFile(const FileChoice& choice)
+{
+    return QFileDialog::getOpenFileName(QApplication::activeWindow(), choice.title, choice.directory,
+                                        qtFilter(choice.filter));
+}
+
+bool DialogInteraction::startProgram(const QString& program, const QStringList& arguments)
+{
+    return QProcess::startDetached(program, arguments);
+}
+
+void ensureDialogInteraction()
+{
+    if (usingConsoleInteraction())
+        setInteraction(std::make_unique<DialogInteraction>());
+}
+
+} // namespace knjige
