@@ -1,0 +1,137 @@
+#include "books/Schema.h"
+
+#include "session/Database.h"
+#include "session/DatabaseBackend.h"
+#include "session/TSqlTranslator.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+
+static void initSchemaResource() { Q_INIT_RESOURCE(schema); }
+
+namespace knjige {
+namespace {
+
+// The embedded database numbers new asset rows with a trigger of its own dialect; the
+// script's T-SQL trigger does the same on SQL Server.
+const char* const kSqliteAssetTrigger =
+    "CREATE TRIGGER KnjPopListaDugImovFBiH_RBroj AFTER INSERT ON KnjPopListaDugImovFBiH\n"
+    "FOR EACH ROW WHEN NEW.RBroj IS NULL\n"
+    "BEGIN\n"
+    "    UPDATE KnjPopListaDugImovFBiH SET RBroj = (SELECT IFNULL(MAX(K.RBroj), 0) + 1\n"
+    "        FROM KnjPopListaDugImovFBiH K\n"
+    "        WHERE K.BrojPoduzeca = NEW.BrojPoduzeca AND K.GodinaKnj = NEW.GodinaKnj)\n"
+    "    WHERE rowid = NEW.rowid;\n"
+    "END";
+
+QString scriptText()
+{
+    initSchemaResource();
+    QFile file(QStringLiteral(":/knjige/sql/schema.sql"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll());
+}
+
+bool isTrigger(const QString& batch)
+{
+    static const QRegularExpression re(QStringLiteral("^\\s*(--[^\\n]*\\n\\s*)*CREATE\\s+TRIGGER\\b"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re.match(batch).hasMatch();
+}
+
+const QHash<QString, tsql::TableDef>& tables()
+{
+    static const QHash<QString, tsql::TableDef> byName = [] {
+        QHash<QString, tsql::TableDef> out;
+        for (const QString& statement : schemaStatements())
+            if (auto table = tsql::parseCreateTable(statement))
+                out.insert(tsql::Catalog::key(table->name), *table);
+        return out;
+    }();
+    return byName;
+}
+
+} // namespace
+
+QStringList schemaStatements()
+{
+    static const QRegularExpression go(QStringLiteral("^\\s*GO\\s*$"),
+                                       QRegularExpression::CaseInsensitiveOption | QRegularExpression::MultilineOption);
+    QStringList out;
+    for (const QString& batch : scriptText().split(go)) {
+        QString text = batch.trimmed();
+        // Comments that stand before a batch belong to the script, not to the statement.
+        while (text.startsWith(QStringLiteral("--"))) {
+            const int eol = text.indexOf(u'\n');
+            text = eol < 0 ? QString() : text.mid(eol + 1).trimmed();
+        }
+        if (!text.isEmpty())
+            out << text;
+    }
+    return out;
+}
+
+bool createSchema(Database& db, QString* error)
+{
+    const QStringList statements = schemaStatements();
+    if (statements.isEmpty()) {
+        if (error)
+            *error = QStringLiteral("Skripta sheme baze podataka nije dostupna.");
+        return false;
+    }
+    const bool embedded = db.dialect() == SqlDialect::Sqlite;
+    TransactionGuard guard(db);
+    for (const QString& statement : statements) {
+        if (embedded && isTrigger(statement))
+            continue;
+        if (!db.execute(statement)) {
+            if (error)
+                *error = db.errorDescription();
+            return false;
+        }
+    }
+    if (embedded && !db.execute(QString::fromLatin1(kSqliteAssetTrigger))) {
+        if (error)
+            *error = db.errorDescription();
+        return false;
+    }
+    if (guard.isActive() && !guard.commit()) {
+        if (error)
+            *error = db.errorDescription();
+        return false;
+    }
+    return true;
+}
+
+bool createEmbeddedDatabase(const QString& path, QString* error)
+{
+    if (QFileInfo::exists(path)) {
+        if (error)
+            *error = QStringLiteral("Datoteka već postoji: ") + path;
+        return false;
+    }
+    QString ignored;
+    QString* err = error ? error : &ignored;
+    if (!openSqliteBackend(path, true, err))
+        return false;
+    Database db;
+    if (!db.connect(path)) {
+        *err = db.errorDescription();
+        return false;
+    }
+    return createSchema(db, err);
+}
+
+int textColumnWidth(const QString& table, const QString& column)
+{
+    const auto it = tables().constFind(tsql::Catalog::key(table));
+    if (it == tables().constEnd())
+        return 0;
+    const tsql::ColumnDef* c = it->column(column);
+    return c ? c->width : 0;
+}
+
+} // namespace knjige

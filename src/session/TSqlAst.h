@@ -1,0 +1,86 @@
+#pragma once
+
+#include "session/TSqlTokenizer.h"
+#include "session/TSqlTypes.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace knjige::tsql {
+
+// A node of a parsed statement. Every node covers a range of tokens (indices into the
+// statement's token list, inclusive); `kids` are its sub-nodes in source order, so a
+// node is written back by copying its tokens and writing each kid in its place.
+struct Node {
+    enum class Kind {
+        Literal, Name, Star, Param, Func, Cast, Case, Unary, Binary, Between, In, IsNull, Exists, Paren, Subquery,
+        Select, Compound, Insert, Update, Delete
+    };
+    enum class Rewrite { None, Divide, CastMoney, CastText, CastInteger, CastReal, CastDrop, Today };
+
+    Kind kind = Kind::Literal;
+    int first = 0;
+    int last = -1;
+    std::vector<Node*> kids;
+
+    QString op;          // Binary/Unary operator, function name (upper case), CAST target type (lower case)
+    int opToken = -1;    // the operator's or function name's token
+    QStringList parts;   // Name: the dotted parts as written, without brackets
+    Node* a = nullptr;   // Binary left, Unary/Cast/Paren/IsNull/Between/In operand, Case operand
+    Node* b = nullptr;   // Binary right, Between low, Case ELSE
+    Node* c = nullptr;   // Between high
+    std::vector<Node*> args;                       // Func arguments, In list or subquery, Case WHEN/THEN pairs
+    std::vector<int> commas;                       // Func: the comma tokens between the arguments
+    int width = 0;                                 // CAST target length
+    bool negated = false;
+
+    // Select
+    struct Item {
+        Node* expr = nullptr;    // nullptr for * and T.*
+        QString starTable;       // T of T.*
+    };
+    struct TableRef {
+        QString table;           // name without schema; empty for a derived table
+        QString alias;
+        Node* derived = nullptr;
+        int nameFirst = -1, nameLast = -1, aliasToken = -1;
+        bool aliasWithAs = false;
+    };
+    std::vector<Item> items;
+    std::vector<TableRef> tables;
+    int topFirst = -1, topLast = -1;
+    QString topCount;
+    bool topPercent = false;
+    // Compound: the selects joined by UNION, in `args`.
+    // Insert / Update / Delete
+    QString table;
+    QStringList columns;                         // Insert column list; Update SET columns
+    std::vector<std::vector<Node*>> rows;        // Insert VALUES rows; Update SET values (one row)
+    Node* query = nullptr;                       // Insert ... SELECT
+    Node* where = nullptr;
+    int deleteTargetFirst = -1, deleteTargetLast = -1;   // DELETE <target> FROM ...
+
+    // Filled by analysis.
+    SqlType type = SqlType::Unknown;
+    Rewrite rewrite = Rewrite::None;
+};
+
+// A parsed statement: owns its nodes.
+struct ParsedStatement {
+    QVector<Token> tokens;
+    std::vector<std::unique_ptr<Node>> pool;
+    Node* root = nullptr;     // nullptr when the statement is not one the parser reads
+    QString firstWord;        // upper case: SELECT, INSERT, UPDATE, DELETE, CREATE, SET ...
+    QString error;            // why parsing stopped, when root is nullptr
+};
+
+// Parses one statement (no ';' separators). Statements other than SELECT, INSERT,
+// UPDATE and DELETE, and anything the parser cannot read, give root nullptr.
+ParsedStatement parseStatement(const QString& sql);
+
+// Splits a text into its statements at the ';' outside literals and parentheses.
+QStringList splitStatements(const QString& sql);
+
+} // namespace knjige::tsql

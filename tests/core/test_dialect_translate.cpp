@@ -1,0 +1,212 @@
+// The T-SQL → SQLite rewrites on their own: the SQLite text that comes out and the
+// column types the adapter infers, against the tables of the schema script.
+#include "books/Schema.h"
+#include "session/TSqlAst.h"
+#include "session/TSqlFunctions.h"
+#include "session/TSqlTokenizer.h"
+#include "session/TSqlTranslator.h"
+
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using namespace knjige::tsql;
+
+namespace {
+
+const Catalog& schemaCatalog()
+{
+    static const Catalog catalog = [] {
+        Catalog c;
+        for (const QString& statement : schemaStatements())
+            if (auto table = parseCreateTable(statement))
+                c.add(*table);
+        return c;
+    }();
+    return catalog;
+}
+
+Translation::Statement tr(const QString& sql) { return translateStatement(sql, schemaCatalog()); }
+std::string out(const QString& sql) { return tr(sql).sql.toStdString(); }
+
+} // namespace
+
+TEST(TSqlTokenizer, KeepsTextAndSeparatesLiteralsCommentsAndNames)
+{
+    const QString sql = QStringLiteral("SELECT N'a''b', [x y]/* c */--d\n.5,1e3 FROM \"T\" WHERE a<>?");
+    const QVector<Token> tokens = tokenize(sql);
+    QString joined;
+    for (const Token& t : tokens)
+        joined += t.text;
+    EXPECT_EQ(joined, sql);
+    using K = Token::Kind;
+    QVector<K> kinds;
+    for (const Token& t : tokens)
+        if (!t.isTrivia())
+            kinds << t.kind;
+    const QVector<K> expected { K::Word, K::NString, K::Symbol, K::Quoted, K::Number, K::Symbol, K::Number,
+                                K::Word, K::Quoted, K::Word, K::Word, K::Symbol, K::Param };
+    EXPECT_EQ(kinds, expected);
+    EXPECT_EQ(tokens[2].stringValue(), QStringLiteral("a'b"));
+    EXPECT_EQ(tokens[5].name(), QStringLiteral("x y"));
+}
+
+TEST(TSqlTranslate, StringLiteralsAreNeverRewritten)
+{
+    const QString literal = QStringLiteral("'dbo.X + ISNULL(a,b) / 2, LEFT(c,3) TOP 100 PERCENT ''03.15.2016'''");
+    const std::string sql = out(QStringLiteral("SELECT ") + literal + QStringLiteral(" AS T, K.Opis+") + literal
+                                + QStringLiteral(" AS U FROM dbo.KnjPrihRashDB K"));
+    EXPECT_EQ(sql, "SELECT " + literal.toStdString() + " AS T, K.Opis||" + literal.toStdString()
+                  + " AS U FROM KnjPrihRashDB K");
+}
+
+TEST(TSqlTranslate, PlusJoinsOnlyCharacterData)
+{
+    const auto st = tr(QStringLiteral("SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, "
+                                      "'7'+K.Vrsta AS D, rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E "
+                                      "FROM dbo.KnjPrihRashFBiH K"));
+    EXPECT_EQ(st.sql.toStdString(),
+              "SELECT K.Isprava||'-'||K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+              "rtrim(CAST(K.Vrsta AS TEXT))||'x' AS E FROM KnjPrihRashFBiH K");
+    const QVector<SqlType> types { SqlType::Text, SqlType::Money, SqlType::Int, SqlType::Int, SqlType::Text };
+    EXPECT_EQ(st.columnTypes, types);
+}
+
+TEST(TSqlTranslate, EveryDivisionGoesThroughTheRegisteredFunction)
+{
+    EXPECT_EQ(out(QStringLiteral("SELECT 100.0/K.VijekTr/12*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K")),
+              "SELECT tsql_div(tsql_div(100.0, K.VijekTr), 12)*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K");
+    // A money quotient keeps four decimals.
+    EXPECT_EQ(out(QStringLiteral("SELECT K.NabVrijednost/3 AS X FROM KnjPopListaDugImovFBiH K")),
+              "SELECT tsql_divm(K.NabVrijednost, 3) AS X FROM KnjPopListaDugImovFBiH K");
+}
+
+TEST(TSqlTranslate, FunctionsSqliteLacks)
+{
+    EXPECT_EQ(out(QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ, left(K.Opis,20) AS L, "
+                                 "ROUND(K.Iznos,2) AS R FROM dbo.KnjPrihRashFBiH K LEFT JOIN dbo.Komitent R ON 1=1")),
+              "SELECT IFNULL(MAX(RBroj),0) AS BROJ, SUBSTR(K.Opis,1,20) AS L, tsql_round(K.Iznos,2) AS R "
+              "FROM KnjPrihRashFBiH K LEFT JOIN Komitent R ON 1=1");
+    EXPECT_EQ(out(QStringLiteral("SELECT cast(100.0/K.VijekTr as money) as S FROM KnjPopListaDugImovFBiH K")),
+              "SELECT tsql_money(tsql_div(100.0, K.VijekTr)) as S FROM KnjPopListaDugImovFBiH K");
+}
+
+TEST(TSqlTranslate, TopBecomesLimitAndTopHundredPercentGoes)
+{
+    EXPECT_EQ(out(QStringLiteral("SELECT TOP 100 PERCENT K.Vrsta FROM dbo.KnjPrihRashFBiH K ORDER BY K.Vrsta")),
+              "SELECT K.Vrsta FROM KnjPrihRashFBiH K ORDER BY K.Vrsta");
+    EXPECT_EQ(out(QStringLiteral("SELECT TOP (5) K.Vrsta FROM dbo.KnjPrihRashFBiH K ORDER BY K.Vrsta")),
+              "SELECT K.Vrsta FROM KnjPrihRashFBiH K ORDER BY K.Vrsta LIMIT 5");
+}
+
+TEST(TSqlTranslate, DeleteWithAliasTakesTheSqliteForm)
+{
+    EXPECT_EQ(out(QStringLiteral("DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K WHERE K.BrojPoduzeca=1 AND "
+                                 "K.Datum>='01.01.2016'")),
+              "DELETE FROM KnjPrihRashDB AS K WHERE K.BrojPoduzeca=1 AND K.Datum>='2016-01-01'");
+    EXPECT_EQ(out(QStringLiteral("DELETE FROM dbo.KnjPrihRashDB WHERE RBroj=3")), "DELETE FROM KnjPrihRashDB WHERE RBroj=3");
+}
+
+TEST(TSqlTranslate, MonthFirstDatesBecomeIsoOnlyAgainstDateColumns)
+{
+    EXPECT_EQ(out(QStringLiteral("SELECT K.RBroj FROM KnjPrometaFBiH K WHERE K.Datum>='03.15.2016' AND "
+                                 "K.Datum<='12.31.2016' AND K.Isprava='03.15.2016' AND K.Datum BETWEEN '1.1.2016' "
+                                 "AND '1.31.2016' AND K.Datum IN ('2.29.2016')")),
+              "SELECT K.RBroj FROM KnjPrometaFBiH K WHERE K.Datum>='2016-03-15' AND K.Datum<='2016-12-31' AND "
+              "K.Isprava='03.15.2016' AND K.Datum BETWEEN '2016-01-01' AND '2016-01-31' AND K.Datum IN ('2016-02-29')");
+    EXPECT_EQ(out(QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "
+                                 "VALUES(1,4,'1.1.2016',2016,'1.1.2016',11)")),
+              "INSERT INTO KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "
+              "VALUES(1,4,'2016-01-01',2016,'1.1.2016',11)");
+    EXPECT_EQ(out(QStringLiteral("INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum) "
+                                 "SELECT BrojPoduzeca,2017,Naziv,'01.01.2017' FROM KnjPopListaDugImovFBiH")),
+              "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum) "
+              "SELECT BrojPoduzeca,2017,Naziv,'2017-01-01' FROM KnjPopListaDugImovFBiH");
+    EXPECT_EQ(out(QStringLiteral("UPDATE dbo.TrgKnjUsluga SET Datum='12.31.2016', Opis='12.31.2016' WHERE RBroj=1")),
+              "UPDATE TrgKnjUsluga SET Datum='2016-12-31', Opis='12.31.2016' WHERE RBroj=1");
+}
+
+TEST(TSqlTranslate, SetOptionsAreNoOps)
+{
+    EXPECT_EQ(tr(QStringLiteral("SET TEXTSIZE 1000000")).kind, Translation::Kind::NoOp);
+    EXPECT_EQ(tr(QStringLiteral("set dateformat mdy")).kind, Translation::Kind::NoOp);
+    EXPECT_EQ(tr(QStringLiteral("UPDATE dbo.KnjPrihRashDB SET RBROJ=RBROJ+1 WHERE RBroj>=3")).kind,
+              Translation::Kind::Command);
+}
+
+TEST(TSqlTranslate, CommentsNStringsAndUnknownStatementsPassThrough)
+{
+    EXPECT_EQ(out(QStringLiteral("SELECT N'Žiro' AS A -- dbo.X / 2\nFROM dbo.KnjPrihRashDB")),
+              "SELECT 'Žiro' AS A -- dbo.X / 2\nFROM KnjPrihRashDB");
+    // A text the parser cannot read keeps its words, for the engine to report.
+    const auto st = tr(QStringLiteral("SELECT FROM WHERE dbo.X"));
+    EXPECT_EQ(st.sql.toStdString(), "SELECT FROM WHERE X");
+    EXPECT_TRUE(st.columnTypes.isEmpty());
+}
+
+TEST(TSqlTranslate, ResultTypesFollowSqlServerPrecedence)
+{
+    const auto st = tr(QStringLiteral(
+        "SELECT CASE WHEN K.Vrsta=1 THEN K.Iznos ELSE 0 END AS A, CASE WHEN K.Vrsta=1 THEN 'x' END AS B, "
+        "SUM(K.Iznos) AS C, MAX(K.RBroj) AS D, ISNULL(SUM(K.Iznos),0) AS E, K.Datum, 100/K.Vrsta AS F, "
+        "100.0/K.Vrsta AS G, CASE WHEN K.Vrsta=1 THEN ROUND(K.Iznos-100.0/K.Vrsta,2) ELSE K.Iznos END AS H, "
+        "-K.Iznos AS I, COUNT(*) AS J FROM dbo.KnjPrihRashDB K"));
+    const QVector<SqlType> types { SqlType::Money, SqlType::Text,    SqlType::Money,   SqlType::Int,
+                                   SqlType::Money, SqlType::Date,    SqlType::Int,     SqlType::Decimal,
+                                   SqlType::Decimal, SqlType::Money, SqlType::Int };
+    EXPECT_EQ(st.columnTypes, types);
+}
+
+TEST(TSqlTranslate, StarExpandsToTheTableColumns)
+{
+    const auto st = tr(QStringLiteral("SELECT *,'' As I FROM KnjPrometaFBiH K"));
+    const QVector<SqlType> types { SqlType::Int,  SqlType::Int,  SqlType::Date,  SqlType::Int, SqlType::Text,
+                                   SqlType::Text, SqlType::Money, SqlType::Money, SqlType::Text };
+    EXPECT_EQ(st.columnTypes, types);
+}
+
+TEST(TSqlTranslate, UnionTakesTheHigherTypeOfEachColumn)
+{
+    const auto st = tr(QStringLiteral("SELECT 'a' AS Opis, 0 AS X FROM KnjPrometaFBiH K UNION "
+                                      "SELECT 'b' AS Opis, SUM(K.IznosGot) AS X FROM KnjPrometaFBiH K"));
+    EXPECT_EQ(st.columnTypes, (QVector<SqlType> { SqlType::Text, SqlType::Money }));
+}
+
+TEST(TSqlTranslate, CreateTableGetsEmbeddedTypes)
+{
+    const QString ddl = QStringLiteral("CREATE TABLE dbo.X (A smallint NOT NULL, B money NULL DEFAULT (0), "
+                                       "C datetime, D nvarchar(25) NULL, E int IDENTITY(1,1), "
+                                       "CONSTRAINT PK_X PRIMARY KEY CLUSTERED (A))");
+    EXPECT_EQ(out(ddl), "CREATE TABLE X (A INTEGER NOT NULL, B MONEY_REAL NULL DEFAULT (0), C DATETIME_TEXT, "
+                        "D NVARCHAR(25) NULL, E INTEGER (1,1), CONSTRAINT PK_X PRIMARY KEY  (A))");
+    const auto table = parseCreateTable(ddl);
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->name, QStringLiteral("X"));
+    ASSERT_EQ(table->columns.size(), 5);
+    EXPECT_EQ(table->columns[1].type, SqlType::Money);
+    EXPECT_EQ(table->columns[3].width, 25);
+    EXPECT_EQ(typeFromSqliteDeclared(QStringLiteral("MONEY_REAL")), SqlType::Money);
+    EXPECT_EQ(typeFromSqliteDeclared(QStringLiteral("DATETIME_TEXT")), SqlType::Date);
+}
+
+TEST(TSqlTranslate, SplitsStatementsOutsideLiteralsAndTriggerBodies)
+{
+    const QStringList parts = splitStatements(QStringLiteral(
+        "SELECT ';' AS A; UPDATE X SET A=1;CREATE TRIGGER T AFTER INSERT ON X BEGIN UPDATE X SET A=CASE WHEN 1=1 "
+        "THEN 2 END; END;"));
+    ASSERT_EQ(parts.size(), 3);
+    EXPECT_EQ(parts[0], QStringLiteral("SELECT ';' AS A"));
+    EXPECT_TRUE(parts[2].endsWith(QStringLiteral("END; END")));
+}
+
+TEST(TSqlRound, RoundsTheDecimalValueHalfAwayFromZero)
+{
+    EXPECT_DOUBLE_EQ(roundDecimal(2.675, 2), 2.68);
+    EXPECT_DOUBLE_EQ(roundDecimal(-2.675, 2), -2.68);
+    EXPECT_DOUBLE_EQ(roundDecimal(1.005, 2), 1.01);
+    EXPECT_DOUBLE_EQ(roundDecimal(2.5, 0), 3.0);
+    EXPECT_DOUBLE_EQ(roundDecimal(2.4999, 0), 2.0);
+    EXPECT_DOUBLE_EQ(roundDecimal(1234.5, -1), 1230.0);
+    EXPECT_DOUBLE_EQ(roundDecimal(1235, -1), 1240.0);
+    EXPECT_DOUBLE_EQ(roundDecimal(0.0004, 2), 0.0);
+    EXPECT_DOUBLE_EQ(roundDecimal(83.333333333333, 2), 83.33);
+}

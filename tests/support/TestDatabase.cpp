@@ -1,0 +1,59 @@
+#include "support/TestDatabase.h"
+
+#include "books/Schema.h"
+#include "session/Session.h"
+
+#include <gtest/gtest.h>
+
+namespace knjige::test {
+
+TestDatabase::TestDatabase(qint16 company, qint16 year)
+{
+    m_path = m_dir.filePath(QStringLiteral("knjige.db"));
+    QString error;
+    if (!createEmbeddedDatabase(m_path, &error))
+        ADD_FAILURE() << "schema: " << error.toStdString();
+    Session& s = session();
+    s.reset();
+    s.ConnString = m_path;
+    s.BrojPoduzeca = company;
+    s.RadnaGodina = year;
+}
+
+TestDatabase::~TestDatabase() { session().reset(); }
+
+Database& TestDatabase::db() { return session().db(); }
+
+void TestDatabase::exec(const QString& tsql)
+{
+    if (!db().execute(tsql))
+        ADD_FAILURE() << tsql.toStdString() << "\n  -> " << db().errorDescription().toStdString();
+}
+
+void TestDatabase::insert(const QString& table, const RowChange::Values& values)
+{
+    RowChange change;
+    change.kind = RowChange::Kind::Insert;
+    change.table = table;
+    change.values = values;
+    if (!db().writeRow(change))
+        ADD_FAILURE() << "insert into " << table.toStdString() << ": " << db().errorDescription().toStdString();
+}
+
+ResultSet TestDatabase::query(const QString& tsql)
+{
+    ResultSet rs;
+    if (!db().open(tsql, rs))
+        ADD_FAILURE() << tsql.toStdString() << "\n  -> " << db().errorDescription().toStdString();
+    return rs;
+}
+
+int TestDatabase::count(const QString& table)
+{
+    const ResultSet rs = query(QStringLiteral("SELECT COUNT(*) AS N FROM ") + table);
+    return rs.isEmpty() ? -1 : int(rs.integer(0, 0));
+}
+
+QVariant money(double amount) { return QVariant::fromValue(Money::fromDouble(amount)); }
+
+} // namespace knjige::test
