@@ -1,0 +1,329 @@
+#include "host/Cli.h"
+
+#include "books/DemoData.h"
+#include "books/Schema.h"
+#include "host/Csv.h"
+#include "session/ConnectionString.h"
+#include "session/Database.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStandardPaths>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace knjige::cli {
+namespace {
+
+enum Exit { Done = 0, Failed = 1, Usage = 2 };
+
+int complain(const QString& message, int code = Failed)
+{
+    QTextStream err(stderr);
+    err << message << '\n';
+    return code;
+}
+
+struct Options {
+    QMap<QString, QString> values;
+    QSet<QString> flags;
+    QStringList positional;
+    QString error;
+};
+
+// Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
+// looks like an option is refused, so a typing error never becomes a SQL text.
+Options parseOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions)
+{
+    Options o;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        const QString name = a.section(u'=', 0, 0);
+        if (valueOptions.contains(name)) {
+            if (a.contains(u'=')) {
+                o.values[name] = a.section(u'=', 1);
+            } else if (i + 1 < args.size()) {
+                o.values[name] = args[++i];
+            } else {
+                o.error = QStringLiteral("Opcija %1 traži vrijednost.").arg(name);
+                return o;
+            }
+        } else if (flagOptions.contains(a) || a == QLatin1String("--help") || a == QLatin1String("-h")) {
+            o.flags.insert(a == QLatin1String("-h") ? QStringLiteral("--help") : a);
+        } else if (a.startsWith(u'-') && a.size() > 1 && !a.contains(QRegularExpression(QStringLiteral("\\s")))) {
+            o.error = QStringLiteral("Nepoznata opcija: %1").arg(a);
+            return o;
+        } else {
+            o.positional << a;
+        }
+    }
+    return o;
+}
+
+void printUsage(const QString& usage)
+{
+    QTextStream out(stdout);
+    out << usage;
+}
+
+// A file being made: removed with SQLite's side files unless kept.
+class PendingFile {
+public:
+    explicit PendingFile(QString path) : m_path(std::move(path)) {}
+    ~PendingFile()
+    {
+        if (m_keep)
+            return;
+        for (const char* suffix : {"", "-journal", "-wal", "-shm"})
+            QFile::remove(m_path + QLatin1String(suffix));
+    }
+    void keep() { m_keep = true; }
+
+private:
+    QString m_path;
+    bool m_keep = false;
+};
+
+// An empty file is an empty SQLite database: made here so that the data layer, which
+// never creates a database it is only asked to open, can fill it. Made with the
+// user's usual permissions, as the finished database keeps them.
+QString makeEmptyFileBeside(const QString& target, QString* error)
+{
+    const QString folder = QFileInfo(target).absolutePath();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const QString name = QStringLiteral("%1/.knjige-nova-%2-%3.db")
+                                 .arg(folder)
+                                 .arg(QCoreApplication::applicationPid())
+                                 .arg(attempt);
+        QFile file(name);
+        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return name;
+        *error = file.errorString();
+        if (!file.exists())
+            break;
+    }
+    return {};
+}
+
+bool fillNewDatabase(const QString& path, bool demo, QString* message)
+{
+    Database db;
+    QString error;
+    if (!db.connect(QStringLiteral("sqlite:") + path)) {
+        *message = QStringLiteral("Bazu nije moguće otvoriti: ") + db.errorDescription();
+        return false;
+    }
+    if (!createSchema(db, &error)) {
+        *message = QStringLiteral("Izrada tablica nije uspjela: ") + error;
+        return false;
+    }
+    if (demo && !fillDemoData(db, &error)) {
+        *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
+        return false;
+    }
+    return true;
+}
+
+int createDatabase(const QString& path, bool demo, bool force)
+{
+    const QFileInfo target(path);
+    if (target.isDir())
+        return complain(QStringLiteral("Na putanji %1 je mapa, a ne datoteka baze.").arg(path));
+    if (target.exists() && !force)
+        return complain(QStringLiteral("Datoteka %1 već postoji. Ostaje nepromijenjena; dodajte --force ako je želite "
+                                       "zamijeniti novom bazom.")
+                            .arg(path));
+    QString error;
+    const QString fresh = makeEmptyFileBeside(path, &error);
+    if (fresh.isEmpty())
+        return complain(QStringLiteral("U mapi %1 nije moguće napraviti datoteku: %2").arg(target.absolutePath(), error));
+    PendingFile pending(fresh);
+    if (!fillNewDatabase(fresh, demo, &error))
+        return complain(error);
+    if (target.exists() && !QFile::remove(path))
+        return complain(QStringLiteral("Postojeću datoteku %1 nije moguće zamijeniti.").arg(path));
+    if (!QFile::rename(fresh, path))
+        return complain(QStringLiteral("Novu bazu nije moguće spremiti kao %1.").arg(path));
+    pending.keep();
+    QTextStream(stdout) << QStringLiteral("Napravljena je nova baza%1: %2\n")
+                               .arg(demo ? QStringLiteral(" s demo podacima") : QString(), path);
+    return Done;
+}
+
+// The connection string for --db or --conn; empty with the message printed when the
+// database cannot be reached without creating something.
+QString connectionFor(const Options& o, int* code)
+{
+    const bool hasDb = o.values.contains(QStringLiteral("--db"));
+    const bool hasConn = o.values.contains(QStringLiteral("--conn"));
+    if (hasDb == hasConn) {
+        *code = complain(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n")
+                             + queryUsage(),
+                         Usage);
+        return {};
+    }
+    QString path;
+    QString connection;
+    if (hasDb) {
+        path = o.values.value(QStringLiteral("--db"));
+        connection = QStringLiteral("sqlite:") + path;
+    } else {
+        connection = o.values.value(QStringLiteral("--conn"));
+        const ConnectionTarget target = parseConnectionString(connection);
+        if (target.kind == ConnectionTarget::Kind::Invalid) {
+            *code = complain(target.error);
+            return {};
+        }
+        path = target.sqlitePath;
+    }
+    if (!path.isEmpty() && !QFileInfo(path).isFile()) {
+        *code = complain(QStringLiteral("Datoteka baze %1 ne postoji (ništa nije napravljeno; novu bazu pravi "
+                                        "knjige init).")
+                             .arg(path));
+        return {};
+    }
+    return connection;
+}
+
+QString readStatement(const QString& argument)
+{
+    if (argument != QLatin1String("-"))
+        return argument;
+    QTextStream in(stdin);
+    return in.readAll();
+}
+
+int runStatement(Database& db, const QString& sql, bool withTypes)
+{
+    if (returnsRows(sql)) {
+        ResultSet rows;
+        if (!db.open(sql, rows))
+            return complain(QStringLiteral("Naredba nije izvršena: ") + db.errorDescription());
+        QTextStream out(stdout);
+        if (rows.fieldCount() > 0)
+            writeCsv(rows, withTypes, out);
+        return Done;
+    }
+    int affected = -1;
+    if (!db.execute(sql, &affected))
+        return complain(QStringLiteral("Naredba nije izvršena: ") + db.errorDescription());
+    if (affected > 0)
+        QTextStream(stderr) << QStringLiteral("Obrađeno redova: %1\n").arg(affected);
+    return Done;
+}
+
+} // namespace
+
+QString initUsage()
+{
+    return QStringLiteral(
+        "knjige init [--db PUTANJA] [--demo] [--force]\n"
+        "  Pravi novu ugrađenu bazu knjiga (SQLite) s tablicama svih knjiga.\n"
+        "  --db PUTANJA  datoteka nove baze (zadano: %1)\n"
+        "  --demo        upiše i demo poduzeće s knjigama za tekuću godinu\n"
+        "  --force       zamijeni postojeću datoteku (bez toga postojeća ostaje netaknuta)\n")
+        .arg(QDir::toNativeSeparators(defaultDatabasePath()));
+}
+
+QString queryUsage()
+{
+    return QStringLiteral(
+        "knjige query (--db PUTANJA | --conn CONNECTION_STRING) [--types] \"SQL\"\n"
+        "  Izvrši T-SQL naredbu kroz pristup podacima komponente i ispiše rezultat kao CSV:\n"
+        "  red s nazivima polja, zatim redovi podataka. Naredba bez redova (CREATE TABLE,\n"
+        "  INSERT, ...) ne ispisuje ništa. SQL \"-\" čita naredbu sa standardnog ulaza.\n"
+        "  --db PUTANJA    postojeća ugrađena baza (nikad se ne pravi nova)\n"
+        "  --conn TEKST    connection string: Provider=SQLOLEDB.1;Data Source=...;Initial Catalog=...,\n"
+        "                  ODBC (Driver=...;... ili DSN=...) ili putanja do datoteke baze\n"
+        "  --types         drugi red: vrsta podatka svakog polja (integer, currency, decimal,\n"
+        "                  float, date, text, boolean)\n");
+}
+
+QString defaultDatabasePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/knjige-demo.db");
+}
+
+bool returnsRows(const QString& sql)
+{
+    int i = 0;
+    while (i < sql.size()) {
+        if (sql[i].isSpace() || sql[i] == u'(') {
+            ++i;
+        } else if (sql.mid(i, 2) == QLatin1String("--")) {
+            const int end = sql.indexOf(u'\n', i);
+            i = end < 0 ? int(sql.size()) : end + 1;
+        } else if (sql.mid(i, 2) == QLatin1String("/*")) {
+            const int end = sql.indexOf(QLatin1String("*/"), i + 2);
+            i = end < 0 ? int(sql.size()) : end + 2;
+        } else {
+            break;
+        }
+    }
+    int end = i;
+    while (end < sql.size() && (sql[end].isLetter() || sql[end] == u'_'))
+        ++end;
+    static const QSet<QString> rowWords = {QStringLiteral("SELECT"), QStringLiteral("WITH"), QStringLiteral("EXEC"),
+                                           QStringLiteral("EXECUTE"), QStringLiteral("VALUES"),
+                                           QStringLiteral("PRAGMA")};
+    return rowWords.contains(sql.mid(i, end - i).toUpper());
+}
+
+int runInit(const QStringList& args)
+{
+    const Options o = parseOptions(args, {QStringLiteral("--db")}, {QStringLiteral("--demo"), QStringLiteral("--force")});
+    if (!o.error.isEmpty())
+        return complain(o.error + u'\n' + initUsage(), Usage);
+    if (o.flags.contains(QStringLiteral("--help"))) {
+        printUsage(initUsage());
+        return Done;
+    }
+    if (!o.positional.isEmpty())
+        return complain(QStringLiteral("Višak argumenata: %1\n").arg(o.positional.join(u' ')) + initUsage(), Usage);
+    const bool given = o.values.contains(QStringLiteral("--db"));
+    const QString path = QFileInfo(given ? o.values.value(QStringLiteral("--db")) : defaultDatabasePath())
+                             .absoluteFilePath();
+    if (path.isEmpty() || (given && o.values.value(QStringLiteral("--db")).trimmed().isEmpty()))
+        return complain(QStringLiteral("Opcija --db traži putanju datoteke.\n") + initUsage(), Usage);
+    const QString folder = QFileInfo(path).absolutePath();
+    // The folder of the default location is the program's own to make; a folder the
+    // user names must already be there.
+    if (!QFileInfo(folder).isDir() && (given || !QDir().mkpath(folder)))
+        return complain(QStringLiteral("Mapa %1 ne postoji.").arg(folder));
+    return createDatabase(path, o.flags.contains(QStringLiteral("--demo")), o.flags.contains(QStringLiteral("--force")));
+}
+
+int runQuery(const QStringList& args)
+{
+    const Options o = parseOptions(args, {QStringLiteral("--db"), QStringLiteral("--conn")}, {QStringLiteral("--types")});
+    if (!o.error.isEmpty())
+        return complain(o.error + u'\n' + queryUsage(), Usage);
+    if (o.flags.contains(QStringLiteral("--help"))) {
+        printUsage(queryUsage());
+        return Done;
+    }
+    if (o.positional.size() != 1)
+        return complain((o.positional.isEmpty() ? QStringLiteral("Nedostaje SQL naredba.\n")
+                                                : QStringLiteral("SQL naredbu zadajte kao jedan argument, u navodnicima.\n"))
+                            + queryUsage(),
+                        Usage);
+    int code = Done;
+    const QString connection = connectionFor(o, &code);
+    if (connection.isEmpty())
+        return code;
+    const QString sql = readStatement(o.positional.front());
+    if (sql.trimmed().isEmpty())
+        return complain(QStringLiteral("SQL naredba je prazna."), Usage);
+    Database db;
+    if (!db.connect(connection))
+        return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    return runStatement(db, sql, o.flags.contains(QStringLiteral("--types")));
+}
+
+} // namespace knjige::cli

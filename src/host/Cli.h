@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace knjige::cli {
+
+// The console commands. Each takes the arguments after its name, writes results to
+// standard output and problems to standard error, and returns the exit code:
+// 0 done, 1 the work failed, 2 the command line is wrong.
+int runInit(const QStringList& args);
+int runQuery(const QStringList& args);
+
+QString initUsage();
+QString queryUsage();
+
+// Where `knjige init` puts the database when no --db is given.
+QString defaultDatabasePath();
+
+// Whether a statement gives rows to print (SELECT, WITH, EXEC ...), judged by its
+// first word past comments and opening parentheses.
+bool returnsRows(const QString& sql);
+
+} // namespace knjige::cli

@@ -1,0 +1,76 @@
+#include "host/HostRights.h"
+
+#include "session/Session.h"
+
+namespace knjige::host {
+
+QString PravaRights::sql()
+{
+    return QStringLiteral("SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
+}
+
+void PravaRights::setConnectionString(const QString& connectionString)
+{
+    if (connectionString != m_connectionString)
+        m_loaded = false;
+    m_connectionString = connectionString;
+}
+
+void PravaRights::setOperatorName(const QString& operatorName)
+{
+    if (operatorName != m_operator)
+        m_loaded = false;
+    m_operator = operatorName;
+}
+
+Database& PravaRights::database()
+{
+    if (m_connectionString == session().ConnString)
+        return session().db();
+    if (!m_own)
+        m_own = std::make_unique<Database>();
+    m_own->connect(m_connectionString);
+    return *m_own;
+}
+
+// The operator's name is compared here rather than in the statement: it is the
+// person's text, and it never becomes part of SQL.
+void PravaRights::load()
+{
+    m_rights.clear();
+    m_loaded = true;
+    ResultSet rs;
+    if (!database().open(sql(), rs))
+        return;
+    const QString me = m_operator.trimmed();
+    for (int r = 0; r < rs.rowCount(); ++r)
+        if (rs.text(r, 0).trimmed().compare(me, Qt::CaseInsensitive) == 0)
+            m_rights.insert(rs.text(r, 1).trimmed());
+}
+
+bool PravaRights::opens(int bookKind) const
+{
+    return m_rights.isEmpty() || m_rights.contains(QString::number(bookKind));
+}
+
+bool PravaRights::mayOpenBook(int bookKind)
+{
+    load();
+    return opens(bookKind);
+}
+
+bool PravaRights::hasRight(int bookKind, Group group)
+{
+    if (!m_loaded)
+        load();
+    if (!opens(bookKind))
+        return false;
+    const QString prefix = QString::number(bookKind) + u'.';
+    bool anyGroupNamed = false;
+    for (const QString& right : std::as_const(m_rights))
+        if (right.startsWith(prefix))
+            anyGroupNamed = true;
+    return !anyGroupNamed || m_rights.contains(prefix + QString::number(int(group)));
+}
+
+} // namespace knjige::host

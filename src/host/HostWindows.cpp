@@ -1,0 +1,394 @@
+#include "host/HostWindows.h"
+
+#include "books/BookKind.h"
+#include "books/DemoData.h"
+#include "host/BookChooser.h"
+#include "host/Cli.h"
+#include "host/HostRights.h"
+#include "host/PartnerPicker.h"
+#include "session/ConnectionString.h"
+#include "session/HostServices.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+#include "session/widgets/DialogInteraction.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
+#include <QMap>
+#include <QPixmap>
+#include <QPushButton>
+#include <QTextStream>
+#include <QTimer>
+
+namespace knjige::host {
+namespace {
+
+enum Exit { Done = 0, Failed = 1, Usage = 2 };
+
+int complain(const QString& message, int code = Failed)
+{
+    QTextStream(stderr) << message << '\n';
+    return code;
+}
+
+bool refuse(int* code, const QString& message)
+{
+    *code = complain(message, Usage);
+    return false;
+}
+
+const QStringList kValueOptions = {QStringLiteral("--db"),       QStringLiteral("--conn"),
+                                   QStringLiteral("--company"),  QStringLiteral("--year"),
+                                   QStringLiteral("--operator"), QStringLiteral("--level"),
+                                   QStringLiteral("--screenshot")};
+
+struct Options {
+    QMap<QString, QString> values;
+    QStringList positional;
+    bool help = false;
+    QString error;
+};
+
+Options parseOptions(const QStringList& args)
+{
+    Options o;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        const QString name = a.section(u'=', 0, 0);
+        if (kValueOptions.contains(name)) {
+            if (a.contains(u'='))
+                o.values[name] = a.section(u'=', 1);
+            else if (i + 1 < args.size())
+                o.values[name] = args[++i];
+            else
+                o.error = QStringLiteral("Opcija %1 traži vrijednost.").arg(name);
+        } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
+            o.help = true;
+        } else if (a.startsWith(u'-') && a.size() > 1) {
+            o.error = QStringLiteral("Nepoznata opcija: %1").arg(a);
+        } else {
+            o.positional << a;
+        }
+        if (!o.error.isEmpty())
+            break;
+    }
+    return o;
+}
+
+bool hasDisplay()
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+           || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+QString noDisplayText()
+{
+    return QStringLiteral(
+        "Nema grafičkog zaslona: varijable DISPLAY i WAYLAND_DISPLAY nisu postavljene, pa se prozori ne mogu "
+        "prikazati.\n"
+        "Pokrenite program na virtualnom zaslonu (paket xvfb):\n"
+        "  xvfb-run -a knjige\n"
+        "  xvfb-run -a knjige open 96\n"
+        "ili snimite prozor u sliku bez zaslona:\n"
+        "  knjige --screenshot izbor.png\n"
+        "  knjige open 96 --screenshot knjiga.png\n");
+}
+
+// Stands in for the person while a window is drawn into a picture: messages go to
+// standard error, questions take their default, a dialog is confirmed with its
+// default button (and closed if that does not close it), nothing else is chosen.
+class UnattendedInteraction final : public Interaction {
+public:
+    Answer show(const Message& m) override
+    {
+        QTextStream(stderr) << (m.title.isEmpty() ? QString() : m.title + QStringLiteral(": ")) << m.text << '\n';
+        return m.buttons == Buttons::Ok ? Answer::Ok : m.defaultAnswer;
+    }
+    int exec(QDialog& dialog) override
+    {
+        QTimer::singleShot(0, &dialog, [&dialog] {
+            for (QPushButton* b : dialog.findChildren<QPushButton*>())
+                if (b->isDefault() && b->isVisible() && b->isEnabled()) {
+                    b->click();
+                    break;
+                }
+        });
+        QTimer::singleShot(200, &dialog, [&dialog] {
+            if (dialog.isVisible())
+                dialog.reject();
+        });
+        return dialog.exec();
+    }
+    QString chooseSaveFile(const FileChoice&) override { return {}; }
+    QString chooseOpenFile(const FileChoice&) override { return {}; }
+    bool startProgram(const QString&, const QStringList&) override { return false; }
+};
+
+QString operatorFromSystem()
+{
+    QString name = qEnvironmentVariable("USER");
+    if (name.isEmpty())
+        name = qEnvironmentVariable("USERNAME");
+    return name.isEmpty() ? QStringLiteral("operater") : name;
+}
+
+// The connection the window commands work on; empty with the problem printed. The
+// demo database is made where it is missing, and only that one.
+QString connectionFor(const Options& o, bool* isDemo, int* code)
+{
+    *isDemo = false;
+    if (o.values.contains(QStringLiteral("--db")) && o.values.contains(QStringLiteral("--conn"))) {
+        *code = complain(QStringLiteral("Zadajte bazu s --db ili s --conn, ne oboje."), Usage);
+        return {};
+    }
+    if (o.values.contains(QStringLiteral("--conn"))) {
+        const QString conn = o.values.value(QStringLiteral("--conn"));
+        const ConnectionTarget target = parseConnectionString(conn);
+        if (target.kind == ConnectionTarget::Kind::Invalid) {
+            *code = complain(target.error);
+            return {};
+        }
+        if (target.kind == ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
+            *code = complain(QStringLiteral("Datoteka baze %1 ne postoji.").arg(target.sqlitePath));
+            return {};
+        }
+        return conn;
+    }
+    if (o.values.contains(QStringLiteral("--db"))) {
+        const QString path = o.values.value(QStringLiteral("--db"));
+        if (!QFileInfo(path).isFile()) {
+            *code = complain(
+                QStringLiteral("Datoteka baze %1 ne postoji (novu bazu pravi: knjige init --db PUTANJA).").arg(path));
+            return {};
+        }
+        return QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath();
+    }
+    const QString demo = cli::defaultDatabasePath();
+    if (!QFileInfo(demo).isFile() && cli::runInit({QStringLiteral("--demo")}) != 0) {
+        *code = complain(QStringLiteral("Demo bazu %1 nije moguće napraviti.").arg(QDir::toNativeSeparators(demo)));
+        return {};
+    }
+    *isDemo = true;
+    return QStringLiteral("sqlite:") + demo;
+}
+
+// The session values from the command line, checked before any database is touched.
+bool valuesFor(const Options& o, BookRequest* r, int* code)
+{
+    bool ok = true;
+    r->year = qint16(QDate::currentDate().year());
+    if (o.values.contains(QStringLiteral("--year"))) {
+        const int year = o.values.value(QStringLiteral("--year")).toInt(&ok);
+        if (!ok || year < 1900 || year > 2100)
+            return refuse(code, QStringLiteral("Neispravna godina: %1").arg(o.values.value(QStringLiteral("--year"))));
+        r->year = qint16(year);
+    }
+    r->company = demo::BrojPoduzeca;
+    if (o.values.contains(QStringLiteral("--company"))) {
+        const int company = o.values.value(QStringLiteral("--company")).toInt(&ok);
+        if (!ok || company < 1 || company > 32767)
+            return refuse(code,
+                          QStringLiteral("Neispravan broj firme: %1").arg(o.values.value(QStringLiteral("--company"))));
+        r->company = qint16(company);
+    }
+    r->operatorName = o.values.value(QStringLiteral("--operator"), operatorFromSystem());
+    r->level = o.values.value(QStringLiteral("--level"), QStringLiteral("0"));
+    if (r->level.size() != 1 || !r->level[0].isDigit())
+        return refuse(code, QStringLiteral("Nivo pristupa je jedna znamenka (0, 1, 2, ...): %1").arg(r->level));
+    return true;
+}
+
+// The request from the command line; the company is the database's first one when
+// none is given (the demo company in the demo database).
+bool requestFor(const Options& o, BookRequest* r, int* code)
+{
+    if (!valuesFor(o, r, code))
+        return false;
+    bool isDemo = false;
+    r->connString = connectionFor(o, &isDemo, code);
+    if (r->connString.isEmpty())
+        return false;
+    if (!o.values.contains(QStringLiteral("--company")) && !isDemo) {
+        Database db;
+        ResultSet rs;
+        if (db.connect(r->connString) && db.open(QStringLiteral("SELECT MIN(BrojPoduzeca) AS B FROM dbo.CONFIG"), rs)
+            && !rs.isEmpty() && !rs.isNull(0, 0))
+            r->company = qint16(rs.integer(0, 0));
+    }
+    return true;
+}
+
+int saveScreenshot(QWidget* window, const QString& file)
+{
+    window->show();
+    window->raise();
+    for (int i = 0; i < 5; ++i)
+        QCoreApplication::processEvents();
+    if (!window->grab().save(file))
+        return complain(QStringLiteral("Sliku %1 nije moguće spremiti.").arg(file));
+    QTextStream(stdout) << QStringLiteral("Slika prozora spremljena: %1\n").arg(file);
+    return Done;
+}
+
+// Ends the session's connections and the host's services while the application
+// still exists: the data layer's connections must not outlive it.
+struct WindowsScope {
+    ~WindowsScope()
+    {
+        session().db().disconnect();
+        installHostServices({});
+    }
+};
+
+// What every window command does first: the seam for the person and the host's
+// services. While drawing into a picture nobody is at the screen.
+void startWindows(const Options& o)
+{
+    QApplication::setApplicationDisplayName(QStringLiteral("Knjige"));
+    if (o.values.contains(QStringLiteral("--screenshot")))
+        setInteraction(std::make_unique<UnattendedInteraction>());
+    else
+        ensureDialogInteraction();
+    installProgramServices();
+}
+
+// "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH".
+int bookCodeOf(const QString& text)
+{
+    bool number = false;
+    const int code = text.toInt(&number);
+    if (number)
+        return findBook(code) ? code : 0;
+    const QString name = text.section(u'.', -1);
+    for (const BookKind& b : allBooks())
+        if (b.className.compare(name, Qt::CaseInsensitive) == 0)
+            return b.code;
+    return 0;
+}
+
+QString bookList()
+{
+    QString out;
+    for (const BookKind& b : allBooks())
+        out += QStringLiteral("  %1  %2\n").arg(b.code, 3).arg(b.caption);
+    return out;
+}
+
+QString commonOptions()
+{
+    return QStringLiteral(
+        "  --db PUTANJA      ugrađena baza (zadano: demo baza %1, napravi se pri prvom pokretanju)\n"
+        "  --conn TEKST      connection string baze (SQL Server: Provider=SQLOLEDB.1;Data Source=...)\n"
+        "  --company BROJ    broj firme (zadano: firma iz baze)\n"
+        "  --year GODINA     radna godina (zadano: tekuća)\n"
+        "  --operator IME    ime operatera (zadano: korisnik sustava)\n"
+        "  --level N         nivo pristupa, jedna znamenka (zadano: 0)\n"
+        "  --screenshot SLIKA.png  nacrta prozor u sliku (bez zaslona) i završi\n")
+        .arg(QDir::toNativeSeparators(cli::defaultDatabasePath()));
+}
+
+} // namespace
+
+void installProgramServices()
+{
+    HostServices services;
+    services.rights = std::make_unique<PravaRights>();
+    services.partners = std::make_unique<KomitentRegister>(KomitentRegister::Kind::Partners);
+    services.shops = std::make_unique<KomitentRegister>(KomitentRegister::Kind::Shops);
+    installHostServices(std::move(services));
+}
+
+int prepareWindowSystem(const QStringList& args)
+{
+    const bool picture = args.contains(QStringLiteral("--screenshot"))
+                         || !args.filter(QStringLiteral("--screenshot=")).isEmpty();
+    const bool help = args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
+    if ((picture || help) && !hasDisplay())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!hasDisplay())
+        return complain(noDisplayText());
+    return Done;
+}
+
+QString chooserUsage()
+{
+    return QStringLiteral("knjige [opcije]\n"
+                          "  Izbor knjige: dvanaest knjiga, firma, radna godina, operater; \"Otvori\" otvara\n"
+                          "  knjigu kao što to čini glavni program.\n")
+           + commonOptions();
+}
+
+QString openUsage()
+{
+    return QStringLiteral("knjige open KNJIGA [opcije]\n"
+                          "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
+           + bookList() + commonOptions();
+}
+
+int runChooser(const QStringList& args)
+{
+    const Options o = parseOptions(args);
+    if (!o.error.isEmpty())
+        return complain(o.error + u'\n' + chooserUsage(), Usage);
+    if (o.help) {
+        QTextStream(stdout) << chooserUsage();
+        return Done;
+    }
+    if (!o.positional.isEmpty())
+        return complain(QStringLiteral("Nepoznata naredba: %1\n").arg(o.positional.first()) + chooserUsage(), Usage);
+    BookRequest request;
+    int code = Done;
+    if (!requestFor(o, &request, &code))
+        return code;
+    QStringList given;
+    for (const char* key : {"company", "operator", "level"})
+        if (o.values.contains(QStringLiteral("--") + QString::fromLatin1(key)))
+            given << QString::fromLatin1(key);
+    WindowsScope scope;
+    startWindows(o);
+    BookChooser chooser(BookChooser::remembered(request, given));
+    chooser.show();
+    if (o.values.contains(QStringLiteral("--screenshot")))
+        return saveScreenshot(&chooser, o.values.value(QStringLiteral("--screenshot")));
+    return QApplication::exec();
+}
+
+int runOpen(const QStringList& args)
+{
+    const Options o = parseOptions(args);
+    if (!o.error.isEmpty())
+        return complain(o.error + u'\n' + openUsage(), Usage);
+    if (o.help) {
+        QTextStream(stdout) << openUsage();
+        return Done;
+    }
+    if (o.positional.size() != 1)
+        return complain(QStringLiteral("Zadajte jednu knjigu.\n") + openUsage(), Usage);
+    const int book = bookCodeOf(o.positional.first());
+    if (!book)
+        return complain(QStringLiteral("Nepoznata knjiga: %1\n").arg(o.positional.first()) + openUsage(), Usage);
+    BookRequest request;
+    int code = Done;
+    if (!requestFor(o, &request, &code))
+        return code;
+    WindowsScope scope;
+    startWindows(o);
+    QWidget* browser = openBook(book, request);
+    if (!browser)
+        return complain(QStringLiteral("Knjiga %1 nije otvorena.").arg(book));
+    if (o.values.contains(QStringLiteral("--screenshot"))) {
+        const int result = saveScreenshot(browser, o.values.value(QStringLiteral("--screenshot")));
+        browser->close();
+        return result;
+    }
+    return QApplication::exec();
+}
+
+} // namespace knjige::host

@@ -1,0 +1,94 @@
+// The knjige program: the book component's own host and its administrator's tools.
+// Each subcommand is one row of the table below; a command that opens windows says
+// so and runs under a QApplication, the others under a QCoreApplication so that they
+// work without a display.
+
+#include "host/Cli.h"
+#include "host/HostWindows.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QStringList>
+#include <QTextStream>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+struct Command {
+    const char* name;
+    bool windows;                    // needs the window system
+    int (*run)(const QStringList&);  // the arguments after the command's name
+    QString (*usage)();
+};
+
+const Command commands[] = {
+    {"init", false, knjige::cli::runInit, knjige::cli::initUsage},
+    {"query", false, knjige::cli::runQuery, knjige::cli::queryUsage},
+    {"open", true, knjige::host::runOpen, knjige::host::openUsage},
+};
+
+// The book chooser: the program with no command, or with only the chooser's options.
+const Command chooser = {"", true, knjige::host::runChooser, knjige::host::chooserUsage};
+
+const Command* findCommand(const char* name)
+{
+    for (const Command& c : commands)
+        if (std::strcmp(c.name, name) == 0)
+            return &c;
+    return nullptr;
+}
+
+QString help()
+{
+    QString text = QStringLiteral("Knjige: poslovne knjige za mala poduzeća i obrtnike u BiH.\n\n"
+                                  "Upotreba: knjige <naredba> [opcije]\n\nNaredbe:\n\n");
+    text += chooser.usage() + u'\n';
+    for (const Command& c : commands)
+        text += c.usage() + u'\n';
+    text += QStringLiteral("knjige --help\n  Ovaj pregled. Opcije jedne naredbe: knjige <naredba> --help\n");
+    return text;
+}
+
+bool isHelp(const char* arg)
+{
+    return std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0 || std::strcmp(arg, "help") == 0;
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool windows)
+{
+    if (windows)
+        return std::make_unique<QApplication>(argc, argv);
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Command* command = argc > 1 ? findCommand(argv[1]) : nullptr;
+    int skip = 2;  // the program's name and the command's
+    if (!command && (argc <= 1 || (argv[1][0] == '-' && !isHelp(argv[1])))) {
+        command = &chooser;
+        skip = 1;
+    }
+    if (command && command->windows) {
+        QStringList rest;
+        for (int i = skip; i < argc; ++i)
+            rest << QString::fromLocal8Bit(argv[i]);
+        if (const int refused = knjige::host::prepareWindowSystem(rest))
+            return refused;
+    }
+    const auto app = makeApplication(argc, argv, command && command->windows);
+    QCoreApplication::setApplicationName(QStringLiteral("knjige"));
+    if (!command) {
+        if (isHelp(argv[1])) {
+            QTextStream(stdout) << help();
+            return 0;
+        }
+        QTextStream(stderr) << QStringLiteral("Nepoznata naredba: %1\n\n").arg(QString::fromLocal8Bit(argv[1])) << help();
+        return 2;
+    }
+    return command->run(QCoreApplication::arguments().mid(skip));
+}

@@ -1,0 +1,186 @@
+# End-to-end check of the command-line tool: knjige init and knjige query.
+# Called with -DKNJIGE=<the program> -DWORK=<a folder it may wipe>.
+
+if(NOT KNJIGE OR NOT WORK)
+  message(FATAL_ERROR "cli_smoke: pass -DKNJIGE=<program> and -DWORK=<folder>")
+endif()
+get_filename_component(KNJIGE "${KNJIGE}" ABSOLUTE)
+get_filename_component(WORK "${WORK}" ABSOLUTE)
+file(REMOVE_RECURSE "${WORK}")
+file(MAKE_DIRECTORY "${WORK}")
+
+# Runs the program; sets <prefix>_rc, <prefix>_out, <prefix>_err. CMake splits
+# arguments at semicolons, so connection strings write them as <semi>.
+function(knjige prefix)
+  set(args)
+  foreach(a IN LISTS ARGN)
+    string(REPLACE "<semi>" "\\;" a "${a}")
+    list(APPEND args "${a}")
+  endforeach()
+  execute_process(COMMAND "${KNJIGE}" ${args}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err WORKING_DIRECTORY "${WORK}")
+  set(${prefix}_rc "${rc}" PARENT_SCOPE)
+  set(${prefix}_out "${out}" PARENT_SCOPE)
+  set(${prefix}_err "${err}" PARENT_SCOPE)
+endfunction()
+
+function(expect_ok prefix what)
+  if(NOT "${${prefix}_rc}" STREQUAL "0")
+    message(FATAL_ERROR "${what}: exit code ${${prefix}_rc}\nstdout: ${${prefix}_out}\nstderr: ${${prefix}_err}")
+  endif()
+endfunction()
+
+# A refusal: a non-zero exit code and a message on stderr containing `text`.
+function(expect_refusal prefix what text)
+  if("${${prefix}_rc}" STREQUAL "0")
+    message(FATAL_ERROR "${what}: expected a failure, got exit code 0\nstdout: ${${prefix}_out}")
+  endif()
+  string(FIND "${${prefix}_err}" "${text}" at)
+  if(at LESS 0)
+    message(FATAL_ERROR "${what}: stderr lacks \"${text}\"\nstderr: ${${prefix}_err}")
+  endif()
+endfunction()
+
+function(expect_equal actual expected what)
+  if(NOT "${actual}" STREQUAL "${expected}")
+    message(FATAL_ERROR "${what}:\n--- expected ---\n${expected}\n--- actual ---\n${actual}")
+  endif()
+endfunction()
+
+function(expect_missing path what)
+  if(EXISTS "${path}")
+    message(FATAL_ERROR "${what}: ${path} was created")
+  endif()
+endfunction()
+
+set(db "${WORK}/knjige.db")
+
+# --- help lists every command ---------------------------------------------------------
+knjige(help --help)
+expect_ok(help "knjige --help")
+foreach(command "knjige init" "knjige query")
+  string(FIND "${help_out}" "${command}" at)
+  if(at LESS 0)
+    message(FATAL_ERROR "knjige --help does not list ${command}:\n${help_out}")
+  endif()
+endforeach()
+
+# --- init: a new schema-only database, never over an existing one ------------------------
+knjige(init init --db "${db}")
+expect_ok(init "init --db")
+if(NOT EXISTS "${db}")
+  message(FATAL_ERROR "init --db did not create ${db}")
+endif()
+file(SHA256 "${db}" first_hash)
+knjige(again init --db "${db}")
+expect_refusal(again "init over an existing file" "--force")
+file(SHA256 "${db}" second_hash)
+expect_equal("${second_hash}" "${first_hash}" "init without --force changed the existing file")
+knjige(nofolder init --db "${WORK}/nema/mape/knjige.db")
+expect_refusal(nofolder "init into a missing folder" "nema/mape")
+expect_missing("${WORK}/nema" "init into a missing folder")
+file(GLOB leftovers "${WORK}/.knjige-nova-*")
+expect_equal("${leftovers}" "" "init left half-made files behind")
+
+if(NOT WIN32)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E env "XDG_DATA_HOME=${WORK}/data" "${KNJIGE}" init
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0 OR NOT EXISTS "${WORK}/data/knjige/knjige-demo.db")
+    message(FATAL_ERROR "init without --db: exit ${rc}, no ${WORK}/data/knjige/knjige-demo.db\n${out}${err}")
+  endif()
+endif()
+
+# --- query: the book tables with their types ---------------------------------------------
+knjige(empty query --db "${db}" --types "SELECT RBroj, Datum, Iznos, Opis FROM dbo.KnjPrihRashFBiH ORDER BY RBroj")
+expect_ok(empty "query of an empty book")
+expect_equal("${empty_out}" "RBroj,Datum,Iznos,Opis\ninteger,date,currency,text\n" "query of an empty book")
+
+# --- query: T-SQL DDL and writes for the tables of other modules -----------------------
+knjige(ddl query --db "${db}" "CREATE TABLE dbo.Ifakture (BrojPoduzeca smallint NOT NULL, GodinaKnj smallint, BrojIfakt int, Vrsta nvarchar(3), OrgJed int, DatumIfakt datetime, IznosIfakt money, Napomena nvarchar(40))")
+expect_ok(ddl "CREATE TABLE through query")
+expect_equal("${ddl_out}" "" "CREATE TABLE prints nothing")
+foreach(row
+    "1, 2016, 10, 'DGP', 2, '03.15.2016', 1234.5, 'Pazar, \"Centar\"'"
+    "1, 2016, 11, 'DGP', 2, '03.16.2016', 0.125, NULL"
+    "1, 2016, 12, 'VP', 2, '12.31.2016', -7, 'drugo'")
+  knjige(ins query --db "${db}" "INSERT INTO dbo.Ifakture (BrojPoduzeca, GodinaKnj, BrojIfakt, Vrsta, OrgJed, DatumIfakt, IznosIfakt, Napomena) VALUES (${row})")
+  expect_ok(ins "INSERT through query")
+  expect_equal("${ins_out}" "" "INSERT prints nothing on stdout")
+endforeach()
+
+knjige(sel query --db "${db}" --types "SELECT K.BrojIfakt, K.DatumIfakt, K.IznosIfakt AS Iznos, left('Pazar '+rtrim(cast(K.OrgJed as nvarchar(15))),20) AS Isprava, K.Napomena FROM Ifakture K WHERE K.Vrsta='DGP' AND K.DATUMIFAKT >= '03.01.2016' AND K.DATUMIFAKT<='03.31.2016' ORDER BY K.DatumIfakt")
+expect_ok(sel "SELECT through query")
+expect_equal("${sel_out}" "BrojIfakt,DatumIfakt,Iznos,Isprava,Napomena
+integer,date,currency,text,text
+10,2016-03-15,1234.5,Pazar 2,\"Pazar, \"\"Centar\"\"\"
+11,2016-03-16,0.125,Pazar 2,
+" "SELECT with T-SQL functions, month-first dates, quoting and NULL")
+
+knjige(sum query --db "${db}" --types "SELECT COUNT(*) AS Broj, SUM(IznosIfakt) AS Ukupno, ISNULL(MAX(BrojIfakt),0) AS Zadnji FROM dbo.Ifakture WHERE BrojPoduzeca=1")
+expect_ok(sum "aggregate through query")
+expect_equal("${sum_out}" "Broj,Ukupno,Zadnji\ninteger,currency,integer\n3,1227.625,12\n" "aggregates")
+
+# The same statement read through the ODBC backend (the SQLite ODBC driver) gives the
+# same rows, when that driver is installed.
+knjige(odbc query --conn "DRIVER={SQLite3}<semi>Database=${db}" "SELECT BrojIfakt, Vrsta, DatumIfakt FROM Ifakture ORDER BY BrojIfakt")
+if(odbc_rc EQUAL 0)
+  expect_equal("${odbc_out}" "BrojIfakt,Vrsta,DatumIfakt\n10,DGP,2016-03-15\n11,DGP,2016-03-16\n12,VP,2016-12-31\n"
+    "query through ODBC")
+else()
+  message(STATUS "cli_smoke: the SQLite ODBC driver is not usable here, ODBC query not checked: ${odbc_err}")
+endif()
+
+# --- bad input: a clear message, a non-zero exit, nothing created ------------------------
+knjige(missing query --db "${WORK}/nema.db" "SELECT 1")
+expect_refusal(missing "query of a missing file" "nema.db")
+expect_missing("${WORK}/nema.db" "query of a missing file")
+
+knjige(missing2 query --conn "Data Source=${WORK}/nema2.db" "CREATE TABLE x (a int)")
+expect_refusal(missing2 "query through a connection string to a missing file" "nema2.db")
+expect_missing("${WORK}/nema2.db" "query through a connection string to a missing file")
+
+knjige(badconn query --conn "Provider=SQLOLEDB.1<semi>Data Source=srv<semi>User ID=sa<semi>Password=tajna" "SELECT 1")
+expect_refusal(badconn "query with a connection string without a catalog"
+  "Neispravan connection string: nedostaje Initial Catalog (naziv baze).")
+string(FIND "${badconn_err}" "tajna" at)
+if(at GREATER -1)
+  message(FATAL_ERROR "the error message shows the password: ${badconn_err}")
+endif()
+
+knjige(badsql query --db "${db}" "SELECT Nema FROM dbo.Ifakture")
+expect_refusal(badsql "a failing statement" "Naredba nije izvršena: ")
+knjige(badtable query --db "${db}" "INSERT INTO dbo.NemaTablice (a) VALUES (1)")
+expect_refusal(badtable "a write to a missing table" "NemaTablice")
+
+knjige(nosql query --db "${db}")
+expect_refusal(nosql "query without a statement" "SQL")
+knjige(both query --db "${db}" --conn "x.db" "SELECT 1")
+expect_refusal(both "query with --db and --conn" "--db")
+knjige(option query --db "${db}" --tipovi "SELECT 1")
+expect_refusal(option "query with an unknown option" "--tipovi")
+
+if(NOT WIN32)
+  execute_process(COMMAND id -u OUTPUT_VARIABLE uid OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT uid STREQUAL "0")   # file permissions do not bind the superuser
+    file(COPY_FILE "${db}" "${WORK}/samo-citanje.db")
+    file(CHMOD "${WORK}/samo-citanje.db" PERMISSIONS OWNER_READ GROUP_READ WORLD_READ)
+    knjige(readonly query --db "${WORK}/samo-citanje.db" "INSERT INTO dbo.Ifakture (BrojPoduzeca) VALUES (9)")
+    expect_refusal(readonly "a write to a read-only file" "Naredba nije izvršena: ")
+    knjige(readonly_read query --db "${WORK}/samo-citanje.db" "SELECT COUNT(*) AS Broj FROM dbo.Ifakture")
+    expect_ok(readonly_read "a read of a read-only file")
+    expect_equal("${readonly_read_out}" "Broj\n3\n" "a read of a read-only file")
+  endif()
+endif()
+
+# --- init --demo --force: replaces the file with the demonstration company --------------
+knjige(demo init --db "${db}" --demo --force)
+expect_ok(demo "init --demo --force")
+knjige(demorows query --db "${db}" "SELECT COUNT(*) AS Broj FROM dbo.KnjPrihRashFBiH")
+expect_ok(demorows "query of the demo book")
+if(demorows_out MATCHES "^Broj\n0\n$" OR NOT demorows_out MATCHES "^Broj\n[0-9]+\n$")
+  message(FATAL_ERROR "init --demo wrote no income and expense entries: ${demorows_out}")
+endif()
+knjige(replaced query --db "${db}" "SELECT COUNT(*) AS Broj FROM dbo.Ifakture")
+expect_refusal(replaced "the replaced database still has the old table" "Ifakture")
+
+message(STATUS "cli_smoke: all checks passed")
