@@ -3,6 +3,8 @@
 #include "books/BookKind.h"
 #include "session/Interaction.h"
 
+#include <QCoreApplication>
+
 #include <memory>
 
 namespace knjige {
@@ -16,6 +18,14 @@ Session& session()
 Database& Session::db()
 {
     static Database helper;
+    // The database drivers go with the application object; close the connection
+    // while they are still there rather than at static destruction.
+    static const bool closesWithApplication = [] {
+        if (QCoreApplication::instance())
+            qAddPostRoutine([] { helper.disconnect(); });
+        return true;
+    }();
+    Q_UNUSED(closesWithApplication);
     if (helper.connectionString() != ConnString || !helper.isConnected())
         helper.connect(ConnString);
     return helper;

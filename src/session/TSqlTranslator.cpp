@@ -434,7 +434,7 @@ public:
         int i = from;
         for (const Node* kid : kids) {
             copy(i, kid->first - 1, out);
-            out += node(kid);
+            join(out, node(kid));
             i = kid->last + 1;
         }
         copy(i, to, out);
@@ -445,7 +445,7 @@ public:
     {
         for (int i = from; i <= to; ++i) {
             const auto r = m_edits.replace.constFind(i);
-            out += r != m_edits.replace.constEnd() ? *r : m_tokens[i].text;
+            join(out, r != m_edits.replace.constEnd() ? *r : m_tokens[i].text);
             const auto a = m_edits.append.constFind(i);
             if (a != m_edits.append.constEnd())
                 out += *a;
@@ -453,6 +453,16 @@ public:
     }
 
 private:
+    // T-SQL lets a number touch the next keyword ("GODINAKNJ=2016AND BrojProd=2");
+    // SQLite reads "2016AND" as one bad token, so two word pieces get a blank between.
+    static void join(QString& out, const QString& piece)
+    {
+        const auto wordChar = [](QChar c) { return c.isLetterOrNumber() || c == u'_'; };
+        if (!out.isEmpty() && !piece.isEmpty() && wordChar(out.back()) && wordChar(piece.front()))
+            out += u' ';
+        out += piece;
+    }
+
     QString castText(const Node* n) const
     {
         const QString inner = node(n->a);

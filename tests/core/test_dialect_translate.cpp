@@ -210,3 +210,11 @@ TEST(TSqlRound, RoundsTheDecimalValueHalfAwayFromZero)
     EXPECT_DOUBLE_EQ(roundDecimal(0.0004, 2), 0.0);
     EXPECT_DOUBLE_EQ(roundDecimal(83.333333333333, 2), 83.33);
 }
+
+TEST(TSqlTranslate, ANumberTouchingTheNextKeywordGetsABlank)
+{
+    // The trade books read an entry with the year and AND written together.
+    EXPECT_EQ(out(QStringLiteral("SELECT * FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND "
+                                 "BrojProd=2 AND RBroj=1")),
+              "SELECT * FROM TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016 AND BrojProd=2 AND RBroj=1");
+}
