@@ -25,15 +25,20 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-namespace knjige::host {
-namespace {
+namespace knjige::host
+{
+namespace
+{
 
 const char* const kCompanyKey = "IzborKnjigeFirma";
 const char* const kOperatorKey = "IzborKnjigeOperater";
 const char* const kLevelKey = "IzborKnjigeNivo";
 const char* const kLastBookKey = "IzborKnjigeZadnja";
 
-QString storedText(const char* key) { return settings::text(settings::sharedApplication(), settings::section(), QString::fromLatin1(key)); }
+QString storedText(const char* key)
+{
+    return settings::text(settings::sharedApplication(), settings::section(), QString::fromLatin1(key));
+}
 void store(const char* key, const QString& value)
 {
     settings::setText(settings::sharedApplication(), settings::section(), QString::fromLatin1(key), value);
@@ -48,11 +53,12 @@ struct Group {
 const QVector<Group>& groups()
 {
     static const QVector<Group> list = {
-        {"Federacija BiH", {Knjiga::PrihRashFBiH, Knjiga::EvidPotObvFBiH, Knjiga::PrometaFBiH, Knjiga::PopListaFBiH}},
-        {"Republika Srpska",
-         {Knjiga::PrihodaRS, Knjiga::RashodaRS, Knjiga::EvidPotObvRS, Knjiga::PrometaRS, Knjiga::PopListaRS}},
-        {"Brčko distrikt", {Knjiga::PrihRashDB}},
-        {"Trgovačke knjige", {Knjiga::TrgUsluga, Knjiga::TrgKomisiona}},
+        { "Federacija BiH",
+            { Knjiga::PrihRashFBiH, Knjiga::EvidPotObvFBiH, Knjiga::PrometaFBiH, Knjiga::PopListaFBiH } },
+        { "Republika Srpska",
+            { Knjiga::PrihodaRS, Knjiga::RashodaRS, Knjiga::EvidPotObvRS, Knjiga::PrometaRS, Knjiga::PopListaRS } },
+        { "Brčko distrikt", { Knjiga::PrihRashDB } },
+        { "Trgovačke knjige", { Knjiga::TrgUsluga, Knjiga::TrgKomisiona } },
     };
     return list;
 }
@@ -64,9 +70,9 @@ QString describeConnection(const QString& connString)
     if (target.kind == ConnectionTarget::Kind::Sqlite)
         return QStringLiteral("Baza: ") + QDir::toNativeSeparators(target.sqlitePath);
     QString shown = connString;
-    shown.replace(QRegularExpression(QStringLiteral("((?:Password|PWD)\\s*=)[^;]*"),
-                                     QRegularExpression::CaseInsensitiveOption),
-                  QStringLiteral("\\1*****"));
+    shown.replace(
+        QRegularExpression(QStringLiteral("((?:Password|PWD)\\s*=)[^;]*"), QRegularExpression::CaseInsensitiveOption),
+        QStringLiteral("\\1*****"));
     return QStringLiteral("Veza: ") + shown;
 }
 
@@ -131,7 +137,8 @@ BookChooser::BookChooser(const BookRequest& defaults, QWidget* parent)
     auto* header = new QFrame(this);
     header->setObjectName(QStringLiteral("fraZaglavlje"));
     header->setAutoFillBackground(true);
-    header->setStyleSheet(QStringLiteral("#fraZaglavlje { background: #2b4c6f; } #fraZaglavlje QLabel { color: white; }"));
+    header->setStyleSheet(
+        QStringLiteral("#fraZaglavlje { background: #2b4c6f; } #fraZaglavlje QLabel { color: white; }"));
     auto* headerLayout = new QVBoxLayout(header);
     headerLayout->setContentsMargins(16, 10, 16, 10);
     headerLayout->addWidget(m_title);
@@ -153,7 +160,7 @@ BookChooser::BookChooser(const BookRequest& defaults, QWidget* parent)
 
     auto* hint = new QLabel(QStringLiteral("Knjigu otvara dvostruki klik, tipka Enter ili gumb \"Otvori\". "
                                            "Otvorena knjiga radi s firmom, godinom i operaterom upisanim ovdje."),
-                            this);
+        this);
     hint->setWordWrap(true);
     hint->setForegroundRole(QPalette::PlaceholderText);
     auto* buttons = new QHBoxLayout;
@@ -209,7 +216,7 @@ BookChooser::BookChooser(const BookRequest& defaults, QWidget* parent)
 void BookChooser::buildList()
 {
     m_books->setObjectName(QStringLiteral("tvKnjige"));
-    m_books->setHeaderLabels({QStringLiteral("Knjiga"), QStringLiteral("Šifra")});
+    m_books->setHeaderLabels({ QStringLiteral("Knjiga"), QStringLiteral("Šifra") });
     m_books->setColumnCount(2);
     m_books->setAlternatingRowColors(true);
     m_books->setUniformRowHeights(true);
@@ -217,14 +224,14 @@ void BookChooser::buildList()
     m_books->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_books->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     for (const Group& g : groups()) {
-        auto* heading = new QTreeWidgetItem(m_books, {QString::fromUtf8(g.title)});
+        auto* heading = new QTreeWidgetItem(m_books, { QString::fromUtf8(g.title) });
         QFont bold = heading->font(0);
         bold.setBold(true);
         heading->setFont(0, bold);
         heading->setFlags(Qt::ItemIsEnabled);
         for (int code : g.codes) {
             const BookKind* kind = findBook(code);
-            auto* item = new QTreeWidgetItem(heading, {kind->caption, QString::number(code)});
+            auto* item = new QTreeWidgetItem(heading, { kind->caption, QString::number(code) });
             item->setData(0, Qt::UserRole, code);
             item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
         }

@@ -12,7 +12,8 @@ class QSpinBox;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 // What a host hands to a book object before it calls Show.
 struct BookRequest {
@@ -34,7 +35,8 @@ QString companyName(Database& db, qint16 company);
 
 // The host's window: the twelve books grouped by entity, the session values a host
 // passes on (company, working year, operator, access level) and "Otvori".
-class BookChooser final : public QWidget {
+class BookChooser final : public QWidget
+{
     Q_OBJECT
 public:
     explicit BookChooser(const BookRequest& defaults, QWidget* parent = nullptr);
@@ -63,7 +65,7 @@ private:
     void showBookDetails();
     void remember() const;
 
-    Database m_db;   // the host's own connection, for the company name
+    Database m_db; // the host's own connection, for the company name
     QString m_connString;
     QLabel* m_title;
     QLabel* m_database;

@@ -2,7 +2,8 @@
 
 #include "session/Session.h"
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 QString PravaRights::sql()
 {

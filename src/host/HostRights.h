@@ -5,10 +5,10 @@
 
 #include <QSet>
 #include <QString>
-
 #include <memory>
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 // The host's operator rights, kept in dbo.PRAVA (OPERATER, PROGRAM, PRAVO) like the
 // rights to shops and warehouses. The books use the rows whose PROGRAM is "KNJIGE":
@@ -17,7 +17,8 @@ namespace knjige::host {
 // An operator with no "KNJIGE" rows is not restricted. One who has some may open only
 // the books named, and in a book for which no group is named every group is allowed.
 // A database without dbo.PRAVA restricts nobody.
-class PravaRights final : public OperatorRights {
+class PravaRights final : public OperatorRights
+{
 public:
     void setConnectionString(const QString& connectionString) override;
     void setOperatorName(const QString& operatorName) override;
@@ -36,8 +37,8 @@ private:
     QString m_connectionString;
     QString m_operator;
     bool m_loaded = false;
-    QSet<QString> m_rights;   // the operator's PRAVO texts, trimmed
-    std::unique_ptr<Database> m_own;   // for a connection other than the session's
+    QSet<QString> m_rights; // the operator's PRAVO texts, trimmed
+    std::unique_ptr<Database> m_own; // for a connection other than the session's
 };
 
 } // namespace knjige::host

@@ -23,8 +23,10 @@
 #include <QTextStream>
 #include <QTimer>
 
-namespace knjige::host {
-namespace {
+namespace knjige::host
+{
+namespace
+{
 
 enum Exit { Done = 0, Failed = 1, Usage = 2 };
 
@@ -40,10 +42,8 @@ bool refuse(int* code, const QString& message)
     return false;
 }
 
-const QStringList kValueOptions = {QStringLiteral("--db"),       QStringLiteral("--conn"),
-                                   QStringLiteral("--company"),  QStringLiteral("--year"),
-                                   QStringLiteral("--operator"), QStringLiteral("--level"),
-                                   QStringLiteral("--screenshot")};
+const QStringList kValueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
+    QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot") };
 
 struct Options {
     QMap<QString, QString> values;
@@ -82,7 +82,7 @@ bool hasDisplay()
 {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
-           || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+        || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 #else
     return true;
 #endif
@@ -104,7 +104,8 @@ QString noDisplayText()
 // Stands in for the person while a window is drawn into a picture: messages go to
 // standard error, questions take their default, a dialog is confirmed with its
 // default button (and closed if that does not close it), nothing else is chosen.
-class UnattendedInteraction final : public Interaction {
+class UnattendedInteraction final : public Interaction
+{
 public:
     Answer show(const Message& m) override
     {
@@ -171,7 +172,7 @@ QString connectionFor(const Options& o, bool* isDemo, int* code)
         return QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath();
     }
     const QString demo = cli::defaultDatabasePath();
-    if (!QFileInfo(demo).isFile() && cli::runInit({QStringLiteral("--demo")}) != 0) {
+    if (!QFileInfo(demo).isFile() && cli::runInit({ QStringLiteral("--demo") }) != 0) {
         *code = complain(QStringLiteral("Demo bazu %1 nije moguće napraviti.").arg(QDir::toNativeSeparators(demo)));
         return {};
     }
@@ -194,8 +195,8 @@ bool valuesFor(const Options& o, BookRequest* r, int* code)
     if (o.values.contains(QStringLiteral("--company"))) {
         const int company = o.values.value(QStringLiteral("--company")).toInt(&ok);
         if (!ok || company < 1 || company > 32767)
-            return refuse(code,
-                          QStringLiteral("Neispravan broj firme: %1").arg(o.values.value(QStringLiteral("--company"))));
+            return refuse(
+                code, QStringLiteral("Neispravan broj firme: %1").arg(o.values.value(QStringLiteral("--company"))));
         r->company = qint16(company);
     }
     r->operatorName = o.values.value(QStringLiteral("--operator"), operatorFromSystem());
@@ -239,21 +240,25 @@ int saveScreenshot(QWidget* window, const QString& file)
 
 // Ends the session's connections and the host's services while the application
 // still exists: the data layer's connections must not outlive it.
+// The seam in force before is given back, so a caller's own seam survives.
 struct WindowsScope {
     ~WindowsScope()
     {
         session().db().disconnect();
         installHostServices({});
+        if (previous)
+            setInteraction(std::move(previous));
     }
+    std::unique_ptr<Interaction> previous;
 };
 
 // What every window command does first: the seam for the person and the host's
 // services. While drawing into a picture nobody is at the screen.
-void startWindows(const Options& o)
+void startWindows(const Options& o, WindowsScope& scope)
 {
     QApplication::setApplicationDisplayName(QStringLiteral("Knjige"));
     if (o.values.contains(QStringLiteral("--screenshot")))
-        setInteraction(std::make_unique<UnattendedInteraction>());
+        scope.previous = setInteraction(std::make_unique<UnattendedInteraction>());
     else
         ensureDialogInteraction();
     installProgramServices();
@@ -307,8 +312,8 @@ void installProgramServices()
 
 int prepareWindowSystem(const QStringList& args)
 {
-    const bool picture = args.contains(QStringLiteral("--screenshot"))
-                         || !args.filter(QStringLiteral("--screenshot=")).isEmpty();
+    const bool picture
+        = args.contains(QStringLiteral("--screenshot")) || !args.filter(QStringLiteral("--screenshot=")).isEmpty();
     const bool help = args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"));
     if ((picture || help) && !hasDisplay())
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -322,14 +327,14 @@ QString chooserUsage()
     return QStringLiteral("knjige [opcije]\n"
                           "  Izbor knjige: dvanaest knjiga, firma, radna godina, operater; \"Otvori\" otvara\n"
                           "  knjigu kao što to čini glavni program.\n")
-           + commonOptions();
+        + commonOptions();
 }
 
 QString openUsage()
 {
     return QStringLiteral("knjige open KNJIGA [opcije]\n"
                           "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
-           + bookList() + commonOptions();
+        + bookList() + commonOptions();
 }
 
 int runChooser(const QStringList& args)
@@ -348,11 +353,11 @@ int runChooser(const QStringList& args)
     if (!requestFor(o, &request, &code))
         return code;
     QStringList given;
-    for (const char* key : {"company", "operator", "level"})
+    for (const char* key : { "company", "operator", "level" })
         if (o.values.contains(QStringLiteral("--") + QString::fromLatin1(key)))
             given << QString::fromLatin1(key);
     WindowsScope scope;
-    startWindows(o);
+    startWindows(o, scope);
     BookChooser chooser(BookChooser::remembered(request, given));
     chooser.show();
     if (o.values.contains(QStringLiteral("--screenshot")))
@@ -379,7 +384,7 @@ int runOpen(const QStringList& args)
     if (!requestFor(o, &request, &code))
         return code;
     WindowsScope scope;
-    startWindows(o);
+    startWindows(o, scope);
     QWidget* browser = openBook(book, request);
     if (!browser)
         return complain(QStringLiteral("Knjiga %1 nije otvorena.").arg(book));

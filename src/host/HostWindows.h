@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 // The window commands of the knjige program. Each takes the arguments after the
 // program's name (runOpen: after "open") and returns the exit code: 0 done, 1 the

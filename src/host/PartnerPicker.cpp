@@ -13,7 +13,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 QString searchForm(const QString& text)
 {
@@ -42,14 +43,14 @@ PartnerPickerDialog::PartnerPickerDialog(const QString& title, const QVector<Par
     m_search->installEventFilter(this);
 
     m_list->setObjectName(QStringLiteral("lvKomitenti"));
-    m_list->setHeaderLabels({QStringLiteral("Šifra"), QStringLiteral("Naziv")});
+    m_list->setHeaderLabels({ QStringLiteral("Šifra"), QStringLiteral("Naziv") });
     m_list->setRootIsDecorated(false);
     m_list->setUniformRowHeights(true);
     m_list->setAlternatingRowColors(true);
     m_list->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     m_list->header()->setStretchLastSection(true);
     for (const Partner& p : partners) {
-        auto* item = new QTreeWidgetItem(m_list, {QString::number(p.SifKomit), p.ImeKomit1});
+        auto* item = new QTreeWidgetItem(m_list, { QString::number(p.SifKomit), p.ImeKomit1 });
         item->setData(0, Qt::UserRole, p.SifKomit);
         item->setTextAlignment(0, Qt::AlignRight | Qt::AlignVCenter);
     }
@@ -85,8 +86,8 @@ void PartnerPickerDialog::applyFilter()
     int shown = 0;
     for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = m_list->topLevelItem(i);
-        const bool match = needle.isEmpty() || item->text(0).startsWith(needle)
-                           || searchForm(item->text(1)).contains(needle);
+        const bool match
+            = needle.isEmpty() || item->text(0).startsWith(needle) || searchForm(item->text(1)).contains(needle);
         item->setHidden(!match);
         if (match && !first)
             first = item;
@@ -104,7 +105,7 @@ QVector<Partner> PartnerPickerDialog::visiblePartners() const
     for (int i = 0; i < m_list->topLevelItemCount(); ++i) {
         const QTreeWidgetItem* item = m_list->topLevelItem(i);
         if (!item->isHidden())
-            out.append({item->data(0, Qt::UserRole).toInt(), item->text(1)});
+            out.append({ item->data(0, Qt::UserRole).toInt(), item->text(1) });
     }
     return out;
 }
@@ -114,7 +115,7 @@ void PartnerPickerDialog::takeCurrent()
     const QTreeWidgetItem* item = m_list->currentItem();
     if (!item || item->isHidden())
         return;
-    m_chosen = Partner{item->data(0, Qt::UserRole).toInt(), item->text(1)};
+    m_chosen = Partner { item->data(0, Qt::UserRole).toInt(), item->text(1) };
     accept();
 }
 
@@ -133,8 +134,11 @@ bool PartnerPickerDialog::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
         case Qt::Key_Return:
-        case Qt::Key_Enter: takeCurrent(); return true;
-        default: break;
+        case Qt::Key_Enter:
+            takeCurrent();
+            return true;
+        default:
+            break;
         }
     }
     return QDialog::eventFilter(watched, event);
@@ -161,7 +165,7 @@ std::optional<QVector<Partner>> KomitentRegister::readAll()
     QVector<Partner> out;
     out.reserve(rs.rowCount());
     for (int r = 0; r < rs.rowCount(); ++r)
-        out.append({qint32(rs.integer(r, 0)), rs.text(r, 1).trimmed()});
+        out.append({ qint32(rs.integer(r, 0)), rs.text(r, 1).trimmed() });
     return out;
 }
 
@@ -179,12 +183,11 @@ std::optional<Partner> KomitentRegister::choose()
 std::optional<Partner> KomitentRegister::find(qint32 code)
 {
     ResultSet rs;
-    if (!session().db().open(QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=")
-                                 + QString::number(code),
-                             rs)
+    if (!session().db().open(
+            QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(code), rs)
         || rs.isEmpty())
         return std::nullopt;
-    return Partner{qint32(rs.integer(0, 0)), rs.text(0, 1).trimmed()};
+    return Partner { qint32(rs.integer(0, 0)), rs.text(0, 1).trimmed() };
 }
 
 } // namespace knjige::host

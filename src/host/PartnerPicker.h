@@ -4,19 +4,20 @@
 
 #include <QDialog>
 #include <QVector>
-
 #include <optional>
 
 class QLineEdit;
 class QLabel;
 class QTreeWidget;
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 // The host's chooser of a business partner (or shop): a list of code and name that
 // narrows as the person types into the search field. Enter or a double click takes
 // the current row.
-class PartnerPickerDialog final : public QDialog {
+class PartnerPickerDialog final : public QDialog
+{
     Q_OBJECT
 public:
     PartnerPickerDialog(const QString& title, const QVector<Partner>& partners, QWidget* parent = nullptr);
@@ -44,10 +45,14 @@ QString searchForm(const QString& text);
 
 // Partners or shops from dbo.Komitent on the session's database. choose() shows the
 // picker through the interaction seam; a failed read is reported and gives nothing.
-class KomitentRegister final : public PartnerRegister {
+class KomitentRegister final : public PartnerRegister
+{
 public:
     enum class Kind { Partners, Shops };
-    explicit KomitentRegister(Kind kind) : m_kind(kind) {}
+    explicit KomitentRegister(Kind kind)
+        : m_kind(kind)
+    {
+    }
 
     std::optional<Partner> choose() override;
     std::optional<Partner> find(qint32 code) override;

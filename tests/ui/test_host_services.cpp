@@ -1,0 +1,187 @@
+// The host's services: operator rights from dbo.PRAVA and the partner and shop
+// pickers over dbo.Komitent.
+#include "books/DemoData.h"
+#include "host/HostRights.h"
+#include "host/PartnerPicker.h"
+#include "session/Session.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <QDate>
+#include <QLineEdit>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using namespace knjige::host;
+
+namespace
+{
+
+class HostRights : public ::testing::Test
+{
+protected:
+    void createTable()
+    {
+        m_db.exec(QStringLiteral(
+            "CREATE TABLE dbo.PRAVA (OPERATER nvarchar(30) NULL, PROGRAM nvarchar(30) NULL, PRAVO nvarchar(30) NULL)"));
+    }
+    void grant(const QString& op, const QString& program, const QString& right)
+    {
+        m_db.insert(QStringLiteral("dbo.PRAVA"),
+            { { QStringLiteral("OPERATER"), op }, { QStringLiteral("PROGRAM"), program },
+                { QStringLiteral("PRAVO"), right } });
+    }
+    PravaRights rightsOf(const QString& op)
+    {
+        PravaRights r;
+        r.setConnectionString(session().ConnString);
+        r.setOperatorName(op);
+        return r;
+    }
+
+    test::TestDatabase m_db;
+};
+
+} // namespace
+
+TEST_F(HostRights, WithoutTheTableEveryoneMayDoEverything)
+{
+    PravaRights r = rightsOf(QStringLiteral("Amra"));
+    EXPECT_TRUE(r.mayOpenBook(96));
+    EXPECT_TRUE(r.hasRight(96, OperatorRights::Brisanje));
+}
+
+TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyName)
+{
+    createTable();
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96"));
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96.1"));
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96.4"));
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("98"));
+    grant(QStringLiteral("Amra"), QStringLiteral("MALOPROBJEKT"), QStringLiteral("97"));
+    grant(QStringLiteral("Edin"), QStringLiteral("KNJIGE"), QStringLiteral("125"));
+
+    PravaRights amra = rightsOf(QStringLiteral(" amra "));
+    EXPECT_TRUE(amra.mayOpenBook(96));
+    EXPECT_TRUE(amra.hasRight(96, OperatorRights::Novi));
+    EXPECT_FALSE(amra.hasRight(96, OperatorRights::Izmjena));
+    EXPECT_FALSE(amra.hasRight(96, OperatorRights::Brisanje));
+    EXPECT_TRUE(amra.hasRight(96, OperatorRights::Ispis));
+    EXPECT_FALSE(amra.mayOpenBook(97)) << "a right of another program does not count";
+    EXPECT_TRUE(amra.mayOpenBook(98));
+    EXPECT_TRUE(amra.hasRight(98, OperatorRights::Izvoz)) << "no group named: every group";
+    EXPECT_FALSE(amra.hasRight(97, OperatorRights::Novi));
+
+    PravaRights other = rightsOf(QStringLiteral("Selma"));
+    EXPECT_TRUE(other.mayOpenBook(97)) << "an operator without rows is not restricted";
+}
+
+TEST_F(HostRights, AChangeCountsFromTheNextBook)
+{
+    createTable();
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("98"));
+    PravaRights r = rightsOf(QStringLiteral("Amra"));
+    EXPECT_FALSE(r.mayOpenBook(96));
+    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96"));
+    EXPECT_TRUE(r.mayOpenBook(96));
+}
+
+TEST(HostRightsText, ReadsTheBooksRowsOfEveryOperator)
+{
+    EXPECT_EQ(PravaRights::sql(), QStringLiteral("SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'"));
+}
+
+TEST(HostSearch, IgnoresCaseAndAccents)
+{
+    EXPECT_EQ(searchForm(QStringLiteral("Ilidža ČAĐAVICA Šuće")), QStringLiteral("ilidza cadavica suce"));
+}
+
+namespace
+{
+
+class HostPickers : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QString error;
+        ASSERT_TRUE(fillDemoData(m_db.db(), 2024, &error)) << error.toStdString();
+    }
+    static QStringList names(const QVector<Partner>& list)
+    {
+        QStringList out;
+        for (const Partner& p : list)
+            out << p.ImeKomit1;
+        return out;
+    }
+
+    test::TestDatabase m_db { demo::BrojPoduzeca, 2024 };
+    test::ScopedScript m_script;
+};
+
+} // namespace
+
+TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
+{
+    const auto all = KomitentRegister::readAll();
+    ASSERT_TRUE(all);
+    PartnerPickerDialog dialog(QStringLiteral("Izbor komitenta"), *all);
+    EXPECT_EQ(dialog.visiblePartners().size(), all->size());
+    auto* search = dialog.findChild<QLineEdit*>(QStringLiteral("txtTrazi"));
+    ASSERT_TRUE(search);
+    QTest::keyClicks(search, QStringLiteral("ilidza"));
+    EXPECT_EQ(names(dialog.visiblePartners()),
+        (QStringList { QStringLiteral("Elektro-Servis Ilidža d.o.o."), QStringLiteral("Maloprodaja 1 Ilidža") }));
+    search->setText(QStringLiteral("50"));
+    ASSERT_EQ(dialog.visiblePartners().size(), 2);
+    EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
+    QTest::keyClick(search, Qt::Key_Down);
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    ASSERT_TRUE(dialog.chosen());
+    EXPECT_EQ(dialog.chosen()->SifKomit, demo::Maloprodaja2);
+    EXPECT_EQ(dialog.chosen()->ImeKomit1, QStringLiteral("Maloprodaja 2 Grbavica"));
+}
+
+TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeam)
+{
+    QString title;
+    m_script->onDialog = [&title](QDialog& d) {
+        title = d.windowTitle();
+        auto* search = d.findChild<QLineEdit*>(QStringLiteral("txtTrazi"));
+        QTest::keyClicks(search, QStringLiteral("grbav"));
+        QTest::keyClick(search, Qt::Key_Enter);
+        return d.result();
+    };
+    KomitentRegister shops(KomitentRegister::Kind::Shops);
+    const auto shop = shops.choose();
+    EXPECT_EQ(title, QStringLiteral("Izbor maloprodaje / skladišta"));
+    ASSERT_TRUE(shop);
+    EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
+
+    m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };
+    EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
+}
+
+TEST_F(HostPickers, FindLooksTheNameUp)
+{
+    KomitentRegister partners(KomitentRegister::Kind::Partners);
+    const auto found = partners.find(101);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->ImeKomit1, QStringLiteral("Tehno-Mont d.o.o."));
+    EXPECT_FALSE(partners.find(9999));
+}
+
+TEST_F(HostPickers, AFailedReadIsReportedAndChoosesNothing)
+{
+    m_db.exec(QStringLiteral("DROP TABLE dbo.Komitent"));
+    m_script->onDialog = [](QDialog&) -> int {
+        ADD_FAILURE() << "no picker without partners";
+        return QDialog::Rejected;
+    };
+    EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
+    ASSERT_EQ(m_script->messages.size(), 1);
+    EXPECT_TRUE(m_script->messages.first().text.startsWith(QStringLiteral("Desila se greška: ")));
+    EXPECT_EQ(m_script->messages.first().icon, Icon::Exclamation);
+}
