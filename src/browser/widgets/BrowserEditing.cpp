@@ -1,0 +1,140 @@
+// New entries, changes, copies and deletions: the browser hands each to the record
+// editor of the book kind and reloads when the editor reports a save.
+#include "books/BookKind.h"
+#include "browser/widgets/frmSifarnikKnj.h"
+#include "editors/EditorRules.h"
+#include "editors/widgets/EditorFactory.h"
+#include "editors/widgets/MoneyBox.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+
+#include <limits>
+#include <optional>
+
+namespace knjige
+{
+
+namespace
+{
+
+// The number a new entry proposes: the highest of the book plus one. Nothing when the
+// query failed (already reported) or the number would not fit.
+std::optional<qint32> nextNumber(int tip)
+{
+    Database& db = session().db();
+    const qint64 next = qint64(DefVarijabli::ZadnjiRBroj(tip)) + 1;
+    if (!db.errorDescription().isEmpty())
+        return std::nullopt;
+    if (next > std::numeric_limits<qint32>::max()) {
+        warn(QStringLiteral("Desila se greška: ") + QStringLiteral("Overflow"));
+        return std::nullopt;
+    }
+    return qint32(next);
+}
+
+} // namespace
+
+void frmSifarnikKnj::NoviZapis()
+{
+    RBrojZaPovratak = 0;
+    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    if (!e)
+        return;
+    // Trade books number per shop: their editor proposes the number of its shop.
+    if (!isTradeBook(m_tip)) {
+        const std::optional<qint32> next = nextNumber(m_tip);
+        if (!next)
+            return;
+        e->ubRBroj->setValue(Money::fromWhole(*next));
+    }
+    e->setTipRada(editors::Novi);
+    e->sRedniBroj = 0;
+    if (isTradeBook(m_tip))
+        e->setSkladište(BrojProd);
+    e->dpDatum->setDate(editors::newEntryDate(QDate::currentDate(), session().RadnaGodina));
+    e->Prikaži(1);
+    if (!e->IzišaoSaPrekidom()) {
+        RBrojZaPovratak = qint32(e->ubRBroj->integerValue());
+        OsvjeziZapise();
+    }
+}
+
+void frmSifarnikKnj::IzmjenaZapisa(int mode)
+{
+    // Totals rows and rows without a number are not entries.
+    const int row = trenutniRed();
+    const int rbrojField = rsStavke().indexOf(QStringLiteral("RBroj"));
+    if (row < 0 || rbrojField < 0 || rsStavke().isNull(row, rbrojField))
+        return;
+    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    if (!e)
+        return;
+    e->setTipRada(mode);
+    e->SetEdit(mode == editors::Izmjena);
+    e->rsStavke = { &rsStavke(), row };
+    e->sRedniBroj = trenutniRBroj();
+    // A trade-book entry is read within its own shop.
+    const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
+    if (isTradeBook(m_tip) && shopField >= 0)
+        e->setSkladište(qint32(rsStavke().integer(row, shopField)));
+    if (m_tip == Knjiga::PrometaRS)
+        if (auto* label = qobject_cast<QLabel*>(e->control(QStringLiteral("lblČekovi"))))
+            label->setText(QStringLiteral("Račun:"));
+    // The RS records have no income and expense book to link to.
+    if (m_tip == Knjiga::EvidPotObvRS)
+        if (QWidget* kpr = e->control(QStringLiteral("ubKPR")))
+            kpr->setEnabled(false);
+    e->Prikaži(1);
+    if (e->IzišaoSaPrekidom())
+        return;
+    // The asset lists never renumber from the dialog: their entry keeps its number.
+    RBrojZaPovratak = mode != editors::Izmjena ? 0
+        : isAssetList(m_tip)                   ? e->sRedniBroj
+                                               : qint32(e->ubRBroj->integerValue());
+    OsvjeziZapise();
+}
+
+void frmSifarnikKnj::IstaStavka()
+{
+    const int row = trenutniRed();
+    if (row < 0)
+        return;
+    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    if (!e)
+        return;
+    e->setTipRada(editors::Novi);
+    e->sRedniBroj = 0;
+    e->PreuzmiStavku(rsStavke(), row);
+    if (!isTradeBook(m_tip)) {
+        const std::optional<qint32> next = nextNumber(m_tip);
+        if (!next)
+            return;
+        e->ubRBroj->setValue(Money::fromWhole(*next));
+    }
+    if (m_tip == Knjiga::PrometaRS)
+        if (auto* label = qobject_cast<QLabel*>(e->control(QStringLiteral("lblČekovi"))))
+            label->setText(QStringLiteral("Račun:"));
+    e->Prikaži(1);
+    if (!e->IzišaoSaPrekidom()) {
+        RBrojZaPovratak = qint32(e->ubRBroj->integerValue());
+        OsvjeziZapise();
+    }
+}
+
+void frmSifarnikKnj::BrisanjePrikazanihPodataka()
+{
+    const QString sql = QStringLiteral("DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K") + WhereUvjet;
+    const QString question = QStringLiteral("Želite li zaista obrisati sve prikazane podatke ?") + u'\n'
+        + QStringLiteral("Izbrisati će se ") + QString::number(rsStavke().rowCount())
+        + QStringLiteral(" zapisa! Pažljivo, jer više neće biti moguće vratiti podatke!");
+    if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
+        return;
+    Database& db = session().db();
+    if (!db.execute(sql)) {
+        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+        return;
+    }
+    OsvjeziZapise();
+}
+
+} // namespace knjige

@@ -1,0 +1,347 @@
+#include "editors/EditorRules.h"
+
+#include "books/BookKind.h"
+#include "session/Dates.h"
+
+namespace knjige::editors
+{
+namespace
+{
+
+const QString kGodina = QStringLiteral("Godina unesenog datuma ne odgovara tekućoj radnoj godini! Ispravite!");
+const QString kIsprava = QStringLiteral("Mora se upisati isprava !");
+const QString kIznosNula = QStringLiteral("Iznos mora biti različit od nule !");
+const QString kRBrojVeci = QStringLiteral("Morate upisati redni broj veći od 0!");
+const QString kRBrojRazlicit = QStringLiteral("Morate upisati redni broj različit od 0!");
+
+Finding refusal(const QString& text, const QString& focus)
+{
+    return { text, focus, false, {}, Icon::Exclamation };
+}
+Finding warning(const QString& text, const QString& focus = {})
+{
+    return { text, focus, true, QStringLiteral("Napomena"), Icon::Exclamation };
+}
+
+bool wrongYear(const QDate& date, int workingYear)
+{
+    return date.year() != workingYear;
+}
+
+} // namespace
+
+bool refuses(const Findings& findings)
+{
+    return !findings.isEmpty() && !findings.last().warning;
+}
+
+QStringList vrstaTexts(int bookKind)
+{
+    switch (bookKind) {
+    case Knjiga::PrihRashFBiH:
+        return { QStringLiteral("11 - Prihod - Gotovina"), QStringLiteral("12 - Prihod - Bankovni račun"),
+            QStringLiteral("13 - Prihod - Stvari i usluge"), QStringLiteral("16 - Rashod - Nabavka robe/materijala"),
+            QStringLiteral("17 - Rashod - Bruto plaće zaposlenika"),
+            QStringLiteral("18 - Rashod - Doprinosi zaposlenika"), QStringLiteral("19 - Rashod - Ostali rashodi") };
+    case Knjiga::PrihRashDB:
+        return { QStringLiteral(" 5 - Prihod - Gotovina"), QStringLiteral(" 6 - Prihod - Žiro račun"),
+            QStringLiteral(" 7 - Prihod - U stvarima"), QStringLiteral(" 9 - Rashod - U gotovini"),
+            QStringLiteral("10 - Rashod - Žiro račun"), QStringLiteral("11 - Rashod - U stvarima"),
+            QStringLiteral("12 - Rashod - Amortizacija"), QStringLiteral("13 - Rashod - Plaćena akciza"),
+            QStringLiteral("14 - Rashod - Plaćen PPP"), QStringLiteral("15 - Rashod - Plaćen PPU"),
+            QStringLiteral("16 - Rashod - Rashodi PPDOH") };
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::EvidPotObvRS:
+        return { QStringLiteral("11 - Izdati racuni"), QStringLiteral("12 - Uplate za izdate racune"),
+            QStringLiteral("21 - Primljeni racuni"), QStringLiteral("22 - Uplate za primljene racune") };
+    case Knjiga::PrihodaRS:
+        return { QStringLiteral("4 - Prihod - Proizvoda i materijala"), QStringLiteral("5 - Prihod - Robe"),
+            QStringLiteral("6 - Prihod - Usluga"), QStringLiteral("7 - Prihod - Naplaćeni prihod od financiranja"),
+            QStringLiteral("8 - Prihod - Vanredni prihodi") };
+    case Knjiga::RashodaRS:
+        return { QStringLiteral("4 - Rashod - Materijalni troškovi"),
+            QStringLiteral("5 - Rashod - Nematerijalni troškovi"),
+            QStringLiteral("6 - Rashod - Bruto primanja zaposlenih"),
+            QStringLiteral("7 - Rashod - Sponzorstva i donacije do 2% primanja"),
+            QStringLiteral("8 - Rashod - Troškovi financiranja"),
+            QStringLiteral("9 - Rashod - Ostali vanredni rashodi"), QStringLiteral("10 - Rashod - Amortizacija"),
+            QStringLiteral("13 - Rashod - Rashodi koji se ne priznaju") };
+    default:
+        return {};
+    }
+}
+
+int vrstaCode(const QString& text)
+{
+    const QString head = text.left(2).trimmed();
+    int value = 0;
+    for (QChar c : head) {
+        if (!c.isDigit())
+            break;
+        value = value * 10 + c.digitValue();
+    }
+    return value;
+}
+
+int vrstaPosition(int bookKind, int code)
+{
+    int position = -1;
+    if (bookKind == Knjiga::PrihRashFBiH)
+        position = code > 14 ? code - 13 : code - 11;
+    else if (bookKind == Knjiga::PrihRashDB)
+        position = code < 9 ? code - 5 : code - 6;
+    else {
+        const QStringList texts = vrstaTexts(bookKind);
+        for (int i = 0; i < texts.size(); ++i)
+            if (vrstaCode(texts[i]) == code)
+                return i;
+    }
+    return position >= 0 && position < vrstaTexts(bookKind).size() ? position : -1;
+}
+
+QString entryTable(int bookKind)
+{
+    switch (bookKind) {
+    case Knjiga::PrihRashFBiH:
+        return QStringLiteral("dbo.KnjPrihRashFBiH");
+    case Knjiga::PrihRashDB:
+        return QStringLiteral("dbo.KnjPrihRashDB");
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::EvidPotObvRS:
+        return QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+    case Knjiga::PrometaFBiH:
+    case Knjiga::PrometaRS:
+        return QStringLiteral("dbo.KnjPrometaFBiH");
+    case Knjiga::PrihodaRS:
+        return QStringLiteral("dbo.KnjPrihodaRS");
+    case Knjiga::RashodaRS:
+        return QStringLiteral("dbo.KnjRashodaRS");
+    case Knjiga::PopListaRS:
+    case Knjiga::PopListaFBiH:
+        return QStringLiteral("dbo.KnjPopListaDugImovFBiH");
+    case Knjiga::TrgUsluga:
+        return QStringLiteral("dbo.TrgKnjUsluga");
+    case Knjiga::TrgKomisiona:
+        return QStringLiteral("dbo.TrgKnjKomisiona");
+    default:
+        return {};
+    }
+}
+
+QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qint32 shop)
+{
+    const QString tail = QStringLiteral(" AND RBroj=") + QString::number(rbroj);
+    if (isTradeBook(bookKind))
+        return QStringLiteral("SELECT * FROM ") + entryTable(bookKind) + QStringLiteral(" WHERE BROJPODUZECA=")
+            + QString::number(company) + QStringLiteral(" AND GODINAKNJ=") + QString::number(year)
+            + QStringLiteral("AND BrojProd=") + QString::number(shop) + tail;
+    const QString table = entryTable(bookKind);
+    if (table.isEmpty())
+        return {};
+    return QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE GODINAKNJ=") + QString::number(year)
+        + QStringLiteral(" AND BROJPODUZECA=") + QString::number(company) + tail;
+}
+
+QString captionSuffix(int bookKind)
+{
+    switch (bookKind) {
+    case Knjiga::PrihRashFBiH:
+    case Knjiga::PrihRashDB:
+        return QStringLiteral(" stavke knjige prihoda i rashoda");
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::EvidPotObvRS:
+        return QStringLiteral(" stavke knjige evidencije Potraživanja i obveza");
+    case Knjiga::PrometaFBiH:
+    case Knjiga::PrometaRS:
+        return QStringLiteral(" stavke knjige prometa");
+    case Knjiga::PrihodaRS:
+    case Knjiga::RashodaRS:
+        return QStringLiteral(" stavke knjige prihoda");
+    case Knjiga::PopListaRS:
+    case Knjiga::PopListaFBiH:
+        return QStringLiteral(" stavke popisne liste dugotrajne imovine");
+    case Knjiga::TrgUsluga:
+        return QStringLiteral(" stavke trg.knjige usluga");
+    case Knjiga::TrgKomisiona:
+        return QStringLiteral(" stavke trg.knjige komisione robe");
+    default:
+        return {};
+    }
+}
+
+QString modeCaption(int mode, int bookKind)
+{
+    switch (mode) {
+    case Novi:
+        return QStringLiteral("Upis nove") + captionSuffix(bookKind);
+    case Izmjena:
+        return QStringLiteral("Izmjena") + captionSuffix(bookKind);
+    case Pretrazivanje:
+        return QStringLiteral("Pretraživanje");
+    case Brisanje:
+        return QStringLiteral("Brisanje") + captionSuffix(bookKind);
+    default:
+        return {};
+    }
+}
+
+QString confirmCaption(int mode)
+{
+    switch (mode) {
+    case Novi:
+    case Izmjena:
+        return QStringLiteral("Spremi");
+    case Pretrazivanje:
+        return QStringLiteral("Postavi filter");
+    case Brisanje:
+        return QStringLiteral("Obriši");
+    default:
+        return {};
+    }
+}
+
+Money vatContained(Money gross)
+{
+    return (gross * 17).dividedBy(117.0);
+}
+
+std::pair<QDate, QDate> searchPeriod(const QDate& today, int workingYear)
+{
+    QDate to = today;
+    if (today.year() > workingYear)
+        to = dates::lastOfYear(workingYear);
+    QDate from = today.addDays(-30);
+    if (from.year() > workingYear)
+        from = dates::firstOfYear(workingYear);
+    return { from, to };
+}
+
+QDate newEntryDate(const QDate& today, int workingYear)
+{
+    return workingYear < today.year() ? dates::lastOfYear(workingYear) : today;
+}
+
+Findings checkPrihRash(const PrihRashInput& in, int workingYear)
+{
+    if (in.rbroj <= 0)
+        return { refusal(kRBrojVeci, QStringLiteral("ubRBroj")) };
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    if (in.isprava.trimmed().isEmpty())
+        return { refusal(kIsprava, QStringLiteral("txtIsprava")) };
+    if (vrstaCode(in.vrsta) == 0)
+        return { refusal(QStringLiteral("Mora se upisati šifra vrste knj.promjene!"), QStringLiteral("cmbVrsta")) };
+    if (in.iznos.isZero())
+        return { refusal(kIznosNula, QStringLiteral("ubIznos")) };
+    if (in.iznos.isNegative())
+        return { warning(QStringLiteral("Unesena vrijednost je negativna, pažljivo! Podatak će se upisati!")) };
+    return {};
+}
+
+Findings checkEvid(const EvidInput& in, int workingYear)
+{
+    if (in.rbroj <= 0)
+        return { refusal(kRBrojVeci, QStringLiteral("ubRBroj")) };
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    if (in.komitent == 0)
+        return { refusal(QStringLiteral("Mora se upisati šifra komitenta!"), QStringLiteral("txtKomitent")) };
+    if (vrstaCode(in.vrsta) == 0)
+        return { refusal(QStringLiteral("Mora se upisati šifra vrste!"), QStringLiteral("cboVrsta")) };
+    Findings out;
+    if (in.kpr == 0)
+        out << warning(QStringLiteral("Bilo bi poželjno da se upiše redni broj u knjizi prihoda i rashoda! Podatak će "
+                                      "se spremiti, ali pažljivo!"));
+    if (in.isprava.trimmed().isEmpty())
+        out << refusal(kIsprava, QStringLiteral("txtIsprava"));
+    else if (in.iznos.isZero())
+        out << refusal(kIznosNula, QStringLiteral("ubIznos"));
+    return out;
+}
+
+Findings checkPopis(const PopisInput& in, int workingYear)
+{
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    if (in.isprava.trimmed().isEmpty())
+        return { refusal(kIsprava, QStringLiteral("txtBrojDokumenta")) };
+    if (in.vijek <= Money())
+        return { refusal(
+            QStringLiteral("Vijek trajanja ne može biti 0 ili manji!"), QStringLiteral("ubVijekTrajanja")) };
+    if (in.nabavna < in.knjigovodstvena)
+        return { refusal(QStringLiteral("Nabavna vrijednost mora biti veća ili jednaka od knjigovodstvene!"),
+            QStringLiteral("ubNabavna")) };
+    // Titled "Napomena" as warnings are, yet they stop the save like every other check.
+    if (in.nabavna <= Money())
+        return { { QStringLiteral("Unesena vrijednost je negativna ili 0, pažljivo !"), QStringLiteral("ubNabavna"),
+            false, QStringLiteral("Napomena"), Icon::Exclamation } };
+    if (in.knjigovodstvena <= Money())
+        return { { QStringLiteral("Unesena vrijednost je negativna ili 0 pažljivo !"),
+            QStringLiteral("ubKnjigovodstvena"), false, QStringLiteral("Napomena"), Icon::Exclamation } };
+    return {};
+}
+
+Findings checkPromet(const PrometInput& in, int workingYear)
+{
+    if (in.rbroj == 0)
+        return { refusal(kRBrojRazlicit, QStringLiteral("ubRBroj")) };
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    if (in.isprava.trimmed().isEmpty())
+        return { refusal(kIsprava, QStringLiteral("txtIsprava")) };
+    if (in.cek.isZero() && in.gotovina.isZero())
+        return { refusal(QStringLiteral("Jedan od iznosa mora biti različit od nule !"), {}) };
+    if (in.gotovina.isNegative() || in.cek.isNegative())
+        return { warning(QStringLiteral("Unesena vrijednost je negativna, pažljivo !")) };
+    return {};
+}
+
+static Findings checkTrgHead(const TrgInput& in, int workingYear)
+{
+    if (in.skladiste.trimmed().isEmpty())
+        return { refusal(QStringLiteral("Mora se upisati maloprodaja!"), QStringLiteral("txtSkladište")) };
+    if (in.rbroj == 0)
+        return { refusal(kRBrojRazlicit, QStringLiteral("ubRBroj")) };
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    return {};
+}
+
+Findings checkUsluga(const TrgInput& in, int workingYear)
+{
+    Findings out = checkTrgHead(in, workingYear);
+    if (out.isEmpty() && in.iznos.isZero())
+        out << refusal(kIznosNula, QStringLiteral("ubIznos"));
+    return out;
+}
+
+Findings checkKomisiona(const TrgInput& in, int workingYear)
+{
+    Findings out = checkTrgHead(in, workingYear);
+    if (out.isEmpty() && in.zaduzenje.isZero() && in.razduzenje.isZero())
+        out << refusal(QStringLiteral("Bar jedan iznos mora biti različit od nule !"), {});
+    return out;
+}
+
+Findings checkPrihRashRS(const PrihRashRSInput& in, int workingYear)
+{
+    if (in.rbroj == 0)
+        return { refusal(kRBrojRazlicit, QStringLiteral("ubRBroj")) };
+    if (wrongYear(in.datum, workingYear))
+        return { refusal(kGodina, QStringLiteral("dpDatum")) };
+    if (vrstaCode(in.vrsta) == 0)
+        return { refusal(QStringLiteral("Mora se upisati šifra vrste!"), QStringLiteral("cboVrsta")) };
+    if (in.iznos.isZero())
+        return { refusal(kIznosNula, QStringLiteral("ubIznos")) };
+    return {};
+}
+
+Findings checkSearchPeriod(const QDate& from, const QDate& to)
+{
+    if (from > to)
+        return { { QStringLiteral("Početni datum računa računa veći od konačnog. Ispravite!"),
+            QStringLiteral("dpDatum"), false, {}, Icon::None } };
+    return {};
+}
+
+} // namespace knjige::editors

@@ -1,0 +1,464 @@
+#include "editors/widgets/RecordEditor.h"
+
+#include "books/Schema.h"
+#include "editors/widgets/MoneyBox.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace knjige
+{
+
+using namespace editors;
+
+namespace
+{
+
+QDateEdit* makeDateEdit(QWidget* parent, const QString& name)
+{
+    auto* edit = new QDateEdit(parent);
+    edit->setObjectName(name);
+    edit->setCalendarPopup(true);
+    edit->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    edit->setDate(QDate::currentDate());
+    return edit;
+}
+
+bool isInput(const QWidget* w)
+{
+    return qobject_cast<const QLineEdit*>(w) || qobject_cast<const QComboBox*>(w) || qobject_cast<const QCheckBox*>(w)
+        || qobject_cast<const QDateEdit*>(w);
+}
+
+// An input control of the dialog itself, not the line edit inside a date picker or a
+// combo box.
+bool isControl(const QWidget* w)
+{
+    const QWidget* parent = w->parentWidget();
+    return isInput(w) && !qobject_cast<const QAbstractSpinBox*>(parent) && !qobject_cast<const QComboBox*>(parent);
+}
+
+} // namespace
+
+RecordEditor::RecordEditor(int bookKind, QWidget* parent)
+    : QDialog(parent)
+    , m_tip(bookKind)
+{
+    setModal(true);
+    m_outer = new QVBoxLayout(this);
+    m_grid = new QGridLayout;
+    m_grid->setHorizontalSpacing(8);
+    m_grid->setColumnStretch(2, 1);
+    m_outer->addLayout(m_grid);
+
+    ubRBroj = new MoneyBox(this, true);
+    ubRBroj->setObjectName(QStringLiteral("ubRBroj"));
+    ubRBroj->setMaximumWidth(110);
+    dpDatum = makeDateEdit(this, QStringLiteral("dpDatum"));
+    lblDatumDo = new QLabel(QStringLiteral("do:"), this);
+    lblDatumDo->setObjectName(QStringLiteral("lblDatumDo"));
+    dpDatumDo = makeDateEdit(this, QStringLiteral("dpDatumDo"));
+    chkPoDatumima = new QCheckBox(QStringLiteral("Po datumima"), this);
+    chkPoDatumima->setObjectName(QStringLiteral("chkPoDatumima"));
+    for (QWidget* w :
+        { static_cast<QWidget*>(lblDatumDo), static_cast<QWidget*>(dpDatumDo), static_cast<QWidget*>(chkPoDatumima) })
+        w->setVisible(false);
+    connect(dpDatum, &QDateEdit::dateChanged, this, &RecordEditor::onDateChanged);
+    connect(dpDatumDo, &QDateEdit::dateChanged, this, &RecordEditor::onDateChanged);
+
+    cmdSpremi = new QPushButton(QStringLiteral("Spremi"), this);
+    cmdSpremi->setObjectName(QStringLiteral("cmdSpremi"));
+    cmdPrekid = new QPushButton(QStringLiteral("Prekid"), this);
+    cmdPrekid->setObjectName(QStringLiteral("cmdPrekid"));
+    connect(cmdSpremi, &QPushButton::clicked, this, &RecordEditor::potvrdi);
+    connect(cmdPrekid, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+RecordEditor::~RecordEditor() = default;
+
+// ---- layout ----
+
+QLabel* RecordEditor::addRow(const QString& caption, QWidget* field, QWidget* trailing)
+{
+    auto* label = new QLabel(caption, this);
+    label->setBuddy(field);
+    m_grid->addWidget(label, m_rows, 0);
+    if (trailing) {
+        auto* line = new QHBoxLayout;
+        line->addWidget(field);
+        line->addWidget(trailing, 1);
+        m_grid->addLayout(line, m_rows, 1, 1, 2);
+    } else {
+        m_grid->addWidget(
+            field, m_rows, 1, 1, qobject_cast<QLineEdit*>(field) && !qobject_cast<MoneyBox*>(field) ? 2 : 1);
+    }
+    ++m_rows;
+    m_tabChain << field;
+    if (trailing && trailing->focusPolicy() != Qt::NoFocus)
+        m_tabChain << trailing;
+    return label;
+}
+
+QLineEdit* RecordEditor::addTextRow(const QString& caption, const QString& name, const QString& column, int minWidth)
+{
+    auto* edit = new QLineEdit(this);
+    edit->setObjectName(name);
+    const int width = textColumnWidth(entryTable(m_tip), column);
+    if (width > 0)
+        edit->setMaxLength(width);
+    if (minWidth > 0)
+        edit->setMinimumWidth(minWidth);
+    addRow(caption, edit);
+    return edit;
+}
+
+MoneyBox* RecordEditor::addMoneyRow(const QString& caption, const QString& name, bool wholeNumbers)
+{
+    auto* box = new MoneyBox(this, wholeNumbers);
+    box->setObjectName(name);
+    box->setMinimumWidth(130);
+    box->setMaximumWidth(160);
+    addRow(caption, box);
+    return box;
+}
+
+QComboBox* RecordEditor::addComboRow(const QString& caption, const QString& name, const QStringList& items)
+{
+    auto* combo = new QComboBox(this);
+    combo->setObjectName(name);
+    combo->addItems(items);
+    combo->setCurrentIndex(-1);
+    addRow(caption, combo);
+    return combo;
+}
+
+void RecordEditor::addNumberRow()
+{
+    addRow(QStringLiteral("Redni broj:"), ubRBroj);
+}
+
+void RecordEditor::addDateRow()
+{
+    auto* range = new QWidget(this);
+    auto* line = new QHBoxLayout(range);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addSpacing(6);
+    line->addWidget(lblDatumDo);
+    line->addWidget(dpDatumDo);
+    line->addWidget(chkPoDatumima);
+    line->addStretch(1);
+    range->setFocusPolicy(Qt::NoFocus);
+    addRow(QStringLiteral("Datum:"), dpDatum, range);
+    m_tabChain << dpDatumDo << chkPoDatumima;
+}
+
+void RecordEditor::finishLayout()
+{
+    auto* buttons = new QDialogButtonBox(this);
+    buttons->addButton(cmdSpremi, QDialogButtonBox::AcceptRole);
+    buttons->addButton(cmdPrekid, QDialogButtonBox::RejectRole);
+    // The buttons act through their own clicked handlers, never through the box.
+    disconnect(buttons, nullptr, this, nullptr);
+    m_outer->addSpacing(6);
+    m_outer->addWidget(buttons);
+    m_tabChain << cmdSpremi << cmdPrekid;
+    for (int i = 1; i < m_tabChain.size(); ++i)
+        setTabOrder(m_tabChain[i - 1], m_tabChain[i]);
+    for (QWidget* w : findChildren<QWidget*>())
+        if (isControl(w) || qobject_cast<QPushButton*>(w))
+            w->installEventFilter(this);
+    setSizeGripEnabled(false);
+}
+
+void RecordEditor::moveToTabEnd(QWidget* widget)
+{
+    m_tabChain.removeAll(widget);
+    m_tabChain << widget;
+    for (int i = 1; i < m_tabChain.size(); ++i)
+        setTabOrder(m_tabChain[i - 1], m_tabChain[i]);
+}
+
+QLabel* RecordEditor::labelFor(const QWidget* field) const
+{
+    for (QLabel* label : findChildren<QLabel*>())
+        if (label->buddy() == field)
+            return label;
+    return nullptr;
+}
+
+QWidget* RecordEditor::control(const QString& name) const
+{
+    return findChild<QWidget*>(name);
+}
+
+// ---- mode and book kind ----
+
+void RecordEditor::setTipRada(int mode)
+{
+    m_tipRada = mode;
+    const QString caption = modeCaption(mode, m_tip);
+    if (!caption.isEmpty()) {
+        setWindowTitle(caption);
+        cmdSpremi->setText(confirmCaption(mode));
+    }
+}
+
+void RecordEditor::setTipSifarnika(int bookKind)
+{
+    m_tip = bookKind;
+    if (m_tipRada != 0)
+        setTipRada(m_tipRada);
+}
+
+// ---- showing ----
+
+void RecordEditor::SetEdit(bool enabled)
+{
+    for (QWidget* w : findChildren<QWidget*>()) {
+        if (isControl(w))
+            w->setEnabled(enabled);
+        else if (auto* button = qobject_cast<QPushButton*>(w))
+            button->setEnabled(enabled);
+    }
+    cmdSpremi->setEnabled(true);
+    cmdPrekid->setEnabled(true);
+}
+
+void RecordEditor::setSearchDates()
+{
+    const auto [from, to] = searchPeriod(QDate::currentDate(), session().RadnaGodina);
+    m_quietDates = true;
+    dpDatumDo->setDate(to);
+    dpDatum->setDate(from);
+    m_quietDates = false;
+}
+
+void RecordEditor::onDateChanged()
+{
+    if (!m_quietDates)
+        chkPoDatumima->setChecked(true);
+}
+
+void RecordEditor::Prikaži(int)
+{
+    prepare();
+    if (m_tipRada == Pretrazivanje) {
+        lblDatumDo->setVisible(true);
+        dpDatumDo->setVisible(true);
+        chkPoDatumima->setVisible(true);
+        setSearchDates();
+        if (QComboBox* list = kindList()) {
+            if (list->count() == 0 || !list->itemText(list->count() - 1).isEmpty())
+                list->addItem(QString());
+            list->setCurrentIndex(list->count() - 1);
+        }
+    } else {
+        procitaj();
+        NapuniPodatke();
+    }
+    if (m_tipRada == Brisanje) {
+        SetEdit(false);
+        cmdSpremi->setFocus();
+    }
+    interaction().exec(*this);
+}
+
+QString RecordEditor::readStatement() const
+{
+    const Session& s = session();
+    return readEntrySql(m_tip, s.RadnaGodina, s.BrojPoduzeca, sRedniBroj);
+}
+
+QString RecordEditor::readSql() const
+{
+    return readStatement();
+}
+
+void RecordEditor::procitaj()
+{
+    Database& db = session().db();
+    m_procitan = false;
+    ResultSet rs;
+    if (!db.open(readStatement(), rs)) {
+        inform(QStringLiteral("Desila se greška: ") + QStringLiteral(" Čitanje tek.zapisa ") + db.errorDescription());
+        return;
+    }
+    m_stavka = rs;
+    m_procitan = !rs.isEmpty();
+}
+
+void RecordEditor::NapuniPodatke()
+{
+    if (m_procitan)
+        fill(m_stavka);
+}
+
+// ---- reading columns ----
+
+QString RecordEditor::textOf(const ResultSet& rs, const QString& column)
+{
+    const int c = rs.indexOf(column);
+    return c < 0 || rs.isNull(0, c) ? QString() : rs.text(0, c);
+}
+
+Money RecordEditor::moneyOf(const ResultSet& rs, const QString& column)
+{
+    const int c = rs.indexOf(column);
+    return c < 0 || rs.isNull(0, c) ? Money() : rs.money(0, c);
+}
+
+qint64 RecordEditor::integerOf(const ResultSet& rs, const QString& column)
+{
+    const int c = rs.indexOf(column);
+    return c < 0 || rs.isNull(0, c) ? 0 : rs.integer(0, c);
+}
+
+QDate RecordEditor::dateOf(const ResultSet& rs, const QString& column)
+{
+    const int c = rs.indexOf(column);
+    return c < 0 || rs.isNull(0, c) ? QDate() : rs.date(0, c);
+}
+
+QVariant RecordEditor::cell(const ResultSet& rs, int row, const QString& column)
+{
+    const int c = rs.indexOf(column);
+    if (c < 0 || row < 0 || row >= rs.rowCount() || rs.isNull(row, c))
+        return {};
+    return rs.value(row, c);
+}
+
+// ---- confirming ----
+
+bool RecordEditor::report(const Finding& finding)
+{
+    const QString title = finding.warning ? QStringLiteral("Napomena") : finding.title;
+    interaction().show({ finding.text, title, finding.icon, Buttons::Ok, Answer::Ok });
+    if (finding.warning)
+        return false;
+    if (QWidget* target = control(finding.focus))
+        target->setFocus();
+    return true;
+}
+
+bool RecordEditor::runChecks(const Findings& findings)
+{
+    for (const Finding& f : findings)
+        if (report(f))
+            return false;
+    return true;
+}
+
+void RecordEditor::potvrdi()
+{
+    switch (m_tipRada) {
+    case Novi:
+    case Izmjena:
+        if (!runChecks(checks()))
+            return;
+        break;
+    case Pretrazivanje:
+        if (!runChecks(checkSearchPeriod(dpDatum->date(), dpDatumDo->date())))
+            return;
+        m_izisaoSaPrekidom = false;
+        accept();
+        return;
+    case Brisanje:
+        if (!mayDelete())
+            return;
+        break;
+    default:
+        return;
+    }
+    if (!zapisi())
+        return;
+    afterWrite();
+    m_izisaoSaPrekidom = false;
+    accept();
+}
+
+bool RecordEditor::zapisi()
+{
+    RowChange change;
+    change.table = entryTable(m_tip);
+    if (m_tipRada == Novi) {
+        change.kind = RowChange::Kind::Insert;
+        change.values = rowValues();
+    } else {
+        change.kind = m_tipRada == Izmjena ? RowChange::Kind::Update : RowChange::Kind::Delete;
+        if (m_tipRada == Izmjena)
+            change.values = rowValues();
+        // The row exactly as it was read: every column of it.
+        if (m_procitan)
+            for (int c = 0; c < m_stavka.fieldCount(); ++c)
+                change.original.append({ m_stavka.field(c).name, m_stavka.value(0, c) });
+    }
+    Database& db = session().db();
+    QString failure;
+    if (change.kind != RowChange::Kind::Insert && change.original.isEmpty())
+        failure = QStringLiteral("Stavka nije pročitana iz baze podataka.");
+    else if (db.writeRow(change))
+        return true;
+    else
+        failure = db.errorDescription();
+    warn(QStringLiteral("Desila se greška u spremanju stavke. Promjene nisu prihvaćene!") + u'\n' + failure);
+    return false;
+}
+
+// ---- keys ----
+
+bool RecordEditor::handleKey(QWidget* control, QKeyEvent* event)
+{
+    const int key = event->key();
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) {
+        if (cmdSpremi->isEnabled())
+            cmdSpremi->click();
+        return true;
+    }
+    if (key == Qt::Key_Escape) {
+        reject();
+        return true;
+    }
+    if (!isInput(control))
+        return false;
+    const bool textCheckOrCombo
+        = qobject_cast<QLineEdit*>(control) || qobject_cast<QCheckBox*>(control) || qobject_cast<QComboBox*>(control);
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || (key == Qt::Key_Down && textCheckOrCombo)) {
+        focusNextChild();
+        return true;
+    }
+    if (key == Qt::Key_Up) {
+        focusPreviousChild();
+        return true;
+    }
+    return false;
+}
+
+bool RecordEditor::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        auto* control = qobject_cast<QWidget*>(watched);
+        if (control && control->window() == this && handleKey(control, static_cast<QKeyEvent*>(event)))
+            return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void RecordEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (handleKey(this, event))
+        return;
+    QDialog::keyPressEvent(event);
+}
+
+} // namespace knjige

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "editors/widgets/RecordEditor.h"
+#include "session/HostServices.h"
+
+namespace knjige
+{
+
+// What the two trade book editors share: entries are kept per shop (BrojProd), chosen
+// through the host's register of shops, and numbered per shop. A new entry takes the
+// next number of its shop whenever the shop is set.
+class TrgKnjigaEditor : public RecordEditor
+{
+    Q_OBJECT
+public:
+    void setSkladište(qint32 shop) override;
+    // The shop as chosen or looked up: code 0 and no name when there is none.
+    Partner cSkladište() const;
+
+    QLineEdit* txtSkladište = nullptr;
+    QPushButton* cmdPrSkladište = nullptr;
+    QLabel* lblSkladište = nullptr;
+    QLineEdit* txtOpis = nullptr;
+
+protected:
+    TrgKnjigaEditor(int bookKind, QWidget* parent);
+    // The rows common to both books; the amounts follow.
+    void addHeadRows();
+    QString readStatement() const override;
+    void prepare() override;
+    void fillHead(const ResultSet& rs);
+    void copyHead(const ResultSet& rs, int row);
+    editors::TrgInput input() const;
+    RowChange::Values headValues() const;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void izaberiSkladište();
+    void nadjiSkladište();
+    void predloziBroj();
+    qint32 shopCode() const;
+
+    Partner m_skladište;
+};
+
+// The trade book of services (125).
+class frmKnjUsluga final : public TrgKnjigaEditor
+{
+    Q_OBJECT
+public:
+    explicit frmKnjUsluga(QWidget* parent = nullptr);
+    void PreuzmiStavku(const ResultSet& rs, int row) override;
+
+    MoneyBox* ubIznos = nullptr;
+
+protected:
+    void fill(const ResultSet& rs) override;
+    editors::Findings checks() override;
+    RowChange::Values rowValues() const override;
+};
+
+// The trade book of goods on commission (126).
+class frmKnjKomisiona final : public TrgKnjigaEditor
+{
+    Q_OBJECT
+public:
+    explicit frmKnjKomisiona(QWidget* parent = nullptr);
+    void PreuzmiStavku(const ResultSet& rs, int row) override;
+
+    MoneyBox* ubZaduženje = nullptr;
+    MoneyBox* ubRazduženje = nullptr;
+
+protected:
+    void fill(const ResultSet& rs) override;
+    editors::Findings checks() override;
+    RowChange::Values rowValues() const override;
+};
+
+} // namespace knjige

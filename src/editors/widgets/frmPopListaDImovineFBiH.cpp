@@ -1,0 +1,82 @@
+#include "editors/widgets/frmPopListaDImovineFBiH.h"
+
+#include "editors/widgets/MoneyBox.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+
+namespace knjige
+{
+
+using namespace editors;
+
+frmPopListaDImovineFBiH::frmPopListaDImovineFBiH(int bookKind, QWidget* parent)
+    : RecordEditor(bookKind, parent)
+{
+    setObjectName(QStringLiteral("frmPopListaDImovineFBiH"));
+    addNumberRow();
+    addDateRow();
+    txtBrojDokumenta
+        = addTextRow(QStringLiteral("Broj dokumenta:"), QStringLiteral("txtBrojDokumenta"), QStringLiteral("Isprava"));
+    txtNazivSredstva = addTextRow(
+        QStringLiteral("Naziv sredstva:"), QStringLiteral("txtNazivSredstva"), QStringLiteral("Naziv"), 320);
+    ubVijekTrajanja = addMoneyRow(QStringLiteral("Vijek trajanja (god.):"), QStringLiteral("ubVijekTrajanja"), true);
+    ubNabavna = addMoneyRow(QStringLiteral("Nabavna vrijednost:"), QStringLiteral("ubNabavna"));
+    ubKnjigovodstvena = addMoneyRow(QStringLiteral("Knjigovodstvena vrijednost:"), QStringLiteral("ubKnjigovodstvena"));
+    txtNaziv = new QLineEdit(this);
+    txtNaziv->setObjectName(QStringLiteral("txtNaziv"));
+    txtNaziv->setVisible(false);
+    finishLayout();
+
+    for (MoneyBox* box : { ubNabavna, ubKnjigovodstvena })
+        connect(box, &MoneyBox::left, this, [box] {
+            if (box->value().isNegative())
+                inform(QStringLiteral("Unešena vrijednost je negativna, pažljivo !"), QStringLiteral("Napomena"),
+                    Icon::Exclamation);
+        });
+}
+
+void frmPopListaDImovineFBiH::fill(const ResultSet& rs)
+{
+    ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
+    dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
+    txtBrojDokumenta->setText(textOf(rs, QStringLiteral("Isprava")));
+    txtNazivSredstva->setText(textOf(rs, QStringLiteral("Naziv")));
+    ubVijekTrajanja->setValue(moneyOf(rs, QStringLiteral("VijekTr")));
+    ubNabavna->setValue(moneyOf(rs, QStringLiteral("NabVrijednost")));
+    ubKnjigovodstvena->setValue(moneyOf(rs, QStringLiteral("KnjigVrijednost")));
+}
+
+void frmPopListaDImovineFBiH::PreuzmiStavku(const ResultSet& rs, int row)
+{
+    dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
+    txtBrojDokumenta->setText(cell(rs, row, QStringLiteral("Isprava")).toString());
+    txtNazivSredstva->setText(cell(rs, row, QStringLiteral("Naziv")).toString());
+    const int vijek = rs.indexOf(QStringLiteral("VijekTr"));
+    ubVijekTrajanja->setValue(vijek < 0 || row < 0 || rs.isNull(row, vijek) ? Money() : rs.money(row, vijek));
+    ubNabavna->setValue(cell(rs, row, QStringLiteral("NabVrijednost")).value<Money>());
+    ubKnjigovodstvena->setValue(cell(rs, row, QStringLiteral("KnjigVrijednost")).value<Money>());
+}
+
+Findings frmPopListaDImovineFBiH::checks()
+{
+    return checkPopis({ dpDatum->date(), txtBrojDokumenta->text(), ubVijekTrajanja->value(), ubNabavna->value(),
+                          ubKnjigovodstvena->value() },
+        session().RadnaGodina);
+}
+
+RowChange::Values frmPopListaDImovineFBiH::rowValues() const
+{
+    const Session& s = session();
+    return {
+        { QStringLiteral("BrojPoduzeca"), int(s.BrojPoduzeca) },
+        { QStringLiteral("Datum"), dpDatum->date() },
+        { QStringLiteral("GodinaKnj"), int(s.RadnaGodina) },
+        { QStringLiteral("Isprava"), txtBrojDokumenta->text() },
+        { QStringLiteral("Naziv"), txtNazivSredstva->text() },
+        { QStringLiteral("VijekTr"), int(ubVijekTrajanja->integerValue()) },
+        { QStringLiteral("NabVrijednost"), QVariant::fromValue(ubNabavna->value()) },
+        { QStringLiteral("KnjigVrijednost"), QVariant::fromValue(ubKnjigovodstvena->value()) },
+    };
+}
+
+} // namespace knjige
