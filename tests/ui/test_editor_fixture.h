@@ -1,0 +1,44 @@
+#pragma once
+
+#include "editors/widgets/RecordEditor.h"
+#include "session/ResultSet.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace knjige::test
+{
+
+// A fresh embedded database with the books' schema for each test, the session on
+// company 1 and working year 2016, two partners (1 "Prodavnica Centar", 2 "Prodavnica
+// Zapad"), and a scripted person that records every message.
+class EditorTest : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Shows the editor through the seam; `inside` runs while it is "on screen". The
+    // dialog is shown (offscreen) so that focus and keys behave as for a person.
+    void run(RecordEditor& editor, const std::function<void()>& inside);
+    // The rows of a statement (T-SQL as the system writes it); fails the test on error.
+    ResultSet rows(const QString& sql);
+    void exec(const QString& sql);
+    int count(const QString& table);
+    // The texts of the messages shown so far, and the last one.
+    QStringList texts() { return script->texts(); }
+    Message lastMessage() { return script->messages.isEmpty() ? Message {} : script->messages.last(); }
+    // The objectName of the control that has (or will have, once shown) the focus.
+    static QString focusOf(RecordEditor& editor);
+
+    QString dbPath;
+    ScopedScript script;
+
+private:
+    std::unique_ptr<TestDatabase> m_db;
+};
+
+} // namespace knjige::test
