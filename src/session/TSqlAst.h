@@ -65,6 +65,8 @@ struct Node {
     // Filled by analysis.
     SqlType type = SqlType::Unknown;
     Rewrite rewrite = Rewrite::None;
+    // A value stored into a money column: the server keeps four decimals of it.
+    bool storedAsMoney = false;
 };
 
 // A parsed statement: owns its nodes.

@@ -78,6 +78,7 @@ public:
                 expr(row[i], nullptr);
                 if (columnType(int(i)) == SqlType::Date)
                     dateLiteral(row[i]);
+                storeAs(columnType(int(i)), row[i]);
             }
         }
         if (n->query) {
@@ -86,8 +87,11 @@ public:
             collectSelects(n->query, selects);
             for (Node* s : selects)
                 for (size_t i = 0; i < s->items.size(); ++i)
-                    if (s->items[i].expr && columnType(int(i)) == SqlType::Date)
-                        dateLiteral(s->items[i].expr);
+                    if (s->items[i].expr) {
+                        if (columnType(int(i)) == SqlType::Date)
+                            dateLiteral(s->items[i].expr);
+                        storeAs(columnType(int(i)), s->items[i].expr);
+                    }
         }
     }
 
@@ -101,6 +105,8 @@ public:
             const ColumnDef* c = table ? table->column(n->columns[i]) : nullptr;
             if (c && c->type == SqlType::Date)
                 dateLiteral(value);
+            if (c)
+                storeAs(c->type, value);
         }
         if (n->where)
             expr(n->where, &scope);
@@ -121,6 +127,16 @@ public:
     }
 
 private:
+    // Money columns keep four decimals on the server; REAL storage would keep the
+    // whole fraction of a computed value (10.0/3), and the row could then never be
+    // matched again by the value it shows.
+    static void storeAs(SqlType column, Node* value)
+    {
+        if (column == SqlType::Money && value->type != SqlType::Money && value->type != SqlType::Null
+            && value->type != SqlType::Int)
+            value->storedAsMoney = true;
+    }
+
     static SqlType higherIgnoringNull(SqlType a, SqlType b)
     {
         if (a == SqlType::Null)
@@ -410,6 +426,13 @@ public:
     Emitter(const QVector<Token>& tokens, const Edits& edits) : m_tokens(tokens), m_edits(edits) {}
 
     QString node(const Node* n) const
+    {
+        if (n->storedAsMoney)
+            return QStringLiteral("tsql_money(") + rewritten(n) + u')';
+        return rewritten(n);
+    }
+
+    QString rewritten(const Node* n) const
     {
         switch (n->rewrite) {
         case Node::Rewrite::Divide:

@@ -48,6 +48,28 @@ TEST(Schema, MoneyIsStoredAsRealSoQuotientsKeepTheirDecimals)
     EXPECT_EQ(rs.money(0, 1), Money::fromWhole(100));
 }
 
+TEST(Schema, ComputedValuesStoredIntoMoneyColumnsKeepFourDecimals)
+{
+    // As the server's money type: a row written by a statement shows, and is matched
+    // again by, the same four decimals.
+    TestDatabase t;
+    t.exec("INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
+           "VALUES(1,1,'1.1.2016',2016,'','',1.123456,0 )");
+    t.exec("UPDATE dbo.KnjPrometaFBiH SET IznosCek=10.0/3 WHERE RBroj=1");
+    const ResultSet rs = t.query("SELECT IznosGot, IznosCek FROM dbo.KnjPrometaFBiH "
+                                 "WHERE IznosGot=1.1235 AND IznosCek=3.3333");
+    ASSERT_EQ(rs.rowCount(), 1);
+    EXPECT_EQ(rs.money(0, 0).toString(), QStringLiteral("1.1235"));
+    EXPECT_EQ(rs.money(0, 1).toString(), QStringLiteral("3.3333"));
+
+    RowChange change;
+    change.kind = RowChange::Kind::Delete;
+    change.table = QStringLiteral("dbo.KnjPrometaFBiH");
+    change.original = {{"RBroj", 1}, {"IznosCek", QVariant::fromValue(Money::parse(QStringLiteral("3.3333")).value())}};
+    EXPECT_TRUE(t.db().writeRow(change)) << t.db().errorDescription().toStdString();
+    EXPECT_EQ(t.count(QStringLiteral("dbo.KnjPrometaFBiH")), 0);
+}
+
 TEST(Schema, DuplicateNumbersAreStorable)
 {
     TestDatabase t;
