@@ -28,6 +28,22 @@ bool wrongYear(const QDate& date, int workingYear)
     return date.year() != workingYear;
 }
 
+// Values of two result sets compared by meaning: amounts and numbers as amounts (an
+// integer list column may show a currency column), dates as dates, the rest as text.
+bool sameValue(const ResultSet& a, int rowA, int colA, const ResultSet& b, int rowB, int colB)
+{
+    const bool nullA = a.isNull(rowA, colA);
+    if (nullA || b.isNull(rowB, colB))
+        return nullA == b.isNull(rowB, colB);
+    const FieldType ta = a.field(colA).type;
+    const FieldType tb = b.field(colB).type;
+    if (isNumeric(ta) && isNumeric(tb))
+        return a.money(rowA, colA) == b.money(rowB, colB);
+    if (ta == FieldType::Date && tb == FieldType::Date)
+        return a.date(rowA, colA) == b.date(rowB, colB);
+    return a.text(rowA, colA) == b.text(rowB, colB);
+}
+
 } // namespace
 
 bool refuses(const Findings& findings)
@@ -97,6 +113,47 @@ int vrstaPosition(int bookKind, int code)
                 return i;
     }
     return position >= 0 && position < vrstaTexts(bookKind).size() ? position : -1;
+}
+
+int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow)
+{
+    if (candidates.isEmpty())
+        return -1;
+    if (candidates.rowCount() == 1 || !list || listRow < 0 || listRow >= list->rowCount())
+        return 0;
+    QVector<std::pair<int, int>> shared; // (candidate column, list column)
+    for (int c = 0; c < candidates.fieldCount(); ++c) {
+        const int l = list->indexOf(candidates.field(c).name);
+        if (l >= 0)
+            shared.append({ c, l });
+    }
+    int best = 0;
+    int bestScore = -1;
+    for (int r = 0; r < candidates.rowCount(); ++r) {
+        int score = 0;
+        for (const auto& [c, l] : shared)
+            score += sameValue(candidates, r, c, *list, listRow, l) ? 1 : 0;
+        if (score > bestScore) {
+            best = r;
+            bestScore = score;
+        }
+    }
+    return best;
+}
+
+ResultSet singleRow(const ResultSet& rs, int row)
+{
+    ResultSet out(rs.fields());
+    if (row < 0 || row >= rs.rowCount())
+        return out;
+    out.appendRow();
+    for (int c = 0; c < rs.fieldCount(); ++c) {
+        if (rs.isNull(row, c))
+            out.setNull(c);
+        else
+            out.set(c, rs.value(row, c));
+    }
+    return out;
 }
 
 QString entryTable(int bookKind)

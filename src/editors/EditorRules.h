@@ -2,6 +2,7 @@
 
 #include "session/Interaction.h"
 #include "session/Money.h"
+#include "session/ResultSet.h"
 
 #include <QDate>
 #include <QString>
@@ -44,6 +45,14 @@ int vrstaPosition(int bookKind, int code);
 
 // The statement that reads the entry an editor works on, exactly as the system sends it.
 QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qint32 shop = 0);
+// The row of `candidates` (an entry read by its number) that is the entry shown in row
+// `listRow` of the browser's `list`: ordinal numbers need not be unique, so the row
+// that agrees with the list on the most columns both carry (by name) wins, the first
+// of equals. 0 without a list row; -1 when there are no candidates.
+int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow);
+// A result set holding row `row` of `rs` alone.
+ResultSet singleRow(const ResultSet& rs, int row);
+
 // The table an editor writes, as the system names it.
 QString entryTable(int bookKind);
 // The text after the mode word in the dialog caption (" stavke knjige prometa").

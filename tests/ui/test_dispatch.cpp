@@ -341,3 +341,140 @@ TEST_F(Dispatch, BulkDeleteAsksAndRemovesExactlyTheListedEntries)
     ASSERT_EQ(left.rowCount(), 1);
     EXPECT_EQ(left.integer(0, 0), 2);
 }
+
+TEST_F(Dispatch, TwoEntriesSharingANumberAreChangedAndDeletedOneByOne)
+{
+    addPrihRash(1, 2016, 5, QDate(2016, 3, 1), 11, 10, 0, QStringLiteral("Prva petica"));
+    addPrihRash(1, 2016, 5, QDate(2016, 3, 2), 16, 20, 0, QStringLiteral("Druga petica"));
+    auto w = open(96);
+    const auto goToOpis = [&](const QString& opis) {
+        const ResultSet& rs = w->rsStavke();
+        for (int r = 0; r < rs.rowCount(); ++r)
+            if (rs.text(r, rs.indexOf(QStringLiteral("Opis"))) == opis)
+                goToEntry(*w, r);
+        return w->rsStavke().text(w->trenutniRed(), w->rsStavke().indexOf(QStringLiteral("Opis"))) == opis;
+    };
+    ASSERT_TRUE(goToOpis(QStringLiteral("Druga petica")));
+    onEditor([](RecordEditor& e) {
+        EXPECT_EQ(field<QLineEdit>(e, "txtOpis")->text(), QStringLiteral("Druga petica"));
+        field<MoneyBox>(e, "ubIznos")->setValue(Money::fromWhole(25));
+        e.cmdSpremi->click();
+    });
+    key(*w, Qt::Key_Return);
+    ASSERT_EQ(shown.size(), 1);
+    const QString byOpis = QStringLiteral("SELECT Opis,Iznos FROM dbo.KnjPrihRashFBiH ORDER BY Opis");
+    ResultSet rs = db->query(byOpis);
+    ASSERT_EQ(rs.rowCount(), 2);
+    EXPECT_EQ(rs.text(1, 0), QStringLiteral("Prva petica"));
+    EXPECT_EQ(rs.money(1, 1), Money::fromWhole(10));
+    EXPECT_EQ(rs.money(0, 1), Money::fromWhole(25));
+
+    ASSERT_TRUE(goToOpis(QStringLiteral("Druga petica")));
+    onEditor([](RecordEditor& e) {
+        EXPECT_EQ(field<QLineEdit>(e, "txtOpis")->text(), QStringLiteral("Druga petica"));
+        e.cmdSpremi->click();
+    });
+    key(*w, Qt::Key_Delete);
+    ASSERT_EQ(shown.size(), 2);
+    rs = db->query(byOpis);
+    ASSERT_EQ(rs.rowCount(), 1);
+    EXPECT_EQ(rs.text(0, 0), QStringLiteral("Prva petica"));
+
+    // The first of the two is reached as well.
+    addPrihRash(1, 2016, 5, QDate(2016, 3, 3), 12, 30, 0, QStringLiteral("Treća petica"));
+    w->OsvjeziZapise();
+    ASSERT_TRUE(goToOpis(QStringLiteral("Prva petica")));
+    onEditor([](RecordEditor& e) {
+        EXPECT_EQ(field<QLineEdit>(e, "txtOpis")->text(), QStringLiteral("Prva petica"));
+        e.cmdSpremi->click();
+    });
+    key(*w, Qt::Key_Delete);
+    rs = db->query(byOpis);
+    ASSERT_EQ(rs.rowCount(), 1);
+    EXPECT_EQ(rs.text(0, 0), QStringLiteral("Treća petica"));
+}
+
+TEST_F(Dispatch, ReceivablesRsKeepTheLinkLockedAndACopyNeverCarriesIt)
+{
+    addKomitent(5, QStringLiteral("Kupac d.o.o."));
+    // The FBiH and RS records share their table.
+    db->insert(QStringLiteral("dbo.KnjEvidPotrIObvFBiH"),
+        { { QStringLiteral("BrojPoduzeca"), 1 }, { QStringLiteral("RBroj"), 1 },
+            { QStringLiteral("Datum"), QDate(2016, 6, 1) }, { QStringLiteral("GodinaKnj"), 2016 },
+            { QStringLiteral("SifKomit"), 5 }, { QStringLiteral("Vrsta"), 11 },
+            { QStringLiteral("Opis"), QStringLiteral("Račun") }, { QStringLiteral("Isprava"), QStringLiteral("IR-1") },
+            { QStringLiteral("Iznos"), money(10) }, { QStringLiteral("RBrojKPR"), 4 } });
+    struct Seen {
+        bool kprEnabled;
+        qint64 kpr;
+    };
+    QList<Seen> seen;
+    const auto record = [&](bool save) {
+        onEditor([&seen, save](RecordEditor& e) {
+            auto* kpr = field<MoneyBox>(e, "ubKPR");
+            seen.append({ kpr->isEnabled(), kpr->integerValue() });
+            (save ? e.cmdSpremi : e.cmdPrekid)->click();
+        });
+    };
+
+    auto rs = open(102);
+    record(false);
+    key(*rs, Qt::Key_F9);
+    goToEntry(*rs, 0);
+    key(*rs, Qt::Key_F4);
+    key(*rs, Qt::Key_Return);
+    ASSERT_EQ(seen.size(), 3);
+    for (const Seen& s : seen)
+        EXPECT_FALSE(s.kprEnabled);
+    EXPECT_EQ(seen[1].kpr, 0); // the copy
+    EXPECT_EQ(seen[2].kpr, 4); // the entry itself
+
+    // In the FBiH book the copy is saved after the warning about the missing link.
+    seen.clear();
+    auto fbih = open(97);
+    goToEntry(*fbih, 0);
+    record(true);
+    key(*fbih, Qt::Key_F4);
+    ASSERT_EQ(seen.size(), 1);
+    EXPECT_TRUE(seen[0].kprEnabled);
+    EXPECT_EQ(seen[0].kpr, 0);
+    EXPECT_EQ(script->messages.last().text,
+        QStringLiteral("Bilo bi poželjno da se upiše redni broj u knjizi prihoda i rashoda! "
+                       "Podatak će se spremiti, ali pažljivo!"));
+    const ResultSet links
+        = db->query(QStringLiteral("SELECT RBroj,RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH ORDER BY RBroj,RBrojKPR"));
+    ASSERT_EQ(links.rowCount(), 2);
+    EXPECT_EQ(links.integer(0, 1), 4);
+    EXPECT_EQ(links.integer(1, 0), 2);
+    EXPECT_EQ(links.integer(1, 1), 0);
+}
+
+TEST_F(Dispatch, ANewAssetIsFoundUnderTheNumberTheTableGaveIt)
+{
+    for (int r = 1; r <= 3; ++r)
+        db->insert(QStringLiteral("dbo.KnjPopListaDugImovFBiH"),
+            { { QStringLiteral("BrojPoduzeca"), 1 }, { QStringLiteral("GodinaKnj"), 2016 },
+                { QStringLiteral("RBroj"), r }, { QStringLiteral("Naziv"), QStringLiteral("Sredstvo %1").arg(r) },
+                { QStringLiteral("Datum"), QDate(2016, 2, r) }, { QStringLiteral("Isprava"), QStringLiteral("1") },
+                { QStringLiteral("NabVrijednost"), money(1000) }, { QStringLiteral("KnjigVrijednost"), money(900) },
+                { QStringLiteral("VijekTr"), 5 } });
+    for (int book : { 105, 101 }) {
+        auto w = open(book);
+        onEditor([](RecordEditor& e) {
+            // The operator's number is not what the table assigns.
+            e.ubRBroj->setValue(Money::fromWhole(2));
+            field<QLineEdit>(e, "txtBrojDokumenta")->setText(QStringLiteral("44"));
+            field<QLineEdit>(e, "txtNazivSredstva")->setText(QStringLiteral("Novo sredstvo"));
+            field<MoneyBox>(e, "ubVijekTrajanja")->setValue(Money::fromWhole(4));
+            field<MoneyBox>(e, "ubNabavna")->setValue(Money::fromWhole(800));
+            field<MoneyBox>(e, "ubKnjigovodstvena")->setValue(Money::fromWhole(800));
+            e.cmdSpremi->click();
+        });
+        key(*w, Qt::Key_F9);
+        const qint32 expected = book == 105 ? 4 : 5;
+        EXPECT_EQ(w->trenutniRBroj(), expected) << book;
+        const ResultSet& rs = w->rsStavke();
+        ASSERT_GE(w->trenutniRed(), 0);
+        EXPECT_EQ(rs.text(w->trenutniRed(), rs.indexOf(QStringLiteral("Naziv"))), QStringLiteral("Novo sredstvo"));
+    }
+}

@@ -184,6 +184,38 @@ TEST_F(BookEditors, AssetListNeverWritesTheNumberAndChecksValues)
     EXPECT_EQ(after.money(0, 1), Money::fromWhole(800));
 }
 
+TEST_F(BookEditors, AssetListWarnsOnNegativeValuesAndRefusesAZeroPurchaseValue)
+{
+    auto e = editor<frmPopListaDImovineFBiH>(105, 1);
+    run(*e, [&] {
+        for (MoneyBox* box : { e->ubNabavna, e->ubKnjigovodstvena }) {
+            script->messages.clear();
+            box->setFocus();
+            box->selectAll();
+            QTest::keyClicks(box, QStringLiteral("-5"));
+            QTest::keyClick(box, Qt::Key_Tab);
+            ASSERT_EQ(script->messages.size(), 1) << box->objectName().toStdString();
+            EXPECT_EQ(lastMessage().text, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
+            EXPECT_EQ(lastMessage().title, QStringLiteral("Napomena"));
+            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+        }
+        e->dpDatum->setDate(QDate(2016, 2, 1));
+        e->txtBrojDokumenta->setText(QStringLiteral("15"));
+        e->ubVijekTrajanja->setValue(Money::fromWhole(5));
+        e->ubNabavna->setValue(Money());
+        e->ubKnjigovodstvena->setValue(Money());
+        script->messages.clear();
+        e->cmdSpremi->click();
+        ASSERT_EQ(script->messages.size(), 1);
+        EXPECT_EQ(lastMessage().text, QStringLiteral("Unesena vrijednost je negativna ili 0, pažljivo !"));
+        EXPECT_EQ(lastMessage().title, QStringLiteral("Napomena"));
+        EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+        EXPECT_EQ(focusOf(*e), QStringLiteral("ubNabavna"));
+    });
+    EXPECT_TRUE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(count(QStringLiteral("dbo.KnjPopListaDugImovFBiH")), 0);
+}
+
 TEST_F(BookEditors, AssetListRsUsesTheSharedTable)
 {
     auto e = editor<frmPopListaDImovineFBiH>(101, 1);
@@ -222,6 +254,32 @@ TEST_F(BookEditors, TurnoverAcceptsANegativeNumberButNotZeroOrNoAmount)
     EXPECT_EQ(rs.integer(0, 0), -3);
     EXPECT_TRUE(rs.money(0, 1).isZero());
     EXPECT_EQ(rs.money(0, 2), Money::fromWhole(50));
+}
+
+TEST_F(BookEditors, TurnoverWarnsWhenANegativeAmountIsLeft)
+{
+    auto e = editor<frmKnjPrometa>(98, 1);
+    run(*e, [&] {
+        for (MoneyBox* box : { e->ubGotovina, e->ubCek }) {
+            script->messages.clear();
+            box->setFocus();
+            box->selectAll();
+            QTest::keyClicks(box, QStringLiteral("-1,5"));
+            QTest::keyClick(box, Qt::Key_Tab);
+            ASSERT_EQ(script->messages.size(), 1) << box->objectName().toStdString();
+            EXPECT_EQ(lastMessage().text, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
+            EXPECT_EQ(lastMessage().title, QStringLiteral("Napomena"));
+            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+            EXPECT_EQ(box->value(), -Money::fromUnits(15000));
+        }
+        // A positive amount leaves quietly.
+        script->messages.clear();
+        e->ubCek->setFocus();
+        e->ubCek->selectAll();
+        QTest::keyClicks(e->ubCek, QStringLiteral("7"));
+        QTest::keyClick(e->ubCek, Qt::Key_Tab);
+        EXPECT_TRUE(script->messages.isEmpty());
+    });
 }
 
 TEST_F(BookEditors, TurnoverRsChangesTheSharedTableAndWarnsOnNegativeAmounts)
@@ -306,7 +364,76 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     EXPECT_EQ(rs.money(0, 5), Money::fromWhole(120));
 }
 
+TEST_F(BookEditors, TradeBooksRefuseAShopUnknownToThePartners)
+{
+    for (int book : { 125, 126 }) {
+        auto e = std::unique_ptr<TrgKnjigaEditor>(dynamic_cast<TrgKnjigaEditor*>(createEditor(book).release()));
+        ASSERT_TRUE(e);
+        e->setTipRada(1);
+        run(*e, [&] {
+            script->messages.clear();
+            QTest::keyClicks(e->txtSkladište, QStringLiteral("77"));
+            QTest::keyClick(e->txtSkladište, Qt::Key_Tab);
+            e->ubRBroj->setValue(Money::fromWhole(1));
+            e->dpDatum->setDate(QDate(2016, 8, 1));
+            e->txtOpis->setText(QStringLiteral("Nepostojeća"));
+            for (const char* name : { "ubIznos", "ubZaduženje" })
+                if (auto* box = qobject_cast<MoneyBox*>(e->control(QString::fromUtf8(name))))
+                    box->setValue(Money::fromWhole(10));
+            e->cmdSpremi->click();
+            ASSERT_EQ(script->messages.size(), 1) << book;
+            EXPECT_EQ(lastMessage().text, QStringLiteral("Maloprodaja sa šifrom 77 ne postoji!"));
+            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+            EXPECT_EQ(focusOf(*e), QStringLiteral("txtSkladište"));
+            EXPECT_TRUE(e->isVisible());
+        });
+        EXPECT_TRUE(e->IzišaoSaPrekidom());
+        EXPECT_EQ(count(editors::entryTable(book)), 0);
+    }
+}
+
+TEST_F(BookEditors, ServicesRefuseAZeroAmount)
+{
+    auto e = editor<frmKnjUsluga>(125, 1);
+    e->setSkladište(1);
+    run(*e, [&] {
+        e->dpDatum->setDate(QDate(2016, 8, 1));
+        e->cmdSpremi->click();
+        EXPECT_EQ(texts(), QStringList { QStringLiteral("Iznos mora biti različit od nule !") });
+        EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+        EXPECT_EQ(lastMessage().title, QString());
+        EXPECT_EQ(focusOf(*e), QStringLiteral("ubIznos"));
+    });
+    EXPECT_TRUE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(count(QStringLiteral("dbo.TrgKnjUsluga")), 0);
+}
+
 // ---- RS income and expense ----
+
+TEST_F(BookEditors, RsIncomeAndExpenseRefuseNumberZeroAndAmountZero)
+{
+    for (int book : { 99, 100 }) {
+        script->messages.clear();
+        auto e = editor<frmKnjPrihodaRashodaRS>(book, 1);
+        run(*e, [&] {
+            e->ubRBroj->setValue(Money());
+            e->dpDatum->setDate(QDate(2016, 9, 9));
+            e->cboVrsta->setCurrentIndex(0);
+            e->cmdSpremi->click();
+            EXPECT_EQ(lastMessage().text, QStringLiteral("Morate upisati redni broj različit od 0!"));
+            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+            EXPECT_EQ(focusOf(*e), QStringLiteral("ubRBroj"));
+            e->ubRBroj->setValue(Money::fromWhole(3));
+            e->cmdSpremi->click();
+            EXPECT_EQ(lastMessage().text, QStringLiteral("Iznos mora biti različit od nule !"));
+            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+            EXPECT_EQ(focusOf(*e), QStringLiteral("ubIznos"));
+        });
+        EXPECT_EQ(script->messages.size(), 2) << book;
+        EXPECT_TRUE(e->IzišaoSaPrekidom());
+        EXPECT_EQ(count(editors::entryTable(book)), 0);
+    }
+}
 
 TEST_F(BookEditors, RsIncomeAndExpenseGoToTheirOwnTables)
 {

@@ -234,6 +234,19 @@ TEST_F(PrihRashEditor, ALinkedEntryCannotBeDeletedAnUnlinkedOneCan)
     EXPECT_EQ(left.integer(0, 0), 3);
 }
 
+TEST_F(PrihRashEditor, ADeletionGoesOnWhenTheLinkCannotBeChecked)
+{
+    insertFBiH(3, 16, QStringLiteral("80"), QStringLiteral("0"));
+    exec(QStringLiteral("DROP TABLE dbo.KnjEvidPotrIObvFBiH"));
+    auto e = prihRash(96, 4, 3);
+    run(*e, [&] { e->cmdSpremi->click(); });
+    EXPECT_FALSE(e->IzišaoSaPrekidom());
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(lastMessage().text, QStringLiteral("Desila se greška: u čitanju stavke."));
+    EXPECT_EQ(lastMessage().icon, Icon::None);
+    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);
+}
+
 TEST_F(PrihRashEditor, TheDbBookHasNoVatAndNeverComputesIt)
 {
     settings::setFlag(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QStringLiteral("KnjNeIzrPDV"), false);

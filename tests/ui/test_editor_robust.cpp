@@ -1,11 +1,18 @@
+#include "books/BookKind.h"
 #include "books/Schema.h"
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
+#include "editors/widgets/frmKnjEvidPotObvFBiH.h"
 #include "editors/widgets/frmKnjPRashFBiHPregled.h"
 #include "editors/widgets/frmKnjPrometa.h"
+#include "editors/widgets/frmKnjTrgovacke.h"
+#include "editors/widgets/frmPopListaDImovineFBiH.h"
 #include "session/Session.h"
 #include "test_editor_fixture.h"
 
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
 #include <QFile>
 #include <QTest>
 
@@ -30,6 +37,38 @@ void fill(frmKnjPrometa& e, const QString& opis)
     e.txtIsprava->setText(QStringLiteral("O'Brien"));
     e.txtOpis->setText(opis);
     e.ubGotovina->setValue(Money::fromUnits(123456789));
+}
+
+const QList<int> kEveryBook = { 96, 109, 97, 102, 98, 106, 99, 100, 101, 105, 125, 126 };
+
+// The controls a person reaches with Tab, in the order Tab reaches them, starting
+// after cmdPrekid.
+QList<QWidget*> tabChain(RecordEditor& e)
+{
+    QList<QWidget*> chain;
+    for (QWidget* w = e.cmdPrekid->nextInFocusChain(); w && w != e.cmdPrekid; w = w->nextInFocusChain()) {
+        const QWidget* parent = w->parentWidget();
+        if (w->window() != &e || !w->isVisible() || !w->isEnabled() || !(w->focusPolicy() & Qt::TabFocus)
+            || qobject_cast<const QAbstractSpinBox*>(parent) || qobject_cast<const QComboBox*>(parent))
+            continue;
+        chain << w;
+    }
+    return chain << e.cmdPrekid;
+}
+
+// Screen order: each control lies on the row after the one before it, or on the same
+// row to its right.
+QString screenOrderBreak(RecordEditor& e, const QList<QWidget*>& chain)
+{
+    for (int i = 1; i < chain.size(); ++i) {
+        const QRect a(chain[i - 1]->mapTo(&e, QPoint(0, 0)), chain[i - 1]->size());
+        const QRect b(chain[i]->mapTo(&e, QPoint(0, 0)), chain[i]->size());
+        const bool sameRow = qAbs(a.center().y() - b.center().y()) <= qMin(a.height(), b.height()) / 2;
+        const bool ok = sameRow ? b.left() > a.right() : b.center().y() > a.bottom();
+        if (!ok)
+            return chain[i - 1]->objectName() + QStringLiteral(" -> ") + chain[i]->objectName();
+    }
+    return {};
 }
 
 const QString kSaveFailed = QStringLiteral("Desila se greška u spremanju stavke. Promjene nisu prihvaćene!\n");
@@ -181,4 +220,98 @@ TEST_F(RobustEditor, SearchModePreparesThePeriodAndChecksIt)
     EXPECT_FALSE(e->IzišaoSaPrekidom());
     EXPECT_EQ(e->txtOpis->text(), QStringLiteral("Traži"));
     EXPECT_EQ(count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);
+}
+
+TEST_F(RobustEditor, WholeNumberBoxesTakeNoMoreThanTheirColumnHolds)
+{
+    auto r = std::unique_ptr<frmKnjEvidPotObvFBiH>(static_cast<frmKnjEvidPotObvFBiH*>(createEditor(97).release()));
+    r->setTipRada(1);
+    run(*r, [&] {
+        for (MoneyBox* box : { r->ubRBroj, r->ubKPR }) {
+            box->setFocus();
+            box->selectAll();
+            QTest::keyClicks(box, QStringLiteral("3000000000"));
+            EXPECT_EQ(box->integerValue(), 300000000) << box->objectName().toStdString();
+            box->selectAll();
+            QTest::keyClicks(box, QStringLiteral("2147483647"));
+            EXPECT_EQ(box->integerValue(), 2147483647) << box->objectName().toStdString();
+        }
+    });
+    auto a
+        = std::unique_ptr<frmPopListaDImovineFBiH>(static_cast<frmPopListaDImovineFBiH*>(createEditor(105).release()));
+    a->setTipRada(1);
+    run(*a, [&] {
+        a->ubVijekTrajanja->setFocus();
+        a->ubVijekTrajanja->selectAll();
+        QTest::keyClicks(a->ubVijekTrajanja, QStringLiteral("40000"));
+        EXPECT_EQ(a->ubVijekTrajanja->integerValue(), 4000);
+    });
+
+    // A number set from elsewhere beyond the column is refused, never narrowed.
+    auto e = promet(1);
+    run(*e, [&] {
+        fill(*e, QStringLiteral("Preveliki broj"));
+        e->ubRBroj->setValue(Money::fromWhole(3000000000LL));
+        e->cmdSpremi->click();
+        EXPECT_EQ(texts(), QStringList { QStringLiteral("Broj mora biti između -2147483648 i 2147483647!") });
+        EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
+        EXPECT_EQ(focusOf(*e), QStringLiteral("ubRBroj"));
+        EXPECT_TRUE(e->isVisible());
+    });
+    EXPECT_TRUE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrometaFBiH")), 0);
+}
+
+TEST_F(RobustEditor, AClickIntoATextFieldSelectsItsWholeText)
+{
+    for (int book : kEveryBook) {
+        auto e = createEditor(book);
+        e->setTipRada(1);
+        const QString name = isAssetList(book) ? QStringLiteral("txtNazivSredstva") : QStringLiteral("txtOpis");
+        auto* text = qobject_cast<QLineEdit*>(e->control(name));
+        ASSERT_TRUE(text) << book;
+        run(*e, [&] {
+            text->setText(QStringLiteral("Stari opis"));
+            e->ubRBroj->setFocus();
+            QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(text->width() / 3, text->height() / 2));
+            QApplication::processEvents();
+            EXPECT_TRUE(text->hasFocus()) << book;
+            EXPECT_EQ(text->selectedText(), QStringLiteral("Stari opis")) << book;
+        });
+    }
+}
+
+TEST_F(RobustEditor, TabFollowsTheScreenAndEnterPassesOverTheLookupButtons)
+{
+    for (int book : kEveryBook)
+        for (int mode : { 1, 3 }) {
+            auto e = createEditor(book);
+            e->setTipRada(mode);
+            run(*e, [&] {
+                const QList<QWidget*> chain = tabChain(*e);
+                EXPECT_EQ(screenOrderBreak(*e, chain), QString()) << book << " mode " << mode;
+                EXPECT_EQ(chain.value(chain.size() - 2), e->cmdSpremi) << book;
+            });
+        }
+
+    auto r = createEditor(97);
+    r->setTipRada(1);
+    run(*r, [&] {
+        QWidget* komitent = r->control(QStringLiteral("txtKomitent"));
+        EXPECT_EQ(komitent->nextInFocusChain(), r->control(QStringLiteral("cmdPrKomit")));
+        komitent->setFocus();
+        QTest::keyClick(komitent, Qt::Key_Return);
+        EXPECT_EQ(focusOf(*r), QStringLiteral("cboVrsta"));
+        QTest::keyClick(r->focusWidget(), Qt::Key_Up);
+        EXPECT_EQ(focusOf(*r), QStringLiteral("txtKomitent"));
+    });
+    auto t = createEditor(125);
+    t->setTipRada(1);
+    run(*t, [&] {
+        QWidget* shop = t->control(QStringLiteral("txtSkladište"));
+        EXPECT_EQ(shop->nextInFocusChain(), t->control(QStringLiteral("cmdPrSkladište")));
+        shop->setFocus();
+        QTest::keyClick(shop, Qt::Key_Down);
+        EXPECT_EQ(focusOf(*t), QStringLiteral("ubRBroj"));
+    });
 }

@@ -141,3 +141,52 @@ TEST(EditorRules, ChecksStopAtTheFirstRefusalAndKeepWarnings)
     EXPECT_EQ(range.last().icon, Icon::None);
     EXPECT_EQ(range.last().text, QStringLiteral("Početni datum računa računa veći od konačnog. Ispravite!"));
 }
+
+TEST(EditorRules, AnEntryReadByItsNumberIsTheOneTheListShows)
+{
+    ResultSet read({ { QStringLiteral("RBroj"), FieldType::Integer }, { QStringLiteral("Datum"), FieldType::Date },
+        { QStringLiteral("Opis"), FieldType::Text }, { QStringLiteral("Iznos"), FieldType::Currency },
+        { QStringLiteral("Vrsta"), FieldType::Integer } });
+    const auto addRead = [&](const QDate& d, const QString& opis, qint64 iznos) {
+        read.appendRow();
+        read.setInteger(0, 5);
+        read.setDate(1, d);
+        read.setText(2, opis);
+        read.setMoney(3, Money::fromWhole(iznos));
+        read.setInteger(4, 5);
+    };
+    addRead(QDate(2016, 3, 1), QStringLiteral("Prva"), 10);
+    addRead(QDate(2016, 3, 2), QStringLiteral("Druga"), 20);
+    addRead(QDate(2016, 3, 2), QStringLiteral("Druga"), 30);
+
+    // The list names its kind column by text and shows the amount as an integer.
+    ResultSet list({ { QStringLiteral("RBroj"), FieldType::Integer }, { QStringLiteral("Vrsta"), FieldType::Text },
+        { QStringLiteral("Datum"), FieldType::Date }, { QStringLiteral("Opis"), FieldType::Text },
+        { QStringLiteral("Iznos"), FieldType::Integer }, { QStringLiteral("Prihodi"), FieldType::Currency } });
+    const auto addListed = [&](const QString& opis, qint64 iznos) {
+        list.appendRow();
+        list.setInteger(0, 5);
+        list.setText(1, QStringLiteral("Prihod - Robe"));
+        list.setDate(2, opis == QStringLiteral("Prva") ? QDate(2016, 3, 1) : QDate(2016, 3, 2));
+        list.setText(3, opis);
+        list.setInteger(4, iznos);
+        list.setNull(5);
+    };
+    addListed(QStringLiteral("Druga"), 30);
+    addListed(QStringLiteral("Prva"), 10);
+    addListed(QStringLiteral("Druga"), 20);
+
+    EXPECT_EQ(matchingRow(read, &list, 0), 2);
+    EXPECT_EQ(matchingRow(read, &list, 1), 0);
+    EXPECT_EQ(matchingRow(read, &list, 2), 1);
+    // Without a list row the first is taken; without candidates there is none.
+    EXPECT_EQ(matchingRow(read, nullptr, -1), 0);
+    EXPECT_EQ(matchingRow(read, &list, -1), 0);
+    EXPECT_EQ(matchingRow(ResultSet(read.fields()), &list, 0), -1);
+
+    const ResultSet one = singleRow(read, 2);
+    ASSERT_EQ(one.rowCount(), 1);
+    EXPECT_EQ(one.money(0, 3), Money::fromWhole(30));
+    EXPECT_EQ(one.text(0, 2), QStringLiteral("Druga"));
+    EXPECT_EQ(one.date(0, 1), QDate(2016, 3, 2));
+}

@@ -32,6 +32,19 @@ std::optional<qint32> nextNumber(int tip)
     return qint32(next);
 }
 
+// What the browser sets on every editor it opens on an entry, whatever the mode: the
+// RS turnover book books its second amount to an account, and the RS records have no
+// income and expense book to link to.
+void pripremiEditor(RecordEditor& e, int tip)
+{
+    if (tip == Knjiga::PrometaRS)
+        if (auto* label = qobject_cast<QLabel*>(e.control(QStringLiteral("lblČekovi"))))
+            label->setText(QStringLiteral("Račun:"));
+    if (tip == Knjiga::EvidPotObvRS)
+        if (QWidget* kpr = e.control(QStringLiteral("ubKPR")))
+            kpr->setEnabled(false);
+}
+
 } // namespace
 
 void frmSifarnikKnj::NoviZapis()
@@ -52,9 +65,10 @@ void frmSifarnikKnj::NoviZapis()
     if (isTradeBook(m_tip))
         e->setSkladište(BrojProd);
     e->dpDatum->setDate(editors::newEntryDate(QDate::currentDate(), session().RadnaGodina));
+    pripremiEditor(*e, m_tip);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
-        RBrojZaPovratak = qint32(e->ubRBroj->integerValue());
+        RBrojZaPovratak = e->spremljeniRBroj();
         OsvjeziZapise();
     }
 }
@@ -77,20 +91,11 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
     if (isTradeBook(m_tip) && shopField >= 0)
         e->setSkladište(qint32(rsStavke().integer(row, shopField)));
-    if (m_tip == Knjiga::PrometaRS)
-        if (auto* label = qobject_cast<QLabel*>(e->control(QStringLiteral("lblČekovi"))))
-            label->setText(QStringLiteral("Račun:"));
-    // The RS records have no income and expense book to link to.
-    if (m_tip == Knjiga::EvidPotObvRS)
-        if (QWidget* kpr = e->control(QStringLiteral("ubKPR")))
-            kpr->setEnabled(false);
+    pripremiEditor(*e, m_tip);
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom())
         return;
-    // The asset lists never renumber from the dialog: their entry keeps its number.
-    RBrojZaPovratak = mode != editors::Izmjena ? 0
-        : isAssetList(m_tip)                   ? e->sRedniBroj
-                                               : qint32(e->ubRBroj->integerValue());
+    RBrojZaPovratak = mode == editors::Izmjena ? e->spremljeniRBroj() : 0;
     OsvjeziZapise();
 }
 
@@ -111,12 +116,10 @@ void frmSifarnikKnj::IstaStavka()
             return;
         e->ubRBroj->setValue(Money::fromWhole(*next));
     }
-    if (m_tip == Knjiga::PrometaRS)
-        if (auto* label = qobject_cast<QLabel*>(e->control(QStringLiteral("lblČekovi"))))
-            label->setText(QStringLiteral("Račun:"));
+    pripremiEditor(*e, m_tip);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
-        RBrojZaPovratak = qint32(e->ubRBroj->integerValue());
+        RBrojZaPovratak = e->spremljeniRBroj();
         OsvjeziZapise();
     }
 }

@@ -1,11 +1,46 @@
 #include "editors/widgets/MoneyBox.h"
 
 #include <QFocusEvent>
-#include <QRegularExpressionValidator>
+#include <QRegularExpression>
 #include <QTimer>
+#include <QValidator>
 
 namespace knjige
 {
+
+namespace
+{
+
+// Plain digits with an optional sign and decimal mark; for a whole-number box also a
+// rounded value within the box's range.
+class NumberValidator final : public QValidator
+{
+public:
+    explicit NumberValidator(MoneyBox* box)
+        : QValidator(box)
+        , m_box(box)
+    {
+    }
+
+    State validate(QString& input, int&) const override
+    {
+        static const QRegularExpression pattern(QStringLiteral(R"(^[-+]?\d{0,14}([.,]\d{0,4})?$)"));
+        if (!pattern.match(input).hasMatch())
+            return Invalid;
+        if (!m_box->isWholeNumber())
+            return Acceptable;
+        const std::optional<Money> parsed = Money::parse(input);
+        if (!parsed)
+            return Intermediate;
+        const qint64 whole = roundHalfEven(parsed->toDouble());
+        return whole >= m_box->minimum() && whole <= m_box->maximum() ? Acceptable : Invalid;
+    }
+
+private:
+    MoneyBox* m_box;
+};
+
+} // namespace
 
 MoneyBox::MoneyBox(QWidget* parent, bool wholeNumbers)
     : QLineEdit(parent)
@@ -14,8 +49,7 @@ MoneyBox::MoneyBox(QWidget* parent, bool wholeNumbers)
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     // While focused the box holds plain digits; the grouped display form is set only
     // by showValue, which validators do not see.
-    setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral(R"(^[-+]?\d{0,14}([.,]\d{0,4})?$)")), this));
+    setValidator(new NumberValidator(this));
     connect(this, &QLineEdit::textChanged, this, &MoneyBox::onTextChanged);
     showValue();
 }
@@ -32,6 +66,20 @@ void MoneyBox::setValue(Money value)
 qint64 MoneyBox::integerValue() const
 {
     return roundHalfEven(m_value.toDouble());
+}
+
+void MoneyBox::setRange(qint64 minimum, qint64 maximum)
+{
+    m_min = minimum;
+    m_max = maximum;
+}
+
+bool MoneyBox::inRange() const
+{
+    if (!m_whole)
+        return true;
+    const qint64 whole = integerValue();
+    return whole >= m_min && whole <= m_max;
 }
 
 QString MoneyBox::editText() const

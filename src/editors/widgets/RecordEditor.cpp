@@ -4,6 +4,7 @@
 #include "editors/widgets/MoneyBox.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/widgets/SelectWholeText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -178,7 +179,14 @@ void RecordEditor::finishLayout()
     for (QWidget* w : findChildren<QWidget*>())
         if (isControl(w) || qobject_cast<QPushButton*>(w))
             w->installEventFilter(this);
+    selectWholeTextOnFocus(this);
     setSizeGripEnabled(false);
+}
+
+void RecordEditor::addLookupButton(QPushButton* button)
+{
+    m_tabChain << button;
+    m_lookupButtons << button;
 }
 
 void RecordEditor::moveToTabEnd(QWidget* widget)
@@ -294,8 +302,10 @@ void RecordEditor::procitaj()
         inform(QStringLiteral("Desila se greška: ") + QStringLiteral(" Čitanje tek.zapisa ") + db.errorDescription());
         return;
     }
-    m_stavka = rs;
-    m_procitan = !rs.isEmpty();
+    // Two entries may share a number: the one the browser's row shows is meant.
+    const int row = matchingRow(rs, rsStavke.rs, rsStavke.row);
+    m_stavka = singleRow(rs, row);
+    m_procitan = row >= 0;
 }
 
 void RecordEditor::NapuniPodatke()
@@ -364,7 +374,7 @@ void RecordEditor::potvrdi()
     switch (m_tipRada) {
     case Novi:
     case Izmjena:
-        if (!runChecks(checks()))
+        if (!wholeNumbersInRange() || !runChecks(checks()))
             return;
         break;
     case Pretrazivanje:
@@ -385,6 +395,26 @@ void RecordEditor::potvrdi()
     afterWrite();
     m_izisaoSaPrekidom = false;
     accept();
+}
+
+// Typing cannot take a whole-number box out of its range; a value set from elsewhere
+// is refused here rather than narrowed on the way to the table.
+bool RecordEditor::wholeNumbersInRange()
+{
+    for (MoneyBox* box : findChildren<MoneyBox*>()) {
+        if (box->inRange())
+            continue;
+        warn(QStringLiteral("Broj mora biti između ") + QString::number(box->minimum()) + QStringLiteral(" i ")
+            + QString::number(box->maximum()) + QStringLiteral("!"));
+        box->setFocus();
+        return false;
+    }
+    return true;
+}
+
+qint32 RecordEditor::spremljeniRBroj() const
+{
+    return ubRBroj->inRange() ? qint32(ubRBroj->integerValue()) : 0;
 }
 
 bool RecordEditor::zapisi()
@@ -434,14 +464,27 @@ bool RecordEditor::handleKey(QWidget* control, QKeyEvent* event)
     const bool textCheckOrCombo
         = qobject_cast<QLineEdit*>(control) || qobject_cast<QCheckBox*>(control) || qobject_cast<QComboBox*>(control);
     if (key == Qt::Key_Return || key == Qt::Key_Enter || (key == Qt::Key_Down && textCheckOrCombo)) {
-        focusNextChild();
+        moveFocus(true);
         return true;
     }
     if (key == Qt::Key_Up) {
-        focusPreviousChild();
+        moveFocus(false);
         return true;
     }
     return false;
+}
+
+void RecordEditor::moveFocus(bool next)
+{
+    // Bounded: the chain holds more than the lookup buttons.
+    for (int step = 0; step <= m_lookupButtons.size(); ++step) {
+        if (next)
+            focusNextChild();
+        else
+            focusPreviousChild();
+        if (!m_lookupButtons.contains(focusWidget()))
+            return;
+    }
 }
 
 bool RecordEditor::eventFilter(QObject* watched, QEvent* event)

@@ -82,6 +82,10 @@ public:
     QPushButton* cmdSpremi = nullptr;
     QPushButton* cmdPrekid = nullptr;
 
+    // The ordinal number the saved entry has in the table, for the browser to return
+    // to; 0 when it is not known.
+    virtual qint32 spremljeniRBroj() const;
+
     // A control by its objectName; nullptr when this editor has none.
     QWidget* control(const QString& name) const;
     // The statement of the last read, and the entry as read (empty for a new entry).
@@ -102,6 +106,9 @@ protected:
     void finishLayout();
     QVBoxLayout* outerLayout() const { return m_outer; }
     void moveToTabEnd(QWidget* widget);
+    // Puts a row's lookup button into the tab chain at its place on screen (after the
+    // field of the row last added). Enter and the arrows pass over it.
+    void addLookupButton(QPushButton* button);
     // The caption label of a row's field.
     QLabel* labelFor(const QWidget* field) const;
 
@@ -145,6 +152,8 @@ private:
     void onDateChanged();
     void setSearchDates();
     bool handleKey(QWidget* control, QKeyEvent* event);
+    void moveFocus(bool next);
+    bool wholeNumbersInRange();
 
     int m_tipRada = 0;
     bool m_izisaoSaPrekidom = true;
@@ -155,6 +164,7 @@ private:
     QGridLayout* m_grid = nullptr;
     int m_rows = 0;
     QList<QWidget*> m_tabChain;
+    QList<QWidget*> m_lookupButtons;
 };
 
 } // namespace knjige

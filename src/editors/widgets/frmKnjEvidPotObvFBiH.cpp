@@ -38,7 +38,7 @@ frmKnjEvidPotObvFBiH::frmKnjEvidPotObvFBiH(int bookKind, QWidget* parent)
     line->addWidget(cmdPrKomit);
     line->addWidget(lblKomit, 1);
     addRow(QStringLiteral("Komitent:"), txtKomitent, partner);
-    moveToTabEnd(cmdPrKomit);
+    addLookupButton(cmdPrKomit);
 
     cboVrsta = addComboRow(QStringLiteral("Vrsta:"), QStringLiteral("cboVrsta"), vrstaTexts(bookKind));
     txtIsprava = addTextRow(QStringLiteral("Isprava:"), QStringLiteral("txtIsprava"), QStringLiteral("Isprava"));
@@ -132,7 +132,9 @@ void frmKnjEvidPotObvFBiH::PreuzmiStavku(const ResultSet& rs, int row)
     txtIsprava->setText(cell(rs, row, QStringLiteral("Isprava")).toString());
     txtOpis->setText(cell(rs, row, QStringLiteral("Opis")).toString());
     ubIznos->setValue(cell(rs, row, QStringLiteral("Iznos")).value<Money>());
-    ubKPR->setValue(Money::fromWhole(cell(rs, row, QStringLiteral("RBrojKPR")).toLongLong()));
+    // Two entries must not point at the same income/expense entry unnoticed: the copy
+    // has no link, so the save warns until one is typed.
+    ubKPR->setValue(Money());
 }
 
 Findings frmKnjEvidPotObvFBiH::checks()

@@ -38,7 +38,7 @@ void TrgKnjigaEditor::addHeadRows()
     line->addWidget(cmdPrSkladište);
     line->addWidget(lblSkladište, 1);
     addRow(QStringLiteral("Prodavnica:"), txtSkladište, shop);
-    moveToTabEnd(cmdPrSkladište);
+    addLookupButton(cmdPrSkladište);
     addNumberRow();
     addDateRow();
     txtOpis = addTextRow(QStringLiteral("Opis:"), QStringLiteral("txtOpis"), QStringLiteral("Opis"), 320);
@@ -146,6 +146,21 @@ TrgInput TrgKnjigaEditor::input() const
     return in;
 }
 
+Findings TrgKnjigaEditor::unknownShop() const
+{
+    if (txtSkladište->text().trimmed().isEmpty())
+        return {};
+    const qint32 code = shopCode();
+    ResultSet rs;
+    // A failed read refuses nothing: the write that follows reports the database.
+    if (!session().db().open(
+            QStringLiteral("SELECT SifKomit FROM dbo.Komitent WHERE SifKomit=") + QString::number(code), rs)
+        || !rs.isEmpty())
+        return {};
+    return { { QStringLiteral("Maloprodaja sa šifrom ") + QString::number(code) + QStringLiteral(" ne postoji!"),
+        QStringLiteral("txtSkladište"), false, {}, Icon::Exclamation } };
+}
+
 RowChange::Values TrgKnjigaEditor::headValues() const
 {
     const Session& s = session();
@@ -184,6 +199,8 @@ void frmKnjUsluga::PreuzmiStavku(const ResultSet& rs, int row)
 
 Findings frmKnjUsluga::checks()
 {
+    if (Findings unknown = unknownShop(); !unknown.isEmpty())
+        return unknown;
     TrgInput in = input();
     in.iznos = ubIznos->value();
     return checkUsluga(in, session().RadnaGodina);
@@ -224,6 +241,8 @@ void frmKnjKomisiona::PreuzmiStavku(const ResultSet& rs, int row)
 
 Findings frmKnjKomisiona::checks()
 {
+    if (Findings unknown = unknownShop(); !unknown.isEmpty())
+        return unknown;
     TrgInput in = input();
     in.zaduzenje = ubZaduženje->value();
     in.razduzenje = ubRazduženje->value();

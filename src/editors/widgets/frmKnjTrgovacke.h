@@ -31,6 +31,9 @@ protected:
     void fillHead(const ResultSet& rs);
     void copyHead(const ResultSet& rs, int row);
     editors::TrgInput input() const;
+    // A typed shop that dbo.Komitent does not know is refused: the browser lists the
+    // trade books joined to it and would hide the entry.
+    editors::Findings unknownShop() const;
     RowChange::Values headValues() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

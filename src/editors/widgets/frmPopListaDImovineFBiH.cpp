@@ -20,6 +20,8 @@ frmPopListaDImovineFBiH::frmPopListaDImovineFBiH(int bookKind, QWidget* parent)
     txtNazivSredstva = addTextRow(
         QStringLiteral("Naziv sredstva:"), QStringLiteral("txtNazivSredstva"), QStringLiteral("Naziv"), 320);
     ubVijekTrajanja = addMoneyRow(QStringLiteral("Vijek trajanja (god.):"), QStringLiteral("ubVijekTrajanja"), true);
+    // VijekTr is a smallint column.
+    ubVijekTrajanja->setRange(-32768, 32767);
     ubNabavna = addMoneyRow(QStringLiteral("Nabavna vrijednost:"), QStringLiteral("ubNabavna"));
     ubKnjigovodstvena = addMoneyRow(QStringLiteral("Knjigovodstvena vrijednost:"), QStringLiteral("ubKnjigovodstvena"));
     txtNaziv = new QLineEdit(this);
@@ -77,6 +79,28 @@ RowChange::Values frmPopListaDImovineFBiH::rowValues() const
         { QStringLiteral("NabVrijednost"), QVariant::fromValue(ubNabavna->value()) },
         { QStringLiteral("KnjigVrijednost"), QVariant::fromValue(ubKnjigovodstvena->value()) },
     };
+}
+
+void frmPopListaDImovineFBiH::afterWrite()
+{
+    if (TipRada() != Novi)
+        return;
+    // The table numbers a new asset after the highest of its company and year.
+    const Session& s = session();
+    ResultSet rs;
+    m_dodijeljeniRBroj = 0;
+    if (session().db().open(
+            QStringLiteral("SELECT MAX(RBroj) AS RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
+                + QString::number(s.RadnaGodina) + QStringLiteral(" AND BROJPODUZECA=")
+                + QString::number(s.BrojPoduzeca),
+            rs)
+        && !rs.isEmpty() && !rs.isNull(0, 0))
+        m_dodijeljeniRBroj = qint32(rs.integer(0, 0));
+}
+
+qint32 frmPopListaDImovineFBiH::spremljeniRBroj() const
+{
+    return TipRada() == Novi ? m_dodijeljeniRBroj : sRedniBroj;
 }
 
 } // namespace knjige

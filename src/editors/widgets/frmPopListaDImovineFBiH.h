@@ -15,6 +15,9 @@ public:
     explicit frmPopListaDImovineFBiH(int bookKind, QWidget* parent = nullptr);
 
     void PreuzmiStavku(const ResultSet& rs, int row) override;
+    // A new asset: the number the table gave it (read back after the insert, 0 when
+    // that read failed); a changed one keeps the number it was opened with.
+    qint32 spremljeniRBroj() const override;
 
     QLineEdit* txtBrojDokumenta = nullptr;
     QLineEdit* txtNazivSredstva = nullptr;
@@ -29,6 +32,10 @@ protected:
     void fill(const ResultSet& rs) override;
     editors::Findings checks() override;
     RowChange::Values rowValues() const override;
+    void afterWrite() override;
+
+private:
+    qint32 m_dodijeljeniRBroj = 0;
 };
 
 } // namespace knjige
