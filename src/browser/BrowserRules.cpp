@@ -1,0 +1,88 @@
+#include "browser/BrowserRules.h"
+
+#include "books/BookKind.h"
+#include "session/Dates.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <cmath>
+
+namespace knjige::browser {
+
+QString openingWhere(const QDate& datumOd, int godina, int brojPoduzeca)
+{
+    return QStringLiteral(" WHERE  K.Datum>='") + dates::sqlLiteral(datumOd) + QStringLiteral("' AND K.GodinaKnj=")
+        + QString::number(godina) + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(brojPoduzeca);
+}
+
+QDate periodStart(int godina) { return dates::parseDayFirst(QStringLiteral("01.01.") + QString::number(godina)); }
+QDate periodEnd(int godina) { return dates::parseDayFirst(QStringLiteral("31.12.") + QString::number(godina)); }
+
+MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa)
+{
+    MenuVisibility m;
+    switch (tipSifarnika) {
+    case Knjiga::PrihRashFBiH:
+        m.rekapitulacija = true;
+        m.istaStavka = true;
+        break;
+    case Knjiga::PopListaRS:
+    case Knjiga::PopListaFBiH:
+        // The asset lists take no part in renumbering or insertion at a position.
+        m.istaStavka = true;
+        m.pocetnoStanje = true;
+        m.renumeracija = false;
+        m.renumeracijaPoDat = false;
+        m.ubaciZapis = false;
+        break;
+    case Knjiga::PrihRashDB:
+        m.istaStavka = true;
+        m.generiranje = true;
+        m.brisPrikPod = nivoPristupa == QStringLiteral("2");
+        break;
+    case Knjiga::PrihodaRS:
+    case Knjiga::RashodaRS:
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::PrometaFBiH:
+    case Knjiga::EvidPotObvRS:
+    case Knjiga::PrometaRS:
+    case Knjiga::TrgUsluga:
+    case Knjiga::TrgKomisiona:
+        m.istaStavka = true;
+        break;
+    default:
+        break;
+    }
+    return m;
+}
+
+LevelRestrictions levelRestrictions(const QString& nivoPristupa)
+{
+    LevelRestrictions r;
+    if (nivoPristupa == QStringLiteral("0"))
+        return r;
+    r.ubaciZapis = true;
+    r.istaStavka = true;
+    r.rekapitulacija = nivoPristupa != QStringLiteral("1");
+    return r;
+}
+
+bool levelSkipsRightsService(const QString& nivoPristupa)
+{
+    return QString::compare(nivoPristupa, QStringLiteral("2"), Qt::CaseSensitive) > 0;
+}
+
+int twipsToPixels(int twips, int dpi) { return int(std::lround(double(twips) * dpi / 1440.0)); }
+int pixelsToTwips(int pixels, int dpi) { return int(std::lround(double(pixels) * 1440.0 / dpi)); }
+
+QString gridDumpPath()
+{
+#ifdef Q_OS_WIN
+    if (QFileInfo(QStringLiteral("c:/")).isDir())
+        return QStringLiteral("c:\\PelunGrid.xls");
+#endif
+    return QDir::home().filePath(QStringLiteral("PelunGrid.xls"));
+}
+
+} // namespace knjige::browser

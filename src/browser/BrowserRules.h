@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+namespace knjige::browser {
+
+// The order every book is listed in; the filter replaces only the WHERE clause.
+inline QString orderBy() { return QStringLiteral(" ORDER BY K.RBroj"); }
+
+// The WHERE clause a book opens with: entries of the company booked to the year and
+// dated on or after `datumOd`. There is deliberately no upper date bound: an entry of
+// the book year dated in a later year is still listed.
+QString openingWhere(const QDate& datumOd, int godina, int brojPoduzeca);
+
+// The reporting period of a working year, made from "01.01." and "31.12." + year read
+// day first, as the period of an unfiltered book.
+QDate periodStart(int godina);
+QDate periodEnd(int godina);
+
+// Which book-specific menu entries a kind shows once Prikaži has set them up.
+struct MenuVisibility {
+    bool rekapitulacija = false;    // mnuRekapKnjPrihRash
+    bool istaStavka = false;        // mnuIstaStavka
+    bool renumeracija = true;       // mnuRenumeracija
+    bool renumeracijaPoDat = true;  // mnuRenumeracijaPoDat
+    bool ubaciZapis = true;         // mnuUbaciZapis
+    bool pocetnoStanje = false;     // mnuPocetnoStanje
+    bool generiranje = false;       // mnuGen
+    bool uvozIzvozPod = false;      // mnuUvozIzvozPod
+    bool brisPrikPod = false;       // mnuBrisPrikPod
+};
+MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa);
+
+// Entries an access level disables after the rights check: "0" none; "1" insertion and
+// the copy; any other level also the recapitulation.
+struct LevelRestrictions {
+    bool ubaciZapis = false;
+    bool istaStavka = false;
+    bool rekapitulacija = false;
+};
+LevelRestrictions levelRestrictions(const QString& nivoPristupa);
+
+// A level above "2", compared as text, is trusted without asking the rights service.
+bool levelSkipsRightsService(const QString& nivoPristupa);
+
+// Window positions are kept in twips, the unit the settings have always used.
+int twipsToPixels(int twips, int dpi);
+int pixelsToTwips(int pixels, int dpi);
+
+// Settings of the browser. The window's own keys live under an application named
+// after the window caption, so each book remembers its own; the display options are
+// shared by all books under settings::sharedApplication().
+namespace keys {
+inline QString velNazivaSifri() { return QStringLiteral("VelNazivaSifri"); }
+inline QString postaviFilterNaPocetku() { return QStringLiteral("PostaviFilterNaPočetku"); }
+inline QString selektiranjeKretanjemMisa() { return QStringLiteral("SelektiranjeKretanjemMiša"); }
+inline QString opisiNaTipkama() { return QStringLiteral("OpisiNaTipkama"); }
+inline QString neKoristiNoviGrid() { return QStringLiteral("mnuNeKoristiNoviGrid"); }
+inline QString mainLeft() { return QStringLiteral("MainLeft"); }
+inline QString mainTop() { return QStringLiteral("MainTop"); }
+inline QString mainWidth() { return QStringLiteral("MainWidth"); }
+inline QString mainHeight() { return QStringLiteral("MainHeight"); }
+} // namespace keys
+
+// Defaults, in twips for the window geometry.
+constexpr int kDefaultLeft = 0;
+constexpr int kDefaultTop = 0;
+constexpr int kDefaultWidth = 9645;
+constexpr int kDefaultHeight = 5800;
+constexpr int kDefaultVelNazivaSifri = 3500;
+
+// The fixed path of the grid dump: drive C where there is one, else the home folder.
+QString gridDumpPath();
+
+} // namespace knjige::browser

@@ -1,0 +1,106 @@
+#include "entry/BookClasses.h"
+
+#include "books/BookKind.h"
+#include "browser/widgets/frmSifarnikKnj.h"
+#include "session/Session.h"
+
+#include <QAction>
+#include <QEventLoop>
+#include <QPointer>
+
+namespace knjige {
+
+void KnjigaKlasa::Show(QString level, const QString& operatorName)
+{
+    Session& s = session();
+    s.NivoPristupa = level;
+    s.ImeOperatera = operatorName;
+
+    auto* browser = new frmSifarnikKnj;
+    browser->setTipSifarnika(m_kod);
+    if (m_pozvan) {
+        // Called as the host's sub-window: the call lasts as long as the window, and
+        // the window is unloaded when it ends.
+        QPointer<frmSifarnikKnj> guard(browser);
+        browser->toolbarButton(10)->setVisible(true);
+        browser->Prikaži(0, {});
+        if (guard && guard->isVisible()) {
+            QEventLoop loop;
+            QObject::connect(browser, &QDialog::finished, &loop, &QEventLoop::quit);
+            QObject::connect(browser, &QObject::destroyed, &loop, &QEventLoop::quit);
+            loop.exec();
+        }
+        delete guard.data();
+        return;
+    }
+    browser->setAttribute(Qt::WA_DeleteOnClose);
+    browser->Prikaži(0, {});
+    if (!browser->isVisible())
+        delete browser;
+}
+
+void KnjigaKlasa::setConnString(const QString& value)
+{
+    m_connString = value;
+    session().ConnString = value;
+}
+
+void KnjigaKlasa::setRadnaGodina(qint16 value)
+{
+    m_radnaGodina = value;
+    session().RadnaGodina = value;
+}
+
+void KnjigaKlasa::setBrojPoduzeca(qint16 value)
+{
+    m_brojPoduzeca = value;
+    session().BrojPoduzeca = value;
+}
+
+QString KnjigaKlasa::className() const
+{
+    const BookKind* book = findBook(m_kod);
+    return book ? book->className : QString();
+}
+
+namespace {
+
+std::unique_ptr<KnjigaKlasa> createByCode(int code)
+{
+    switch (code) {
+    case Knjiga::PrihRashFBiH: return std::make_unique<clsKnjPrihRashFBiH>();
+    case Knjiga::EvidPotObvFBiH: return std::make_unique<clsKnjEvidPotObvFBiH>();
+    case Knjiga::PrometaFBiH: return std::make_unique<clsKnjPrometaFBiH>();
+    case Knjiga::PrihodaRS: return std::make_unique<clsKnjPrihodaRS>();
+    case Knjiga::RashodaRS: return std::make_unique<clsKnjRashodaRS>();
+    case Knjiga::PopListaRS: return std::make_unique<clsPopListaDImovineRS>();
+    case Knjiga::EvidPotObvRS: return std::make_unique<clsKnjEvidPotObvRS>();
+    case Knjiga::PopListaFBiH: return std::make_unique<clsPopListaDImovineFBiH>();
+    case Knjiga::PrometaRS: return std::make_unique<clsKnjPrometaRS>();
+    case Knjiga::PrihRashDB: return std::make_unique<clsKnjPrihRashDB>();
+    case Knjiga::TrgUsluga: return std::make_unique<clsTrgKnjUsluga>();
+    case Knjiga::TrgKomisiona: return std::make_unique<clsTrgKnjKomisiona>();
+    default: return nullptr;
+    }
+}
+
+} // namespace
+
+std::unique_ptr<KnjigaKlasa> createBookObject(const QString& programmaticId)
+{
+    const QString prefix = knjige::programmaticId(QString());
+    if (!programmaticId.startsWith(prefix, Qt::CaseInsensitive))
+        return nullptr;
+    const BookKind* book = findBookByClass(programmaticId.mid(prefix.size()));
+    return book ? createByCode(book->code) : nullptr;
+}
+
+QStringList bookObjectIds()
+{
+    QStringList ids;
+    for (const BookKind& book : allBooks())
+        ids << programmaticId(book.className);
+    return ids;
+}
+
+} // namespace knjige

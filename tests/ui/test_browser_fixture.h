@@ -1,0 +1,59 @@
+#pragma once
+
+#include "browser/widgets/frmSifarnikKnj.h"
+#include "session/HostServices.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace knjige::test {
+
+// Records what the browser asks the rights service and answers from its own lists.
+struct RecordingRights final : OperatorRights {
+    struct Log {
+        QString connectionString;
+        QString operatorName;
+        QList<int> asked;   // 0 for mayOpenBook, else the group
+    };
+    std::shared_ptr<Log> log = std::make_shared<Log>();
+    bool mayOpen = true;
+    QList<Group> denied;
+
+    void setConnectionString(const QString& s) override { log->connectionString = s; }
+    void setOperatorName(const QString& s) override { log->operatorName = s; }
+    bool mayOpenBook(int) override
+    {
+        log->asked << 0;
+        return mayOpen;
+    }
+    bool hasRight(int, Group g) override
+    {
+        log->asked << int(g);
+        return !denied.contains(g);
+    }
+};
+
+// A fresh database for company 1 and year 2016, fresh settings, the built-in host
+// services and a scripted person.
+class BrowserTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // One entry of the FBiH income and expense book.
+    void addPrihRash(int company, int year, int rBroj, const QDate& datum, int vrsta, double iznos,
+                     double pdv = 0, const QString& opis = {});
+    // A browser for `kind`, opened (mode 0) with the access level.
+    std::unique_ptr<frmSifarnikKnj> open(int kind, const QString& level = QStringLiteral("0"));
+    // RBroj of the entries in grid order.
+    static QList<qint64> rBrojevi(frmSifarnikKnj& w);
+    std::shared_ptr<RecordingRights::Log> installRights(bool mayOpen, QList<OperatorRights::Group> denied = {});
+
+    std::unique_ptr<TestDatabase> db;
+    ScopedScript script;
+};
+
+} // namespace knjige::test
