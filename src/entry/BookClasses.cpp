@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Session.h"
+#include "session/widgets/DialogInteraction.h"
 
 #include <QAction>
 #include <QEventLoop>
@@ -15,6 +16,8 @@ void KnjigaKlasa::Show(QString level, const QString& operatorName)
     Session& s = session();
     s.NivoPristupa = level;
     s.ImeOperatera = operatorName;
+    // A host that brought no seam of its own gets real message boxes and dialogs.
+    ensureDialogInteraction();
 
     auto* browser = new frmSifarnikKnj;
     browser->setTipSifarnika(m_kod);
