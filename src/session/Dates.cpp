@@ -30,7 +30,23 @@ QString isoText(const QDate& date) { return date.toString(Qt::ISODate); }
 
 QDate fromIsoText(const QString& text)
 {
-    // Rows written by other tools may carry a time part; the books keep dates only.
+    // Every date of a large book passes here on each load, so the one stored form
+    // "yyyy-MM-dd" is read digit by digit. Rows written by other tools may carry a
+    // time part; the books keep dates only.
+    if (text.size() >= 10 && text[4] == u'-' && text[7] == u'-') {
+        int parts[3] = {0, 0, 0};
+        const int starts[3] = {0, 5, 8};
+        const int lengths[3] = {4, 2, 2};
+        for (int p = 0; p < 3; ++p) {
+            for (int i = 0; i < lengths[p]; ++i) {
+                const QChar c = text[starts[p] + i];
+                if (c < u'0' || c > u'9')
+                    return {};
+                parts[p] = parts[p] * 10 + (c.unicode() - u'0');
+            }
+        }
+        return QDate(parts[0], parts[1], parts[2]);
+    }
     return QDate::fromString(text.left(10), Qt::ISODate);
 }
 

@@ -62,3 +62,14 @@ TEST(Dates, SqlLiteralsAreMonthFirstAndScreenDatesDayFirst)
     EXPECT_FALSE(dates::parseMonthFirst(QStringLiteral("15.03.2016")).isValid());
     EXPECT_FALSE(dates::parseDayFirst(QStringLiteral("31.12.15")).isValid());
 }
+
+TEST(Dates, StoredTextReadsWithOrWithoutATimePart)
+{
+    EXPECT_EQ(dates::fromIsoText(QStringLiteral("2016-03-15")), QDate(2016, 3, 15));
+    EXPECT_EQ(dates::fromIsoText(QStringLiteral("2016-12-31 00:00:00")), QDate(2016, 12, 31));
+    EXPECT_EQ(dates::fromIsoText(QStringLiteral("2016-12-31T10:00:00.000")), QDate(2016, 12, 31));
+    EXPECT_FALSE(dates::fromIsoText(QStringLiteral("2016-02-30")).isValid());
+    EXPECT_FALSE(dates::fromIsoText(QStringLiteral("2016-1a-01")).isValid());
+    EXPECT_FALSE(dates::fromIsoText(QStringLiteral("03.15.2016")).isValid());
+    EXPECT_EQ(dates::isoText(QDate(2016, 1, 5)), QStringLiteral("2016-01-05"));
+}
