@@ -136,6 +136,11 @@ TEST_F(BrowserGridTest, RefreshGoesToTheRememberedEntryWhenItIsStillListed)
     EXPECT_EQ(w->trenutniRBroj(), 3);
     EXPECT_EQ(w->trenutniRed(), 2);
 
+    // The number is used once: after the operator moves on, a refresh keeps his row.
+    w->postaviTrenutniRed(4);
+    w->OsvjeziZapise();
+    EXPECT_EQ(w->trenutniRed(), 4);
+
     w->postaviTrenutniRed(1);
     w->RBrojZaPovratak = 77;   // not in the book: the position stays
     w->OsvjeziZapise();

@@ -73,6 +73,9 @@ void frmSifarnikKnj::OsvjeziZapise()
         if (found >= 0)
             current = found;
     }
+    // The number is a one-time request of the operation that changed data; a later
+    // refresh keeps whatever row the operator has moved to since.
+    RBrojZaPovratak = 0;
     postaviŠirineKolona();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);
