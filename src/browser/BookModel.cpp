@@ -3,6 +3,8 @@
 #include "books/BookKind.h"
 #include "session/Dates.h"
 
+#include <QCollator>
+
 #include <algorithm>
 #include <numeric>
 
@@ -206,6 +208,26 @@ void orderRows(std::vector<int>& order, const std::vector<Key>& keys, const std:
     });
 }
 
+// Bosnian alphabetical order (C, Č, Ć, D, Dž, Đ, ... S, Š, Z, Ž), letter case ignored.
+// Where the collation data has no Bosnian tailoring the Croatian one, which has the same
+// alphabet, stands in.
+QCollator textCollator()
+{
+    auto make = [](QLocale::Language language) {
+        QCollator c{QLocale(language)};
+        c.setCaseSensitivity(Qt::CaseInsensitive);
+        return c;
+    };
+    static const bool bosnianKnown = [&make] {
+        const QCollator bs = make(QLocale::Bosnian);
+        // Only a tailoring makes Č and Ž letters of their own; the root order takes them
+        // for C and Z with an accent, which "Ča" before "Cz" would show.
+        return bs.compare(QStringLiteral("Ča"), QStringLiteral("Cz")) > 0
+            && bs.compare(QStringLiteral("Ža"), QStringLiteral("Zz")) > 0;
+    }();
+    return make(bosnianKnown ? QLocale::Bosnian : QLocale::Croatian);
+}
+
 template <class T>
 int threeWay(const T& a, const T& b)
 {
@@ -231,12 +253,15 @@ void BookModel::applySort()
             nulls[r] = m_rows.isNull(r, f);
         switch (m_rows.field(f).type) {
         case FieldType::Text: {
-            // Letter case is ignored; folding each text once keeps the comparisons plain.
-            std::vector<QString> keys(n);
+            // One collation key per text, so the comparisons of the sort are plain byte
+            // compares rather than a collation each.
+            const QCollator collator = textCollator();
+            std::vector<QCollatorSortKey> keys;
+            keys.reserve(n);
             for (int r = 0; r < n; ++r)
-                keys[r] = m_rows.text(r, f).toCaseFolded();
+                keys.push_back(collator.sortKey(m_rows.text(r, f)));
             orderRows(order, keys, nulls, m_loadOrder, key.descending,
-                      [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseSensitive); });
+                      [](const QCollatorSortKey& a, const QCollatorSortKey& b) { return a.compare(b); });
             break;
         }
         case FieldType::Decimal:

@@ -40,7 +40,8 @@ QString formatWhole(qint64 value, const QLocale& locale);
 //
 // The rows are kept in the order of the sort expression ("[Field] ASC" or "[Field]
 // DESC"); an empty expression keeps the order of the query. Sorting is stable with
-// respect to that order, whatever sorts came before.
+// respect to that order, whatever sorts came before. Texts sort in the Bosnian
+// alphabet's order with letter case ignored, NULL before any value.
 class BookModel : public QAbstractTableModel {
     Q_OBJECT
 public:

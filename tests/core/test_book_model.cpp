@@ -330,3 +330,29 @@ TEST(BookModel, PassesTheItemModelTester)
     EXPECT_EQ(m.sortExpression(), QStringLiteral("[Naziv] DESC"));
     EXPECT_EQ(m.rowCount(), 5);
 }
+
+TEST(BookModel, TextsSortInTheBosnianAlphabet)
+{
+    // Entered out of order, one in lower case: C < Č < Ć < D < Đ < S < Š < Z < Ž, and
+    // letter case does not move a word out of its letter.
+    const char* entered[] = {"Žito", "Sol", "šećer", "Zebra", "Dalmacija", "Ćevapi", "Đurđa", "Cement", "Čelik"};
+    ResultSet rs({{"RBroj", FieldType::Integer}, {"Opis", FieldType::Text}});
+    int rBroj = 0;
+    for (const char* opis : entered) {
+        rs.appendRow();
+        rs.setInteger(0, ++rBroj);
+        rs.setText(1, QString::fromUtf8(opis));
+    }
+    BookModel m;
+    m.setResultSet(rs);
+    auto order = [&m] {
+        QStringList out;
+        for (int r = 0; r < m.entryCount(); ++r)
+            out << m.resultSet().text(r, 1);
+        return out.join(u',');
+    };
+    m.headerSort(2);
+    EXPECT_EQ(order(), QStringLiteral("Cement,Čelik,Ćevapi,Dalmacija,Đurđa,Sol,šećer,Zebra,Žito"));
+    m.headerSort(2);
+    EXPECT_EQ(order(), QStringLiteral("Žito,Zebra,šećer,Sol,Đurđa,Dalmacija,Ćevapi,Čelik,Cement"));
+}
