@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <memory>
 
 namespace knjige {
 namespace {
@@ -101,6 +102,7 @@ public:
         sqlite3* h = handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0
             ? *static_cast<sqlite3* const*>(handle.constData())
             : nullptr;
+        m_handle = h;
         if (!h || !tsql::registerFunctions(h)) {
             *error = QStringLiteral("Funkcije za T-SQL nije moguće registrirati na bazi ") + path;
             return;
@@ -211,51 +213,162 @@ private:
         return true;
     }
 
+    // Reads straight from SQLite's own statement into the typed columns: a large book
+    // is read on every refresh, and a value object per cell would double the time.
     bool query(const tsql::Translation::Statement& st, ResultSet& result, QString* error)
     {
-        QSqlQuery q(m_db);
-        q.setForwardOnly(true);
-        if (!q.exec(st.sql))
-            return fail(q.lastError(), error);
-        const QSqlRecord record = q.record();
-        const int n = record.count();
+        const QByteArray sql = st.sql.toUtf8();
+        sqlite3_stmt* raw = nullptr;
+        if (sqlite3_prepare_v2(m_handle, sql.constData(), int(sql.size()), &raw, nullptr) != SQLITE_OK)
+            return failNative(error);
+        const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> stmt(raw, sqlite3_finalize);
+        const int n = sqlite3_column_count(raw);
         QVector<SqlType> types = st.columnTypes.size() == n ? st.columnTypes : QVector<SqlType>(n, SqlType::Unknown);
-        // Columns the adapter could not type take the type of their first value, so
-        // those rows are held until every such column has shown one.
+
+        // Columns the adapter could not type take the storage class of their first
+        // value, so rows are held back until every such column has shown one.
         std::vector<QVariantList> held;
-        auto unknown = [&] { return std::count(types.begin(), types.end(), SqlType::Unknown); };
-        while (unknown() > 0 && q.next()) {
+        const auto unknown = [&] { return std::count(types.begin(), types.end(), SqlType::Unknown); };
+        int rc = SQLITE_ROW;
+        while (unknown() > 0 && (rc = sqlite3_step(raw)) == SQLITE_ROW) {
             QVariantList row;
             for (int c = 0; c < n; ++c) {
-                row << q.value(c);
+                row << valueAt(raw, c);
                 if (types[c] == SqlType::Unknown && !row[c].isNull())
                     types[c] = typeOfValue(row[c]);
             }
             held.push_back(row);
         }
-        if (q.lastError().isValid())
-            return fail(q.lastError(), error);
+        if (rc != SQLITE_ROW && rc != SQLITE_DONE)
+            return failNative(error);
+
         QVector<Field> fields;
         for (int c = 0; c < n; ++c)
-            fields << Field { record.fieldName(c), tsql::fieldTypeOf(types[c]) };
+            fields << Field { columnName(raw, c), tsql::fieldTypeOf(types[c]) };
         ResultSet rs(fields);
         for (const QVariantList& row : held) {
             rs.appendRow();
             for (int c = 0; c < n; ++c)
                 setCell(rs, c, fields[c].type, row[c]);
         }
-        if (unknown() == 0 || held.empty()) {
-            while (q.next()) {
+        if (rc == SQLITE_ROW) {
+            while ((rc = sqlite3_step(raw)) == SQLITE_ROW) {
                 rs.appendRow();
                 for (int c = 0; c < n; ++c)
-                    setCell(rs, c, fields[c].type, q.value(c));
+                    readCell(raw, c, fields[c].type, rs);
             }
         }
         // An error met on a later row (a zero divisor) fails the whole statement.
-        if (q.lastError().isValid())
-            return fail(q.lastError(), error);
+        if (rc != SQLITE_DONE)
+            return failNative(error);
         result = std::move(rs);
         return true;
+    }
+
+    bool failNative(QString* error) const
+    {
+        const int code = sqlite3_errcode(m_handle) & 0xff;
+        const QString text = QString::fromUtf8(sqlite3_errmsg(m_handle));
+        if (code == SQLITE_READONLY)
+            *error = QStringLiteral("Baza podataka je otvorena samo za čitanje: ") + text;
+        else if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+            *error = QStringLiteral("Baza podataka je zauzeta (drugi korisnik upravo piše u nju): ") + text;
+        else
+            *error = text;
+        return false;
+    }
+
+    // The field name as the result names it: quotes dropped, a table prefix too.
+    static QString columnName(sqlite3_stmt* stmt, int c)
+    {
+        QString name = QString::fromUtf8(sqlite3_column_name(stmt, c)).remove(u'"');
+        const qsizetype dot = name.lastIndexOf(u'.');
+        return dot < 0 ? name : name.mid(dot + 1);
+    }
+
+    static QString textAt(sqlite3_stmt* stmt, int c)
+    {
+        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(stmt, c));
+        return QString::fromUtf8(bytes, sqlite3_column_bytes(stmt, c));
+    }
+
+    static QVariant valueAt(sqlite3_stmt* stmt, int c)
+    {
+        switch (sqlite3_column_type(stmt, c)) {
+        case SQLITE_NULL: return {};
+        case SQLITE_INTEGER: return QVariant::fromValue<qlonglong>(sqlite3_column_int64(stmt, c));
+        case SQLITE_FLOAT: return sqlite3_column_double(stmt, c);
+        default: return textAt(stmt, c);
+        }
+    }
+
+    // "yyyy-MM-dd", the one form dates are stored in, read from the bytes themselves.
+    static QDate isoDate(const unsigned char* p, int length)
+    {
+        if (length < 10 || p[4] != '-' || p[7] != '-')
+            return {};
+        int v[3] = { 0, 0, 0 };
+        const int from[3] = { 0, 5, 8 };
+        const int digits[3] = { 4, 2, 2 };
+        for (int k = 0; k < 3; ++k)
+            for (int i = 0; i < digits[k]; ++i) {
+                const unsigned char ch = p[from[k] + i];
+                if (ch < '0' || ch > '9')
+                    return {};
+                v[k] = v[k] * 10 + (ch - '0');
+            }
+        return QDate(v[0], v[1], v[2]);
+    }
+
+    static void readCell(sqlite3_stmt* stmt, int c, FieldType type, ResultSet& rs)
+    {
+        const int storage = sqlite3_column_type(stmt, c);
+        if (storage == SQLITE_NULL)
+            return;   // a new row's cells start NULL
+        switch (type) {
+        case FieldType::Integer:
+        case FieldType::Boolean:
+            if (storage == SQLITE_INTEGER) {
+                const qint64 v = sqlite3_column_int64(stmt, c);
+                rs.setInteger(c, type == FieldType::Boolean ? v != 0 : v);
+                return;
+            }
+            break;
+        case FieldType::Currency:
+            if (storage == SQLITE_FLOAT) {
+                rs.setMoney(c, Money::fromDouble(sqlite3_column_double(stmt, c)));
+                return;
+            }
+            if (storage == SQLITE_INTEGER) {
+                rs.setMoney(c, Money::fromWhole(sqlite3_column_int64(stmt, c)));
+                return;
+            }
+            break;
+        case FieldType::Decimal:
+        case FieldType::Float:
+            if (storage != SQLITE_TEXT) {
+                rs.setReal(c, sqlite3_column_double(stmt, c));
+                return;
+            }
+            break;
+        case FieldType::Date:
+            if (storage == SQLITE_TEXT) {
+                const QDate d = isoDate(sqlite3_column_text(stmt, c), sqlite3_column_bytes(stmt, c));
+                if (d.isValid()) {
+                    rs.setDate(c, d);
+                    return;
+                }
+            }
+            break;
+        case FieldType::Text:
+            if (storage == SQLITE_TEXT) {
+                rs.setText(c, textAt(stmt, c));
+                return;
+            }
+            break;
+        }
+        // Anything stored in another form than its column's goes the general way.
+        setCell(rs, c, type, valueAt(stmt, c));
     }
 
     bool loadCatalog(QString* error)
@@ -289,6 +402,7 @@ private:
     tsql::Catalog m_catalog;
     tsql::Translator m_translator { m_catalog };
     bool m_ok = false;
+    sqlite3* m_handle = nullptr;
 };
 
 } // namespace
