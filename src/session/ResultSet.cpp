@@ -1,5 +1,7 @@
 #include "session/ResultSet.h"
 
+#include "session/Dates.h"
+
 #include <cmath>
 
 namespace knjige {
@@ -216,7 +218,7 @@ void ResultSet::setText(int c, const QString& v)
     switch (m_fields[c].type) {
     case FieldType::Text: column(c).texts.back() = v; break;
     case FieldType::Date: {
-        const QDate d = QDate::fromString(v.left(10), Qt::ISODate);
+        const QDate d = dates::fromIsoText(v);
         if (!d.isValid())
             return;
         column(c).numbers.back() = d.toJulianDay();

@@ -1,5 +1,7 @@
 #include "session/TSqlFunctions.h"
 
+#include "session/Dates.h"
+
 #include <QDate>
 #include <QString>
 #include <QStringList>
@@ -125,13 +127,8 @@ void tsqlLen(sqlite3_context* ctx, int, sqlite3_value** argv)
 QDate dateOf(sqlite3_value* v)
 {
     const QString s = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_value_text(v))).trimmed();
-    QDate d = QDate::fromString(s.left(10), Qt::ISODate);
-    if (!d.isValid()) {
-        const QStringList parts = s.split(u'.');
-        if (parts.size() == 3)
-            d = QDate(parts[2].toInt(), parts[0].toInt(), parts[1].toInt());
-    }
-    return d;
+    const QDate d = dates::fromIsoText(s);
+    return d.isValid() ? d : dates::parseMonthFirst(s);
 }
 
 template<int Part>
