@@ -197,7 +197,7 @@ QString monthName(int month)
 
 Money vatShare(Money gross)
 {
-    return (gross * 17).dividedBy(117.0);
+    return gross.fraction(17, 117);
 }
 
 void sortByDate(QVector<Draft>& rows)

@@ -1,6 +1,7 @@
 #include "browser/BookModel.h"
 
 #include "books/BookKind.h"
+#include "session/AmountText.h"
 #include "session/Dates.h"
 
 #include <QCollator>
@@ -32,8 +33,6 @@ QVector<TotalsColumn> totalsColumns(int bookKind)
 
 namespace {
 
-QChar firstChar(const QString& s, QChar fallback) { return s.isEmpty() ? fallback : s.front(); }
-
 QString formatOf(FieldType type)
 {
     switch (type) {
@@ -62,27 +61,9 @@ const QString kUkupno = QStringLiteral("Ukupno:");
 
 } // namespace
 
-QString formatMoney(Money value, const QLocale& locale)
-{
-    return value.toDisplayString(firstChar(locale.groupSeparator(), u','), firstChar(locale.decimalPoint(), u'.'));
-}
+QString formatMoney(Money value, const QLocale& locale) { return amountDisplay(value, locale); }
 
-QString formatWhole(qint64 value, const QLocale& locale)
-{
-    // Grouping is part of "#,##0" whatever the locale's own number options say.
-    const QString digits = QString::number(value < 0 ? -value : value);
-    const QString separator = locale.groupSeparator();
-    QString out;
-    out.reserve(digits.size() + digits.size() / 3 + 1);
-    if (value < 0)
-        out += locale.negativeSign();
-    for (int i = 0; i < digits.size(); ++i) {
-        if (i > 0 && (digits.size() - i) % 3 == 0)
-            out += separator;
-        out += digits[i];
-    }
-    return out;
-}
+QString formatWhole(qint64 value, const QLocale& locale) { return wholeDisplay(value, locale); }
 
 QString formatValue(const ResultSet& rs, int row, int column, const QLocale& locale)
 {

@@ -259,7 +259,7 @@ QString confirmCaption(int mode)
 
 Money vatContained(Money gross)
 {
-    return (gross * 17).dividedBy(117.0);
+    return gross.fraction(17, 117);
 }
 
 std::pair<QDate, QDate> searchPeriod(const QDate& today, int workingYear)
@@ -322,7 +322,7 @@ Findings checkPopis(const PopisInput& in, int workingYear)
         return { refusal(kGodina, QStringLiteral("dpDatum")) };
     if (in.isprava.trimmed().isEmpty())
         return { refusal(kIsprava, QStringLiteral("txtBrojDokumenta")) };
-    if (in.vijek <= Money())
+    if (in.vijek <= 0)
         return { refusal(
             QStringLiteral("Vijek trajanja ne može biti 0 ili manji!"), QStringLiteral("ubVijekTrajanja")) };
     if (in.nabavna < in.knjigovodstvena)

@@ -62,7 +62,8 @@ QString modeCaption(int mode, int bookKind);
 // The caption of the confirm button for a mode.
 QString confirmCaption(int mode);
 
-// The 17 % VAT contained in a gross amount: amount x 17 / 117 in four-decimal currency.
+// The 17 % VAT contained in a gross amount: amount x 17 / 117 in four-decimal currency,
+// exact for any amount the money type holds.
 Money vatContained(Money gross);
 
 // The period a search starts with: from today - 30 days, to today, each pulled back
@@ -95,7 +96,7 @@ Findings checkEvid(const EvidInput& in, int workingYear);
 struct PopisInput {
     QDate datum;
     QString isprava;
-    Money vijek;
+    qint64 vijek = 0; // whole years, as the column keeps them
     Money nabavna;
     Money knjigovodstvena;
 };

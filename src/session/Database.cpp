@@ -3,6 +3,8 @@
 #include "session/ConnectionString.h"
 #include "session/DatabaseBackend.h"
 
+#include <limits>
+
 namespace knjige {
 
 Database::Database() = default;
@@ -138,6 +140,50 @@ bool Database::writeRow(const RowChange& change)
         return fail(QStringLiteral("Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik."));
     m_error.clear();
     return true;
+}
+
+bool Database::insertUnderFreeNumber(const RowChange& change, const NumberSlot& slot, qint64* number)
+{
+    if (!ensureConnected())
+        return false;
+    RowChange attempt = change;
+    qsizetype at = -1;
+    QStringList scope;
+    for (qsizetype i = 0; i < attempt.values.size(); ++i) {
+        const QString& name = attempt.values[i].first;
+        if (name.compare(slot.column, Qt::CaseInsensitive) == 0)
+            at = i;
+        else if (slot.scope.contains(name, Qt::CaseInsensitive))
+            scope << name + u'=' + QString::number(attempt.values[i].second.toLongLong());
+    }
+    if (at < 0 || scope.size() != slot.scope.size())
+        return fail(QStringLiteral("Redni broj nove stavke nije zadan."));
+    // Another writer may take the next number too between the two steps; a few rounds
+    // settle any race two operators can make.
+    for (int round = 0; round < 20; ++round) {
+        const BoundStatement st = insertIfFreeStatement(attempt, slot, m_backend->dialect());
+        m_lastSql = st.sql;
+        QString error;
+        int affected = 0;
+        if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
+            return fail(error);
+        if (affected > 0) {
+            *number = attempt.values[at].second.toLongLong();
+            m_error.clear();
+            return true;
+        }
+        ResultSet highest;
+        if (!open(QStringLiteral("SELECT MAX(%1) AS BROJ FROM %2 WHERE %3")
+                      .arg(slot.column, change.table, scope.join(QStringLiteral(" AND "))),
+                highest))
+            return false;
+        const qint64 next = (highest.isEmpty() || highest.isNull(0, 0) ? 0 : highest.integer(0, 0)) + 1;
+        if (next > std::numeric_limits<qint32>::max())
+            return fail(QStringLiteral("Redni broj bi prešao najveći dozvoljeni broj."));
+        attempt.values[at].second = qint32(next);
+    }
+    return fail(QStringLiteral("Slobodan redni broj nije pronađen: drugi korisnici upravo upisuju u istu knjigu. "
+                               "Pokušajte ponovo."));
 }
 
 } // namespace knjige

@@ -3,6 +3,7 @@
 #include "session/ResultSet.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QVector>
 
@@ -28,6 +29,14 @@ struct RowChange {
     QString table;      // as the system names it: "dbo.KnjPrihRashFBiH"
     Values values;      // Insert and Update
     Values original;    // Update and Delete
+};
+
+// Where a new entry's ordinal number lives: its column, and the columns within whose
+// values the numbers run (company and year; in the trade books the shop too). Each
+// of them must be among the entry's values.
+struct NumberSlot {
+    QString column;
+    QStringList scope;
 };
 
 // The one data-access helper of the process. Every statement is T-SQL as the system
@@ -59,6 +68,11 @@ public:
     bool inTransaction() const { return m_inTransaction; }
 
     bool writeRow(const RowChange& change);
+    // Inserts a new entry under the number it carries in slot.column while that number
+    // is free in its scope, otherwise under the next free one (the highest plus one).
+    // Checking and writing are one statement, so two writers never take one number.
+    // *number receives the number the entry was saved under.
+    bool insertUnderFreeNumber(const RowChange& change, const NumberSlot& slot, qint64* number);
 
     QString errorDescription() const { return m_error; }
     QString lastSql() const { return m_lastSql; }

@@ -38,5 +38,8 @@ struct BoundStatement {
     QVariantList values;
 };
 BoundStatement rowStatement(const RowChange& change, SqlDialect dialect);
+// The INSERT of a new entry that writes nothing when its number is already taken in
+// its scope (see Database::insertUnderFreeNumber).
+BoundStatement insertIfFreeStatement(const RowChange& change, const NumberSlot& slot, SqlDialect dialect);
 
 } // namespace knjige

@@ -102,14 +102,33 @@ Money Money::rounded(int decimals) const
 
 QString Money::toDisplayString(QChar groupSeparator, QChar decimalMark) const
 {
-    const qint64 cents = rounded(2).units() / 100;
-    const qint64 a = cents < 0 ? -cents : cents;
+    // Half away from zero on the magnitude; the smallest value has no positive twin,
+    // so the magnitude is taken without overflow as an unsigned number.
+    const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
+    const quint64 a = (magnitude / 100 + (magnitude % 100 >= 50 ? 1 : 0));
+    const bool negative = m_units < 0 && a != 0;
     QString whole = QString::number(a / 100);
     for (qsizetype i = whole.size() - 3; i > 0; i -= 3)
         whole.insert(i, groupSeparator);
     return QStringLiteral("%1%2%3%4")
-        .arg(cents < 0 ? QStringLiteral("-") : QString(), whole, QString(decimalMark))
+        .arg(negative ? QStringLiteral("-") : QString(), whole, QString(decimalMark))
         .arg(a % 100, 2, 10, QLatin1Char('0'));
+}
+
+Money Money::fraction(qint64 numerator, qint64 denominator) const
+{
+    // units * n / d as (q * d + r) * n / d = q * n + r * n / d: q * n is below |units|
+    // and r * n below d * d, so nothing overflows.
+    const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
+    const quint64 n = quint64(numerator);
+    const quint64 d = quint64(denominator);
+    const quint64 q = magnitude / d;
+    const quint64 rest = (magnitude % d) * n;
+    quint64 result = q * n + rest / d;
+    const quint64 twice = 2 * (rest % d);
+    if (twice > d || (twice == d && result % 2 != 0))
+        ++result;
+    return Money(m_units < 0 ? -qint64(result) : qint64(result));
 }
 
 Money Money::dividedBy(double divisor) const

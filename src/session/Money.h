@@ -34,7 +34,8 @@ public:
     QString toString() const;
     // Plain text with a point, trailing zeros of the decimals dropped: "1234.5", "7".
     QString toPlainString() const;
-    // Display form "#,##0.00": grouping by thousands, two decimals (half to even).
+    // Display form "#,##0.00": grouping by thousands, two decimals rounded half away
+    // from zero, as SQL's ROUND and the grid's format round (0.125 shows 0.13).
     QString toDisplayString(QChar groupSeparator = u',', QChar decimalMark = u'.') const;
 
     // Rounds half to even to the given number of decimals (0 to 4).
@@ -46,6 +47,9 @@ public:
     constexpr Money& operator+=(Money o) { m_units += o.m_units; return *this; }
     constexpr Money& operator-=(Money o) { m_units -= o.m_units; return *this; }
     constexpr Money operator*(qint64 factor) const { return Money(m_units * factor); }
+    // The exact share numerator/denominator of the amount, rounded half to even at the
+    // fourth decimal; never overflows. Requires 0 <= numerator <= denominator < 2^31.
+    Money fraction(qint64 numerator, qint64 denominator) const;
     // Divides as a floating value and rounds back to four decimals, as the currency
     // type does when a fraction is assigned to it.
     Money dividedBy(double divisor) const;

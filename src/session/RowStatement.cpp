@@ -1,5 +1,6 @@
 #include "session/DatabaseBackend.h"
 
+#include <QDate>
 #include <QStringList>
 
 namespace knjige {
@@ -12,13 +13,24 @@ QString bareTable(const QString& table, SqlDialect dialect)
     return table;
 }
 
-// "(c = ? OR (c IS NULL AND ? IS NULL))" for every original column: NULLs match NULLs.
+// Every original column matched by value as the server compares it: NULL as NULL, an
+// amount as any stored value that rounds to the same four decimals (another program
+// may keep more), a date as any moment of that day (a datetime may carry a time), the
+// rest by equality.
 QString matchClause(const RowChange::Values& original, QVariantList& values)
 {
     QStringList parts;
     for (const auto& [column, value] : original) {
         if (!value.isValid() || value.isNull()) {
             parts << column + QStringLiteral(" IS NULL");
+        } else if (value.userType() == qMetaTypeId<Money>()) {
+            const double units = double(value.value<Money>().units());
+            parts << QStringLiteral("%1 >= ? AND %1 <= ?").arg(column);
+            values << (units - 0.5) / Money::Scale << (units + 0.5) / Money::Scale;
+        } else if (value.typeId() == QMetaType::QDate || value.typeId() == QMetaType::QDateTime) {
+            const QDate day = value.toDate();
+            parts << QStringLiteral("%1 >= ? AND %1 < ?").arg(column);
+            values << day << day.addDays(1);
         } else {
             parts << column + QStringLiteral(" = ?");
             values << value;
@@ -70,6 +82,32 @@ BoundStatement rowStatement(const RowChange& change, SqlDialect dialect)
         break;
     }
     }
+    return st;
+}
+
+BoundStatement insertIfFreeStatement(const RowChange& change, const NumberSlot& slot, SqlDialect dialect)
+{
+    BoundStatement st;
+    const QString table = bareTable(change.table, dialect);
+    QStringList columns, marks, taken;
+    for (const auto& [column, value] : change.values) {
+        columns << column;
+        marks << QStringLiteral("?");
+        st.values << value;
+    }
+    for (const QString& column : QStringList{slot.column} + slot.scope) {
+        taken << column + QStringLiteral(" = ?");
+        for (const auto& [name, value] : change.values)
+            if (name.compare(column, Qt::CaseInsensitive) == 0) {
+                st.values << value;
+                break;
+            }
+    }
+    // On SQL Server the range stays locked until the insert is done; the embedded
+    // database runs a writing statement whole under its write lock.
+    const QString lock = dialect == SqlDialect::SqlServer ? QStringLiteral(" WITH (UPDLOCK, HOLDLOCK)") : QString();
+    st.sql = QStringLiteral("INSERT INTO %1 (%2) SELECT %3 WHERE NOT EXISTS (SELECT 1 FROM %1%4 WHERE %5)")
+                 .arg(table, columns.join(u','), marks.join(u','), lock, taken.join(QStringLiteral(" AND ")));
     return st;
 }
 

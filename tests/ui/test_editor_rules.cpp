@@ -128,7 +128,7 @@ TEST(EditorRules, ChecksStopAtTheFirstRefusalAndKeepWarnings)
     EXPECT_EQ(checkPromet(p, 2016).last().text, QStringLiteral("Morate upisati redni broj različit od 0!"));
 
     // Asset values: equal purchase and book value pass; a book value of 0 does not.
-    PopisInput a { QDate(2016, 3, 1), QStringLiteral("1"), Money::fromWhole(5), Money::fromWhole(1000),
+    PopisInput a { QDate(2016, 3, 1), QStringLiteral("1"), 5, Money::fromWhole(1000),
         Money::fromWhole(1000) };
     EXPECT_TRUE(checkPopis(a, 2016).isEmpty());
     a.knjigovodstvena = Money();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "session/AmountText.h"
 #include "session/Money.h"
 
 #include <QLineEdit>
@@ -8,23 +9,28 @@
 namespace knjige
 {
 
-// The number box of the editors (the `ub` controls): holds a currency value, takes a
-// comma or a point as the decimal mark while it has the focus, and shows "#,##0.00"
-// (or "#,##0" for a whole-number box) when it has not. Text that is not a number
-// cannot be typed; an empty box is 0.
+// The number box of the editors (the `ub` controls). It follows the workstation's
+// number conventions (its locale): without the focus it shows what the grid shows,
+// "#,##0.00" (or "#,##0" for a whole-number box); with the focus it holds the plain
+// value with the local decimal mark and takes typed or pasted numbers in the local
+// form, grouped or not. The numeric keypad's decimal key types the local mark.
 //
-// A whole-number box stands for an integer column: a value whose rounded integer lies
-// outside the column's range (32-bit by default) cannot be typed or pasted, so the
-// save never has to narrow it.
+// Nothing is read by guessing: a keystroke or a paste that no further typing could
+// make a number is refused with a sign (a beep, a red box and the reason as a tip),
+// and text left incomplete ("1.2" in the Bosnian form) stays as typed, marked, and is
+// refused on save (isReadable). An amount takes at most 12 whole digits and two
+// decimals; a value the program sets keeps the digits it has. A whole-number box
+// takes no decimal mark and nothing outside its range (32-bit by default).
 class MoneyBox : public QLineEdit
 {
     Q_OBJECT
 public:
     explicit MoneyBox(QWidget* parent = nullptr, bool wholeNumbers = false);
 
+    // The last value the text said exactly; an empty box is 0.
     Money value() const { return m_value; }
     void setValue(Money value);
-    // The value as an integer, rounded half to even (ordinal numbers, years of life).
+    // The value as an integer (its whole part; a whole-number box holds no other).
     qint64 integerValue() const;
 
     bool isWholeNumber() const { return m_whole; }
@@ -32,8 +38,22 @@ public:
     void setRange(qint64 minimum, qint64 maximum);
     qint64 minimum() const { return m_min; }
     qint64 maximum() const { return m_max; }
-    // False only for a whole-number box whose value was set (not typed) out of range.
+    // False for a whole-number box whose value was set (not typed) with a fraction
+    // or out of range: such a value is refused on save, never narrowed.
     bool inRange() const;
+    // Whether the text says exactly one number (what value() returns).
+    bool isReadable() const;
+    // Why the last keystroke or paste was refused, or why the text cannot be read;
+    // empty while all is well.
+    QString problem() const { return m_problem; }
+    // Whether the value is other than the one the program last set.
+    bool changedByPerson() const { return m_value != m_given; }
+
+    NumberConventions conventions() const { return NumberConventions::of(locale()); }
+    // What the box takes now: the base limits widened to what the set value needs.
+    AmountLimits limits() const;
+    // Remembers why the validator refused a text, for the sign that follows.
+    void noteRefusal(const QString& problem) const { m_refusal = problem; }
 
 signals:
     // The value changed, by typing or by setValue.
@@ -44,17 +64,26 @@ signals:
 protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void onTextChanged(const QString& text);
+    void onRejected();
     void showValue();
+    void mark(const QString& problem);
+    void unmark();
     QString editText() const;
 
     Money m_value;
+    Money m_given;
+    AmountLimits m_needed{0, 0};
     bool m_whole = false;
     qint64 m_min = std::numeric_limits<qint32>::min();
     qint64 m_max = std::numeric_limits<qint32>::max();
     bool m_updating = false;
+    QString m_problem;
+    mutable QString m_refusal;
 };
 
 } // namespace knjige

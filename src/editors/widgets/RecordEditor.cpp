@@ -1,5 +1,6 @@
 #include "editors/widgets/RecordEditor.h"
 
+#include "books/BookKind.h"
 #include "books/Schema.h"
 #include "editors/widgets/MoneyBox.h"
 #include "session/Interaction.h"
@@ -374,7 +375,7 @@ void RecordEditor::potvrdi()
     switch (m_tipRada) {
     case Novi:
     case Izmjena:
-        if (!wholeNumbersInRange() || !runChecks(checks()))
+        if (!numbersReadable() || !runChecks(checks()))
             return;
         break;
     case Pretrazivanje:
@@ -397,15 +398,27 @@ void RecordEditor::potvrdi()
     accept();
 }
 
-// Typing cannot take a whole-number box out of its range; a value set from elsewhere
+// Every number box must say exactly one number before any check runs: text left
+// incomplete is refused, never read as something else. Typing cannot take a
+// whole-number box out of its range or give it a fraction; a value set from elsewhere
 // is refused here rather than narrowed on the way to the table.
-bool RecordEditor::wholeNumbersInRange()
+bool RecordEditor::numbersReadable()
 {
     for (MoneyBox* box : findChildren<MoneyBox*>()) {
-        if (box->inRange())
+        if (box->isHidden())
             continue;
-        warn(QStringLiteral("Broj mora biti između ") + QString::number(box->minimum()) + QStringLiteral(" i ")
-            + QString::number(box->maximum()) + QStringLiteral("!"));
+        QString problem;
+        if (!box->isReadable())
+            problem = QStringLiteral("Broj \"%1\" nije moguće pročitati.\n").arg(box->text().trimmed())
+                + readAmount(box->text(), box->conventions(), box->limits()).problem;
+        else if (box->value().units() % Money::Scale != 0 && box->isWholeNumber())
+            problem = QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala.");
+        else if (!box->inRange())
+            problem = QStringLiteral("Broj mora biti između ") + QString::number(box->minimum())
+                + QStringLiteral(" i ") + QString::number(box->maximum()) + QStringLiteral("!");
+        if (problem.isEmpty())
+            continue;
+        warn(problem);
         box->setFocus();
         return false;
     }
@@ -415,6 +428,38 @@ bool RecordEditor::wholeNumbersInRange()
 qint32 RecordEditor::spremljeniRBroj() const
 {
     return ubRBroj->inRange() ? qint32(ubRBroj->integerValue()) : 0;
+}
+
+// A new entry carrying the number the browser (or the shop) proposed, unchanged by
+// the operator: someone else may have taken it while the dialog was open.
+bool RecordEditor::proposedNumber(const RowChange& change) const
+{
+    if (change.kind != RowChange::Kind::Insert || ubRBroj->changedByPerson())
+        return false;
+    for (const auto& value : change.values)
+        if (value.first == QLatin1String("RBroj"))
+            return true;
+    return false;
+}
+
+bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
+{
+    NumberSlot slot{QStringLiteral("RBroj"), {QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj")}};
+    if (isTradeBook(m_tip))
+        slot.scope << QStringLiteral("BrojProd");
+    const qint64 proposed = ubRBroj->integerValue();
+    qint64 saved = 0;
+    if (!session().db().insertUnderFreeNumber(change, slot, &saved))
+        return false;
+    if (saved != proposed) {
+        ubRBroj->setValue(Money::fromWhole(saved));
+        inform(QStringLiteral("Redni broj %1 je u međuvremenu dobila stavka koju je upisao drugi korisnik.\n"
+                              "Ova stavka je spremljena pod sljedećim slobodnim rednim brojem: %2.")
+                   .arg(proposed)
+                   .arg(saved),
+            QStringLiteral("Napomena"), Icon::Exclamation);
+    }
+    return true;
 }
 
 bool RecordEditor::zapisi()
@@ -437,7 +482,7 @@ bool RecordEditor::zapisi()
     QString failure;
     if (change.kind != RowChange::Kind::Insert && change.original.isEmpty())
         failure = QStringLiteral("Stavka nije pročitana iz baze podataka.");
-    else if (db.writeRow(change))
+    else if (proposedNumber(change) ? saveUnderFreeNumber(change) : db.writeRow(change))
         return true;
     else
         failure = db.errorDescription();

@@ -153,7 +153,9 @@ private:
     void setSearchDates();
     bool handleKey(QWidget* control, QKeyEvent* event);
     void moveFocus(bool next);
-    bool wholeNumbersInRange();
+    bool numbersReadable();
+    bool proposedNumber(const RowChange& change) const;
+    bool saveUnderFreeNumber(const RowChange& change);
 
     int m_tipRada = 0;
     bool m_izisaoSaPrekidom = true;

@@ -61,7 +61,7 @@ void frmPopListaDImovineFBiH::PreuzmiStavku(const ResultSet& rs, int row)
 
 Findings frmPopListaDImovineFBiH::checks()
 {
-    return checkPopis({ dpDatum->date(), txtBrojDokumenta->text(), ubVijekTrajanja->value(), ubNabavna->value(),
+    return checkPopis({ dpDatum->date(), txtBrojDokumenta->text(), ubVijekTrajanja->integerValue(), ubNabavna->value(),
                           ubKnjigovodstvena->value() },
         session().RadnaGodina);
 }
