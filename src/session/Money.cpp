@@ -8,14 +8,16 @@
 
 namespace knjige {
 
+double roundingAllowance(double value)
+{
+    return std::max(1e-9, std::abs(value) * 4 * std::numeric_limits<double>::epsilon());
+}
+
 qint64 roundHalfEven(double value)
 {
     const double floor = std::floor(value);
     const double diff = value - floor;
-    // Values such as 1.45 * 10000 land a hair off the half; treat anything within a few
-    // ulps of .5 as the half so that decimal input rounds as a person would expect.
-    const double eps = std::max(1e-9, std::abs(value) * 4 * std::numeric_limits<double>::epsilon());
-    if (std::abs(diff - 0.5) <= eps) {
+    if (std::abs(diff - 0.5) <= roundingAllowance(value)) {
         const qint64 f = qint64(floor);
         return (f % 2 == 0) ? f : f + 1;
     }

@@ -62,8 +62,10 @@ private:
 };
 
 // Rounds half to even to the nearest integer; the rounding of every value that
-// becomes currency.
+// becomes currency. A value within roundingAllowance(value) of a half counts as the
+// half: decimal input such as 1.45 lands a hair off it in binary.
 qint64 roundHalfEven(double value);
+double roundingAllowance(double value);
 
 } // namespace knjige
 

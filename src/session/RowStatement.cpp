@@ -24,9 +24,12 @@ QString matchClause(const RowChange::Values& original, QVariantList& values)
         if (!value.isValid() || value.isNull()) {
             parts << column + QStringLiteral(" IS NULL");
         } else if (value.userType() == qMetaTypeId<Money>()) {
+            // Every stored value that reads as this amount, the allowance of the
+            // reading's rounding included.
             const double units = double(value.value<Money>().units());
+            const double half = 0.5 + roundingAllowance(units);
             parts << QStringLiteral("%1 >= ? AND %1 <= ?").arg(column);
-            values << (units - 0.5) / Money::Scale << (units + 0.5) / Money::Scale;
+            values << (units - half) / Money::Scale << (units + half) / Money::Scale;
         } else if (value.typeId() == QMetaType::QDate || value.typeId() == QMetaType::QDateTime) {
             const QDate day = value.toDate();
             parts << QStringLiteral("%1 >= ? AND %1 < ?").arg(column);
