@@ -86,7 +86,7 @@ void MoneyBox::setValue(Money value)
 {
     const bool changed = value != m_value;
     m_value = value;
-    m_given = value;
+    m_typed = false;
     m_needed = limitsOf(value);
     unmark();
     showValue();
@@ -141,6 +141,7 @@ void MoneyBox::onTextChanged(const QString& text)
 {
     if (m_updating)
         return;
+    m_typed = true;
     const AmountReading reading = readAmount(text, conventions(), limits());
     if (reading.state == AmountReading::State::Refused)
         mark(reading.problem);

@@ -46,8 +46,9 @@ public:
     // Why the last keystroke or paste was refused, or why the text cannot be read;
     // empty while all is well.
     QString problem() const { return m_problem; }
-    // Whether the value is other than the one the program last set.
-    bool changedByPerson() const { return m_value != m_given; }
+    // Whether the operator has typed or pasted into the box since the program last
+    // set its value (even the same number again).
+    bool typedByPerson() const { return m_typed; }
 
     NumberConventions conventions() const { return NumberConventions::of(locale()); }
     // What the box takes now: the base limits widened to what the set value needs.
@@ -76,7 +77,7 @@ private:
     QString editText() const;
 
     Money m_value;
-    Money m_given;
+    bool m_typed = false;
     AmountLimits m_needed{0, 0};
     bool m_whole = false;
     qint64 m_min = std::numeric_limits<qint32>::min();

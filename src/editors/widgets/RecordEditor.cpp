@@ -411,6 +411,10 @@ bool RecordEditor::numbersReadable()
         if (!box->isReadable())
             problem = QStringLiteral("Broj \"%1\" nije moguće pročitati.\n").arg(box->text().trimmed())
                 + readAmount(box->text(), box->conventions(), box->limits()).problem;
+        else if (!box->problem().isEmpty())
+            // A refused keystroke leaves the box saying less than was typed.
+            problem = QStringLiteral("Dio upisa u polje nije prihvaćen (ostalo je \"%1\").\n").arg(box->text().trimmed())
+                + box->problem() + QStringLiteral("\nIspravite broj u polju.");
         else if (box->value().units() % Money::Scale != 0 && box->isWholeNumber())
             problem = QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala.");
         else if (!box->inRange())
@@ -434,7 +438,7 @@ qint32 RecordEditor::spremljeniRBroj() const
 // the operator: someone else may have taken it while the dialog was open.
 bool RecordEditor::proposedNumber(const RowChange& change) const
 {
-    if (change.kind != RowChange::Kind::Insert || ubRBroj->changedByPerson())
+    if (change.kind != RowChange::Kind::Insert || ubRBroj->typedByPerson())
         return false;
     for (const auto& value : change.values)
         if (value.first == QLatin1String("RBroj"))
