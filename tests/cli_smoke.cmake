@@ -172,6 +172,22 @@ if(NOT WIN32)
   endif()
 endif()
 
+# --- query: a batch runs in order, every statement that gives rows is printed ----------
+knjige(batch query --db "${db}" "WITH d AS (SELECT BrojIfakt FROM dbo.Ifakture WHERE Vrsta='VP') SELECT BrojIfakt FROM d<semi> VALUES (7)<semi> /* ne broji se */ DELETE FROM dbo.Ifakture WHERE BrojIfakt=12<semi> UPDATE dbo.Ifakture SET Vrsta='X' WHERE 1=0<semi> SELECT COUNT(*) AS Broj FROM dbo.Ifakture")
+expect_ok(batch "a batch of five statements")
+expect_equal("${batch_out}" "BrojIfakt\n12\n\ncolumn1\n7\n\nBroj\n2\n" "the rows of every statement, in order")
+expect_equal("${batch_err}" "Obrađeno redova: 1\nObrađeno redova: 0\n" "the rows each write touched")
+knjige(stops query --db "${db}" "DELETE FROM dbo.Ifakture WHERE BrojIfakt=11<semi> SELECT Nema FROM dbo.Ifakture<semi> DELETE FROM dbo.Ifakture")
+expect_refusal(stops "a batch with a failing statement" "Naredba 2 od 3 nije izvršena: ")
+knjige(left query --db "${db}" "SELECT BrojIfakt FROM dbo.Ifakture")
+expect_equal("${left_out}" "BrojIfakt\n10\n" "what ran before the failure stays, nothing after it runs")
+if(EXISTS /dev/full)
+  execute_process(COMMAND "${KNJIGE}" query --db "${db}" "SELECT 1 AS x" OUTPUT_FILE /dev/full
+    RESULT_VARIABLE full_rc ERROR_VARIABLE full_err)
+  set(full_rc "${full_rc}")
+  expect_refusal(full "output to a full disk" "Rezultat nije moguće ispisati")
+endif()
+
 # --- init --demo --force: replaces the file with the demonstration company --------------
 knjige(demo init --db "${db}" --demo --force)
 expect_ok(demo "init --demo --force")

@@ -5,6 +5,8 @@
 #include "host/Csv.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
+#include "session/TSqlAst.h"
+#include "session/TSqlTokenizer.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -16,6 +18,7 @@
 #include <QStandardPaths>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace knjige::cli {
@@ -199,22 +202,62 @@ QString readStatement(const QString& argument)
     return in.readAll();
 }
 
-int runStatement(Database& db, const QString& sql, bool withTypes)
+QString firstWord(const QString& sql)
 {
-    if (returnsRows(sql)) {
-        ResultSet rows;
-        if (!db.open(sql, rows))
-            return complain(QStringLiteral("Naredba nije izvršena: ") + db.errorDescription());
-        QTextStream out(stdout);
-        if (rows.fieldCount() > 0)
-            writeCsv(rows, withTypes, out);
-        return Done;
+    for (const tsql::Token& t : tsql::tokenize(sql))
+        if (!t.isTrivia() && !t.is("("))
+            return t.kind == tsql::Token::Kind::Word ? t.text.toUpper() : QString();
+    return {};
+}
+
+// Standard output as far as it was written: false when it could not be (a full disk,
+// a closed pipe), which the caller reports.
+bool flushed(QTextStream& out)
+{
+    out.flush();
+    return out.status() == QTextStream::Ok && std::fflush(stdout) == 0 && !std::ferror(stdout);
+}
+
+int cannotWrite()
+{
+    return complain(QStringLiteral("Rezultat nije moguće ispisati na standardni izlaz (disk je pun ili je izlaz "
+                                   "zatvoren)."));
+}
+
+// Runs the statements in order and stops at the first that fails; what ran before it
+// stays done, as it would on the server.
+int runBatch(Database& db, const QStringList& statements, bool withTypes)
+{
+    QTextStream out(stdout);
+    int printed = 0;
+    for (int i = 0; i < statements.size(); ++i) {
+        const QString& sql = statements[i];
+        const QString failed = statements.size() == 1
+            ? QStringLiteral("Naredba nije izvršena: ")
+            : QStringLiteral("Naredba %1 od %2 nije izvršena: ").arg(i + 1).arg(statements.size());
+        const QString before = i == 0 ? QString()
+                                      : QStringLiteral("\nNaredbe prije nje su izvršene (%1).").arg(i);
+        if (returnsRows(sql)) {
+            ResultSet rows;
+            if (!db.open(sql, rows))
+                return flushed(out) ? complain(failed + db.errorDescription() + before) : cannotWrite();
+            if (rows.fieldCount() > 0) {
+                if (printed++ > 0)
+                    out << '\n';
+                writeCsv(rows, withTypes, out);
+            }
+        } else {
+            int affected = 0;
+            if (!db.execute(sql, &affected))
+                return flushed(out) ? complain(failed + db.errorDescription() + before) : cannotWrite();
+            static const QSet<QString> writes = {QStringLiteral("INSERT"), QStringLiteral("UPDATE"),
+                                                 QStringLiteral("DELETE"), QStringLiteral("MERGE")};
+            if (writes.contains(firstWord(sql)))
+                QTextStream(stderr) << QStringLiteral("Obrađeno redova: %1\n").arg(affected);
+        }
+        if (!flushed(out))
+            return cannotWrite();
     }
-    int affected = -1;
-    if (!db.execute(sql, &affected))
-        return complain(QStringLiteral("Naredba nije izvršena: ") + db.errorDescription());
-    if (affected > 0)
-        QTextStream(stderr) << QStringLiteral("Obrađeno redova: %1\n").arg(affected);
     return Done;
 }
 
@@ -235,9 +278,12 @@ QString queryUsage()
 {
     return QStringLiteral(
         "knjige query (--db PUTANJA | --conn CONNECTION_STRING) [--types] \"SQL\"\n"
-        "  Izvrši T-SQL naredbu kroz pristup podacima komponente i ispiše rezultat kao CSV:\n"
-        "  red s nazivima polja, zatim redovi podataka. Naredba bez redova (CREATE TABLE,\n"
-        "  INSERT, ...) ne ispisuje ništa. SQL \"-\" čita naredbu sa standardnog ulaza.\n"
+        "  Izvrši T-SQL naredbe kroz pristup podacima komponente i ispiše rezultat kao CSV:\n"
+        "  red s nazivima polja, zatim redovi podataka. Više naredbi odvojenih sa ';' izvršava\n"
+        "  se redom; rezultat svake naredbe koja daje redove (SELECT, WITH, VALUES, PRAGMA)\n"
+        "  ispisuje se, odvojen praznim redom. Za INSERT, UPDATE i DELETE na standardni izlaz\n"
+        "  za greške ide broj obrađenih redova. Prva neuspjela naredba prekida niz.\n"
+        "  SQL \"-\" čita naredbe sa standardnog ulaza.\n"
         "  --db PUTANJA    postojeća ugrađena baza (nikad se ne pravi nova)\n"
         "  --conn TEKST    connection string: Provider=SQLOLEDB.1;Data Source=...;Initial Catalog=...,\n"
         "                  ODBC (Driver=...;... ili DSN=...) ili putanja do datoteke baze\n"
@@ -248,6 +294,17 @@ QString queryUsage()
 QString defaultDatabasePath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/knjige-demo.db");
+}
+
+QStringList batchStatements(const QString& sql)
+{
+    QStringList out;
+    for (const QString& statement : tsql::splitStatements(sql)) {
+        const QVector<tsql::Token> tokens = tsql::tokenize(statement);
+        if (std::any_of(tokens.begin(), tokens.end(), [](const tsql::Token& t) { return !t.isTrivia(); }))
+            out << statement;
+    }
+    return out;
 }
 
 bool returnsRows(const QString& sql)
@@ -317,13 +374,13 @@ int runQuery(const QStringList& args)
     const QString connection = connectionFor(o, &code);
     if (connection.isEmpty())
         return code;
-    const QString sql = readStatement(o.positional.front());
-    if (sql.trimmed().isEmpty())
+    const QStringList statements = batchStatements(readStatement(o.positional.front()));
+    if (statements.isEmpty())
         return complain(QStringLiteral("SQL naredba je prazna."), Usage);
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
-    return runStatement(db, sql, o.flags.contains(QStringLiteral("--types")));
+    return runBatch(db, statements, o.flags.contains(QStringLiteral("--types")));
 }
 
 } // namespace knjige::cli

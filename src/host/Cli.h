@@ -17,6 +17,10 @@ QString queryUsage();
 // Where `knjige init` puts the database when no --db is given.
 QString defaultDatabasePath();
 
+// The statements of a batch, in order: split at the ';' outside literals, comments
+// and parentheses, pieces holding nothing but comments left out.
+QStringList batchStatements(const QString& sql);
+
 // Whether a statement gives rows to print (SELECT, WITH, EXEC ...), judged by its
 // first word past comments and opening parentheses.
 bool returnsRows(const QString& sql);

@@ -620,7 +620,9 @@ Translation::Statement translateStatement(const QString& tsql, const Catalog& ca
         out.kind = Translation::Kind::NoOp;
         return out;
     }
-    out.kind = word == u"SELECT" ? Translation::Kind::Query : Translation::Kind::Command;
+    // Statements that give rows are read as queries, so their rows reach the caller.
+    const bool givesRows = word == u"SELECT" || word == u"WITH" || word == u"VALUES" || word == u"PRAGMA";
+    out.kind = givesRows ? Translation::Kind::Query : Translation::Kind::Command;
     out.changesSchema = word == u"CREATE" || word == u"DROP" || word == u"ALTER";
     Edits edits;
     tokenEdits(st.tokens, edits);

@@ -65,3 +65,14 @@ TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
     EXPECT_FALSE(cli::returnsRows(QStringLiteral("SELECTIONS")));
     EXPECT_FALSE(cli::returnsRows(QStringLiteral("-- samo komentar")));
 }
+
+TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
+{
+    const QStringList parts = cli::batchStatements(
+        QStringLiteral("SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n"));
+    ASSERT_EQ(parts.size(), 3) << parts.join(u'|').toStdString();
+    EXPECT_EQ(parts[0], QStringLiteral("SELECT 'a;b' AS x"));
+    EXPECT_EQ(parts[1].trimmed(), QStringLiteral("/* ; */ VALUES (1)"));
+    EXPECT_EQ(parts[2].trimmed(), QStringLiteral("INSERT INTO T (a) VALUES (');')"));
+    EXPECT_TRUE(cli::batchStatements(QStringLiteral(" -- samo komentar; \n /* i ovo */ ;")).isEmpty());
+}
