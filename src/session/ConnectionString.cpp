@@ -181,18 +181,27 @@ bool isYes(const QString& value)
         || v == QLatin1String("1");
 }
 
-// A value as ODBC reads it: braced when it holds a character that would end or open
-// one, or spaces at its edges.
-QString odbcValue(const QString& value)
+// Every value put into a built ODBC string passes here. ODBC reads a value up to the
+// next ';' unless it is braced: a value holding ';', '{' or '}', or blanks at its
+// edges, is braced with each '}' doubled, so that nothing in it can end the value or
+// add a key of its own.
+QString braced(const QString& value)
 {
-    const bool needsBraces = value.contains(u';') || value.contains(u'{') || value.contains(u'}')
-        || (!value.isEmpty() && (value.front().isSpace() || value.back().isSpace()));
-    if (!needsBraces)
-        return value;
     QString escaped = value;
     escaped.replace(QStringLiteral("}"), QStringLiteral("}}"));
     return u'{' + escaped + u'}';
 }
+
+QString odbcValue(const QString& value)
+{
+    const bool needsBraces = value.contains(u';') || value.contains(u'{') || value.contains(u'}')
+        || (!value.isEmpty() && (value.front().isSpace() || value.back().isSpace()));
+    return needsBraces ? braced(value) : value;
+}
+
+// The driver's name is braced always, as drivers are named ("{ODBC Driver 18 for SQL
+// Server}").
+QString driverPair(const QString& driver) { return QStringLiteral("DRIVER=") + braced(driver); }
 
 QString yesNo(bool yes) { return yes ? QStringLiteral("yes") : QStringLiteral("no"); }
 
@@ -245,6 +254,22 @@ std::optional<ServerAddress> splitServer(const Parsed& p, QString* error)
 
 bool isFreeTds(const QString& driver) { return driver.contains(QLatin1String("tds"), Qt::CaseInsensitive); }
 
+// FreeTDS has one encryption setting of its own for Microsoft's two keys: Encrypt=yes
+// requires encryption; Encrypt=no turns it off (FreeTDS still encrypts the login and
+// whatever a server insists on); trusting the server's certificate alone asks for
+// encryption where the server offers it. FreeTDS checks a certificate only against
+// the "ca file" of freetds.conf, so without one every certificate is taken.
+QString freeTdsEncryption(const Parsed& p)
+{
+    if (p.has(Key::Encrypt)) {
+        const QString v = p.value(Key::Encrypt).trimmed().toLower();
+        if (isYes(v) || v == QLatin1String("mandatory") || v == QLatin1String("strict"))
+            return QStringLiteral("require");
+        return QStringLiteral("off");
+    }
+    return p.has(Key::TrustCertificate) && isYes(p.value(Key::TrustCertificate)) ? QStringLiteral("request") : QString();
+}
+
 QString freeTdsString(const Parsed& p, const ServerAddress& a, const QString& driver)
 {
     // FreeTDS knows neither "(local)" nor "."; a named instance is found through the
@@ -253,7 +278,7 @@ QString freeTdsString(const Parsed& p, const ServerAddress& a, const QString& dr
     if (host == QLatin1String(".") || host.compare(QLatin1String("(local)"), Qt::CaseInsensitive) == 0)
         host = QStringLiteral("localhost");
     QStringList parts;
-    parts << QStringLiteral("DRIVER={%1}").arg(driver);
+    parts << driverPair(driver);
     if (!a.instance.isEmpty() && a.port.isEmpty()) {
         parts << odbcPair(QStringLiteral("SERVER"), host + u'\\' + a.instance);
     } else {
@@ -268,6 +293,8 @@ QString freeTdsString(const Parsed& p, const ServerAddress& a, const QString& dr
         parts << odbcPair(QStringLiteral("PWD"), p.value(Key::Password));
     }
     parts << QStringLiteral("TDS_Version=7.4") << QStringLiteral("ClientCharset=UTF-8");
+    if (const QString encryption = freeTdsEncryption(p); !encryption.isEmpty())
+        parts << QStringLiteral("Encryption=") + encryption;
     if (p.has(Key::Application))
         parts << odbcPair(QStringLiteral("APP"), p.value(Key::Application));
     if (p.has(Key::Workstation))
@@ -283,7 +310,7 @@ QString microsoftString(const Parsed& p, const ServerAddress& a, const QString& 
     if (!a.port.isEmpty())
         server += u',' + a.port;
     QStringList parts;
-    parts << QStringLiteral("DRIVER={%1}").arg(driver);
+    parts << driverPair(driver);
     parts << odbcPair(QStringLiteral("SERVER"), server);
     parts << odbcPair(QStringLiteral("DATABASE"), p.value(Key::Database));
     if (isYes(p.value(Key::Integrated))) {
@@ -294,8 +321,12 @@ QString microsoftString(const Parsed& p, const ServerAddress& a, const QString& 
     }
     // Encryption and certificate trust only as the string asks: trusting any
     // certificate is the administrator's decision, never a default.
-    if (p.has(Key::Encrypt))
-        parts << QStringLiteral("Encrypt=") + yesNo(isYes(p.value(Key::Encrypt)));
+    if (p.has(Key::Encrypt)) {
+        // Driver 18's strict mode (TDS 8) is kept; it must never fall to "no".
+        const QString v = p.value(Key::Encrypt).trimmed().toLower();
+        parts << QStringLiteral("Encrypt=")
+                + (v == QLatin1String("strict") ? v : yesNo(isYes(v) || v == QLatin1String("mandatory")));
+    }
     if (p.has(Key::TrustCertificate))
         parts << QStringLiteral("TrustServerCertificate=") + yesNo(isYes(p.value(Key::TrustCertificate)));
     if (p.has(Key::Application))
