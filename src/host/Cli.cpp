@@ -3,6 +3,7 @@
 #include "books/DemoData.h"
 #include "books/Schema.h"
 #include "host/Csv.h"
+#include "host/HostRights.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
 #include "session/TSqlAst.h"
@@ -124,6 +125,12 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     }
     if (!createSchema(db, &error)) {
         *message = QStringLiteral("Izrada tablica nije uspjela: ") + error;
+        return false;
+    }
+    // The host's rights table, empty: every operator may use every book until rows
+    // are added.
+    if (!db.execute(host::PravaRights::createSql())) {
+        *message = QStringLiteral("Izrada tablice prava nije uspjela: ") + db.errorDescription();
         return false;
     }
     if (demo && !fillDemoData(db, &error)) {

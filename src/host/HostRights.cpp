@@ -1,5 +1,6 @@
 #include "host/HostRights.h"
 
+#include "session/Interaction.h"
 #include "session/Session.h"
 
 namespace knjige::host
@@ -8,6 +9,12 @@ namespace knjige::host
 QString PravaRights::sql()
 {
     return QStringLiteral("SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
+}
+
+QString PravaRights::createSql()
+{
+    return QStringLiteral(
+        "CREATE TABLE dbo.PRAVA (OPERATER nvarchar(30) NULL, PROGRAM nvarchar(30) NULL, PRAVO nvarchar(30) NULL)");
 }
 
 void PravaRights::setConnectionString(const QString& connectionString)
@@ -39,10 +46,14 @@ Database& PravaRights::database()
 void PravaRights::load()
 {
     m_rights.clear();
+    m_failure.clear();
     m_loaded = true;
     ResultSet rs;
-    if (!database().open(sql(), rs))
+    Database& db = database();
+    if (!db.open(sql(), rs)) {
+        m_failure = db.errorDescription();
         return;
+    }
     const QString me = m_operator.trimmed();
     for (int r = 0; r < rs.rowCount(); ++r)
         if (rs.text(r, 0).trimmed().compare(me, Qt::CaseInsensitive) == 0)
@@ -57,6 +68,11 @@ bool PravaRights::opens(int bookKind) const
 bool PravaRights::mayOpenBook(int bookKind)
 {
     load();
+    if (!m_failure.isEmpty()) {
+        warn(QStringLiteral("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n")
+            + m_failure);
+        return false;
+    }
     return opens(bookKind);
 }
 
@@ -64,7 +80,7 @@ bool PravaRights::hasRight(int bookKind, Group group)
 {
     if (!m_loaded)
         load();
-    if (!opens(bookKind))
+    if (!m_failure.isEmpty() || !opens(bookKind))
         return false;
     const QString prefix = QString::number(bookKind) + u'.';
     bool anyGroupNamed = false;

@@ -16,7 +16,8 @@ namespace knjige::host
 //   PRAVO "96.3" in book 96 the operator may use command group 3 (OperatorRights::Group).
 // An operator with no "KNJIGE" rows is not restricted. One who has some may open only
 // the books named, and in a book for which no group is named every group is allowed.
-// A database without dbo.PRAVA restricts nobody.
+// When dbo.PRAVA cannot be read (no such table, no connection, no permission) nobody
+// may open a book: the operator is told why, and nothing is allowed on a guess.
 class PravaRights final : public OperatorRights
 {
 public:
@@ -26,8 +27,10 @@ public:
     bool mayOpenBook(int bookKind) override;
     bool hasRight(int bookKind, Group group) override;
 
-    // The fixed text that reads the rights of every operator.
+    // The fixed text that reads the rights of every operator, and the one that makes
+    // the (empty) table in a new database of the host.
     static QString sql();
+    static QString createSql();
 
 private:
     void load();
@@ -37,6 +40,7 @@ private:
     QString m_connectionString;
     QString m_operator;
     bool m_loaded = false;
+    QString m_failure; // why the rights could not be read; empty when they were
     QSet<QString> m_rights; // the operator's PRAVO texts, trimmed
     std::unique_ptr<Database> m_own; // for a connection other than the session's
 };

@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "host/BookChooser.h"
+#include "host/HostRights.h"
 #include "host/HostWindows.h"
 #include "session/HostServices.h"
 #include "session/Session.h"
@@ -45,6 +46,7 @@ protected:
         m_db = std::make_unique<test::TestDatabase>(demo::BrojPoduzeca, qint16(m_year));
         QString error;
         ASSERT_TRUE(fillDemoData(m_db->db(), m_year, &error)) << error.toStdString();
+        m_db->exec(host::PravaRights::createSql()); // a host's database has its rights table
         m_conn = session().ConnString;
         // The chooser is the host: the component's session starts empty.
         session().reset();
@@ -164,8 +166,6 @@ TEST_F(HostChooser, RemembersTheLastOpeningForTheNextStart)
 TEST_F(HostChooser, ABookTheOperatorMayNotOpenStaysClosed)
 {
     session().ConnString = m_conn;
-    m_db->exec(QStringLiteral(
-        "CREATE TABLE dbo.PRAVA (OPERATER nvarchar(30) NULL, PROGRAM nvarchar(30) NULL, PRAVO nvarchar(30) NULL)"));
     m_db->insert(QStringLiteral("dbo.PRAVA"),
         { { QStringLiteral("OPERATER"), QStringLiteral("Amra") },
             { QStringLiteral("PROGRAM"), QStringLiteral("KNJIGE") },

@@ -1,6 +1,7 @@
 // The window commands of the knjige program, run in process: the book drawn into a
 // picture, refused command lines, and the advice given without a display.
 #include "books/DemoData.h"
+#include "host/HostRights.h"
 #include "host/HostWindows.h"
 #include "session/Session.h"
 #include "support/Sandbox.h"
@@ -50,6 +51,7 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
     test::TestDatabase db(demo::BrojPoduzeca, qint16(year));
     QString error;
     ASSERT_TRUE(fillDemoData(db.db(), year, &error)) << error.toStdString();
+    db.exec(host::PravaRights::createSql());
     const QString path = db.path();
     session().reset();
     test::ScopedScript script;

@@ -21,11 +21,7 @@ namespace
 class HostRights : public ::testing::Test
 {
 protected:
-    void createTable()
-    {
-        m_db.exec(QStringLiteral(
-            "CREATE TABLE dbo.PRAVA (OPERATER nvarchar(30) NULL, PROGRAM nvarchar(30) NULL, PRAVO nvarchar(30) NULL)"));
-    }
+    void createTable() { m_db.exec(PravaRights::createSql()); }
     void grant(const QString& op, const QString& program, const QString& right)
     {
         m_db.insert(QStringLiteral("dbo.PRAVA"),
@@ -45,11 +41,26 @@ protected:
 
 } // namespace
 
-TEST_F(HostRights, WithoutTheTableEveryoneMayDoEverything)
+TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
 {
-    PravaRights r = rightsOf(QStringLiteral("Amra"));
-    EXPECT_TRUE(r.mayOpenBook(96));
-    EXPECT_TRUE(r.hasRight(96, OperatorRights::Brisanje));
+    test::ScopedScript script;
+    PravaRights missing = rightsOf(QStringLiteral("Amra"));      // no dbo.PRAVA
+    PravaRights unreachable = rightsOf(QStringLiteral("Amra"));
+    unreachable.setConnectionString(m_db.path() + QStringLiteral(".nema"));
+    for (PravaRights* r : {&missing, &unreachable}) {
+        script->messages.clear();
+        EXPECT_FALSE(r->mayOpenBook(96));
+        EXPECT_FALSE(r->hasRight(96, OperatorRights::Novi));
+        ASSERT_EQ(script->messages.size(), 1);
+        EXPECT_TRUE(script->messages[0].text.startsWith(
+            QStringLiteral("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n")));
+        EXPECT_GT(script->messages[0].text.size(), 90) << "the data layer's reason follows";
+        EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    }
+    // An empty table restricts nobody.
+    m_db.exec(PravaRights::createSql());
+    EXPECT_TRUE(missing.mayOpenBook(96));
+    EXPECT_TRUE(missing.hasRight(96, OperatorRights::Brisanje));
 }
 
 TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyName)
