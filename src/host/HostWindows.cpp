@@ -2,6 +2,8 @@
 
 #include "books/BookKind.h"
 #include "books/DemoData.h"
+#include "browser/FilterClause.h"
+#include "browser/widgets/frmSifarnikKnj.h"
 #include "host/BookChooser.h"
 #include "host/Cli.h"
 #include "host/HostRights.h"
@@ -43,7 +45,8 @@ bool refuse(int* code, const QString& message)
 }
 
 const QStringList kValueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
-    QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot") };
+    QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot"),
+    QStringLiteral("--period") };
 
 struct Options {
     QMap<QString, QString> values;
@@ -334,7 +337,9 @@ QString openUsage()
 {
     return QStringLiteral("knjige open KNJIGA [opcije]\n"
                           "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
-        + bookList() + commonOptions();
+        + bookList() + commonOptions()
+        + QStringLiteral("  --period OD-DO     samo period, kao filter po datumima (01.03.2026-31.03.2026);\n"
+                         "                    trgovačke knjige prije toga pitaju za prodavnicu\n");
 }
 
 int runChooser(const QStringList& args)
@@ -348,6 +353,8 @@ int runChooser(const QStringList& args)
     }
     if (!o.positional.isEmpty())
         return complain(QStringLiteral("Nepoznata naredba: %1\n").arg(o.positional.first()) + chooserUsage(), Usage);
+    if (o.values.contains(QStringLiteral("--period")))
+        return complain(QStringLiteral("Opcija --period ide uz naredbu open.\n") + chooserUsage(), Usage);
     BookRequest request;
     int code = Done;
     if (!requestFor(o, &request, &code))
@@ -379,18 +386,33 @@ int runOpen(const QStringList& args)
     const int book = bookCodeOf(o.positional.first());
     if (!book)
         return complain(QStringLiteral("Nepoznata knjiga: %1\n").arg(o.positional.first()) + openUsage(), Usage);
-    BookRequest request;
     int code = Done;
+    std::optional<std::pair<QDate, QDate>> period;
+    if (o.values.contains(QStringLiteral("--period"))) {
+        BookRequest values;
+        if (!valuesFor(o, &values, &code))
+            return code;
+        QString error;
+        period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), values.year, &error);
+        if (!period)
+            return complain(error, Usage);
+    }
+    BookRequest request;
     if (!requestFor(o, &request, &code))
         return code;
     WindowsScope scope;
     startWindows(o, scope);
-    QWidget* browser = openBook(book, request);
-    if (!browser)
+    QWidget* window = openBook(book, request);
+    if (!window)
         return complain(QStringLiteral("Knjiga %1 nije otvorena.").arg(book));
+    // The period goes through the filter as a confirmed dialog with only the dates
+    // would; a trade book keeps the sales point its opening question gave.
+    if (auto* w = qobject_cast<frmSifarnikKnj*>(window); w && period)
+        w->applyFilter(browser::periodFilter(book, period->first, period->second, request.company, request.year,
+                                             w->BrojProd));
     if (o.values.contains(QStringLiteral("--screenshot"))) {
-        const int result = saveScreenshot(browser, o.values.value(QStringLiteral("--screenshot")));
-        browser->close();
+        const int result = saveScreenshot(window, o.values.value(QStringLiteral("--screenshot")));
+        window->close();
         return result;
     }
     return QApplication::exec();
