@@ -206,14 +206,16 @@ FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterI
 }
 
 FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint16 company, qint16 year,
-                         qint32 salesPoint)
+                         qint32 salesPoint, const QString& salesPointName)
 {
     FilterInput in;
     in.chkPoDatumima = true;
     in.dpDatum = from;
     in.dpDatumDo = to;
-    if (isTradeBook(bookKind))
+    if (isTradeBook(bookKind)) {
         in.prodavnica = salesPoint;
+        in.imeProdavnice = salesPointName;
+    }
     return buildFilter(bookKind, company, year, in);
 }
 
@@ -246,7 +248,7 @@ std::optional<std::pair<QDate, QDate>> parsePeriod(const QString& text, int year
         return fail(QStringLiteral("Početni datum perioda (%1) je iza završnog (%2).")
                         .arg(m.captured(1), m.captured(2)));
     if (year != 0 && (to < dates::firstOfYear(year) || from > dates::lastOfYear(year)))
-        return fail(QStringLiteral("Period %1-%2 ne zahvata radnu godinu %3.")
+        return fail(QStringLiteral("Period %1-%2 nije u radnoj godini %3.")
                         .arg(m.captured(1), m.captured(2), QString::number(year)));
     return std::make_pair(from, to);
 }

@@ -73,10 +73,10 @@ FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterI
                         const QLocale& locale = QLocale());
 
 // The filter of a confirmed form that holds only the period from..to (both valid, from
-// not after to) and, for the trade books, the sales point. What scripts and reports use
-// to narrow a book to a period as the operator would.
+// not after to) and, for the trade books, the sales point with the name its picker
+// shows. What scripts and reports use to narrow a book to a period as the operator would.
 FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint16 company, qint16 year,
-                         qint32 salesPoint = 0);
+                         qint32 salesPoint = 0, const QString& salesPointName = {});
 
 // "Filter : " + description, or "Filter: Svi" without one: the filter line of the
 // browser and of report headers.

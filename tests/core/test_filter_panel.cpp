@@ -104,7 +104,7 @@ TEST(FilterClause, PeriodTextIsReadOrRefusedWithAReason)
     const QList<std::pair<QString, QString>> bad = {
         {"01.03.2026", "dd.mm.gggg-dd.mm.gggg"},     {"31.02.2026-31.03.2026", "Neispravan početni datum"},
         {"01.03.2026-32.03.2026", "završni datum"},  {"31.03.2026-01.03.2026", "je iza završnog"},
-        {"01.03.2025-31.03.2025", "radnu godinu 2026"}, {"'; DROP TABLE x", "dd.mm.gggg-dd.mm.gggg"},
+        {"01.03.2025-31.03.2025", "nije u radnoj godini 2026"}, {"'; DROP TABLE x", "dd.mm.gggg-dd.mm.gggg"},
     };
     for (const auto& [text, reason] : bad) {
         QString error;

@@ -121,7 +121,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     auto* lv = w->findChild<QTreeWidget*>(QStringLiteral("lvStanje"));
     EXPECT_EQ(lv->headerItem()->text(0), " ");
     EXPECT_EQ(lv->headerItem()->text(11), "21. Ukupni rashodi");
-    EXPECT_EQ(lv->columnWidth(1), browser::twipsToPixels(1200, lv->logicalDpiX()));
+    EXPECT_GE(lv->columnWidth(1), browser::twipsToPixels(1200, lv->logicalDpiX()));
     EXPECT_EQ(panel(*w), rows({{"Promet do 29.02.16", {117, 0, 0, 17, 100, 50, 0, 0, 0, 5, 45}},
                                {"Pr.od 01.03.16 do 03.31.16", {0, 20, 0, 2, 18, 0, 0, 0, 10, 0, 10}},
                                {"Ukupno:", {117, 20, 0, 19, 118, 50, 0, 0, 10, 5, 55}}}));

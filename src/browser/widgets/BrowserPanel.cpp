@@ -10,6 +10,8 @@
 #include <QHeaderView>
 #include <QTreeWidget>
 
+#include <algorithm>
+
 namespace knjige {
 namespace {
 
@@ -67,6 +69,13 @@ bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const 
     const QLocale locale;
     for (const browser::PanelRow& row : browser::totalsPanelRows(bookKind, rs).rows)
         addRow(lvStanje, row, locale);
+    // The widths are the least a column gets: a label or header that needs more on
+    // this screen's font is not cut.
+    for (int c = 0; c < lvStanje.columnCount(); ++c) {
+        const int least = lvStanje.columnWidth(c);
+        lvStanje.resizeColumnToContents(c);
+        lvStanje.setColumnWidth(c, std::max(least, lvStanje.columnWidth(c)));
+    }
     return true;
 }
 
