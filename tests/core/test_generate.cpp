@@ -4,6 +4,8 @@
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
 #include "generate/Generation.h"
+#include "generate/SourceDatabase.h"
+#include "session/ConnectionString.h"
 #include "session/Session.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
@@ -261,4 +263,19 @@ TEST(GenerationTexts, StatementsQuestionsAndRights)
     EXPECT_TRUE(uvjetPrava(MatOtpremnice, QStringLiteral("ana")).endsWith("' AND PROGRAM='SKLADIŠTE') "));
     EXPECT_EQ(zadnjiBrojUpit(3, 2016),
               "SELECT MAX(D.RBroj) as Broj FROM dbo.KnjPrihRashDB D WHERE D.BrojPoduzeca=3 AND D.GodinaKnj=2016");
+}
+
+TEST(GenerationTexts, SourceConnection)
+{
+    const IzvorPodataka host = izvorDomaćina(
+        QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
+    EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));
+    EXPECT_EQ(host.baza, QStringLiteral("Firma"));
+    EXPECT_EQ(vezaIzvora(host, QStringLiteral("tajna")),
+              "Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=tajna");
+    // A password that would end the string early comes back whole.
+    const QString odd = QStringLiteral("a;b\"c' ");
+    EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
+    EXPECT_EQ(vezaIzvora({QStringLiteral(" "), QStringLiteral("/tmp/izvor.db")}, odd), "sqlite:/tmp/izvor.db");
+    EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
 }
