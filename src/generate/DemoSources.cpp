@@ -8,22 +8,34 @@
 #include <QDate>
 #include <QFile>
 
-static void initSourcesResource() { Q_INIT_RESOURCE(sources); }
+static void initSourcesResource()
+{
+    Q_INIT_RESOURCE(sources);
+}
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 using demo::Rng;
 
-QVariant cash(Money m) { return QVariant::fromValue(m); }
+QVariant cash(Money m)
+{
+    return QVariant::fromValue(m);
+}
 
-class Writer {
+class Writer
+{
 public:
-    explicit Writer(Database& db) : m_db(db) {}
+    explicit Writer(Database& db)
+        : m_db(db)
+    {
+    }
 
     bool row(const QString& table, const RowChange::Values& values)
     {
-        if (m_db.writeRow({RowChange::Kind::Insert, table, values, {}}))
+        if (m_db.writeRow({ RowChange::Kind::Insert, table, values, {} }))
             return true;
         m_error = table + QStringLiteral(": ") + m_db.errorDescription();
         return false;
@@ -44,7 +56,7 @@ QString dokumentPlaćanja(const QDate& d, bool blagajna, int& brojBlagajne)
 }
 
 struct Brojači {
-    int dgp[3] = {0, 0, 0};
+    int dgp[3] = { 0, 0, 0 };
     int vp = 0;
     int kuf = 0;
     int mat = 0;
@@ -52,33 +64,38 @@ struct Brojači {
     int blagajna = 0;
 };
 
-class SourceDays {
+class SourceDays
+{
 public:
-    SourceDays(Writer& w, int year) : m_w(w), m_year(year), m_rng(0x5100 + quint64(year)) {}
-
-    bool day(const QDate& d)
+    SourceDays(Writer& w, int year)
+        : m_w(w)
+        , m_year(year)
+        , m_rng(0x5100 + quint64(year))
     {
-        return takings(d) && wholesale(d) && incoming(d) && dispatch(d);
     }
+
+    bool day(const QDate& d) { return takings(d) && wholesale(d) && incoming(d) && dispatch(d); }
 
 private:
     RowChange::Values head() const
     {
-        return {{QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca}, {QStringLiteral("GodinaKnj"), m_year}};
+        return { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { QStringLiteral("GodinaKnj"), m_year } };
     }
 
     bool invoice(const QDate& d, const QString& vrsta, int orgJed, int broj, QVariant kupac, Money iznos)
     {
         RowChange::Values v = head();
-        v << std::pair{QStringLiteral("Vrsta"), QVariant(vrsta)} << std::pair{QStringLiteral("OrgJed"), QVariant(orgJed)}
-          << std::pair{QStringLiteral("BrojIfakt"), QVariant(broj)} << std::pair{QStringLiteral("DatumIfakt"), QVariant(d)}
-          << std::pair{QStringLiteral("SifKomit"), kupac} << std::pair{QStringLiteral("IznosIfakt"), cash(iznos)};
+        v << std::pair { QStringLiteral("Vrsta"), QVariant(vrsta) }
+          << std::pair { QStringLiteral("OrgJed"), QVariant(orgJed) }
+          << std::pair { QStringLiteral("BrojIfakt"), QVariant(broj) }
+          << std::pair { QStringLiteral("DatumIfakt"), QVariant(d) } << std::pair { QStringLiteral("SifKomit"), kupac }
+          << std::pair { QStringLiteral("IznosIfakt"), cash(iznos) };
         return m_w.row(QStringLiteral("Ifakture"), v);
     }
 
     // Payments after the invoice, in one or two parts, within the year only.
     bool payments(const QString& table, const QString& brojKolona, const QString& vrsta, int broj, const QDate& d,
-                  Money iznos, int chanceOfCash)
+        Money iznos, int chanceOfCash)
     {
         const QDate paid = d.addDays(m_rng.between(2, 22));
         if (paid.year() != m_year || !m_rng.chance(85))
@@ -86,17 +103,16 @@ private:
         const bool split = m_rng.chance(30);
         const Money first = split ? iznos.dividedBy(2).rounded(2) : iznos;
         const QVector<std::pair<QDate, Money>> parts = split
-            ? QVector<std::pair<QDate, Money>>{{paid, first}, {paid.addDays(m_rng.between(3, 9)), iznos - first}}
-            : QVector<std::pair<QDate, Money>>{{paid, first}};
+            ? QVector<std::pair<QDate, Money>> { { paid, first }, { paid.addDays(m_rng.between(3, 9)), iznos - first } }
+            : QVector<std::pair<QDate, Money>> { { paid, first } };
         for (const auto& [datum, dio] : parts) {
             if (datum.year() != m_year)
                 continue;
             const QString dokument = dokumentPlaćanja(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
-            const RowChange::Values v = {
-                {QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca}, {brojKolona, broj},
-                {QStringLiteral("GodinaKnj"), m_year}, {QStringLiteral("OrgJed"), demo::OrgJed},
-                {QStringLiteral("Vrsta"), vrsta}, {QStringLiteral("Datum"), datum},
-                {QStringLiteral("BrojDokumenta"), dokument}, {QStringLiteral("Iznos"), cash(dio)}};
+            const RowChange::Values v = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
+                { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
+                { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
+                { QStringLiteral("BrojDokumenta"), dokument }, { QStringLiteral("Iznos"), cash(dio) } };
             if (!m_w.row(table, v))
                 return false;
         }
@@ -107,7 +123,7 @@ private:
     {
         if (d.dayOfWeek() == Qt::Sunday)
             return true;
-        for (int orgJed : {demo::OrgJed, demo::OrgJedDruga})
+        for (int orgJed : { demo::OrgJed, demo::OrgJedDruga })
             if (!invoice(d, QStringLiteral("DGP"), orgJed, ++m_n.dgp[orgJed], {}, m_rng.amount(400, 2600)))
                 return false;
         return true;
@@ -121,8 +137,8 @@ private:
         const int broj = ++m_n.vp;
         const Money iznos = m_rng.amount(300, 6000);
         return invoice(d, QStringLiteral("VP"), demo::OrgJed, broj, kupci[broj % kupci.size()], iznos)
-            && payments(QStringLiteral("IFAKTUplate"), QStringLiteral("BrojIFAKT"), QStringLiteral("VP"), broj, d,
-                        iznos, 0);
+            && payments(
+                QStringLiteral("IFAKTUplate"), QStringLiteral("BrojIFAKT"), QStringLiteral("VP"), broj, d, iznos, 0);
     }
 
     bool incomingInvoice(const QDate& d, qint32 dobavljač)
@@ -130,15 +146,15 @@ private:
         const int broj = ++m_n.kuf;
         const Money iznos = m_rng.amount(150, 3500);
         RowChange::Values v = head();
-        v << std::pair{QStringLiteral("Vrsta"), QVariant(QStringLiteral("KUF"))}
-          << std::pair{QStringLiteral("OrgJed"), QVariant(demo::OrgJed)}
-          << std::pair{QStringLiteral("BrojKUFa"), QVariant(broj)}
-          << std::pair{QStringLiteral("SifKomit"), QVariant(dobavljač)}
-          << std::pair{QStringLiteral("DatFakture"), QVariant(d)}
-          << std::pair{QStringLiteral("IznosFakture"), cash(iznos)};
+        v << std::pair { QStringLiteral("Vrsta"), QVariant(QStringLiteral("KUF")) }
+          << std::pair { QStringLiteral("OrgJed"), QVariant(demo::OrgJed) }
+          << std::pair { QStringLiteral("BrojKUFa"), QVariant(broj) }
+          << std::pair { QStringLiteral("SifKomit"), QVariant(dobavljač) }
+          << std::pair { QStringLiteral("DatFakture"), QVariant(d) }
+          << std::pair { QStringLiteral("IznosFakture"), cash(iznos) };
         return m_w.row(QStringLiteral("KUF"), v)
-            && payments(QStringLiteral("KUFUplate"), QStringLiteral("BrojKUFa"), QStringLiteral("KUF"), broj, d, iznos,
-                        25);
+            && payments(
+                QStringLiteral("KUFUplate"), QStringLiteral("BrojKUFa"), QStringLiteral("KUF"), broj, d, iznos, 25);
     }
 
     bool incoming(const QDate& d)
@@ -158,19 +174,20 @@ private:
         const qint32 mjesto = (d.dayOfYear() / 2) % 2 ? demo::Maloprodaja2 : demo::Maloprodaja1;
         const qint32 prima = broj % 5 == 0 ? 102 : demo::Primatelj;
         RowChange::Values v = head();
-        v << std::pair{QStringLiteral("BrojSklad"), QVariant(mjesto)};
+        v << std::pair { QStringLiteral("BrojSklad"), QVariant(mjesto) };
         if (mat) {
             const Money iznos = m_rng.amount(100, 900);
-            v << std::pair{QStringLiteral("BrojOtprem"), QVariant(broj)}
-              << std::pair{QStringLiteral("ŠifraKom"), QVariant(prima)}
-              << std::pair{QStringLiteral("DatumOtprem"), QVariant(d)}
-              << std::pair{QStringLiteral("IznosOtprem"), cash(iznos)}
-              << std::pair{QStringLiteral("UkPorez"), cash((iznos * 17).dividedBy(100).rounded(2))};
+            v << std::pair { QStringLiteral("BrojOtprem"), QVariant(broj) }
+              << std::pair { QStringLiteral("ŠifraKom"), QVariant(prima) }
+              << std::pair { QStringLiteral("DatumOtprem"), QVariant(d) }
+              << std::pair { QStringLiteral("IznosOtprem"), cash(iznos) }
+              << std::pair { QStringLiteral("UkPorez"), cash((iznos * 17).dividedBy(100).rounded(2)) };
             return m_w.row(QStringLiteral("dbo.MOtpremInt"), v);
         }
-        v << std::pair{QStringLiteral("BrojPovr"), QVariant(broj)} << std::pair{QStringLiteral("ŠifraKom"), QVariant(prima)}
-          << std::pair{QStringLiteral("DatumPovr"), QVariant(d)}
-          << std::pair{QStringLiteral("IznosPovr"), cash(m_rng.amount(50, 400))};
+        v << std::pair { QStringLiteral("BrojPovr"), QVariant(broj) }
+          << std::pair { QStringLiteral("ŠifraKom"), QVariant(prima) }
+          << std::pair { QStringLiteral("DatumPovr"), QVariant(d) }
+          << std::pair { QStringLiteral("IznosPovr"), cash(m_rng.amount(50, 400)) };
         return m_w.row(QStringLiteral("dbo.RIntOtprem"), v);
     }
 
@@ -182,9 +199,9 @@ private:
 
 bool writeRights(Writer& w, const QStringList& operators)
 {
-    const QVector<std::pair<QString, qint32>> prava = {{QStringLiteral("SKLADIŠTE"), demo::Maloprodaja1},
-                                                       {QStringLiteral("MALOPROBJEKT"), demo::Maloprodaja1},
-                                                       {QStringLiteral("MALOPROBJEKT"), demo::Maloprodaja2}};
+    const QVector<std::pair<QString, qint32>> prava
+        = { { QStringLiteral("SKLADIŠTE"), demo::Maloprodaja1 }, { QStringLiteral("MALOPROBJEKT"), demo::Maloprodaja1 },
+              { QStringLiteral("MALOPROBJEKT"), demo::Maloprodaja2 } };
     QStringList done;
     for (const QString& op : operators) {
         const QString operater = op.left(10);
@@ -192,9 +209,9 @@ bool writeRights(Writer& w, const QStringList& operators)
             continue;
         done << operater;
         for (const auto& [program, broj] : prava)
-            if (!w.row(QStringLiteral("PRAVA"), {{QStringLiteral("OPERATER"), operater},
-                                                 {QStringLiteral("PROGRAM"), program},
-                                                 {QStringLiteral("PRAVO"), QString::number(broj)}}))
+            if (!w.row(QStringLiteral("PRAVA"),
+                    { { QStringLiteral("OPERATER"), operater }, { QStringLiteral("PROGRAM"), program },
+                        { QStringLiteral("PRAVO"), QString::number(broj) } }))
                 return false;
     }
     return true;

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige {
+namespace knjige
+{
 
 class Database;
 
@@ -11,7 +12,8 @@ class Database;
 // generated from, for the demonstration company. They live in the same embedded
 // file as the books, so that the generator's default source (the host's own
 // database) finds them.
-namespace demo {
+namespace demo
+{
 
 // The organisational units of the outgoing and incoming invoices: the first shop
 // (daily takings, wholesale invoices, incoming invoices) and the second (daily

@@ -8,12 +8,13 @@
 #include "session/Session.h"
 
 #include <QVector>
-
 #include <limits>
 #include <optional>
 
-namespace knjige::gen {
-namespace {
+namespace knjige::gen
+{
+namespace
+{
 
 const QString kKnjiga = QStringLiteral("dbo.KnjPrihRashDB");
 
@@ -23,7 +24,8 @@ const QVector<OpisVrste>& opisi()
         const QString kif = QStringLiteral("Server i baza izl.računa");
         const QString kuf = QStringLiteral("Server i baza ul.računa");
         const QString pos = QStringLiteral("Server i baza POSa");
-        const QString otpremnice = QStringLiteral("Upišite opseg datuma int.otpremnica za koje želite generirati podatke:");
+        const QString otpremnice
+            = QStringLiteral("Upišite opseg datuma int.otpremnica za koje želite generirati podatke:");
         const QString greškaKuf = QStringLiteral("Greška u čitanju podatka iz KUF-a!");
         const QString nemaKuf = QStringLiteral("Ne postoje podaci u KUF-u za zadani filter!");
         const QString upitKuf = QStringLiteral(
@@ -33,40 +35,40 @@ const QVector<OpisVrste>& opisi()
         const QString upitOtp = QStringLiteral(
             " zapisa u internim otpremnicama za prijenos u knjigu prihoda i rashoda DB. Želite li ih generirati?");
         QVector<OpisVrste> v(BrojVrsta);
-        v[DgpRacuni] = {QStringLiteral("Generiranje prihoda iz DGP izlaznih računa"), kif,
-                        // This kind has no prompt of its own; the label keeps its design text.
-                        QStringLiteral("Upišite opseg datuma DGP računa za koje želite generirati podatke:"), {}, {}, {},
-                        QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
-                        QStringLiteral("Greška u čitanju podatka iz KIF-a!"),
-                        QStringLiteral("Ne postoje podaci u KIF-u za zadani filter!"),
-                        QStringLiteral(" zapisa u DGP knjizi za prijenos u knjigu prihoda i rashoda DB. Želite li ih "
-                                       "generirati?")};
-        v[UplateIzlaznih] = {QStringLiteral("Generiranje prihoda iz uplata izlaznih računa"), kif,
-                             QStringLiteral("Upišite opseg uplata računa za koje želite generirati podatke:"), {}, {}, {},
-                             QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
-                             QStringLiteral("Greška u čitanju podatka iz uplata KIF-a!"),
-                             QStringLiteral("Ne postoje podaci u uplatama KIF-u za zadani filter!"),
-                             QStringLiteral(" zapisa u uplatama KIF-a za prijenos u knjigu prihoda i rashoda DB. Želite "
-                                            "li ih generirati?")};
-        v[UlazniRacuni] = {QStringLiteral("Generiranje rashoda iz ulaznih računa za dobavljača"), kuf,
-                           QStringLiteral("Upišite opseg datuma ulaznih računa za koje želite generirati podatke:"),
-                           QStringLiteral("Uklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"),
-                           QStringLiteral("KUFSQLBaze"), greškaKuf, nemaKuf, upitKuf};
-        v[UplateUlaznih] = {QStringLiteral("Generiranje rashoda iz uplata ulaznih računa uz isključenje dobavljača"), kuf,
-                            QStringLiteral("Upišite opseg datuma uplata ulaznih računa za koje želite generirati "
-                                           "podatke:"),
-                            QStringLiteral("Isklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"),
-                            QStringLiteral("KUFSQLBaze"), greškaKuf, nemaKuf, upitKuf};
-        v[MatOtpremnice] = {QStringLiteral("Generiranje rashoda iz internih otpremnica MAT-velepr."),
-                            QStringLiteral("Server i baza MAT"), otpremnice, {}, QStringLiteral("Skladište:"),
-                            QStringLiteral("Kupac (prima):"), QStringLiteral("MatSQLServera"),
-                            QStringLiteral("MatSQLBaze"), greškaOtp, nemaOtp, upitOtp};
-        v[PosOtpremnice] = {QStringLiteral("Generiranje rashoda iz internih otpremnica POS-malopr."), pos, otpremnice,
-                            {}, QStringLiteral("Maloprodaja:"), QStringLiteral("Tko prima:"),
-                            QStringLiteral("POSSQLServera"), QStringLiteral("POSSQLBaze"), greškaOtp, nemaOtp, upitOtp};
+        v[DgpRacuni] = { QStringLiteral("Generiranje prihoda iz DGP izlaznih računa"), kif,
+            // This kind has no prompt of its own; the label keeps its design text.
+            QStringLiteral("Upišite opseg datuma DGP računa za koje želite generirati podatke:"), {}, {}, {},
+            QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
+            QStringLiteral("Greška u čitanju podatka iz KIF-a!"),
+            QStringLiteral("Ne postoje podaci u KIF-u za zadani filter!"),
+            QStringLiteral(" zapisa u DGP knjizi za prijenos u knjigu prihoda i rashoda DB. Želite li ih "
+                           "generirati?") };
+        v[UplateIzlaznih] = { QStringLiteral("Generiranje prihoda iz uplata izlaznih računa"), kif,
+            QStringLiteral("Upišite opseg uplata računa za koje želite generirati podatke:"), {}, {}, {},
+            QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
+            QStringLiteral("Greška u čitanju podatka iz uplata KIF-a!"),
+            QStringLiteral("Ne postoje podaci u uplatama KIF-u za zadani filter!"),
+            QStringLiteral(" zapisa u uplatama KIF-a za prijenos u knjigu prihoda i rashoda DB. Želite "
+                           "li ih generirati?") };
+        v[UlazniRacuni] = { QStringLiteral("Generiranje rashoda iz ulaznih računa za dobavljača"), kuf,
+            QStringLiteral("Upišite opseg datuma ulaznih računa za koje želite generirati podatke:"),
+            QStringLiteral("Uklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"), QStringLiteral("KUFSQLBaze"),
+            greškaKuf, nemaKuf, upitKuf };
+        v[UplateUlaznih]
+            = { QStringLiteral("Generiranje rashoda iz uplata ulaznih računa uz isključenje dobavljača"), kuf,
+                  QStringLiteral("Upišite opseg datuma uplata ulaznih računa za koje želite generirati "
+                                 "podatke:"),
+                  QStringLiteral("Isklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"),
+                  QStringLiteral("KUFSQLBaze"), greškaKuf, nemaKuf, upitKuf };
+        v[MatOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica MAT-velepr."),
+            QStringLiteral("Server i baza MAT"), otpremnice, {}, QStringLiteral("Skladište:"),
+            QStringLiteral("Kupac (prima):"), QStringLiteral("MatSQLServera"), QStringLiteral("MatSQLBaze"), greškaOtp,
+            nemaOtp, upitOtp };
+        v[PosOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica POS-malopr."), pos, otpremnice,
+            {}, QStringLiteral("Maloprodaja:"), QStringLiteral("Tko prima:"), QStringLiteral("POSSQLServera"),
+            QStringLiteral("POSSQLBaze"), greškaOtp, nemaOtp, upitOtp };
         v[PosPovrat] = v[PosOtpremnice];
-        v[PosPovrat].naslov =
-            QStringLiteral("Generiranje rashoda u minus iz internih otpremnica POS-malopr.-povrat");
+        v[PosPovrat].naslov = QStringLiteral("Generiranje rashoda u minus iz internih otpremnica POS-malopr.-povrat");
         return v;
     }();
     return all;
@@ -79,9 +81,15 @@ std::optional<qint32> broj(const QString& text)
     return ok ? std::optional<qint32>(n) : std::nullopt;
 }
 
-QString brojTekst(const QString& text) { return QString::number(broj(text).value_or(0)); }
+QString brojTekst(const QString& text)
+{
+    return QString::number(broj(text).value_or(0));
+}
 
-QString datum(const QDate& d) { return dates::sqlLiteral(d); }
+QString datum(const QDate& d)
+{
+    return dates::sqlLiteral(d);
+}
 
 // A text that goes between single quotes of a SQL text.
 QString navodnici(const QString& text)
@@ -115,8 +123,8 @@ QString upitOtpremnica(const Parametri& p)
                           "K.ŠifraKom as nvarchar(15))),20) as Isprava,left(cast(K.BrojSklad as nvarchar(10))+'-'+"
                           "cast(K.BrojPovr as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
                           "K.IznosPovr as Iznos FROM dbo.RIntOtprem K ")
-        + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + uvjetMjesta(p) + QStringLiteral(" AND K.ŠifraKom=")
-        + prima + QStringLiteral(" AND K.DatumPovr >= '") + datum(p.od) + QStringLiteral("' AND K.DatumPovr<='")
+        + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + uvjetMjesta(p) + QStringLiteral(" AND K.ŠifraKom=") + prima
+        + QStringLiteral(" AND K.DatumPovr >= '") + datum(p.od) + QStringLiteral("' AND K.DatumPovr<='")
         + datum(p.doDatuma) + QStringLiteral("' AND K.GodinaKnj=") + godina
         + QStringLiteral(" ORDER BY K.DatumPovr,K.BrojSklad");
 }
@@ -128,8 +136,8 @@ QString upitRačuna(const Parametri& p)
     const QString od = datum(p.od);
     const QString doD = datum(p.doDatuma);
     const QString godina = QString::number(p.godina);
-    const QString dobavljač = (p.vrsta == UlazniRacuni ? QStringLiteral("=") : QStringLiteral("<>"))
-        + brojTekst(p.dobavljač);
+    const QString dobavljač
+        = (p.vrsta == UlazniRacuni ? QStringLiteral("=") : QStringLiteral("<>")) + brojTekst(p.dobavljač);
     switch (p.vrsta) {
     case DgpRacuni:
         return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumIfakt,left('Pazar '+rtrim(cast(K.OrgJed as "
@@ -183,11 +191,26 @@ bool neispravanBroj(const QString& text, const QString& poruka)
 
 } // namespace
 
-bool valjanaVrsta(int vrsta) { return vrsta >= 0 && vrsta < BrojVrsta; }
-const OpisVrste& opisVrste(int vrsta) { return opisi().at(vrsta); }
-bool imaOrgJedinicu(int vrsta) { return vrsta >= DgpRacuni && vrsta <= UplateUlaznih; }
-bool imaDobavljača(int vrsta) { return vrsta == UlazniRacuni || vrsta == UplateUlaznih; }
-bool imaSkladište(int vrsta) { return vrsta >= MatOtpremnice && vrsta <= PosPovrat; }
+bool valjanaVrsta(int vrsta)
+{
+    return vrsta >= 0 && vrsta < BrojVrsta;
+}
+const OpisVrste& opisVrste(int vrsta)
+{
+    return opisi().at(vrsta);
+}
+bool imaOrgJedinicu(int vrsta)
+{
+    return vrsta >= DgpRacuni && vrsta <= UplateUlaznih;
+}
+bool imaDobavljača(int vrsta)
+{
+    return vrsta == UlazniRacuni || vrsta == UplateUlaznih;
+}
+bool imaSkladište(int vrsta)
+{
+    return vrsta >= MatOtpremnice && vrsta <= PosPovrat;
+}
 
 bool provjeri(const Parametri& p)
 {
@@ -216,10 +239,10 @@ bool provjeri(const Parametri& p)
     if (neispravanBroj(p.prima, QStringLiteral("Tko prima ili kupac nije dobro upisan!")))
         return false;
     if (p.skladište.trimmed().isEmpty())
-        return interaction().show({QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za "
-                                                  "sva skl./malopr. za koje operater ima prava. Pažljivo. Želite li "
-                                                  "nastaviti sa generiranjem?"),
-                                   {}, Icon::Question, Buttons::YesNo, Answer::No})
+        return interaction().show({ QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za "
+                                                   "sva skl./malopr. za koje operater ima prava. Pažljivo. Želite li "
+                                                   "nastaviti sa generiranjem?"),
+                   {}, Icon::Question, Buttons::YesNo, Answer::No })
             == Answer::Yes;
     return !neispravanBroj(p.skladište, QStringLiteral("Skladište/Maloprodaja nije dobro upisano!"));
 }
@@ -277,18 +300,26 @@ QString zadnjiBrojUpit(qint16 brojPoduzeca, qint16 godina)
 int vrstaStavke(int vrsta, const QString& brojDokumenta)
 {
     switch (vrsta) {
-    case DgpRacuni: return 5;
-    case UplateIzlaznih: return 6;
-    case UlazniRacuni: return 11;
+    case DgpRacuni:
+        return 5;
+    case UplateIzlaznih:
+        return 6;
+    case UlazniRacuni:
+        return 11;
     case UplateUlaznih:
         return brojDokumenta.trimmed().startsWith(QStringLiteral("BL"), Qt::CaseInsensitive) ? 9 : 10;
-    default: return 9;
+    default:
+        return 9;
     }
 }
 
-namespace {
+namespace
+{
 
-bool pitaj(const QString& text) { return askYesNo(text, {}, Answer::Yes); }
+bool pitaj(const QString& text)
+{
+    return askYesNo(text, {}, Answer::Yes);
+}
 
 // The book's last number for the company and year; nothing when it cannot be read.
 std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
@@ -310,7 +341,7 @@ QVariant tekst(const ResultSet& rs, int row, int column)
 // One book entry from one source row, in the order the book's columns are written.
 RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row, qint64 rBroj)
 {
-    const int cDatum = 2;   // DatumIfakt, Datum or DatFakture: the third column of every statement
+    const int cDatum = 2; // DatumIfakt, Datum or DatFakture: the third column of every statement
     const int cIsprava = rs.indexOf(QStringLiteral("Isprava"));
     const int cOpis = rs.indexOf(QStringLiteral("Opis"));
     const int cIznos = rs.indexOf(QStringLiteral("Iznos"));
@@ -330,14 +361,11 @@ RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row, qint6
         const int c = rs.indexOf(name);
         return c < 0 || rs.isNull(row, c) ? QVariant() : QVariant(int(rs.integer(row, c)));
     };
-    return {{QStringLiteral("BrojPoduzeca"), cijeli(QStringLiteral("BrojPoduzeca"))},
-            {QStringLiteral("GodinaKnj"), cijeli(QStringLiteral("GodinaKnj"))},
-            {QStringLiteral("RBroj"), int(rBroj)},
-            {QStringLiteral("Datum"), rs.isNull(row, cDatum) ? QVariant() : QVariant(rs.date(row, cDatum))},
-            {QStringLiteral("Isprava"), tekst(rs, row, cIsprava)},
-            {QStringLiteral("Opis"), opis},
-            {QStringLiteral("Vrsta"), vrstaStavke(p.vrsta, dokument)},
-            {QStringLiteral("Iznos"), iznos}};
+    return { { QStringLiteral("BrojPoduzeca"), cijeli(QStringLiteral("BrojPoduzeca")) },
+        { QStringLiteral("GodinaKnj"), cijeli(QStringLiteral("GodinaKnj")) }, { QStringLiteral("RBroj"), int(rBroj) },
+        { QStringLiteral("Datum"), rs.isNull(row, cDatum) ? QVariant() : QVariant(rs.date(row, cDatum)) },
+        { QStringLiteral("Isprava"), tekst(rs, row, cIsprava) }, { QStringLiteral("Opis"), opis },
+        { QStringLiteral("Vrsta"), vrstaStavke(p.vrsta, dokument) }, { QStringLiteral("Iznos"), iznos } };
 }
 
 // Appends the entries. The rows go in one transaction for speed, but a failure keeps
@@ -354,7 +382,7 @@ int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadn
     for (int r = 0; r < izvor.rowCount(); ++r) {
         const qint64 rBroj = zadnji + r + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
-        if (!stane || !db.writeRow({RowChange::Kind::Insert, kKnjiga, stavka(p, izvor, r, rBroj), {}})) {
+        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, stavka(p, izvor, r, rBroj), {} })) {
             if (transakcija.isActive())
                 transakcija.commit();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
@@ -403,8 +431,8 @@ Rezultat generiraj(const Parametri& p)
     rezultat.zapisano = upiši(knjiga, p, redovi, *zadnji);
     if (rezultat.zapisano == redovi.rowCount())
         inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
-                   + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
-               {}, Icon::Information);
+                + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
+            {}, Icon::Information);
     return rezultat;
 }
 

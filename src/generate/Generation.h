@@ -3,42 +3,43 @@
 #include <QDate>
 #include <QString>
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 // The seven ways of filling the DB income and expense book (109), by the index of
 // their item in the browser's generation menu.
 enum Vrsta {
-    DgpRacuni = 0,       // daily takings: outgoing invoices of kind 'DGP'
-    UplateIzlaznih = 1,  // payments of outgoing invoices
-    UlazniRacuni = 2,    // incoming invoices of one supplier
-    UplateUlaznih = 3,   // payments of incoming invoices, one supplier excluded
-    MatOtpremnice = 4,   // internal dispatch notes of the wholesale warehouse
-    PosOtpremnice = 5,   // internal dispatch notes of the retail shops
-    PosPovrat = 6,       // the same, written with negated amounts
+    DgpRacuni = 0, // daily takings: outgoing invoices of kind 'DGP'
+    UplateIzlaznih = 1, // payments of outgoing invoices
+    UlazniRacuni = 2, // incoming invoices of one supplier
+    UplateUlaznih = 3, // payments of incoming invoices, one supplier excluded
+    MatOtpremnice = 4, // internal dispatch notes of the wholesale warehouse
+    PosOtpremnice = 5, // internal dispatch notes of the retail shops
+    PosPovrat = 6, // the same, written with negated amounts
 };
 constexpr int BrojVrsta = 7;
 
 // What a person reads for one kind: the dialog's captions and the run's messages.
 struct OpisVrste {
-    QString naslov;            // dialog caption (also the menu item's text)
-    QString oznakaServera;     // above the server and database fields
-    QString uputa;             // the date-range prompt
-    QString oznakaDobavljaca;  // kinds 2, 3
-    QString oznakaMjesta;      // kinds 4 to 6: warehouse or shop
-    QString oznakaPrimatelja;  // kinds 4 to 6: who receives
-    QString kljucServera;      // settings keys under "Arbosa", "Settings"
+    QString naslov; // dialog caption (also the menu item's text)
+    QString oznakaServera; // above the server and database fields
+    QString uputa; // the date-range prompt
+    QString oznakaDobavljaca; // kinds 2, 3
+    QString oznakaMjesta; // kinds 4 to 6: warehouse or shop
+    QString oznakaPrimatelja; // kinds 4 to 6: who receives
+    QString kljucServera; // settings keys under "Arbosa", "Settings"
     QString kljucBaze;
-    QString greškaČitanja;     // the source rows could not be read
-    QString nemaPodataka;      // the source has no rows for the filter
-    QString upitBroja;         // follows "Postoje " + count
+    QString greškaČitanja; // the source rows could not be read
+    QString nemaPodataka; // the source has no rows for the filter
+    QString upitBroja; // follows "Postoje " + count
 };
 
 // Valid for 0 to BrojVrsta - 1 only.
 const OpisVrste& opisVrste(int vrsta);
 bool valjanaVrsta(int vrsta);
-bool imaOrgJedinicu(int vrsta);   // 0 to 3
-bool imaDobavljača(int vrsta);    // 2, 3
-bool imaSkladište(int vrsta);     // 4 to 6: place and receiver
+bool imaOrgJedinicu(int vrsta); // 0 to 3
+bool imaDobavljača(int vrsta); // 2, 3
+bool imaSkladište(int vrsta); // 4 to 6: place and receiver
 
 // One run as the dialog collects it. The texts are as typed; provjeri() tells whether
 // they can be used.
@@ -50,10 +51,10 @@ struct Parametri {
     qint16 godina = 0;
     QString orgJed;
     QString dobavljač;
-    QString skladište;   // empty: every warehouse or shop the operator has a right to
+    QString skladište; // empty: every warehouse or shop the operator has a right to
     QString prima;
-    QString operater;    // the system user name, at most 10 characters
-    QString izvor;       // connection string of the source database
+    QString operater; // the system user name, at most 10 characters
+    QString izvor; // connection string of the source database
 };
 
 // The checks of the OK button, in their order, each with its message; the question
@@ -76,7 +77,7 @@ QString zadnjiBrojUpit(qint16 brojPoduzeca, qint16 godina);
 int vrstaStavke(int vrsta, const QString& brojDokumenta = {});
 
 struct Rezultat {
-    int zapisano = 0;         // entries written to the book
+    int zapisano = 0; // entries written to the book
     bool izvorOtvoren = false; // the source connection was made
 };
 

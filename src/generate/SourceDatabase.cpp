@@ -4,10 +4,13 @@
 
 #include <QHash>
 
-namespace knjige::gen {
-namespace {
+namespace knjige::gen
+{
+namespace
+{
 
-class SessionPasswordStore final : public PasswordStore {
+class SessionPasswordStore final : public PasswordStore
+{
 public:
     bool trajna() const override { return false; }
     std::optional<QString> pročitaj(const QString& ključ) override
@@ -48,9 +51,9 @@ IzvorPodataka izvorDomaćina(const QString& hostConnectionString)
 {
     const ConnectionTarget target = parseConnectionString(hostConnectionString);
     if (target.kind == ConnectionTarget::Kind::Sqlite)
-        return {QString(), target.sqlitePath};
-    return {connectionValue(hostConnectionString, QStringLiteral("Data Source")),
-            connectionValue(hostConnectionString, QStringLiteral("Initial Catalog"))};
+        return { QString(), target.sqlitePath };
+    return { connectionValue(hostConnectionString, QStringLiteral("Data Source")),
+        connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
 }
 
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
@@ -62,7 +65,10 @@ QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
         + QStringLiteral(";User ID=sa;Password=") + vrijednost(lozinka);
 }
 
-PasswordStore& passwordStore() { return *current(); }
+PasswordStore& passwordStore()
+{
+    return *current();
+}
 
 std::unique_ptr<PasswordStore> setPasswordStore(std::unique_ptr<PasswordStore> store)
 {
@@ -72,8 +78,14 @@ std::unique_ptr<PasswordStore> setPasswordStore(std::unique_ptr<PasswordStore> s
     return store;
 }
 
-bool usingSessionPasswordStore() { return dynamic_cast<SessionPasswordStore*>(current().get()) != nullptr; }
+bool usingSessionPasswordStore()
+{
+    return dynamic_cast<SessionPasswordStore*>(current().get()) != nullptr;
+}
 
-QString imeOperateraSustava() { return systemUserName().left(10); }
+QString imeOperateraSustava()
+{
+    return systemUserName().left(10);
+}
 
 } // namespace knjige::gen

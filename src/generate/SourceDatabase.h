@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QString>
-
 #include <memory>
 #include <optional>
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 // Where the documents a generation reads are kept. With a server named it is a SQL
 // Server database reached as the system administrator "sa"; with no server the
@@ -26,12 +26,16 @@ IzvorPodataka izvorDomaćina(const QString& hostConnectionString);
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka);
 
 // The name under which the source password ("SaPwd") is kept.
-inline QString ključLozinke() { return QStringLiteral("SaPwd"); }
+inline QString ključLozinke()
+{
+    return QStringLiteral("SaPwd");
+}
 
 // Keeps the source password. The default keeps it in memory for the life of the
 // process only; the window library installs the operating system's credential store
 // where one runs. Nothing here ever writes a password to the settings or a log.
-class PasswordStore {
+class PasswordStore
+{
 public:
     virtual ~PasswordStore() = default;
     // True when a written password outlives the process.

@@ -3,7 +3,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 // The login name of the process's user; the environment only when the user database
 // has no entry (a container with a bare numeric user).

@@ -2,7 +2,8 @@
 
 #include <windows.h>
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 QString systemUserName()
 {

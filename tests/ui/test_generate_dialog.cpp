@@ -2,8 +2,6 @@
 // captions, labels, fields and defaults per kind, a run that the browser shows after
 // it closes, the remembered source, and the source password that is asked, never
 // written to the settings. With KNJIGE_SCREENSHOT_DIR set it also draws the pictures.
-#include "test_browser_fixture.h"
-
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
@@ -11,6 +9,7 @@
 #include "generate/widgets/frmGenPrihRashDB.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "test_browser_fixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,7 +23,8 @@
 using namespace knjige;
 using namespace knjige::test;
 
-namespace {
+namespace
+{
 
 // Stands in for the machine's credential store.
 struct MemoryStore final : gen::PasswordStore {
@@ -41,7 +41,8 @@ struct MemoryStore final : gen::PasswordStore {
     }
 };
 
-class GenerateDialog : public BrowserTest {
+class GenerateDialog : public BrowserTest
+{
 protected:
     void SetUp() override
     {
@@ -50,7 +51,7 @@ protected:
         QString error;
         ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
         ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
-        ASSERT_TRUE(fillDemoSources(db->db(), 2016, {gen::imeOperateraSustava()}, &error)) << error.toStdString();
+        ASSERT_TRUE(fillDemoSources(db->db(), 2016, { gen::imeOperateraSustava() }, &error)) << error.toStdString();
     }
     void TearDown() override
     {
@@ -75,7 +76,7 @@ protected:
         d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
         d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
         d.txtPrima->setText(QString::number(demo::Primatelj));
-        for (QLineEdit* e : {d.txtKomit, d.txtSkladište, d.txtPrima})
+        for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })
             emit e->editingFinished();
     }
 
@@ -90,11 +91,11 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
         int vrsta;
         QString partner, place, receiver;
     } kinds[] = {
-        {gen::DgpRacuni, {}, {}, {}},
-        {gen::UlazniRacuni, "Uklj.dobavljača:", {}, {}},
-        {gen::UplateUlaznih, "Isklj.dobavljača:", {}, {}},
-        {gen::MatOtpremnice, {}, "Skladište:", "Kupac (prima):"},
-        {gen::PosPovrat, {}, "Maloprodaja:", "Tko prima:"},
+        { gen::DgpRacuni, {}, {}, {} },
+        { gen::UlazniRacuni, "Uklj.dobavljača:", {}, {} },
+        { gen::UplateUlaznih, "Isklj.dobavljača:", {}, {} },
+        { gen::MatOtpremnice, {}, "Skladište:", "Kupac (prima):" },
+        { gen::PosPovrat, {}, "Maloprodaja:", "Tko prima:" },
     };
     for (const auto& k : kinds) {
         frmGenPrihRashDB d;
@@ -132,11 +133,12 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
     w->menuItem(QStringLiteral("mnuGenDGP_1"))->trigger();
     ASSERT_GT(written, 0);
     EXPECT_EQ(script->texts().last(),
-              QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(written));
+        QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(written));
     EXPECT_EQ(w->rsStavke().rowCount(), before + written);
     const QString app = settings::sharedApplication();
     EXPECT_EQ(settings::text(app, settings::section(), QStringLiteral("KIFSQLBaze")), db->path());
-    EXPECT_EQ(settings::text(app, settings::section(), QStringLiteral("KIFSQLServera"), QStringLiteral("?")), QString());
+    EXPECT_EQ(
+        settings::text(app, settings::section(), QStringLiteral("KIFSQLServera"), QStringLiteral("?")), QString());
 }
 
 TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSettings)
@@ -149,16 +151,16 @@ TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSetti
     EXPECT_FALSE(shown(d, "cmdBaza"));
     EXPECT_EQ(text(d, "lblBaza"), QStringLiteral("Baza:"));
     d.OKButton->click();
-    EXPECT_EQ(script->texts(), QStringList{QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!")});
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!") });
     EXPECT_EQ(d.result(), QDialog::Rejected);
     EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), QStringLiteral("KUFSQLServera")),
-              QStringLiteral("SRV\\POS"));
+        QStringLiteral("SRV\\POS"));
     EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::ključLozinke()), QString());
     // A start after the end is refused before the password or any database is asked for.
     script->clear();
     d.dpDatum->setDate(QDate(2016, 4, 1));
     d.OKButton->click();
-    EXPECT_EQ(script->texts(), QStringList{QStringLiteral("Prvi datum veći od drugog!")});
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Prvi datum veći od drugog!") });
 }
 
 TEST_F(GenerateDialog, Screenshots)
@@ -167,7 +169,7 @@ TEST_F(GenerateDialog, Screenshots)
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
     QDir().mkpath(dir);
-    for (int vrsta : {gen::DgpRacuni, gen::UlazniRacuni, gen::PosOtpremnice}) {
+    for (int vrsta : { gen::DgpRacuni, gen::UlazniRacuni, gen::PosOtpremnice }) {
         frmGenPrihRashDB d;
         d.setVrsta(vrsta);
         fillMarch(d);

@@ -4,7 +4,8 @@
 #include "generate/widgets/frmGenPrihRashDB.h"
 #include "session/Interaction.h"
 
-namespace knjige {
+namespace knjige
+{
 
 void frmSifarnikKnj::Generiranje(int vrsta)
 {

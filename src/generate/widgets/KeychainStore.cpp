@@ -8,14 +8,15 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QTimer>
-
 #include <qt6keychain/keychain.h>
 #endif
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 #ifdef KNJIGE_HAVE_KEYCHAIN
-namespace {
+namespace
+{
 
 const QString kService = QStringLiteral("Arbosa");
 // Unlocking a locked keyring asks the person; give them time, but never hang.
@@ -53,7 +54,8 @@ bool run(QKeychain::Job& job)
 
 // The credential store; when it turns out not to answer, the session's memory from
 // then on.
-class KeychainStore final : public PasswordStore {
+class KeychainStore final : public PasswordStore
+{
 public:
     bool trajna() const override { return !m_fallback; }
 
@@ -106,7 +108,7 @@ void useSystemCredentialStore()
 
 #else
 
-void useSystemCredentialStore() {}
+void useSystemCredentialStore() { }
 
 #endif
 

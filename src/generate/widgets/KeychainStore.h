@@ -1,6 +1,7 @@
 #pragma once
 
-namespace knjige::gen {
+namespace knjige::gen
+{
 
 // Makes the operating system's credential store (through QtKeychain) the source
 // password store, once, while the in-memory store of the process is in force and a

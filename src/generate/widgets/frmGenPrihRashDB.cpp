@@ -17,8 +17,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QLabel* label(QWidget* parent, const QString& name, const QString& text = {})
 {
@@ -63,7 +65,8 @@ QPushButton* chooser(QWidget* parent, const QString& name)
 
 } // namespace
 
-frmGenPrihRashDB::frmGenPrihRashDB(QWidget* parent) : QDialog(parent)
+frmGenPrihRashDB::frmGenPrihRashDB(QWidget* parent)
+    : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmGenPrihRashDB"));
     setModal(true);
@@ -95,7 +98,7 @@ void frmGenPrihRashDB::napraviKontrole()
     auto* lblOrgJed = label(this, QStringLiteral("lblOrgJed"), QStringLiteral("Org.jedinica:"));
     grid->addWidget(lblOrgJed, 1, 0);
     grid->addWidget(txtOrgJed, 1, 1);
-    m_orgJed = {lblOrgJed, txtOrgJed};
+    m_orgJed = { lblOrgJed, txtOrgJed };
 
     txtKomit = edit(this, QStringLiteral("txtKomit"), 90);
     cmdPrKomit = chooser(this, QStringLiteral("cmdPrKomit"));
@@ -105,7 +108,7 @@ void frmGenPrihRashDB::napraviKontrole()
     grid->addWidget(txtKomit, 2, 1);
     grid->addWidget(cmdPrKomit, 2, 2);
     grid->addWidget(m_nazivKomit, 2, 3);
-    m_dobavljač = {m_lblKomit, txtKomit, cmdPrKomit, m_nazivKomit};
+    m_dobavljač = { m_lblKomit, txtKomit, cmdPrKomit, m_nazivKomit };
 
     txtSkladište = edit(this, QStringLiteral("txtSkladište"), 90);
     cmdPrSkladište = chooser(this, QStringLiteral("cmdPrSkladište"));
@@ -121,7 +124,8 @@ void frmGenPrihRashDB::napraviKontrole()
     grid->addWidget(m_lblPrima, 4, 0);
     grid->addWidget(txtPrima, 4, 1);
     grid->addWidget(m_nazivPrima, 4, 3);
-    m_skladište = {m_lblSkladište, txtSkladište, cmdPrSkladište, m_nazivSkladište, m_lblPrima, txtPrima, m_nazivPrima};
+    m_skladište
+        = { m_lblSkladište, txtSkladište, cmdPrSkladište, m_nazivSkladište, m_lblPrima, txtPrima, m_nazivPrima };
     outer->addLayout(grid);
 
     m_fraServer = new QGroupBox(this);
@@ -162,7 +166,7 @@ void frmGenPrihRashDB::napraviKontrole()
     connect(txtImeServera, &QLineEdit::textChanged, this, [this] { prikažiIzvor(); });
     connect(txtKomit, &QLineEdit::editingFinished, this, [this] { prikažiNaziv(txtKomit, m_nazivKomit, true); });
     connect(txtSkladište, &QLineEdit::editingFinished, this,
-            [this] { prikažiNaziv(txtSkladište, m_nazivSkladište, false); });
+        [this] { prikažiNaziv(txtSkladište, m_nazivSkladište, false); });
     connect(txtPrima, &QLineEdit::editingFinished, this, [this] { prikažiNaziv(txtPrima, m_nazivPrima, true); });
 }
 
@@ -197,8 +201,8 @@ void frmGenPrihRashDB::setVrsta(int vrsta)
 void frmGenPrihRashDB::prikažiIzvor()
 {
     const bool ugrađena = izvor().ugrađena();
-    txtImeServera->setPlaceholderText(ugrađena ? QStringLiteral("ne koristi se: izvor je datoteka ugrađene baze")
-                                               : QString());
+    txtImeServera->setPlaceholderText(
+        ugrađena ? QStringLiteral("ne koristi se: izvor je datoteka ugrađene baze") : QString());
     m_lblBaza->setText(ugrađena ? QStringLiteral("Datoteka baze:") : QStringLiteral("Baza:"));
     m_cmdBaza->setVisible(ugrađena);
     m_lblLozinka->setVisible(!ugrađena);
@@ -216,17 +220,17 @@ void frmGenPrihRashDB::prikažiIzvor()
 
 gen::IzvorPodataka frmGenPrihRashDB::izvor() const
 {
-    return {txtImeServera->text().trimmed(), txtBazaPodataka->text().trimmed()};
+    return { txtImeServera->text().trimmed(), txtBazaPodataka->text().trimmed() };
 }
 
 void frmGenPrihRashDB::izaberiDatoteku()
 {
     const QFileInfo sada(txtBazaPodataka->text().trimmed());
-    const QString put = interaction().chooseOpenFile({QStringLiteral("Baza s dokumentima za generiranje"),
-                                                      sada.absolutePath(), sada.fileName(),
-                                                      QStringLiteral("Baza podataka (*.db *.sqlite *.sqlite3);;Sve "
-                                                                     "datoteke (*)"),
-                                                      {}});
+    const QString put = interaction().chooseOpenFile(
+        { QStringLiteral("Baza s dokumentima za generiranje"), sada.absolutePath(), sada.fileName(),
+            QStringLiteral("Baza podataka (*.db *.sqlite *.sqlite3);;Sve "
+                           "datoteke (*)"),
+            {} });
     if (!put.isEmpty())
         txtBazaPodataka->setText(put);
 }

@@ -4,7 +4,6 @@
 #include "generate/SourceDatabase.h"
 
 #include <QDialog>
-
 #include <optional>
 
 class QDateEdit;
@@ -13,7 +12,8 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-namespace knjige {
+namespace knjige
+{
 
 // The generator of the DB income and expense book: collects the date range, the
 // source database and the kind's filter (organisational unit, supplier, warehouse or
@@ -25,7 +25,8 @@ namespace knjige {
 // with the server left empty the database field names an embedded database file. The
 // password of "sa" is asked here when the password store holds none; it is kept in
 // that store once a connection with it succeeded, never in the settings.
-class frmGenPrihRashDB final : public QDialog {
+class frmGenPrihRashDB final : public QDialog
+{
     Q_OBJECT
 public:
     explicit frmGenPrihRashDB(QWidget* parent = nullptr);
