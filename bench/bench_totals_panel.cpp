@@ -18,17 +18,16 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTreeWidget>
-
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <sqlite3.h>
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
 constexpr int kEntries = 100000;
 constexpr int kYear = 2016;
@@ -36,7 +35,7 @@ constexpr int kYear = 2016;
 struct PanelBook {
     QTemporaryDir dir;
     QString path;
-    QByteArray plainSql;   // the browser's opening query as the embedded database runs it
+    QByteArray plainSql; // the browser's opening query as the embedded database runs it
 };
 
 void fill(const QString& path)
@@ -50,7 +49,7 @@ void fill(const QString& path)
         QSqlQuery q(db);
         q.prepare(QStringLiteral("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
                                  "Iznos,IznosPDV) VALUES (1,?,?,?,?,?,?,?,?)"));
-        const int kinds[] = {11, 12, 13, 16, 17, 18, 19};
+        const int kinds[] = { 11, 12, 13, 16, 17, 18, 19 };
         for (int i = 1; i <= kEntries; ++i) {
             const double iznos = double((i * 7919) % 1000000) / 100.0;
             q.addBindValue(i);
@@ -112,13 +111,18 @@ int plainFetch(sqlite3* db, const QByteArray& sql)
     while (sqlite3_step(st) == SQLITE_ROW) {
         for (int c = 0; c < columns; ++c) {
             switch (sqlite3_column_type(st, c)) {
-            case SQLITE_INTEGER: seen += sqlite3_column_int64(st, c); break;
-            case SQLITE_FLOAT: seen += qint64(sqlite3_column_double(st, c)); break;
+            case SQLITE_INTEGER:
+                seen += sqlite3_column_int64(st, c);
+                break;
+            case SQLITE_FLOAT:
+                seen += qint64(sqlite3_column_double(st, c));
+                break;
             case SQLITE_TEXT:
                 benchmark::DoNotOptimize(sqlite3_column_text(st, c));
                 seen += sqlite3_column_bytes(st, c);
                 break;
-            default: break;
+            default:
+                break;
             }
         }
         ++rows;

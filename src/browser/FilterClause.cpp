@@ -7,8 +7,10 @@
 
 #include <QRegularExpression>
 
-namespace knjige::browser {
-namespace {
+namespace knjige::browser
+{
+namespace
+{
 
 // Text typed by the operator inside a SQL string literal.
 QString quoted(const QString& text)
@@ -40,9 +42,14 @@ QString leadingNumber(const QString& text)
 }
 
 // Gathers the conditions and their description in the order they are added.
-class Gatherer {
+class Gatherer
+{
 public:
-    Gatherer(FilterState& state, const QLocale& locale) : m_state(state), m_locale(locale) {}
+    Gatherer(FilterState& state, const QLocale& locale)
+        : m_state(state)
+        , m_locale(locale)
+    {
+    }
 
     void add(const QString& condition, const QString& piece)
     {
@@ -61,7 +68,8 @@ public:
         if (test.trimmed().isEmpty())
             return;
         const QString p = pattern.trimmed();
-        add(QStringLiteral(" K.") + QLatin1String(column) + QStringLiteral(" LIKE '") + quoted(p) + QStringLiteral("%'"),
+        add(QStringLiteral(" K.") + QLatin1String(column) + QStringLiteral(" LIKE '") + quoted(p)
+                + QStringLiteral("%'"),
             label + p + QStringLiteral("...'"));
     }
     void prefix(const QString& text, const char* column, const QString& label) { prefix(text, text, column, label); }
@@ -94,7 +102,8 @@ public:
         if (value.isZero())
             return;
         const QString sql = (value.isNegative() ? QString() : QStringLiteral(" ")) + value.toPlainString();
-        const QString shown = whole ? formatWhole(value.units() / Money::Scale, m_locale) : formatMoney(value, m_locale);
+        const QString shown
+            = whole ? formatWhole(value.units() / Money::Scale, m_locale) : formatMoney(value, m_locale);
         add(QStringLiteral(" K.") + QLatin1String(column) + u'=' + sql, label + shown);
     }
 
@@ -110,14 +119,14 @@ void periodCondition(FilterState& s, Gatherer& g, qint16 year, const FilterInput
         s.periodStart = in.dpDatum;
         s.periodEnd = in.dpDatumDo;
         g.add(QStringLiteral(" K.Datum>='") + dates::sqlLiteral(in.dpDatum) + QStringLiteral("' AND K.Datum<='")
-                  + dates::sqlLiteral(in.dpDatumDo) + godina,
-              QStringLiteral("Period od ") + dates::display(in.dpDatum) + QStringLiteral(" do ")
-                  + dates::display(in.dpDatumDo));
+                + dates::sqlLiteral(in.dpDatumDo) + godina,
+            QStringLiteral("Period od ") + dates::display(in.dpDatum) + QStringLiteral(" do ")
+                + dates::display(in.dpDatumDo));
         return;
     }
     // No upper bound: the whole year from its first day.
     g.add(QStringLiteral(" K.Datum>='") + dates::sqlLiteral(s.periodStart) + godina,
-          QStringLiteral("Period od ") + dates::display(s.periodStart));
+        QStringLiteral("Period od ") + dates::display(s.periodStart));
 }
 
 void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput& in)
@@ -136,7 +145,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.number(in.txtKomitent, "SifKomit", QStringLiteral("Šifra komitenta: "),
-                 bookKind == Knjiga::EvidPotObvRS ? &in.imeKomitenta : nullptr);
+            bookKind == Knjiga::EvidPotObvRS ? &in.imeKomitenta : nullptr);
         g.kindCode(in.vrsta);
         g.amount(in.ubKPR, "RBrojKPR", QStringLiteral("Br. Knjige p. i r.: "), true);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("iznos: "));
@@ -158,7 +167,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
     case Knjiga::PopListaRS:
     case Knjiga::PopListaFBiH:
         g.prefix(in.txtNazivSredstva, bookKind == Knjiga::PopListaRS ? in.txtNaziv : in.txtNazivSredstva, "Naziv",
-                 QStringLiteral("Naziv: "));
+            QStringLiteral("Naziv: "));
         g.number(in.txtBrojDokumenta, "Isprava", QStringLiteral("Isprava: "));
         g.amount(in.ubNabavna, "NabVrijednost", QStringLiteral("Nabavna: "));
         g.amount(in.ubKnjigovodstvena, "KnjigVrijednost", QStringLiteral("Knjigovodstvena: "));
@@ -169,7 +178,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         if (in.prodavnica != 0) {
             s.salesPoint = in.prodavnica;
             g.add(QStringLiteral(" K.BrojProd=") + QString::number(in.prodavnica),
-                  QStringLiteral("Broj prod.: ") + QString::number(in.prodavnica) + u' ' + in.imeProdavnice);
+                QStringLiteral("Broj prod.: ") + QString::number(in.prodavnica) + u' ' + in.imeProdavnice);
         }
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         if (bookKind == Knjiga::TrgUsluga) {
@@ -179,13 +188,17 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
             g.amount(in.ubRazduženje, "Razduzenje", QStringLiteral("Iznos razduzenja: "));
         }
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
 } // namespace
 
-bool isFilterable(int bookKind) { return findBook(bookKind) != nullptr; }
+bool isFilterable(int bookKind)
+{
+    return findBook(bookKind) != nullptr;
+}
 
 FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale)
 {
@@ -206,7 +219,7 @@ FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterI
 }
 
 FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint16 company, qint16 year,
-                         qint32 salesPoint, const QString& salesPointName)
+    qint32 salesPoint, const QString& salesPointName)
 {
     FilterInput in;
     in.chkPoDatumima = true;
@@ -245,8 +258,8 @@ std::optional<std::pair<QDate, QDate>> parsePeriod(const QString& text, int year
     if (!to.isValid())
         return fail(QStringLiteral("Neispravan završni datum perioda: %1").arg(m.captured(2)));
     if (from > to)
-        return fail(QStringLiteral("Početni datum perioda (%1) je iza završnog (%2).")
-                        .arg(m.captured(1), m.captured(2)));
+        return fail(
+            QStringLiteral("Početni datum perioda (%1) je iza završnog (%2).").arg(m.captured(1), m.captured(2)));
     if (year != 0 && (to < dates::firstOfYear(year) || from > dates::lastOfYear(year)))
         return fail(QStringLiteral("Period %1-%2 nije u radnoj godini %3.")
                         .arg(m.captured(1), m.captured(2), QString::number(year)));

@@ -5,29 +5,29 @@
 #include <QDate>
 #include <QLocale>
 #include <QString>
-
 #include <optional>
 #include <utility>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 // What the operator left in a record editor's controls in its filter mode. Each member
 // is named after the control it is read from; a book kind reads only the controls of
 // its own editor and ignores the rest.
 struct FilterInput {
     bool chkPoDatumima = false;
-    QDate dpDatum;               // period start when chkPoDatumima is set
-    QDate dpDatumDo;             // period end when chkPoDatumima is set
+    QDate dpDatum; // period start when chkPoDatumima is set
+    QDate dpDatumDo; // period end when chkPoDatumima is set
     QString txtIsprava;
     QString txtOpis;
-    QString vrsta;               // the text of cmbVrsta (96, 109) or cboVrsta (97, 99, 100, 102)
-    QString txtKomitent;         // the partner code as typed (97, 102)
-    QString imeKomitenta;        // the partner picker's name (102)
-    QString txtNazivSredstva;    // asset lists
-    QString txtNaziv;            // the RS asset list's name pattern (see buildFilter)
-    QString txtBrojDokumenta;    // asset lists
-    qint32 prodavnica = 0;       // the shop picker's code (125, 126); 0: none chosen
-    QString imeProdavnice;       // the shop picker's name
+    QString vrsta; // the text of cmbVrsta (96, 109) or cboVrsta (97, 99, 100, 102)
+    QString txtKomitent; // the partner code as typed (97, 102)
+    QString imeKomitenta; // the partner picker's name (102)
+    QString txtNazivSredstva; // asset lists
+    QString txtNaziv; // the RS asset list's name pattern (see buildFilter)
+    QString txtBrojDokumenta; // asset lists
+    qint32 prodavnica = 0; // the shop picker's code (125, 126); 0: none chosen
+    QString imeProdavnice; // the shop picker's name
     Money ubIznos;
     Money ubIznosPDV;
     Money ubKPR;
@@ -69,14 +69,14 @@ bool isFilterable(int bookKind);
 //
 // The WHERE clause always begins " WHERE K.BrojPoduzeca=" + company + " AND ", and the
 // conditions begin with a blank, so the clause holds "AND  K.Datum" (two blanks).
-FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterInput& input,
-                        const QLocale& locale = QLocale());
+FilterState buildFilter(
+    int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale = QLocale());
 
 // The filter of a confirmed form that holds only the period from..to (both valid, from
 // not after to) and, for the trade books, the sales point with the name its picker
 // shows. What scripts and reports use to narrow a book to a period as the operator would.
 FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint16 company, qint16 year,
-                         qint32 salesPoint = 0, const QString& salesPointName = {});
+    qint32 salesPoint = 0, const QString& salesPointName = {});
 
 // "Filter : " + description, or "Filter: Svi" without one: the filter line of the
 // browser and of report headers.

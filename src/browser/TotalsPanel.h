@@ -8,7 +8,8 @@
 #include <QStringList>
 #include <QVector>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 // The running totals under a book's grid: the turnover of the working year before the
 // shown period ("Promet do ..."), the turnover of the period, and their total, which is
@@ -29,22 +30,22 @@ QStringList totalsPanelHeaders(int bookKind);
 // The statement that reads the panel's rows, in the server's dialect: a "Promet do" part
 // when the period does not start on 1 January, then the period part. Empty for a kind
 // without a panel. `salesPoint` counts for the trade books only.
-QString totalsPanelSql(int bookKind, qint16 company, qint16 year, qint32 salesPoint, const QDate& periodStart,
-                       const QDate& periodEnd);
+QString totalsPanelSql(
+    int bookKind, qint16 company, qint16 year, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd);
 
 // The message shown when that statement fails.
 QString totalsPanelFailure();
 
 struct PanelRow {
     QString label;
-    QVector<Money> values;    // one per value column; NULL read as 0
+    QVector<Money> values; // one per value column; NULL read as 0
     bool labelBold = false;
-    QVector<bool> bold;       // per value column
+    QVector<bool> bold; // per value column
 };
 
 struct TotalsPanelRows {
-    QStringList headers;      // as totalsPanelHeaders
-    QVector<PanelRow> rows;   // the rows read, then the total row
+    QStringList headers; // as totalsPanelHeaders
+    QVector<PanelRow> rows; // the rows read, then the total row
 };
 
 // The panel's rows from what the statement returned: the "Promet do" row before the

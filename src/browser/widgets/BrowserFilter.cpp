@@ -13,8 +13,10 @@
 
 #include <QLineEdit>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QString text(const RecordEditor& e, const QString& name)
 {
@@ -30,7 +32,7 @@ Money amount(const RecordEditor& e, const QString& name)
 
 QString kindText(const RecordEditor& e)
 {
-    for (const QString& name : {QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta")})
+    for (const QString& name : { QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta") })
         if (const auto* combo = qobject_cast<const QComboBox*>(e.control(name)))
             return combo->currentText();
     return {};

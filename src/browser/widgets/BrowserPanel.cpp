@@ -9,16 +9,17 @@
 
 #include <QHeaderView>
 #include <QTreeWidget>
-
 #include <algorithm>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 void layColumns(QTreeWidget& list, const QStringList& headers)
 {
     list.setColumnCount(int(headers.size()) + 1);
-    list.setHeaderLabels(QStringList{QStringLiteral(" ")} + headers);
+    list.setHeaderLabels(QStringList { QStringLiteral(" ") } + headers);
     const int dpi = list.logicalDpiX();
     list.header()->setStretchLastSection(false);
     list.setColumnWidth(0, browser::twipsToPixels(browser::kPanelLabelWidth, dpi));
@@ -46,8 +47,8 @@ void addRow(QTreeWidget& list, const browser::PanelRow& row, const QLocale& loca
 
 } // namespace
 
-bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart,
-                  const QDate& periodEnd)
+bool osvjeziPanel(
+    QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
 {
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
@@ -60,8 +61,8 @@ bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const 
     lvStanje.setVisible(true);
     Session& s = session();
     ResultSet rs;
-    const QString sql =
-        browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd);
+    const QString sql
+        = browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd);
     if (!s.db().open(sql, rs)) {
         warn(browser::totalsPanelFailure());
         return false;
