@@ -36,7 +36,6 @@ void frmSifarnikKnj::Generiranje(int vrsta)
     Q_UNUSED(vrsta);
     nijeJošDostupno(QStringLiteral("Generiranje knjige"));
 }
-void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
 void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 
 // The running totals panel lvStanje stays hidden until its sums are built.
