@@ -1,7 +1,6 @@
 #include "output/OfficeExport.h"
 
 #include "output/CodePage.h"
-#include "session/Dates.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -17,23 +16,81 @@ constexpr qsizetype kFlushAt = 64 * 1024;
 // A person is shown this many of the characters the code page lacks, then "…".
 constexpr qsizetype kShownUnmappable = 20;
 
-void appendNumber(QString& line, const QString& plain, const ExportOptions& options)
+// Numbers, amounts and dates are formatted here digit by digit rather than through
+// QString::number and QDate::toString: a large book has a million of them, and the
+// general routines allocate and parse a format for every one.
+
+void appendDigits(QString& line, quint64 value, int minimumDigits = 1)
+{
+    char digits[20];
+    int n = 0;
+    do {
+        digits[n++] = char('0' + value % 10);
+        value /= 10;
+    } while (value != 0 || n < minimumDigits);
+    while (n > 0)
+        line += QLatin1Char(digits[--n]);
+}
+
+void appendInteger(QString& line, qint64 value)
+{
+    if (value < 0)
+        line += u'-';
+    appendDigits(line, value < 0 ? 0 - quint64(value) : quint64(value));
+}
+
+// Money's plain text form ("1234.5", "-7", "0.0125") with the chosen decimal mark.
+void appendMoney(QString& line, Money value, QChar mark)
+{
+    const qint64 units = value.units();
+    const quint64 a = units < 0 ? 0 - quint64(units) : quint64(units);
+    if (units < 0)
+        line += u'-';
+    appendDigits(line, a / Money::Scale);
+    quint64 fraction = a % Money::Scale;
+    if (fraction == 0)
+        return;
+    int digits = 4;
+    while (fraction % 10 == 0) {
+        fraction /= 10;
+        --digits;
+    }
+    line += mark;
+    appendDigits(line, fraction, digits);
+}
+
+// "dd.MM.yy", as the grid shows dates.
+void appendDate(QString& line, const QDate& date)
+{
+    int y = 0, m = 0, d = 0;
+    date.getDate(&y, &m, &d);
+    appendDigits(line, quint64(d), 2);
+    line += u'.';
+    appendDigits(line, quint64(m), 2);
+    line += u'.';
+    appendDigits(line, quint64(((y % 100) + 100) % 100), 2);
+}
+
+void appendNumberText(QString& line, const QString& plain, QChar mark)
 {
     const qsizetype at = line.size();
     line += plain;
-    if (options.decimalMark != QLatin1String("."))
-        for (qsizetype i = at; i < line.size(); ++i)
-            if (line[i] == u'.')
-                line.replace(i, 1, options.decimalMark);
+    for (qsizetype i = at; i < line.size(); ++i)
+        if (line[i] == u'.')
+            line[i] = mark;
 }
 
-void appendQuoted(QString& line, QStringView text)
+void appendQuoted(QString& line, const QString& text)
 {
     line += u'"';
-    for (QChar c : text) {
-        if (c == u'"')
-            line += u'"';
-        line += c;
+    if (!text.contains(u'"')) {
+        line += text;
+    } else {
+        for (QChar c : text) {
+            if (c == u'"')
+                line += u'"';
+            line += c;
+        }
     }
     line += u'"';
 }
@@ -153,13 +210,14 @@ void OfficeExportWriter::appendValue(QString& line, const ResultSet& rows, int r
 {
     if (rows.isNull(row, column))
         return;
+    const QChar mark = options.decimalMark.isEmpty() ? QChar(u'.') : options.decimalMark.front();
     switch (rows.field(column).type) {
-    case FieldType::Integer:
-    case FieldType::Currency:
+    case FieldType::Integer: appendInteger(line, rows.integer(row, column)); return;
+    case FieldType::Currency: appendMoney(line, rows.money(row, column), mark); return;
     case FieldType::Decimal:
-    case FieldType::Float: appendNumber(line, rows.text(row, column), options); return;
-    case FieldType::Date: line += dates::display(rows.date(row, column)); return;
-    case FieldType::Boolean: line += rows.text(row, column); return;
+    case FieldType::Float: appendNumberText(line, rows.text(row, column), mark); return;
+    case FieldType::Date: appendDate(line, rows.date(row, column)); return;
+    case FieldType::Boolean: line += rows.integer(row, column) ? u'1' : u'0'; return;
     case FieldType::Text: {
         const QString text = rows.text(row, column);
         if (text.isEmpty())
