@@ -3,6 +3,7 @@
 // and a filtered and sorted book writing only its rows in the order shown.
 #include "test_browser_fixture.h"
 
+#include "books/DemoData.h"
 #include "host/ExportCommand.h"
 #include "output/OfficeExport.h"
 #include "output/widgets/frmOfficeExportPost.h"
@@ -10,6 +11,7 @@
 #include "support/Sandbox.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -171,6 +173,27 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
         EXPECT_EQ(f.txtDecTočka->text(), QStringLiteral("."));
         EXPECT_EQ(f.cmbKodiranje->currentData().toString(), QStringLiteral("utf-8"));
         EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
+    });
+}
+
+// The dialog on the demo data, for the documentation: runs only when
+// KNJIGE_SCREENSHOT_DIR names the folder to write to.
+TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
+{
+    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
+    if (dir.isEmpty())
+        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
+    QString error;
+    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    settings::setText(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QStringLiteral("ExpNazivDat"),
+                      QStringLiteral("/home/amra/Dokumenti/Export.csv"));
+    auto w = open(96);
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        f.show();
+        f.adjustSize();
+        QApplication::processEvents();
+        EXPECT_TRUE(f.grab().save(dir + QStringLiteral("/export-dialog.png")));
+        f.hide();
     });
 }
 

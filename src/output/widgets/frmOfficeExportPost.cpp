@@ -82,6 +82,8 @@ void frmOfficeExportPost::napraviKontrole()
     chkAutomatskiPokr->setObjectName(QStringLiteral("chkAutomatskiPokr"));
     cmdGdjeSpremiti = button(QStringLiteral("cmdGdjeSpremiti"), QStringLiteral("..."));
     cmdLokacija = button(QStringLiteral("cmdLokacija"), QStringLiteral("..."));
+    for (QPushButton* b : {cmdGdjeSpremiti, cmdLokacija})
+        b->setMaximumWidth(b->fontMetrics().horizontalAdvance(b->text()) + 24);
     cmdPrebaciPodatke = button(QStringLiteral("cmdPrebaciPodatke"), QStringLiteral("&Prebaci podatke"));
     cmdIzlaz = button(QStringLiteral("cmdIzlaz"), QStringLiteral("I&zlaz"));
 
