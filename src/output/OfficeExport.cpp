@@ -171,7 +171,7 @@ QString unmappableNote(const QString& characters, qint64 firstLine)
     }
     return QStringLiteral("Kodna stranica Windows-1250 nema znakove: %1\r\n"
                           "U datoteci su zamijenjeni znakom \"?\" (prvi put u retku %2). "
-                          "Da ostanu kakvi jesu, izaberite kodiranje UTF-8.")
+                          "Da ostanu kakvi jesu, datoteku treba zapisati u kodiranju UTF-8.")
         .arg(shown)
         .arg(firstLine);
 }

@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
@@ -199,19 +198,11 @@ TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
 
 TEST(ExportCommand, PeriodAndSalesPointNarrowTheOpeningClause)
 {
-    const QDate none;
-    struct Case {
-        int kind;
-        QDate from, to;
-        int prod;
-        const char* where;
-    };
-    const Case cases[] = {
-        {96, none, none, 0, " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3"},
-        {96, {2016, 3, 1}, {2016, 3, 31}, 0,
-         " WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016"},
-        {125, none, none, 7, " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(cli::exportWhere(c.kind, c.from, c.to, 3, 2016, c.prod), QString::fromLatin1(c.where));
+    EXPECT_EQ(cli::exportWhere(96, {}, {}, 3, 2016, 0),
+              QStringLiteral(" WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3"));
+    EXPECT_EQ(cli::exportWhere(96, {2016, 3, 1}, {2016, 3, 31}, 3, 2016, 0),
+              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND "
+                             "K.GodinaKnj=2016"));
+    EXPECT_EQ(cli::exportWhere(125, {}, {}, 3, 2016, 7),
+              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7"));
 }

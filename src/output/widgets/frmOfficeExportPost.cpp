@@ -173,6 +173,10 @@ bool frmOfficeExportPost::PrebaciPodatke()
     }
     spremiPostavke();
     const QString name = txtNazivDat->text().trimmed();
+    if (QFileInfo(name).isDir()) {
+        warn(QStringLiteral("Desila se greška: ") + name + QStringLiteral(" je mapa, a ne datoteka."), windowTitle());
+        return false;
+    }
     if (QFileInfo::exists(name) && !pitajZaPrepisivanje(name))
         return false;
     ExportResult result;
