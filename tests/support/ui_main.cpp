@@ -6,9 +6,9 @@
 
 int main(int argc, char** argv)
 {
-    // Pictures for the documentation may be drawn on a real (virtual) display.
-    const QByteArray platform = qgetenv("KNJIGE_SCREENSHOT_PLATFORM");
-    qputenv("QT_QPA_PLATFORM", platform.isEmpty() ? QByteArray("offscreen") : platform);
+    // Pictures may be drawn on a real display server (xvfb-run) instead.
+    if (qEnvironmentVariableIsEmpty("KNJIGE_KEEP_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     knjige::test::sandboxSettings();
     ::testing::InitGoogleTest(&argc, argv);
