@@ -20,7 +20,6 @@ void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Ren
 void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
 void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
 void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
-void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
 void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 
 } // namespace knjige
