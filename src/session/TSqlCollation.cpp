@@ -98,11 +98,13 @@ std::size_t withoutTrailingBlanks(const char* s, std::size_t n)
 
 void decodeFolded(const char* s, std::size_t n, std::u32string& out)
 {
-    out.clear();
+    out.resize(n);   // never more characters than bytes
     const auto* p = reinterpret_cast<const unsigned char*>(s);
     const auto* end = p + n;
+    std::size_t count = 0;
     while (p < end)
-        out.push_back(fold(decode(p, end)));
+        out[count++] = fold(decode(p, end));
+    out.resize(count);
 }
 
 // --- LIKE patterns ---
