@@ -11,7 +11,7 @@ namespace {
 using Kind = Node::Kind;
 
 // The parser leaves far more than this; the walk stops rather than overflow.
-constexpr std::size_t kStackReserve = 32 * 1024;
+constexpr std::size_t kStackReserve = 16 * 1024;
 
 void checkStack()
 {

@@ -98,7 +98,4 @@ struct ParsedStatement {
 // UPDATE and DELETE, and anything the parser cannot read, give root nullptr.
 ParsedStatement parseStatement(const QString& sql);
 
-// Splits a text into its statements at the ';' outside literals and parentheses.
-QStringList splitStatements(const QString& sql);
-
 } // namespace knjige::tsql

@@ -17,9 +17,10 @@ struct ParseError {
     QString what;
 };
 
-// Stack the parser keeps free for the steps after it (typing, writing back) and for
-// the caller: the recursion stops well before the thread's stack ends.
-constexpr std::size_t kStackReserve = 192 * 1024;
+// Stack the parser keeps free for the steps after it: typing and writing back walk
+// the tree it built again, with smaller frames than its own (about 700 bytes a level
+// of parentheses).
+constexpr std::size_t kStackReserve = 64 * 1024;
 
 // Words that end an expression or a table source, so they are never taken as an alias.
 bool isReserved(const Token& t)
@@ -764,39 +765,6 @@ ParsedStatement parseStatement(const QString& sql)
         st.error = QString::fromLatin1(kNestedTooDeeply);
     }
     return st;
-}
-
-QStringList splitStatements(const QString& sql)
-{
-    QStringList out;
-    QString current;
-    int depth = 0;
-    bool create = false;   // the statement began with CREATE: a trigger body may follow
-    bool started = false;
-    for (const Token& t : tokenize(sql)) {
-        if (!t.isTrivia() && !started) {
-            started = true;
-            create = t.is("CREATE");
-        }
-        // A trigger body (BEGIN ... END) keeps its ';'. CASE ... END is counted too, so
-        // that its END does not close the BEGIN.
-        if (t.is("(") || (create && (t.is("BEGIN") || t.is("CASE")))) {
-            ++depth;
-        } else if (t.is(")") || (create && t.is("END"))) {
-            --depth;
-        } else if (t.is(";") && depth <= 0) {
-            if (!current.trimmed().isEmpty())
-                out << current;
-            current.clear();
-            started = false;
-            depth = 0;
-            continue;
-        }
-        current += t.text;
-    }
-    if (!current.trimmed().isEmpty())
-        out << current;
-    return out;
 }
 
 } // namespace knjige::tsql

@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kStackReserve = 32 * 1024;
+    static constexpr std::size_t kStackReserve = 16 * 1024;
 
     static bool atomic(const Node* n)
     {
