@@ -4,22 +4,15 @@
 //
 // Counters: "ratio" = window time / plain fetch time, both measured in the same
 // iterations. Aims: an open within 1.5 times the plain fetch, a header sort under 0.3 s.
+#include "bench_book.h"
 #include "books/BookKind.h"
-#include "books/Schema.h"
 #include "browser/BookModel.h"
-#include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Session.h"
 #include "session/TSqlFunctions.h"
-#include "session/TSqlTranslator.h"
 
 #include <QApplication>
-#include <QDate>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -29,85 +22,9 @@
 #include <memory>
 
 using namespace knjige;
+using namespace knjige::bench;
 
 namespace {
-
-constexpr int kEntries = 100000;
-constexpr int kYear = 2016;
-
-struct BookFile {
-    QTemporaryDir dir;
-    QString path;
-    QString tsql;     // the browser's opening query as the system writes it
-    QString sqlite;   // the same query as the embedded database runs it
-};
-
-void fill(const QString& path)
-{
-    const QString name = QStringLiteral("bench_fill");
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        db.open();
-        db.transaction();
-        QSqlQuery q(db);
-        q.prepare(QStringLiteral("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
-                                 "Iznos,IznosPDV) VALUES (1,?,?,?,?,?,?,?,?)"));
-        const int kinds[] = {11, 12, 13, 16, 17, 18, 19};
-        // Descriptions with the letters the collation places: Č, Ć, Đ, Š, Ž.
-        const QString words[] = {QStringLiteral("Šećer"), QStringLiteral("Čelik"), QStringLiteral("cement"),
-                                 QStringLiteral("Ćevapi"), QStringLiteral("Đurđa"), QStringLiteral("Žito"),
-                                 QStringLiteral("Sol"), QStringLiteral("zebra"), QStringLiteral("Dalmacija")};
-        for (int i = 1; i <= kEntries; ++i) {
-            const QDate d = QDate(kYear, 1, 1).addDays(i % 365);
-            const double iznos = double((i * 7919) % 1000000) / 100.0;
-            q.addBindValue(i);
-            q.addBindValue(d.toString(Qt::ISODate));
-            q.addBindValue(kYear);
-            q.addBindValue(QStringLiteral("R-%1").arg((i * 7) % kEntries));
-            q.addBindValue(words[(i * 13) % 9] + QStringLiteral(" stavka %1").arg((i * 31) % kEntries));
-            q.addBindValue(kinds[i % 7]);
-            q.addBindValue(iznos);
-            q.addBindValue(iznos * 17.0 / 117.0);
-            if (!q.exec())
-                std::fprintf(stderr, "fill: %s\n", qPrintable(q.lastError().text()));
-        }
-        db.commit();
-    }
-    QSqlDatabase::removeDatabase(name);
-}
-
-QString translated(const QString& tsql)
-{
-    tsql::Catalog catalog;
-    for (const QString& statement : schemaStatements())
-        if (auto table = tsql::parseCreateTable(statement))
-            catalog.add(*table);
-    return tsql::translateStatement(tsql, catalog).sql;
-}
-
-BookFile& book()
-{
-    static std::unique_ptr<BookFile> file = [] {
-        auto f = std::make_unique<BookFile>();
-        f->path = f->dir.filePath(QStringLiteral("bench.db"));
-        QString error;
-        if (!createEmbeddedDatabase(f->path, &error))
-            std::fprintf(stderr, "schema: %s\n", qPrintable(error));
-        fill(f->path);
-        f->tsql = findBook(Knjiga::PrihRashFBiH)->selectSql
-            + browser::openingWhere(browser::periodStart(kYear), kYear, 1) + browser::orderBy();
-        f->sqlite = translated(f->tsql);
-        Session& s = session();
-        s.ConnString = f->path;
-        s.BrojPoduzeca = 1;
-        s.RadnaGodina = kYear;
-        s.NivoPristupa = QStringLiteral("0");
-        s.ImeOperatera = QStringLiteral("Bench");
-        return f;
-    }();
-    return *file;
-}
 
 double seconds(std::chrono::steady_clock::time_point since)
 {
@@ -296,6 +213,46 @@ void BM_OpenShares(benchmark::State& state)
     state.counters["model_ms"] = modelTime * 1000 / n;
 }
 BENCHMARK(BM_OpenShares)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// A filter on the description through the adapter (the registered like() and the
+// case-insensitive collation), against SQLite's own LIKE and = on a bare connection.
+// Argument: 0 LIKE '%šeć%', 1 = one description in other letter case.
+void BM_TextFilterAgainstSqliteOwn(benchmark::State& state)
+{
+    book();
+    const bool like = state.range(0) == 0;
+    const QString tsql = like ? QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis LIKE N'%šeć%'")
+                              : QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis=N'šećer stavka 279'");
+    const QByteArray own = like ? QByteArray("SELECT RBroj FROM KnjPrihRashFBiH WHERE Opis LIKE '%šeć%'")
+                                : QByteArray("SELECT RBroj FROM KnjPrihRashFBiH WHERE Opis='Šećer stavka 279'");
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(book().path.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    double ownTime = 0;
+    double adapterTime = 0;
+    int rows = 0;
+    for (auto _ : state) {
+        auto t0 = std::chrono::steady_clock::now();
+        sqlite3_stmt* st = nullptr;
+        sqlite3_prepare_v2(db, own.constData(), int(own.size()), &st, nullptr);
+        while (sqlite3_step(st) == SQLITE_ROW)
+            benchmark::DoNotOptimize(sqlite3_column_int(st, 0));
+        sqlite3_finalize(st);
+        ownTime += seconds(t0);
+        t0 = std::chrono::steady_clock::now();
+        ResultSet rs;
+        if (!session().db().open(tsql, rs))
+            state.SkipWithError("the filter failed");
+        rows = rs.rowCount();
+        adapterTime += seconds(t0);
+    }
+    sqlite3_close(db);
+    const double n = double(state.iterations());
+    state.counters["rows"] = rows;
+    state.counters["own_ms"] = ownTime * 1000 / n;
+    state.counters["adapter_ms"] = adapterTime * 1000 / n;
+    state.counters["ratio"] = ownTime > 0 ? adapterTime / ownTime : 0;
+}
+BENCHMARK(BM_TextFilterAgainstSqliteOwn)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 // What the view asks for: the display text of one screenful of cells.
 void BM_VisibleCells(benchmark::State& state)

@@ -2,14 +2,16 @@
 
 #include "books/DemoData.h"
 #include "books/Schema.h"
+#include "generate/DemoSources.h"
+#include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "host/HostRights.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
-#include "session/TSqlAst.h"
 #include "session/TSqlTokenizer.h"
 
 #include <QCoreApplication>
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -33,13 +35,6 @@ int complain(const QString& message, int code = Failed)
     err << message << '\n';
     return code;
 }
-
-struct Options {
-    QMap<QString, QString> values;
-    QSet<QString> flags;
-    QStringList positional;
-    QString error;
-};
 
 // Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
 // looks like an option is refused, so a typing error never becomes a SQL text.
@@ -127,14 +122,23 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
         *message = QStringLiteral("Izrada tablica nije uspjela: ") + error;
         return false;
     }
-    // The host's rights table, empty: every operator may use every book until rows
-    // are added.
-    if (!db.execute(host::PravaRights::createSql())) {
-        *message = QStringLiteral("Izrada tablice prava nije uspjela: ") + db.errorDescription();
-        return false;
-    }
     if (demo && !fillDemoData(db, &error)) {
         *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
+        return false;
+    }
+    // The documents the DB book is generated from, in the same file: the generator's
+    // default source is the host's own database. The rights are the current user's,
+    // since the generator works under the system user name.
+    if (demo
+        && (!createSourceTables(db, &error)
+            || !fillDemoSources(db, QDate::currentDate().year(), {gen::imeOperateraSustava()}, &error))) {
+        *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
+        return false;
+    }
+    // The host's rights table (the demo's documents bring their own), empty: every
+    // operator may use every book until rows are added.
+    if (!demo && !db.execute(host::PravaRights::createSql())) {
+        *message = QStringLiteral("Izrada tablice prava nije uspjela: ") + db.errorDescription();
         return false;
     }
     return true;
@@ -168,13 +172,13 @@ int createDatabase(const QString& path, bool demo, bool force)
 
 // The connection string for --db or --conn; empty with the message printed when the
 // database cannot be reached without creating something.
-QString connectionFor(const Options& o, int* code)
+QString connectionFor(const Options& o, const QString& usage, int* code)
 {
     const bool hasDb = o.values.contains(QStringLiteral("--db"));
     const bool hasConn = o.values.contains(QStringLiteral("--conn"));
     if (hasDb == hasConn) {
         *code = complain(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n")
-                             + queryUsage(),
+                             + usage,
                          Usage);
         return {};
     }
@@ -269,6 +273,16 @@ int runBatch(Database& db, const QStringList& statements, bool withTypes)
 }
 
 } // namespace
+
+Options commandOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions)
+{
+    return parseOptions(args, valueOptions, flagOptions);
+}
+
+QString commandConnection(const Options& options, const QString& usage, int* code)
+{
+    return connectionFor(options, usage, code);
+}
 
 QString initUsage()
 {
@@ -378,7 +392,7 @@ int runQuery(const QStringList& args)
                             + queryUsage(),
                         Usage);
     int code = Done;
-    const QString connection = connectionFor(o, &code);
+    const QString connection = connectionFor(o, queryUsage(), &code);
     if (connection.isEmpty())
         return code;
     const QStringList statements = batchStatements(readStatement(o.positional.front()));
