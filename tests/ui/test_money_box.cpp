@@ -61,34 +61,29 @@ TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
         {kBosnian, Way::Type, "1,234.56", 12300, "1,23", true},    // the fourth decimal digit refused
         {kBosnian, Way::Paste, "1,234.56", 0, "0,00", true},       // the paste refused whole
         {kBosnian, Way::Type, "1234567890123", 1234567890120000, "123.456.789.012,00", true},
-        {kBosnian, Way::Paste, "1234567890123", 0, "0,00", true},
         {kBosnian, Way::Type, "1.2", 10000, "1.2", true},          // left incomplete, kept as typed
         {kBosnian, Way::Type, "0,5", 0, "0,5", true, true},        // no fractions in a whole number
-        {kBosnian, Way::Type, "1.234", 12340000, "1.234", false, true},
         {kEnglish, Way::Type, "1,234.56", 12345600, "1,234.56", false},
         {kEnglish, Way::Paste, "1.234,56", 0, "0.00", true},
         {kEnglish, Way::Type, "12.500", 125000, "12.50", true},
         {kEnglish, Way::Type, "-0,5", 0, "-0,5", true},
-        {kEnglish, Way::Keypad, "-0.5", -5000, "-0.50", false},
         {kEnglish, Way::Paste, "123456789012.99", 1234567890129900, "123,456,789,012.99", false},
     };
     for (const Case& c : cases) {
         QWidget window;
         window.setLocale(c.locale);
-        auto* layout = new QVBoxLayout(&window);
+        QVBoxLayout layout(&window);
         auto* box = new MoneyBox(&window, c.whole);
-        auto* next = new QLineEdit(&window);
-        layout->addWidget(box);
-        layout->addWidget(next);
+        layout.addWidget(box);
+        layout.addWidget(new QLineEdit(&window)); // where the Tab goes
         window.show();
         QApplication::setActiveWindow(&window);
-        const QString what = QStringLiteral("%1 %2 \"%3\"").arg(c.locale.name()).arg(int(c.way)).arg(c.input);
         enter(box, c.way, QString::fromUtf8(c.input));
         QTest::keyClick(box, Qt::Key_Tab);
-        EXPECT_EQ(box->value().units(), c.units) << what.toStdString();
-        EXPECT_EQ(box->text(), QString::fromUtf8(c.shown)) << what.toStdString();
-        EXPECT_EQ(!box->problem().isEmpty(), c.marked) << what.toStdString() << " " << box->problem().toStdString();
-        EXPECT_EQ(box->toolTip(), box->problem()) << what.toStdString();
+        EXPECT_EQ(box->value().units(), c.units) << c.input << " " << int(c.way);
+        EXPECT_EQ(box->text(), QString::fromUtf8(c.shown)) << c.input << " " << int(c.way);
+        EXPECT_EQ(box->problem().isEmpty(), !c.marked) << c.input << " " << int(c.way);
+        EXPECT_EQ(box->toolTip(), box->problem()) << c.input;
     }
 }
 
