@@ -26,7 +26,6 @@ void frmSifarnikKnj::PostaviFilter()
     OsvjeziZapise();
 }
 
-void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
 void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Renumeracija")); }
 void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
 void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
@@ -37,7 +36,6 @@ void frmSifarnikKnj::Generiranje(int vrsta)
     nijeJošDostupno(QStringLiteral("Generiranje knjige"));
 }
 void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
-void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 
 // The running totals panel lvStanje stays hidden until its sums are built.
 void frmSifarnikKnj::OsvjeziStanje() {}
