@@ -62,7 +62,7 @@ QVector<Column> leadingColumns(bool withDocument = true)
 {
     QVector<Column> c = {rbrojColumn(), dateColumn()};
     if (withDocument)
-        c << textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9);
+        c << textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9, 1);
     return c;
 }
 
@@ -75,9 +75,9 @@ QVector<Column> prihRashFBiH()
     const QString r = QStringLiteral("Rashodi");
     const QString rp = QStringLiteral("PDVRashodi");
     QVector<Column> c = leadingColumns();
-    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 14, 1)
+    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 14, 3)
       << kindColumn(QStringLiteral("Gotovina"), p, {11}) << kindColumn(QStringLiteral("Bankovni\nračun"), p, {12})
-      << kindColumn(QStringLiteral("U stvarima\ni uslugama"), p, {13})
+      << kindColumn(QStringLiteral("Stvari i\nusluge"), p, {13})
       << amountColumn(QStringLiteral("PDV u\nprihodima"), pp)
       << termsColumn(QStringLiteral("Ukupni\nprihodi"), {Term(p), Term(pp, -1)})
       << kindColumn(QStringLiteral("Nabavka\nrobe/mat."), r, {16}) << kindColumn(QStringLiteral("Bruto\nplaće"), r, {17})
@@ -94,7 +94,7 @@ QVector<Column> prihRashDB()
 {
     const QString iznos = QStringLiteral("Iznos");
     QVector<Column> c = leadingColumns();
-    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 12, 1)
+    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 12, 3)
       << kindColumn(QStringLiteral("Prihod\ngotovina"), iznos, {5})
       << kindColumn(QStringLiteral("Prihod\nžiro račun"), iznos, {6})
       << kindColumn(QStringLiteral("Prihod\nu stvarima"), iznos, {7})
@@ -114,9 +114,9 @@ QVector<Column> prihRashDB()
 QVector<Column> evidPotObv()
 {
     QVector<Column> c = leadingColumns();
-    c << textColumn(QStringLiteral("Komitent"), QStringLiteral("ImeKomit1"), 12, 2)
-      << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 12, 3)
-      << textColumn(QStringLiteral("Vrsta"), QStringLiteral("NazivVrste"), 12, 1)
+    c << textColumn(QStringLiteral("Komitent"), QStringLiteral("ImeKomit1"), 12, 4)
+      << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 12, 6)
+      << textColumn(QStringLiteral("Vrsta"), QStringLiteral("NazivVrste"), 12, 2)
       << amountColumn(QStringLiteral("Izdati\nračuni"), QStringLiteral("IznosIR"))
       << amountColumn(QStringLiteral("Uplate za\nizdate račune"), QStringLiteral("UplateIR"))
       << amountColumn(QStringLiteral("Primljeni\nračuni"), QStringLiteral("IznosUR"))
@@ -128,7 +128,7 @@ QVector<Column> evidPotObv()
 QVector<Column> prometa()
 {
     QVector<Column> c = leadingColumns();
-    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 24, 1)
+    c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 24, 4)
       << amountColumn(QStringLiteral("Gotovina"), QStringLiteral("IznosGot"))
       << amountColumn(QStringLiteral("Čekovi"), QStringLiteral("IznosCek"));
     return numbered(c, 11);
@@ -147,12 +147,12 @@ QVector<Column> prihodaRashodaRS()
 // The asset lists sum the rate column too, as the browser's totals row does.
 QVector<Column> popisnaLista()
 {
-    QVector<Column> c = {rbrojColumn(), textColumn(QStringLiteral("Naziv sredstva"), QStringLiteral("Naziv"), 18, 1),
+    QVector<Column> c = {rbrojColumn(), textColumn(QStringLiteral("Naziv sredstva"), QStringLiteral("Naziv"), 18, 4),
                          dateColumn(QStringLiteral("Datum\nnabavke")),
-                         textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9),
+                         textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9, 1),
                          amountColumn(QStringLiteral("Nabavna\nvrijednost"), QStringLiteral("NabVrijednost")),
-                         amountColumn(QStringLiteral("Knjigovodstvena\nvrijednost"), QStringLiteral("KnjigVrijednost")),
-                         wholeColumn(QStringLiteral("Vijek\ntrajanja"), QStringLiteral("VijekTr"), 6),
+                         amountColumn(QStringLiteral("Knjigovod.\nvrijednost"), QStringLiteral("KnjigVrijednost")),
+                         wholeColumn(QStringLiteral("Vijek\n(god.)"), QStringLiteral("VijekTr"), 6),
                          amountColumn(QStringLiteral("Stopa\namort. %"), QStringLiteral("StopaAm")),
                          amountColumn(QStringLiteral("Iznos\namortizacije"), QStringLiteral("IznosAmort")),
                          amountColumn(QStringLiteral("Nova knjig.\nvrijednost"), QStringLiteral("NovaKnjigVrij"))};

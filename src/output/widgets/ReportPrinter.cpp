@@ -219,11 +219,13 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     const Metrics& m = *m_m;
     const report::Page& page = m_pages[index];
     const qreal top = paintHead(&p, index);
-    qreal y = paintHeadings(p, top);
+    const qreal headingsBottom = paintHeadings(p, top);
+    qreal y = headingsBottom;
     if (index > 0) {
         paintSums(p, QStringLiteral("Prenos:"), page.brought, y);
         y += m.line;
     }
+    const qreal rowsTop = y;
     QVector<QStringList> cells;
     for (int r = page.firstRow; r < page.endRow; ++r) {
         const int lines = rowLines(r, &cells);
@@ -237,8 +239,7 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     }
     const bool last = index == m_pages.size() - 1;
     paintSums(p, last ? QStringLiteral("Ukupno:") : QStringLiteral("Za prenos:"), page.carried, y);
-    y += m.line;
-    paintRules(p, top, y);
+    paintRules(p, {top, headingsBottom, rowsTop, y, y + m.line});
     paintFoot(p, index);
 }
 
@@ -330,12 +331,23 @@ void ReportPrinter::paintSums(QPainter& p, const QString& label, const QVector<M
     p.drawLine(QPointF(m.x.first(), y + m.line), QPointF(m.x.last(), y + m.line));
 }
 
-// The columns' rules, from the headings down to the page's last line.
-void ReportPrinter::paintRules(QPainter& p, qreal top, qreal bottom) const
+// The columns' rules, from the headings down to the page's last line. The labels of
+// the summary lines run across the columns before the first sum, so those columns'
+// rules stop at the summary lines.
+void ReportPrinter::paintRules(QPainter& p, const Rules& at) const
 {
     const Metrics& m = *m_m;
-    for (qreal x : m.x)
-        p.drawLine(QPointF(x, top), QPointF(x, bottom));
+    const QVector<int>& summed = m_bound->summed();
+    const int labelEnd = summed.isEmpty() ? int(m.x.size()) - 1 : summed.first();
+    for (int i = 0; i < m.x.size(); ++i) {
+        const QPointF top(m.x[i], at.top);
+        if (i == 0 || i >= labelEnd) {
+            p.drawLine(top, QPointF(m.x[i], at.bottom));
+            continue;
+        }
+        p.drawLine(top, QPointF(m.x[i], at.headingsBottom));
+        p.drawLine(QPointF(m.x[i], at.rowsTop), QPointF(m.x[i], at.rowsBottom));
+    }
 }
 
 void ReportPrinter::paintFoot(QPainter& p, int index) const

@@ -65,7 +65,10 @@ private:
     qreal paintHeadings(QPainter& p, qreal y) const;
     void paintCell(QPainter& p, const GlyphText& font, const QString& text, int column, bool right, qreal y) const;
     void paintSums(QPainter& p, const QString& label, const QVector<Money>& sums, qreal y) const;
-    void paintRules(QPainter& p, qreal top, qreal bottom) const;
+    struct Rules {
+        qreal top, headingsBottom, rowsTop, rowsBottom, bottom;
+    };
+    void paintRules(QPainter& p, const Rules& at) const;
     void paintFoot(QPainter& p, int index) const;
 
     report::Layout m_layout;
