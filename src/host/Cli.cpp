@@ -2,11 +2,14 @@
 
 #include "books/DemoData.h"
 #include "books/Schema.h"
+#include "generate/DemoSources.h"
+#include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
 
 #include <QCoreApplication>
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,13 +32,6 @@ int complain(const QString& message, int code = Failed)
     err << message << '\n';
     return code;
 }
-
-struct Options {
-    QMap<QString, QString> values;
-    QSet<QString> flags;
-    QStringList positional;
-    QString error;
-};
 
 // Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
 // looks like an option is refused, so a typing error never becomes a SQL text.
@@ -127,6 +123,15 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
         *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
         return false;
     }
+    // The documents the DB book is generated from, in the same file: the generator's
+    // default source is the host's own database. The rights are the current user's,
+    // since the generator works under the system user name.
+    if (demo
+        && (!createSourceTables(db, &error)
+            || !fillDemoSources(db, QDate::currentDate().year(), {gen::imeOperateraSustava()}, &error))) {
+        *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
+        return false;
+    }
     return true;
 }
 
@@ -158,13 +163,13 @@ int createDatabase(const QString& path, bool demo, bool force)
 
 // The connection string for --db or --conn; empty with the message printed when the
 // database cannot be reached without creating something.
-QString connectionFor(const Options& o, int* code)
+QString connectionFor(const Options& o, const QString& usage, int* code)
 {
     const bool hasDb = o.values.contains(QStringLiteral("--db"));
     const bool hasConn = o.values.contains(QStringLiteral("--conn"));
     if (hasDb == hasConn) {
         *code = complain(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n")
-                             + queryUsage(),
+                             + usage,
                          Usage);
         return {};
     }
@@ -219,6 +224,16 @@ int runStatement(Database& db, const QString& sql, bool withTypes)
 }
 
 } // namespace
+
+Options commandOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions)
+{
+    return parseOptions(args, valueOptions, flagOptions);
+}
+
+QString commandConnection(const Options& options, const QString& usage, int* code)
+{
+    return connectionFor(options, usage, code);
+}
 
 QString initUsage()
 {
@@ -314,7 +329,7 @@ int runQuery(const QStringList& args)
                             + queryUsage(),
                         Usage);
     int code = Done;
-    const QString connection = connectionFor(o, &code);
+    const QString connection = connectionFor(o, queryUsage(), &code);
     if (connection.isEmpty())
         return code;
     const QString sql = readStatement(o.positional.front());

@@ -4,6 +4,7 @@
 // work without a display.
 
 #include "host/Cli.h"
+#include "host/ExportCommand.h"
 #include "host/HostWindows.h"
 #include "host/PrintCommand.h"
 
@@ -29,6 +30,7 @@ const Command commands[] = {
     {"query", false, knjige::cli::runQuery, knjige::cli::queryUsage},
     {"open", true, knjige::host::runOpen, knjige::host::openUsage},
     {"print", true, knjige::host::runPrint, knjige::host::printUsage},
+    {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.

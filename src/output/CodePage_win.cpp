@@ -1,36 +1,44 @@
-// Windows-1250 through the system's own conversion.
+// Windows-1250 through the Windows API.
 #include "output/CodePage.h"
 
 #include <windows.h>
 
-namespace knjige {
+namespace knjige::codepage {
+namespace {
 
-QByteArray toCp1250(const QString& text, QString* unmappable)
+constexpr UINT kCp1250 = 1250;
+
+// Converts without best-fit substitutes (which would turn "∑" into "S" unnoticed);
+// true when every character had a place in the code page.
+bool convert(QStringView text, QByteArray& out, qsizetype at)
 {
-    if (text.isEmpty())
-        return {};
-    constexpr UINT cp1250 = 1250;
-    const auto* wide = reinterpret_cast<const wchar_t*>(text.utf16());
-    QByteArray out;
-    // One character at a time, so that each unmappable one is known; surrogate pairs
-    // go together.
-    for (int i = 0; i < text.size();) {
-        const int length = text[i].isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
-        char buffer[8];
-        BOOL usedDefault = FALSE;
-        const int n = WideCharToMultiByte(cp1250, WC_NO_BEST_FIT_CHARS, wide + i, length, buffer, sizeof buffer, "?",
-                                          &usedDefault);
-        if (n <= 0 || usedDefault) {
-            out += '?';
-            const QString c = text.mid(i, length);
-            if (unmappable && !unmappable->contains(c))
-                *unmappable += c;
-        } else {
-            out.append(buffer, n);
-        }
-        i += length;
-    }
-    return out;
+    BOOL usedDefault = FALSE;
+    const int written = WideCharToMultiByte(kCp1250, WC_NO_BEST_FIT_CHARS, reinterpret_cast<LPCWCH>(text.utf16()),
+                                            int(text.size()), out.data() + at, int(out.size() - at), "?",
+                                            &usedDefault);
+    out.resize(at + written);
+    return !usedDefault;
 }
 
-} // namespace knjige
+} // namespace
+
+void appendCp1250Converted(QByteArray& out, QStringView text, QString* unmappable)
+{
+    const qsizetype start = out.size();
+    out.resize(start + text.size());
+    if (convert(text, out, start) || !unmappable)
+        return;
+    // Something was replaced: go character by character to name what.
+    out.resize(start);
+    for (qsizetype i = 0; i < text.size();) {
+        const qsizetype length = i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate() ? 2 : 1;
+        const QStringView character = text.mid(i, length);
+        const qsizetype at = out.size();
+        out.resize(at + length);
+        if (!convert(character, out, at))
+            noteUnmappable(unmappable, character);
+        i += length;
+    }
+}
+
+} // namespace knjige::codepage

@@ -1,8 +1,6 @@
 // The report layer without a painter: pages and carried sums, the values of the
-// statutory forms' columns, the selection a printed book is read with, and the
-// 8-bit code page of saved texts.
+// statutory forms' columns, and the selection a printed book is read with.
 #include "books/BookKind.h"
-#include "output/CodePage.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportPages.h"
@@ -161,15 +159,4 @@ TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
     ResultSet nameOnly({{"NazivFirme", FieldType::Text}});
     EXPECT_TRUE(companyLines(nameOnly).isEmpty());
     EXPECT_EQ(salesPointLine(0, {}), QStringLiteral("Prodajno mjesto: sva"));
-}
-
-TEST(CodePage, Windows1250)
-{
-    QString unmappable;
-    EXPECT_EQ(toCp1250(QStringLiteral("čćžšđ ČĆŽŠĐ €\r\nx"), &unmappable),
-              QByteArray("\xE8\xE6\x9E\x9A\xF0 \xC8\xC6\x8E\x8A\xD0 \x80\r\nx"));
-    EXPECT_TRUE(unmappable.isEmpty());
-    EXPECT_EQ(toCp1250(QStringLiteral("a日本ä日😀"), &unmappable), QByteArray("a??\xE4??"));
-    EXPECT_EQ(unmappable, QStringLiteral("日本😀"));
-    EXPECT_TRUE(toCp1250(QString()).isEmpty());
 }

@@ -6,7 +6,9 @@
 
 int main(int argc, char** argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Pictures may be drawn on a real display server (xvfb-run) instead.
+    if (qEnvironmentVariableIsEmpty("KNJIGE_KEEP_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     knjige::test::sandboxSettings();
     ::testing::InitGoogleTest(&argc, argv);

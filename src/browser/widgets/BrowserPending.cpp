@@ -30,12 +30,6 @@ void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Ren
 void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
 void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
 void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
-void frmSifarnikKnj::Generiranje(int vrsta)
-{
-    Q_UNUSED(vrsta);
-    nijeJošDostupno(QStringLiteral("Generiranje knjige"));
-}
-void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
 
 // The running totals panel lvStanje stays hidden until its sums are built.
 void frmSifarnikKnj::OsvjeziStanje() {}
