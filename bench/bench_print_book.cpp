@@ -15,9 +15,7 @@
 #include <QDate>
 #include <QFileInfo>
 #include <QProcess>
-
 #include <benchmark/benchmark.h>
-
 #include <chrono>
 
 #ifdef Q_OS_UNIX
@@ -26,9 +24,13 @@
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
-QString pdfPath() { return bench::book().dir.filePath(QStringLiteral("knjiga.pdf")); }
+QString pdfPath()
+{
+    return bench::book().dir.filePath(QStringLiteral("knjiga.pdf"));
+}
 
 double seconds(std::chrono::steady_clock::time_point since)
 {
@@ -38,7 +40,7 @@ double seconds(std::chrono::steady_clock::time_point since)
 #ifdef Q_OS_UNIX
 double childCpuSeconds()
 {
-    rusage usage{};
+    rusage usage {};
     getrusage(RUSAGE_CHILDREN, &usage);
     return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
         + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
@@ -59,9 +61,9 @@ void BM_PrintCommand(benchmark::State& state)
         const auto t0 = std::chrono::steady_clock::now();
         QProcess knjige;
         knjige.start(QStringLiteral(KNJIGE_PROGRAM),
-                     {QStringLiteral("print"), QStringLiteral("96"), QStringLiteral("--db"), db,
-                      QStringLiteral("--company"), QStringLiteral("1"), QStringLiteral("--year"),
-                      QString::number(bench::kYear), QStringLiteral("--pdf"), pdf});
+            { QStringLiteral("print"), QStringLiteral("96"), QStringLiteral("--db"), db, QStringLiteral("--company"),
+                QStringLiteral("1"), QStringLiteral("--year"), QString::number(bench::kYear), QStringLiteral("--pdf"),
+                pdf });
         if (!knjige.waitForFinished(120000) || knjige.exitCode() != 0) {
             state.SkipWithError(knjige.readAllStandardError().constData());
             return;
@@ -73,7 +75,7 @@ void BM_PrintCommand(benchmark::State& state)
     state.counters["pdf_mb"] = double(QFileInfo(pdf).size()) / (1024.0 * 1024.0);
 #ifdef Q_OS_UNIX
     state.counters["cpu_seconds"] = (childCpuSeconds() - cpuBefore) / n;
-    rusage usage{};
+    rusage usage {};
     getrusage(RUSAGE_CHILDREN, &usage);
     state.counters["peak_rss_mb"] = double(usage.ru_maxrss) / 1024.0;
 #endif
@@ -98,9 +100,9 @@ void BM_PrintInProcess(benchmark::State& state)
         }
         read += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        const report::BookFilter filter{{}, browser::periodStart(kYear), browser::periodEnd(kYear), 0};
-        ReportPrinter printer(report::bookLayout(Knjiga::PrihRashFBiH),
-                              report::bookHeader(Knjiga::PrihRashFBiH, filter, rows), rows);
+        const report::BookFilter filter { {}, browser::periodStart(kYear), browser::periodEnd(kYear), 0 };
+        ReportPrinter printer(
+            report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(Knjiga::PrihRashFBiH, filter, rows), rows);
         QString error;
         if (!printer.writePdf(pdf, &error)) {
             state.SkipWithError(qPrintable(error));

@@ -13,8 +13,10 @@
 #include <QMap>
 #include <QTextStream>
 
-namespace knjige::host {
-namespace {
+namespace knjige::host
+{
+namespace
+{
 
 enum Exit { Done = 0, Failed = 1, Usage = 2 };
 
@@ -24,7 +26,10 @@ int complain(const QString& message, int code = Failed)
     return code;
 }
 
-int usageError(const QString& message) { return complain(message + u'\n' + printUsage(), Usage); }
+int usageError(const QString& message)
+{
+    return complain(message + u'\n' + printUsage(), Usage);
+}
 
 struct Options {
     QMap<QString, QString> values;
@@ -35,10 +40,9 @@ struct Options {
 
 Options parse(const QStringList& args)
 {
-    static const QStringList valueOptions = {QStringLiteral("--db"),     QStringLiteral("--conn"),
-                                             QStringLiteral("--company"), QStringLiteral("--year"),
-                                             QStringLiteral("--period"), QStringLiteral("--shop"),
-                                             QStringLiteral("--pdf"),    QStringLiteral("--operator")};
+    static const QStringList valueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"),
+        QStringLiteral("--company"), QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--shop"),
+        QStringLiteral("--pdf"), QStringLiteral("--operator") };
     Options o;
     for (int i = 0; i < args.size() && o.error.isEmpty(); ++i) {
         const QString& a = args[i];
@@ -138,8 +142,9 @@ bool request(const Options& o, Request* r, int* code)
     if (problem.isEmpty() && o.values.contains(QStringLiteral("--period"))) {
         r->period = report::parsePeriod(o.values.value(QStringLiteral("--period")));
         if (!r->period)
-            problem = QStringLiteral("Neispravan period: %1 (oblik dd.mm.gggg-dd.mm.gggg, početak najkasnije na kraju).")
-                          .arg(o.values.value(QStringLiteral("--period")));
+            problem
+                = QStringLiteral("Neispravan period: %1 (oblik dd.mm.gggg-dd.mm.gggg, početak najkasnije na kraju).")
+                      .arg(o.values.value(QStringLiteral("--period")));
     }
     if (problem.isEmpty() && o.values.contains(QStringLiteral("--shop"))) {
         int shop = 0;
@@ -191,7 +196,7 @@ int print(const Request& r)
     DefVarijabli::CitajKonfiguraciju(true);
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
-    const report::BookFilter filter{sel.description, sel.from, sel.to, sel.salesPoint};
+    const report::BookFilter filter { sel.description, sel.from, sel.to, sel.salesPoint };
     ReportPrinter printer(report::bookLayout(r.kind, sel.salesPoint), report::bookHeader(r.kind, filter, rows), rows);
     QString error;
     if (!printer.writePdf(r.pdf, &error))

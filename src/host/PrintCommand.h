@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::host {
+namespace knjige::host
+{
 
 // `knjige print KNJIGA --db|--conn ... --company C --year Y [--period OD-DO] [--shop S]
 // --pdf IZLAZ.pdf`: the book as the browser's Print lays it out, written to a PDF

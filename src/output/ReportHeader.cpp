@@ -4,8 +4,10 @@
 #include "output/ReportLayout.h"
 #include "session/Session.h"
 
-namespace knjige::report {
-namespace {
+namespace knjige::report
+{
+namespace
+{
 
 QString value(const ResultSet& rs, const QString& column)
 {
@@ -23,21 +25,25 @@ QString joined(const QStringList& parts, const QString& separator)
     return kept.join(separator);
 }
 
-QString labelled(const QString& label, const QString& text) { return text.isEmpty() ? QString() : label + text; }
+QString labelled(const QString& label, const QString& text)
+{
+    return text.isEmpty() ? QString() : label + text;
+}
 
 } // namespace
 
 QStringList companyLines(const ResultSet& c)
 {
-    const QString place = joined({value(c, QStringLiteral("PostBroj")), value(c, QStringLiteral("Mjesto"))}, QStringLiteral(" "));
+    const QString place
+        = joined({ value(c, QStringLiteral("PostBroj")), value(c, QStringLiteral("Mjesto")) }, QStringLiteral(" "));
     const QStringList lines = {
-        joined({value(c, QStringLiteral("Adresa")), place}, QStringLiteral(", ")),
-        joined({labelled(QStringLiteral("ID broj: "), value(c, QStringLiteral("IdBroj"))),
-                labelled(QStringLiteral("PDV broj: "), value(c, QStringLiteral("PDVBroj")))},
-               QStringLiteral(", ")),
-        joined({labelled(QStringLiteral("Tel: "), value(c, QStringLiteral("Telefon"))),
-                labelled(QStringLiteral("Žiro račun: "), value(c, QStringLiteral("ZiroRacun")))},
-               QStringLiteral(", ")),
+        joined({ value(c, QStringLiteral("Adresa")), place }, QStringLiteral(", ")),
+        joined({ labelled(QStringLiteral("ID broj: "), value(c, QStringLiteral("IdBroj"))),
+                   labelled(QStringLiteral("PDV broj: "), value(c, QStringLiteral("PDVBroj"))) },
+            QStringLiteral(", ")),
+        joined({ labelled(QStringLiteral("Tel: "), value(c, QStringLiteral("Telefon"))),
+                   labelled(QStringLiteral("Žiro račun: "), value(c, QStringLiteral("ZiroRacun"))) },
+            QStringLiteral(", ")),
         labelled(QStringLiteral("Djelatnost: "), value(c, QStringLiteral("Djelatnost"))),
         labelled(QStringLiteral("Vlasnik: "), value(c, QStringLiteral("Vlasnik"))),
     };
@@ -59,7 +65,10 @@ QString periodLine(const QDate& from, const QDate& to)
     return QStringLiteral("Period od %1 do %2").arg(from.toString(f), to.toString(f));
 }
 
-QString pageLine(int page, int pages) { return QStringLiteral("Strana %1 od %2").arg(page).arg(pages); }
+QString pageLine(int page, int pages)
+{
+    return QStringLiteral("Strana %1 od %2").arg(page).arg(pages);
+}
 
 QString printedLine(const QDateTime& printed, const QString& operatorName)
 {
@@ -73,7 +82,7 @@ QString salesPointLine(qint32 salesPoint, const QString& name)
 {
     if (salesPoint == 0)
         return QStringLiteral("Prodajno mjesto: sva");
-    return joined({QStringLiteral("Prodajno mjesto: ") + QString::number(salesPoint), name}, QStringLiteral(" "));
+    return joined({ QStringLiteral("Prodajno mjesto: ") + QString::number(salesPoint), name }, QStringLiteral(" "));
 }
 
 Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows)

@@ -7,16 +7,17 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::report {
+namespace knjige::report
+{
 
 // The texts at the head and foot of a printed report. Empty texts are not printed.
 struct Header {
-    QString company;          // NazivFirme
+    QString company; // NazivFirme
     QStringList companyLines; // address, identification, ... from the configuration row
     QString title;
-    QString period;           // "Period od 01.01.2016 do 31.12.2016"
-    QString filter;           // "Filter : ..." or "Filter: Svi"
-    QString salesPoint;       // trade books: "Prodajno mjesto: 501 ..."
+    QString period; // "Period od 01.01.2016 do 31.12.2016"
+    QString filter; // "Filter : ..." or "Filter: Svi"
+    QString salesPoint; // trade books: "Prodajno mjesto: 501 ..."
     QString operatorName;
     QDateTime printed;
 };
@@ -36,10 +37,10 @@ QString salesPointLine(qint32 salesPoint, const QString& name);
 
 // What a printed book takes from the browser besides its rows.
 struct BookFilter {
-    QString description;      // OpisFiltera
-    QDate from;               // DatumOd
-    QDate to;                 // DatumDo
-    qint32 salesPoint = 0;    // BrojProd
+    QString description; // OpisFiltera
+    QDate from; // DatumOd
+    QDate to; // DatumDo
+    qint32 salesPoint = 0; // BrojProd
 };
 
 // A book's header from the session (company, configuration row, operator) and the

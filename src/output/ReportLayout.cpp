@@ -4,38 +4,46 @@
 #include "browser/BookModel.h"
 #include "session/Dates.h"
 
-namespace knjige::report {
-namespace {
+namespace knjige::report
+{
+namespace
+{
 
 Column textColumn(const QString& heading, const QString& field, int width, int stretch = 0)
 {
-    return {heading, {}, {Term(field)}, Format::Text, width, stretch, false};
+    return { heading, {}, { Term(field) }, Format::Text, width, stretch, false };
 }
 
 Column dateColumn(const QString& heading = QStringLiteral("Datum"), const QString& field = QStringLiteral("Datum"))
 {
-    return {heading, {}, {Term(field)}, Format::Date, 8, 0, false};
+    return { heading, {}, { Term(field) }, Format::Date, 8, 0, false };
 }
 
 Column wholeColumn(const QString& heading, const QString& field, int width)
 {
-    return {heading, {}, {Term(field)}, Format::Whole, width, 0, false};
+    return { heading, {}, { Term(field) }, Format::Whole, width, 0, false };
 }
 
-Column rbrojColumn() { return wholeColumn(QStringLiteral("Red.\nbroj"), QStringLiteral("RBroj"), 6); }
+Column rbrojColumn()
+{
+    return wholeColumn(QStringLiteral("Red.\nbroj"), QStringLiteral("RBroj"), 6);
+}
 
 Column termsColumn(const QString& heading, QVector<Term> terms)
 {
-    return {heading, {}, std::move(terms), Format::Money, 11, 0, true};
+    return { heading, {}, std::move(terms), Format::Money, 11, 0, true };
 }
 
-Column amountColumn(const QString& heading, const QString& field) { return termsColumn(heading, {Term(field)}); }
+Column amountColumn(const QString& heading, const QString& field)
+{
+    return termsColumn(heading, { Term(field) });
+}
 
 // An amount of one entry kind: the statutory forms give each kind its own column.
 // Narrower than other amounts: the form's many columns leave the description room.
 Column kindColumn(const QString& heading, const QString& field, QVector<int> kinds)
 {
-    Column c = termsColumn(heading, {Term(field, 1, std::move(kinds))});
+    Column c = termsColumn(heading, { Term(field, 1, std::move(kinds)) });
     c.width = 9;
     return c;
 }
@@ -60,7 +68,7 @@ QVector<Column> numbered(QVector<Column> columns, int firstAmount = 0)
 
 QVector<Column> leadingColumns(bool withDocument = true)
 {
-    QVector<Column> c = {rbrojColumn(), dateColumn()};
+    QVector<Column> c = { rbrojColumn(), dateColumn() };
     if (withDocument)
         c << textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9, 1);
     return c;
@@ -76,15 +84,16 @@ QVector<Column> prihRashFBiH()
     const QString rp = QStringLiteral("PDVRashodi");
     QVector<Column> c = leadingColumns();
     c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 14, 3)
-      << kindColumn(QStringLiteral("Gotovina"), p, {11}) << kindColumn(QStringLiteral("Bankovni\nračun"), p, {12})
-      << kindColumn(QStringLiteral("Stvari i\nusluge"), p, {13})
+      << kindColumn(QStringLiteral("Gotovina"), p, { 11 }) << kindColumn(QStringLiteral("Bankovni\nračun"), p, { 12 })
+      << kindColumn(QStringLiteral("Stvari i\nusluge"), p, { 13 })
       << amountColumn(QStringLiteral("PDV u\nprihodima"), pp)
-      << termsColumn(QStringLiteral("Ukupni\nprihodi"), {Term(p), Term(pp, -1)})
-      << kindColumn(QStringLiteral("Nabavka\nrobe/mat."), r, {16}) << kindColumn(QStringLiteral("Bruto\nplaće"), r, {17})
-      << kindColumn(QStringLiteral("Plaćeni\ndoprinosi"), r, {18})
-      << kindColumn(QStringLiteral("Ostali\nrashodi"), r, {19})
+      << termsColumn(QStringLiteral("Ukupni\nprihodi"), { Term(p), Term(pp, -1) })
+      << kindColumn(QStringLiteral("Nabavka\nrobe/mat."), r, { 16 })
+      << kindColumn(QStringLiteral("Bruto\nplaće"), r, { 17 })
+      << kindColumn(QStringLiteral("Plaćeni\ndoprinosi"), r, { 18 })
+      << kindColumn(QStringLiteral("Ostali\nrashodi"), r, { 19 })
       << amountColumn(QStringLiteral("PDV u\nrashodima"), rp)
-      << termsColumn(QStringLiteral("Ukupni\nrashodi"), {Term(r), Term(rp, -1)});
+      << termsColumn(QStringLiteral("Ukupni\nrashodi"), { Term(r), Term(rp, -1) });
     return numbered(c, 11);
 }
 
@@ -95,19 +104,20 @@ QVector<Column> prihRashDB()
     const QString iznos = QStringLiteral("Iznos");
     QVector<Column> c = leadingColumns();
     c << textColumn(QStringLiteral("Opis"), QStringLiteral("Opis"), 12, 3)
-      << kindColumn(QStringLiteral("Prihod\ngotovina"), iznos, {5})
-      << kindColumn(QStringLiteral("Prihod\nžiro račun"), iznos, {6})
-      << kindColumn(QStringLiteral("Prihod\nu stvarima"), iznos, {7})
+      << kindColumn(QStringLiteral("Prihod\ngotovina"), iznos, { 5 })
+      << kindColumn(QStringLiteral("Prihod\nžiro račun"), iznos, { 6 })
+      << kindColumn(QStringLiteral("Prihod\nu stvarima"), iznos, { 7 })
       << amountColumn(QStringLiteral("Ukupni\nprihodi"), QStringLiteral("Prihodi"))
-      << kindColumn(QStringLiteral("Rashod\nu gotovini"), iznos, {9})
-      << kindColumn(QStringLiteral("Rashod\nžiro račun"), iznos, {10})
-      << kindColumn(QStringLiteral("Rashod\nu stvarima"), iznos, {11})
-      << kindColumn(QStringLiteral("Amorti-\nzacija"), iznos, {12})
-      << kindColumn(QStringLiteral("Plaćena\nakciza"), iznos, {13})
-      << kindColumn(QStringLiteral("Plaćen\nPPP"), iznos, {14}) << kindColumn(QStringLiteral("Plaćen\nPPU"), iznos, {15})
+      << kindColumn(QStringLiteral("Rashod\nu gotovini"), iznos, { 9 })
+      << kindColumn(QStringLiteral("Rashod\nžiro račun"), iznos, { 10 })
+      << kindColumn(QStringLiteral("Rashod\nu stvarima"), iznos, { 11 })
+      << kindColumn(QStringLiteral("Amorti-\nzacija"), iznos, { 12 })
+      << kindColumn(QStringLiteral("Plaćena\nakciza"), iznos, { 13 })
+      << kindColumn(QStringLiteral("Plaćen\nPPP"), iznos, { 14 })
+      << kindColumn(QStringLiteral("Plaćen\nPPU"), iznos, { 15 })
       << amountColumn(QStringLiteral("PPDOH"), QStringLiteral("RashPPDOH"))
       << termsColumn(QStringLiteral("Ukupni\nrashodi"),
-                     {Term(QStringLiteral("Rashodi")), Term(QStringLiteral("RashPPDOH"), -1)});
+             { Term(QStringLiteral("Rashodi")), Term(QStringLiteral("RashPPDOH"), -1) });
     return numbered(c);
 }
 
@@ -147,15 +157,15 @@ QVector<Column> prihodaRashodaRS()
 // The asset lists sum the rate column too, as the browser's totals row does.
 QVector<Column> popisnaLista()
 {
-    QVector<Column> c = {rbrojColumn(), textColumn(QStringLiteral("Naziv sredstva"), QStringLiteral("Naziv"), 18, 4),
-                         dateColumn(QStringLiteral("Datum\nnabavke")),
-                         textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9, 1),
-                         amountColumn(QStringLiteral("Nabavna\nvrijednost"), QStringLiteral("NabVrijednost")),
-                         amountColumn(QStringLiteral("Knjigovod.\nvrijednost"), QStringLiteral("KnjigVrijednost")),
-                         wholeColumn(QStringLiteral("Vijek\n(god.)"), QStringLiteral("VijekTr"), 6),
-                         amountColumn(QStringLiteral("Stopa\namort. %"), QStringLiteral("StopaAm")),
-                         amountColumn(QStringLiteral("Iznos\namortizacije"), QStringLiteral("IznosAmort")),
-                         amountColumn(QStringLiteral("Nova knjig.\nvrijednost"), QStringLiteral("NovaKnjigVrij"))};
+    QVector<Column> c = { rbrojColumn(), textColumn(QStringLiteral("Naziv sredstva"), QStringLiteral("Naziv"), 18, 4),
+        dateColumn(QStringLiteral("Datum\nnabavke")),
+        textColumn(QStringLiteral("Isprava"), QStringLiteral("Isprava"), 9, 1),
+        amountColumn(QStringLiteral("Nabavna\nvrijednost"), QStringLiteral("NabVrijednost")),
+        amountColumn(QStringLiteral("Knjigovod.\nvrijednost"), QStringLiteral("KnjigVrijednost")),
+        wholeColumn(QStringLiteral("Vijek\n(god.)"), QStringLiteral("VijekTr"), 6),
+        amountColumn(QStringLiteral("Stopa\namort. %"), QStringLiteral("StopaAm")),
+        amountColumn(QStringLiteral("Iznos\namortizacije"), QStringLiteral("IznosAmort")),
+        amountColumn(QStringLiteral("Nova knjig.\nvrijednost"), QStringLiteral("NovaKnjigVrij")) };
     c[7].width = 8;
     return numbered(c);
 }
@@ -180,19 +190,28 @@ QVector<Column> trgKomisiona()
 QVector<Column> columnsOf(int bookKind)
 {
     switch (bookKind) {
-    case Knjiga::PrihRashFBiH: return prihRashFBiH();
-    case Knjiga::PrihRashDB: return prihRashDB();
+    case Knjiga::PrihRashFBiH:
+        return prihRashFBiH();
+    case Knjiga::PrihRashDB:
+        return prihRashDB();
     case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS: return evidPotObv();
+    case Knjiga::EvidPotObvRS:
+        return evidPotObv();
     case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS: return prometa();
+    case Knjiga::PrometaRS:
+        return prometa();
     case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS: return prihodaRashodaRS();
+    case Knjiga::RashodaRS:
+        return prihodaRashodaRS();
     case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH: return popisnaLista();
-    case Knjiga::TrgUsluga: return trgUsluga();
-    case Knjiga::TrgKomisiona: return trgKomisiona();
-    default: return {};
+    case Knjiga::PopListaFBiH:
+        return popisnaLista();
+    case Knjiga::TrgUsluga:
+        return trgUsluga();
+    case Knjiga::TrgKomisiona:
+        return trgKomisiona();
+    default:
+        return {};
     }
 }
 
@@ -239,12 +258,12 @@ Layout recapitulationLayout()
 {
     Layout l;
     l.title = QStringLiteral("REKAPITULACIJA KNJIGE PRIHODA I RASHODA");
-    l.columns = numbered({wholeColumn(QStringLiteral("Vrsta"), QStringLiteral("Vrsta"), 5),
-                          textColumn(QStringLiteral("Naziv"), QStringLiteral("Naziv"), 24, 1),
-                          amountColumn(QStringLiteral("Prihod"), QStringLiteral("Prihod")),
-                          amountColumn(QStringLiteral("PDV u prihodu"), QStringLiteral("PDVPrihod")),
-                          amountColumn(QStringLiteral("Rashod"), QStringLiteral("Rashod")),
-                          amountColumn(QStringLiteral("PDV u rashodu"), QStringLiteral("PDVRashod"))});
+    l.columns = numbered({ wholeColumn(QStringLiteral("Vrsta"), QStringLiteral("Vrsta"), 5),
+        textColumn(QStringLiteral("Naziv"), QStringLiteral("Naziv"), 24, 1),
+        amountColumn(QStringLiteral("Prihod"), QStringLiteral("Prihod")),
+        amountColumn(QStringLiteral("PDV u prihodu"), QStringLiteral("PDVPrihod")),
+        amountColumn(QStringLiteral("Rashod"), QStringLiteral("Rashod")),
+        amountColumn(QStringLiteral("PDV u rashodu"), QStringLiteral("PDVRashod")) });
     l.orientation = orientationFor(l.columns);
     return l;
 }
@@ -267,7 +286,7 @@ std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const ResultS
             const int f = find(t.field);
             if (f < 0)
                 return std::nullopt;
-            terms.push_back({f, t.sign, t.kinds});
+            terms.push_back({ f, t.sign, t.kinds });
         }
         b.m_terms.push_back(terms);
         if (layout.columns[c].sums)
@@ -280,8 +299,8 @@ Money BoundLayout::money(const ResultSet& rows, int row, int column) const
 {
     Money sum;
     for (const BoundTerm& t : m_terms[column]) {
-        if (!t.kinds.isEmpty() && (m_kindField < 0 || rows.isNull(row, m_kindField)
-                                   || !takes(t.kinds, rows.integer(row, m_kindField))))
+        if (!t.kinds.isEmpty()
+            && (m_kindField < 0 || rows.isNull(row, m_kindField) || !takes(t.kinds, rows.integer(row, m_kindField))))
             continue;
         if (rows.isNull(row, t.field))
             continue;
@@ -302,9 +321,12 @@ QString BoundLayout::text(const ResultSet& rows, int row, int column, const QLoc
     if (rows.isNull(row, f))
         return {};
     switch (c.format) {
-    case Format::Whole: return formatWhole(rows.integer(row, f), locale);
-    case Format::Date: return dates::display(rows.date(row, f));
-    default: return rows.text(row, f);
+    case Format::Whole:
+        return formatWhole(rows.integer(row, f), locale);
+    case Format::Date:
+        return dates::display(rows.date(row, f));
+    default:
+        return rows.text(row, f);
     }
 }
 

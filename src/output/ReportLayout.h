@@ -6,10 +6,10 @@
 #include <QLocale>
 #include <QString>
 #include <QVector>
-
 #include <optional>
 
-namespace knjige::report {
+namespace knjige::report
+{
 
 // How a report is laid out, as data: one layout per book kind, made from the book
 // catalogue, and one for the recapitulation. The painter knows no book; it reads
@@ -34,19 +34,19 @@ struct Term {
 };
 
 struct Column {
-    QString heading;        // "\n" breaks it into lines
-    QString number;         // printed under the heading, as on the statutory form
-    QVector<Term> terms;    // a Text or Date column reads its one field as it stands
+    QString heading; // "\n" breaks it into lines
+    QString number; // printed under the heading, as on the statutory form
+    QVector<Term> terms; // a Text or Date column reads its one field as it stands
     Format format = Format::Text;
-    int width = 8;          // the least width, in digits of the body font
-    int stretch = 0;        // share of the width left over (long texts)
-    bool sums = false;      // carried from page to page and totalled at the end
+    int width = 8; // the least width, in digits of the body font
+    int stretch = 0; // share of the width left over (long texts)
+    bool sums = false; // carried from page to page and totalled at the end
 };
 
 struct Layout {
     QString title;
     QVector<Column> columns;
-    QString kindField;      // the entry kind code the terms test; empty when none do
+    QString kindField; // the entry kind code the terms test; empty when none do
     Orientation orientation = Orientation::Portrait;
     bool salesPoint = false; // a trade book: the header names the sales point
     bool isValid() const { return !columns.isEmpty(); }
@@ -64,7 +64,8 @@ Orientation orientationFor(const QVector<Column>& columns);
 
 // A layout whose fields were found in one result set. Values are read per row and
 // column; amounts are summed as Money.
-class BoundLayout {
+class BoundLayout
+{
 public:
     // Nothing, with *error naming the first missing field, when the rows lack one.
     static std::optional<BoundLayout> bind(const Layout& layout, const ResultSet& rows, QString* error);
@@ -86,7 +87,7 @@ private:
         QVector<int> kinds;
     };
     Layout m_layout;
-    QVector<QVector<BoundTerm>> m_terms;   // per column
+    QVector<QVector<BoundTerm>> m_terms; // per column
     QVector<int> m_summed;
     int m_kindField = -1;
 };

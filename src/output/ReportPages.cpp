@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-namespace knjige::report {
+namespace knjige::report
+{
 
 Paginator::Paginator(int firstPageLines, int otherPageLines, int sums)
     : m_firstLines(std::max(firstPageLines, 2))

@@ -4,7 +4,8 @@
 
 #include <QVector>
 
-namespace knjige::report {
+namespace knjige::report
+{
 
 // One printed page of a book: rows [firstRow, endRow) and the sums of its summed
 // columns. `brought` is what the page brings forward ("Prenos"): the sum of the rows
@@ -25,7 +26,8 @@ struct Page {
 // on the last page, the totals, and every page after the first one line at its head
 // for "Prenos". A row never splits across pages; a row taller than a whole page gets a
 // page of its own.
-class Paginator {
+class Paginator
+{
 public:
     // `firstPageLines` and `otherPageLines`: the body lines of the first page (below
     // the book's heading) and of the others, summary lines included. `sums`: the

@@ -6,7 +6,8 @@
 
 #include <QRegularExpression>
 
-namespace knjige::report {
+namespace knjige::report
+{
 
 QString recapitulationSql(const QString& whereClause)
 {
@@ -23,7 +24,8 @@ QString recapitulationSql(const QString& whereClause)
 
 std::optional<Period> parsePeriod(const QString& text)
 {
-    static const QRegularExpression form(QStringLiteral("^\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*-\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*$"));
+    static const QRegularExpression form(
+        QStringLiteral("^\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*-\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*$"));
     const QRegularExpressionMatch m = form.match(text);
     if (!m.hasMatch())
         return std::nullopt;
@@ -31,11 +33,11 @@ std::optional<Period> parsePeriod(const QString& text)
     const QDate to = dates::parseDayFirst(m.captured(2));
     if (!from.isValid() || !to.isValid() || to < from)
         return std::nullopt;
-    return Period{from, to};
+    return Period { from, to };
 }
 
 Selection bookSelection(int bookKind, qint16 company, qint16 year, const std::optional<Period>& period,
-                        qint32 salesPoint, const QString& salesPointName)
+    qint32 salesPoint, const QString& salesPointName)
 {
     Selection s;
     s.from = period ? period->from : browser::periodStart(year);
@@ -49,7 +51,8 @@ Selection bookSelection(int bookKind, qint16 company, qint16 year, const std::op
     QString conditions = QStringLiteral(" K.Datum>='") + dates::sqlLiteral(s.from) + u'\'';
     if (period) {
         conditions += QStringLiteral(" AND K.Datum<='") + dates::sqlLiteral(s.to) + u'\'';
-        s.description = QStringLiteral("Period od ") + dates::display(s.from) + QStringLiteral(" do ") + dates::display(s.to);
+        s.description
+            = QStringLiteral("Period od ") + dates::display(s.from) + QStringLiteral(" do ") + dates::display(s.to);
     } else {
         s.description = QStringLiteral("Period od ") + dates::display(s.from);
     }
@@ -59,7 +62,8 @@ Selection bookSelection(int bookKind, qint16 company, qint16 year, const std::op
         conditions += QStringLiteral(" AND  K.BrojProd=") + QString::number(salesPoint);
         s.description += QStringLiteral(",Broj prod.: ") + QString::number(salesPoint) + u' ' + salesPointName;
     }
-    s.where = QStringLiteral(" WHERE K.BrojPoduzeca=") + QString::number(company) + QStringLiteral(" AND ") + conditions;
+    s.where
+        = QStringLiteral(" WHERE K.BrojPoduzeca=") + QString::number(company) + QStringLiteral(" AND ") + conditions;
     return s;
 }
 

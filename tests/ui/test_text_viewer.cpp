@@ -11,13 +11,13 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
-
 #include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::test;
 
-namespace {
+namespace
+{
 
 QByteArray contents(const QString& path)
 {
@@ -34,11 +34,11 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
     const QString file = scratchDir() + QStringLiteral("/poruka.txt");
     struct Step {
         bool ask;
-        const char* button;        // pressed in the window; nullptr: closed by its box
+        const char* button; // pressed in the window; nullptr: closed by its box
         bool answer;
     };
-    for (const Step& step : {Step{true, "cmdDa", true}, Step{true, "cmdNe", false}, Step{true, nullptr, false},
-                             Step{false, "OKButton", false}}) {
+    for (const Step& step : { Step { true, "cmdDa", true }, Step { true, "cmdNe", false },
+             Step { true, nullptr, false }, Step { false, "OKButton", false } }) {
         frmPrikazTeksta viewer;
         script->onDialog = [&](QDialog& d) {
             EXPECT_EQ(d.windowTitle(), QStringLiteral("Upozorenje"));
@@ -82,7 +82,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
     script->answers.enqueue(Answer::Yes);
     viewer.cmdSpremiTekst->click();
     EXPECT_TRUE(QFile::exists(file));
-    EXPECT_EQ(contents(file), QByteArray());   // the empty text makes an empty file
+    EXPECT_EQ(contents(file), QByteArray()); // the empty text makes an empty file
     // No file chosen: nothing asked, nothing written.
     script->clear();
     viewer.cmdSpremiTekst->click();

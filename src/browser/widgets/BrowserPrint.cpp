@@ -10,8 +10,10 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 void previewOrReport(ReportPrinter& printer, QWidget* parent)
 {
@@ -27,9 +29,9 @@ void previewOrReport(ReportPrinter& printer, QWidget* parent)
 
 std::unique_ptr<ReportPrinter> bookReport(frmSifarnikKnj& w)
 {
-    const report::BookFilter filter{w.OpisFiltera, w.DatumOd, w.DatumDo, w.BrojProd};
+    const report::BookFilter filter { w.OpisFiltera, w.DatumOd, w.DatumDo, w.BrojProd };
     return std::make_unique<ReportPrinter>(report::bookLayout(w.TipSifarnika(), w.BrojProd),
-                                           report::bookHeader(w.TipSifarnika(), filter, w.rsStavke()), w.rsStavke());
+        report::bookHeader(w.TipSifarnika(), filter, w.rsStavke()), w.rsStavke());
 }
 
 std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
@@ -40,8 +42,8 @@ std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
         warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
         return nullptr;
     }
-    return std::make_unique<ReportPrinter>(report::recapitulationLayout(),
-                                           report::recapitulationHeader(w.OpisFiltera), std::move(rows));
+    return std::make_unique<ReportPrinter>(
+        report::recapitulationLayout(), report::recapitulationHeader(w.OpisFiltera), std::move(rows));
 }
 
 void frmSifarnikKnj::IspišiZapise()

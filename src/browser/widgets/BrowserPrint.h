@@ -2,7 +2,8 @@
 
 #include <memory>
 
-namespace knjige {
+namespace knjige
+{
 
 class ReportPrinter;
 class frmSifarnikKnj;

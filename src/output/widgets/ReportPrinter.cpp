@@ -12,11 +12,12 @@
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QSaveFile>
-
 #include <algorithm>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 constexpr qreal kBodyPoints = 8.0;
 constexpr qreal kLeastBodyPoints = 5.0;
@@ -28,8 +29,8 @@ QFont font(qreal points, bool bold = false)
     QFont f;
     // Arial where there is one (Windows); its metric twin or a narrow sans elsewhere,
     // so the wide books keep a readable size.
-    f.setFamilies({QStringLiteral("Arial"), QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans Condensed"),
-                   QStringLiteral("DejaVu Sans")});
+    f.setFamilies({ QStringLiteral("Arial"), QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans Condensed"),
+        QStringLiteral("DejaVu Sans") });
     f.setStyleHint(QFont::SansSerif);
     f.setPointSizeF(points);
     f.setBold(bold);
@@ -43,7 +44,7 @@ struct ReportPrinter::Metrics {
     QRectF page;
     QFont body, small, company, title;
     GlyphText text, bold, heading, number, foot;
-    QVector<qreal> x;          // left edge of each column; the last is the table's right edge
+    QVector<qreal> x; // left edge of each column; the last is the table's right edge
     qreal pad = 0;
     qreal line = 0;
     qreal headingsHeight = 0;
@@ -87,9 +88,8 @@ bool ReportPrinter::isReady(QString* error) const
 void ReportPrinter::setUpPage(QPrinter& printer) const
 {
     printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-                                      m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape
-                                                                                              : QPageLayout::Portrait,
-                                      QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
+        m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+        QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
 }
 
 // Fonts and columns for the device's page: the body font shrinks until the columns'
@@ -135,7 +135,7 @@ void ReportPrinter::measure(QPagedPaintDevice& device)
     const qreal spare = std::max<qreal>(0, m->page.width() - used);
     for (int i = 0; i < columns.size(); ++i)
         widths[i] += stretch > 0 ? spare * columns[i].stretch / stretch : spare / columns.size();
-    m->x = {0};
+    m->x = { 0 };
     for (qreal w : widths)
         m->x << m->x.last() + w;
 
@@ -166,7 +166,7 @@ int ReportPrinter::rowLines(int row, QVector<QStringList>* cells) const
         const QString text = m_bound->text(m_rows, row, c, m.locale);
         if (!isText || text.isEmpty()) {
             if (cells)
-                (*cells)[c] = text.isEmpty() ? QStringList() : QStringList{text};
+                (*cells)[c] = text.isEmpty() ? QStringList() : QStringList { text };
             continue;
         }
         const QStringList wrapped = wrapText(text, m.width(c), m.text, kMostLinesPerRow);
@@ -183,8 +183,8 @@ QVector<report::Page> ReportPrinter::paginate() const
     const qreal foot = m.page.bottom() - m.foot.lineSpacing() * 1.5;
     const auto linesBelow = [&](qreal top) { return int((foot - top - m.headingsHeight) / m.line); };
     const QVector<int>& summed = m_bound->summed();
-    report::Paginator paginator(linesBelow(paintHead(nullptr, 0)), linesBelow(paintHead(nullptr, 1)),
-                                int(summed.size()));
+    report::Paginator paginator(
+        linesBelow(paintHead(nullptr, 0)), linesBelow(paintHead(nullptr, 1)), int(summed.size()));
     QVector<Money> values(summed.size());
     for (int r = 0; r < m_rows.rowCount(); ++r) {
         for (int i = 0; i < summed.size(); ++i)
@@ -239,14 +239,14 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     }
     const bool last = index == m_pages.size() - 1;
     paintSums(p, last ? QStringLiteral("Ukupno:") : QStringLiteral("Za prenos:"), page.carried, y);
-    paintRules(p, {top, headingsBottom, rowsTop, y, y + m.line});
+    paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
     paintFoot(p, index);
 }
 
 // One line of a cell, its top at `y`. Texts were wrapped to fit; a number wider than
 // its column is drawn narrower, never into the next column.
-void ReportPrinter::paintCell(QPainter& p, const GlyphText& font, const QString& text, int column, bool right,
-                              qreal y) const
+void ReportPrinter::paintCell(
+    QPainter& p, const GlyphText& font, const QString& text, int column, bool right, qreal y) const
 {
     const Metrics& m = *m_m;
     const qreal baseline = y + (m.line - font.lineSpacing()) / 2 + font.ascent();
@@ -373,10 +373,8 @@ bool ReportPrinter::writePdf(const QString& path, QString* error)
         writer.setCreator(QStringLiteral("Knjige"));
         writer.setTitle(m_header.title);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-                                         m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape
-                                                                                                 : QPageLayout::Portrait,
-                                         QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm),
-                                         QPageLayout::Millimeter));
+            m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+            QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
         if (paint(writer) == 0) {
             *error = QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
             file.cancelWriting();
@@ -399,7 +397,8 @@ void ReportPrinter::preview(QWidget* parent)
     dialog.setObjectName(QStringLiteral("frmPregledIspisa"));
     dialog.setWindowTitle(m_header.title);
     dialog.resize(1000, 760);
-    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) { paint(*target); });
+    QObject::connect(
+        &dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) { paint(*target); });
     interaction().exec(dialog);
 }
 

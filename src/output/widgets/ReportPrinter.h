@@ -7,7 +7,6 @@
 #include <QFont>
 #include <QString>
 #include <QVector>
-
 #include <memory>
 #include <optional>
 
@@ -16,7 +15,8 @@ class QPainter;
 class QPrinter;
 class QWidget;
 
-namespace knjige {
+namespace knjige
+{
 
 class GlyphText;
 
@@ -29,7 +29,8 @@ class GlyphText;
 // boundaries and sums are kept), the second paints page after page, so a PDF writer
 // hands each page on as it is done. The rows are read, never copied; rows given by
 // reference must outlive the printer.
-class ReportPrinter {
+class ReportPrinter
+{
 public:
     ReportPrinter(report::Layout layout, report::Header header, const ResultSet& rows);
     // The same over rows of its own (a report read just for printing).

@@ -5,7 +5,8 @@
 #include <QPaintDevice>
 #include <QPainter>
 
-namespace knjige {
+namespace knjige
+{
 
 GlyphText::GlyphText(const QFont& font, const QPaintDevice& device)
     : m_raw(QRawFont::fromFont(font))
@@ -23,7 +24,7 @@ const GlyphText::Glyph& GlyphText::glyph(char16_t c) const
     if (g.advance < 0) {
         const QList<quint32> index = m_raw.glyphIndexesForString(QString(QChar(c)));
         g.index = index.value(0);
-        const QList<QPointF> advance = m_raw.advancesForGlyphIndexes(QList<quint32>{g.index});
+        const QList<QPointF> advance = m_raw.advancesForGlyphIndexes(QList<quint32> { g.index });
         g.advance = advance.isEmpty() ? 0 : advance.first().x();
     }
     return g;
@@ -61,7 +62,7 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
 {
     const QString plain = text.simplified();
     if (font.width(plain) <= width)
-        return {plain};
+        return { plain };
     QStringList lines;
     QString line;
     for (QString word : plain.split(u' ', Qt::SkipEmptyParts)) {

@@ -3,7 +3,6 @@
 #include <QRawFont>
 #include <QString>
 #include <QStringList>
-
 #include <vector>
 
 class QFont;
@@ -11,13 +10,15 @@ class QPainter;
 class QPaintDevice;
 class QPointF;
 
-namespace knjige {
+namespace knjige
+{
 
 // Text set straight from a font's glyph table, without shaping: the cells of a long
 // book are hundreds of thousands of short Latin texts and numbers, and shaping each
 // would take most of a print's time. Widths and drawing use the same advances, so a
 // text measured to fit a column is drawn inside it.
-class GlyphText {
+class GlyphText
+{
 public:
     GlyphText() = default;
     // The font at its size on `device`, in the device's units.
@@ -32,12 +33,12 @@ public:
 private:
     struct Glyph {
         quint32 index = 0;
-        qreal advance = -1;   // -1: not looked up yet
+        qreal advance = -1; // -1: not looked up yet
     };
     const Glyph& glyph(char16_t c) const;
 
     QRawFont m_raw;
-    mutable std::vector<Glyph> m_glyphs;   // by UTF-16 code unit
+    mutable std::vector<Glyph> m_glyphs; // by UTF-16 code unit
 };
 
 // Lines of `text` (blanks and line breaks simplified) no wider than `width`: broken at

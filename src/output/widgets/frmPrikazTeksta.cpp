@@ -15,8 +15,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QPushButton* button(QWidget* parent, const char* name, const QString& caption)
 {

@@ -7,12 +7,14 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
-namespace knjige {
+namespace knjige
+{
 
 // The viewer of long texts: a message that does not fit a message box, optionally
 // with a yes/no question under it, which the person can also save as a text file in
 // the workstation's 8-bit code page.
-class frmPrikazTeksta final : public QDialog {
+class frmPrikazTeksta final : public QDialog
+{
     Q_OBJECT
 public:
     explicit frmPrikazTeksta(QWidget* parent = nullptr);
@@ -38,7 +40,7 @@ public:
     QAction* mnuSpremiTekst = nullptr;
 
 private:
-    QString m_tekst;   // as given: the file gets its line ends unchanged
+    QString m_tekst; // as given: the file gets its line ends unchanged
     bool m_odgovor = false;
 };
 
