@@ -109,7 +109,7 @@ struct Request {
     int kind = 0;
     qint16 company = 0;
     qint16 year = 0;
-    std::optional<report::Period> period;
+    std::optional<std::pair<QDate, QDate>> period;
     qint32 shop = 0;
     QString pdf;
     QString conn;
@@ -139,13 +139,8 @@ bool request(const Options& o, Request* r, int* code)
         problem = QStringLiteral("Zadajte broj firme: --company BROJ (1 do 32767).");
     else if (!number(o, "--year", 1900, 2100, &year))
         problem = QStringLiteral("Zadajte radnu godinu: --year GODINA (1900 do 2100).");
-    if (problem.isEmpty() && o.values.contains(QStringLiteral("--period"))) {
-        r->period = report::parsePeriod(o.values.value(QStringLiteral("--period")));
-        if (!r->period)
-            problem
-                = QStringLiteral("Neispravan period: %1 (oblik dd.mm.gggg-dd.mm.gggg, početak najkasnije na kraju).")
-                      .arg(o.values.value(QStringLiteral("--period")));
-    }
+    if (problem.isEmpty() && o.values.contains(QStringLiteral("--period")))
+        r->period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), year, &problem);
     if (problem.isEmpty() && o.values.contains(QStringLiteral("--shop"))) {
         int shop = 0;
         if (!isTradeBook(r->kind))
@@ -189,14 +184,14 @@ int print(const Request& r)
         if (!found)
             return complain(QStringLiteral("Prodajno mjesto %1 nije među komitentima baze.").arg(r.shop));
     }
-    const report::Selection sel = report::bookSelection(r.kind, r.company, r.year, r.period, r.shop, name);
+    const browser::FilterState sel = report::bookSelection(r.kind, r.company, r.year, r.period, r.shop, name);
     ResultSet rows;
     if (!db.open(findBook(r.kind)->selectSql + sel.where + browser::orderBy(), rows))
         return complain(QStringLiteral("Knjigu nije moguće pročitati: ") + db.errorDescription());
     DefVarijabli::CitajKonfiguraciju(true);
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
-    const report::BookFilter filter { sel.description, sel.from, sel.to, sel.salesPoint };
+    const report::BookFilter filter { sel.description, sel.periodStart, sel.periodEnd, sel.salesPoint };
     ReportPrinter printer(report::bookLayout(r.kind, sel.salesPoint), report::bookHeader(r.kind, filter, rows), rows);
     QString error;
     if (!printer.writePdf(r.pdf, &error))

@@ -1,6 +1,7 @@
 #include "output/ReportHeader.h"
 
 #include "books/BookKind.h"
+#include "browser/FilterClause.h"
 #include "output/ReportLayout.h"
 #include "session/Session.h"
 
@@ -54,11 +55,6 @@ QStringList companyLines(const ResultSet& c)
     return out;
 }
 
-QString filterLine(const QString& description)
-{
-    return description.isEmpty() ? QStringLiteral("Filter: Svi") : QStringLiteral("Filter : ") + description;
-}
-
 QString periodLine(const QDate& from, const QDate& to)
 {
     const QString f = QStringLiteral("dd.MM.yyyy");
@@ -93,7 +89,7 @@ Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows)
     h.companyLines = companyLines(s.Konfiguracija);
     h.title = bookLayout(bookKind).title;
     h.period = periodLine(filter.from, filter.to);
-    h.filter = filterLine(filter.description);
+    h.filter = browser::filterLine(filter.description);
     if (isTradeBook(bookKind)) {
         QString name;
         const int shop = rows.indexOf(QStringLiteral("BrojProd"));
@@ -113,7 +109,7 @@ Header recapitulationHeader(const QString& filterDescription)
     Header h;
     h.company = session().NazivFirme;
     h.title = recapitulationLayout().title;
-    h.filter = filterLine(filterDescription);
+    h.filter = browser::filterLine(filterDescription);
     h.operatorName = session().ImeOperatera;
     h.printed = QDateTime::currentDateTime();
     return h;

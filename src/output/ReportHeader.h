@@ -27,8 +27,6 @@ struct Header {
 // place, identification and VAT numbers, telephone, bank account, activity, owner.
 QStringList companyLines(const ResultSet& configuration);
 
-// "Filter : " + the description, or "Filter: Svi" when there is none.
-QString filterLine(const QString& description);
 QString periodLine(const QDate& from, const QDate& to);
 QString pageLine(int page, int pages);
 QString printedLine(const QDateTime& printed, const QString& operatorName);

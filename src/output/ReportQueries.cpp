@@ -2,9 +2,6 @@
 
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
-#include "session/Dates.h"
-
-#include <QRegularExpression>
 
 namespace knjige::report
 {
@@ -22,49 +19,19 @@ QString recapitulationSql(const QString& whereClause)
         + whereClause + QStringLiteral(" GROUP BY K.Vrsta ORDER BY K.Vrsta");
 }
 
-std::optional<Period> parsePeriod(const QString& text)
+browser::FilterState bookSelection(int bookKind, qint16 company, qint16 year,
+    const std::optional<std::pair<QDate, QDate>>& period, qint32 salesPoint, const QString& salesPointName)
 {
-    static const QRegularExpression form(
-        QStringLiteral("^\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*-\\s*(\\d{1,2}\\.\\d{1,2}\\.\\d{4})\\s*$"));
-    const QRegularExpressionMatch m = form.match(text);
-    if (!m.hasMatch())
-        return std::nullopt;
-    const QDate from = dates::parseDayFirst(m.captured(1));
-    const QDate to = dates::parseDayFirst(m.captured(2));
-    if (!from.isValid() || !to.isValid() || to < from)
-        return std::nullopt;
-    return Period { from, to };
-}
-
-Selection bookSelection(int bookKind, qint16 company, qint16 year, const std::optional<Period>& period,
-    qint32 salesPoint, const QString& salesPointName)
-{
-    Selection s;
-    s.from = period ? period->from : browser::periodStart(year);
-    s.to = period ? period->to : browser::periodEnd(year);
-    const bool shop = isTradeBook(bookKind) && salesPoint != 0;
-    if (!period && !shop) {
-        s.where = browser::openingWhere(s.from, year, company);
-        return s;
+    const QDate from = period ? period->first : browser::periodStart(year);
+    const QDate to = period ? period->second : browser::periodEnd(year);
+    if (!period && !(isTradeBook(bookKind) && salesPoint != 0)) {
+        browser::FilterState opening;
+        opening.where = browser::openingWhere(from, year, company);
+        opening.periodStart = from;
+        opening.periodEnd = to;
+        return opening;
     }
-    const QString y = QString::number(year);
-    QString conditions = QStringLiteral(" K.Datum>='") + dates::sqlLiteral(s.from) + u'\'';
-    if (period) {
-        conditions += QStringLiteral(" AND K.Datum<='") + dates::sqlLiteral(s.to) + u'\'';
-        s.description
-            = QStringLiteral("Period od ") + dates::display(s.from) + QStringLiteral(" do ") + dates::display(s.to);
-    } else {
-        s.description = QStringLiteral("Period od ") + dates::display(s.from);
-    }
-    conditions += QStringLiteral(" AND K.GodinaKnj=") + y;
-    if (shop) {
-        s.salesPoint = salesPoint;
-        conditions += QStringLiteral(" AND  K.BrojProd=") + QString::number(salesPoint);
-        s.description += QStringLiteral(",Broj prod.: ") + QString::number(salesPoint) + u' ' + salesPointName;
-    }
-    s.where
-        = QStringLiteral(" WHERE K.BrojPoduzeca=") + QString::number(company) + QStringLiteral(" AND ") + conditions;
-    return s;
+    return browser::periodFilter(bookKind, from, to, company, year, salesPoint, salesPointName);
 }
 
 } // namespace knjige::report

@@ -178,15 +178,15 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         // Half the books print with a period filter, the trade books for one shop.
         const bool filtered = book.code % 2 == 0;
         const qint32 shop = isTradeBook(book.code) ? 501 : 0;
-        std::optional<report::Period> period;
+        std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
-            period = report::Period { QDate(2016, 1, 1), QDate(2016, 12, 31) };
-        const report::Selection sel
+            period = std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31));
+        const browser::FilterState sel
             = report::bookSelection(book.code, 1, 2016, period, shop, QStringLiteral("Maloprodaja Centar"));
         w->WhereUvjet = sel.where;
         w->OpisFiltera = sel.description;
-        w->DatumOd = sel.from;
-        w->DatumDo = sel.to;
+        w->DatumOd = sel.periodStart;
+        w->DatumDo = sel.periodEnd;
         w->BrojProd = sel.salesPoint;
         w->OsvjeziZapise();
         ASSERT_EQ(w->rsStavke().rowCount(), kRows);
@@ -290,8 +290,8 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     addPrihRash(1, 2016, 7, { 2016, 4, 1 }, 19, 10); // after it
     addPrihRash(2, 2016, 8, { 2016, 3, 1 }, 11, 5000); // another company
     auto w = open(96);
-    const report::Selection sel
-        = report::bookSelection(96, 1, 2016, report::Period { QDate(2016, 2, 1), QDate(2016, 3, 31) });
+    const browser::FilterState sel
+        = report::bookSelection(96, 1, 2016, std::make_pair(QDate(2016, 2, 1), QDate(2016, 3, 31)));
     w->WhereUvjet = sel.where;
     w->OpisFiltera = sel.description;
 

@@ -15,23 +15,9 @@ void frmSifarnikKnj::nijeJošDostupno(const QString& what)
            Icon::Information);
 }
 
-// Without the editors' filter mode the filter can only start over: the whole working
-// year, no description, and a reload with the WHERE clause in force.
-void frmSifarnikKnj::PostaviFilter()
-{
-    OpisFiltera.clear();
-    m_txtFilter->setText(OpisFiltera);
-    DatumOd = browser::periodStart(session().RadnaGodina);
-    DatumDo = browser::periodEnd(session().RadnaGodina);
-    OsvjeziZapise();
-}
-
 void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Renumeracija")); }
 void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
 void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
 void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
-
-// The running totals panel lvStanje stays hidden until its sums are built.
-void frmSifarnikKnj::OsvjeziStanje() {}
 
 } // namespace knjige
