@@ -191,7 +191,7 @@ knjige(print print 96 --db "${db}" ${common} --pdf "${WORK}/knjiga96.pdf")
 expect_ok(print "print of the demo income and expense book")
 file(READ "${WORK}/knjiga96.pdf" head LIMIT 5 HEX)
 expect_equal("${head}" "255044462d" "print writes a PDF file (%PDF-)")
-knjige(shop print clsTrgKnjKomisiona --db "${db}" ${common} --shop 501 --period "01.01.${year}-31.12.${year}"
+knjige(shop print clsTrgKnjKomisiona --db "${db}" ${common} --prod 501 --period "01.01.${year}-31.12.${year}"
   --pdf "${WORK}/knjiga126.pdf")
 expect_ok(shop "print of one shop's commission book for a period")
 knjige(badbook print 95 --db "${db}" ${common} --pdf "${WORK}/x.pdf")
@@ -206,8 +206,8 @@ knjige(notdb print 96 --db "${WORK}/knjiga96.pdf" ${common} --pdf "${WORK}/x.pdf
 expect_refusal(notdb "print from a file that is no database" "Spajanje na bazu nije uspjelo")
 knjige(nopdf print 96 --db "${db}" ${common})
 expect_refusal(nopdf "print without an output file" "--pdf")
-knjige(shop96 print 96 --db "${db}" ${common} --shop 501 --pdf "${WORK}/x.pdf")
-expect_refusal(shop96 "a sales point for a book without one" "--shop")
+knjige(shop96 print 96 --db "${db}" ${common} --prod 501 --pdf "${WORK}/x.pdf")
+expect_refusal(shop96 "a sales point for a book without one" "--prod")
 expect_missing("${WORK}/x.pdf" "a refused print")
 
 message(STATUS "cli_smoke: all checks passed")

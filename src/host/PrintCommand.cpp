@@ -41,7 +41,7 @@ struct Options {
 Options parse(const QStringList& args)
 {
     static const QStringList valueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"),
-        QStringLiteral("--company"), QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--shop"),
+        QStringLiteral("--company"), QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
         QStringLiteral("--pdf"), QStringLiteral("--operator") };
     Options o;
     for (int i = 0; i < args.size() && o.error.isEmpty(); ++i) {
@@ -141,12 +141,12 @@ bool request(const Options& o, Request* r, int* code)
         problem = QStringLiteral("Zadajte radnu godinu: --year GODINA (1900 do 2100).");
     if (problem.isEmpty() && o.values.contains(QStringLiteral("--period")))
         r->period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), year, &problem);
-    if (problem.isEmpty() && o.values.contains(QStringLiteral("--shop"))) {
+    if (problem.isEmpty() && o.values.contains(QStringLiteral("--prod"))) {
         int shop = 0;
         if (!isTradeBook(r->kind))
-            problem = QStringLiteral("Prodajno mjesto (--shop) imaju samo trgovačke knjige (125, 126).");
-        else if (!number(o, "--shop", 1, 2147483647, &shop))
-            problem = QStringLiteral("Neispravno prodajno mjesto: %1").arg(o.values.value(QStringLiteral("--shop")));
+            problem = QStringLiteral("Prodajno mjesto (--prod) imaju samo trgovačke knjige (125, 126).");
+        else if (!number(o, "--prod", 1, 2147483647, &shop))
+            problem = QStringLiteral("Neispravno prodajno mjesto: %1").arg(o.values.value(QStringLiteral("--prod")));
         r->shop = shop;
     }
     if (!problem.isEmpty()) {
@@ -209,11 +209,11 @@ QString printUsage()
 {
     return QStringLiteral(
         "knjige print KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company BROJ --year GODINA\n"
-        "             [--period dd.mm.gggg-dd.mm.gggg] [--shop BROJ] [--operator IME] --pdf IZLAZ.pdf\n"
+        "             [--period dd.mm.gggg-dd.mm.gggg] [--prod BROJ] [--operator IME] --pdf IZLAZ.pdf\n"
         "  Ispiše knjigu u PDF datoteku, kao naredba Ispis u prozoru knjige (bez zaslona).\n"
         "  KNJIGA je šifra (96, 97, ..., 126) ili naziv klase knjige.\n"
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
-        "  --shop     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
+        "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa\n"
         "  --pdf      datoteka ispisa (postojeća se zamijeni)\n");
 }

@@ -6,7 +6,7 @@
 namespace knjige::host
 {
 
-// `knjige print KNJIGA --db|--conn ... --company C --year Y [--period OD-DO] [--shop S]
+// `knjige print KNJIGA --db|--conn ... --company C --year Y [--period OD-DO] [--prod N]
 // --pdf IZLAZ.pdf`: the book as the browser's Print lays it out, written to a PDF
 // file without a window. Returns 0 done, 1 the work failed, 2 the command line is
 // wrong. It needs fonts but no screen.

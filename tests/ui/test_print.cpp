@@ -271,7 +271,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         if (filtered)
             args << QStringLiteral("--period") << QStringLiteral("01.01.2016-31.12.2016");
         if (shop)
-            args << QStringLiteral("--shop") << QString::number(shop);
+            args << QStringLiteral("--prod") << QString::number(shop);
         ASSERT_EQ(host::runPrint(args), 0);
         EXPECT_EQ(withoutPrintTime(pdfPages(cliPdf)), withoutPrintTime(pages));
     }
