@@ -15,11 +15,9 @@ void frmSifarnikKnj::nijeJošDostupno(const QString& what)
            Icon::Information);
 }
 
-void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
 void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Renumeracija")); }
 void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
 void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
 void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
-void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 
 } // namespace knjige
