@@ -2,18 +2,35 @@
 
 #include <QStringList>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
-QChar firstChar(const QString& s, QChar fallback) { return s.isEmpty() ? fallback : s.front(); }
+QChar firstChar(const QString& s, QChar fallback)
+{
+    return s.isEmpty() ? fallback : s.front();
+}
 
-bool isMinus(QChar c) { return c == u'-' || c == QChar(0x2212); }
+bool isMinus(QChar c)
+{
+    return c == u'-' || c == QChar(0x2212);
+}
 
 // "1.234,56" in the workstation's own marks, for the messages.
-QString example(const NumberConventions& c) { return QStringLiteral("1") + c.group + QStringLiteral("234") + c.decimal + QStringLiteral("56"); }
+QString example(const NumberConventions& c)
+{
+    return QStringLiteral("1") + c.group + QStringLiteral("234") + c.decimal + QStringLiteral("56");
+}
 
-AmountReading refused(const QString& problem) { return {AmountReading::State::Refused, Money(), problem}; }
-AmountReading incomplete(const QString& problem) { return {AmountReading::State::Incomplete, Money(), problem}; }
+AmountReading refused(const QString& problem)
+{
+    return { AmountReading::State::Refused, Money(), problem };
+}
+AmountReading incomplete(const QString& problem)
+{
+    return { AmountReading::State::Incomplete, Money(), problem };
+}
 
 QString groupingProblem(const NumberConventions& c)
 {
@@ -43,7 +60,7 @@ std::optional<AmountReading> checkGroups(const QStringList& groups, bool closed,
 
 NumberConventions NumberConventions::of(const QLocale& locale)
 {
-    return {firstChar(locale.groupSeparator(), u','), firstChar(locale.decimalPoint(), u'.')};
+    return { firstChar(locale.groupSeparator(), u','), firstChar(locale.decimalPoint(), u'.') };
 }
 
 AmountReading readAmount(const QString& text, const NumberConventions& c, const AmountLimits& limits)
@@ -55,7 +72,8 @@ AmountReading readAmount(const QString& text, const NumberConventions& c, const 
         t = t.mid(1);
     }
     if (t.isEmpty())
-        return text.trimmed().isEmpty() ? AmountReading{} : incomplete(QStringLiteral("Iza predznaka nedostaje broj."));
+        return text.trimmed().isEmpty() ? AmountReading {}
+                                        : incomplete(QStringLiteral("Iza predznaka nedostaje broj."));
     for (QChar ch : std::as_const(t)) {
         if (ch.isDigit() && ch.unicode() < 128)
             continue;
@@ -63,7 +81,8 @@ AmountReading readAmount(const QString& text, const NumberConventions& c, const 
             continue;
         if (isMinus(ch) || ch == u'+')
             return refused(QStringLiteral("Predznak se piše samo ispred broja."));
-        return refused(QStringLiteral("Znak \"%1\" nije dio broja. Broj se ovdje piše ovako: %2").arg(ch).arg(example(c)));
+        return refused(
+            QStringLiteral("Znak \"%1\" nije dio broja. Broj se ovdje piše ovako: %2").arg(ch).arg(example(c)));
     }
     const qsizetype mark = t.indexOf(c.decimal);
     if (mark >= 0 && limits.decimals == 0)
@@ -89,7 +108,7 @@ AmountReading readAmount(const QString& text, const NumberConventions& c, const 
     // At most 14 whole digits (the limits of any box), so the units fit easily.
     qint64 units = digits.isEmpty() ? 0 : digits.toLongLong() * Money::Scale;
     units += fraction.leftJustified(4, u'0').left(4).toLongLong();
-    return {AmountReading::State::Exact, Money::fromUnits(negative ? -units : units), QString()};
+    return { AmountReading::State::Exact, Money::fromUnits(negative ? -units : units), QString() };
 }
 
 QString amountDisplay(Money value, const QLocale& locale)
@@ -126,7 +145,7 @@ AmountLimits limitsOf(Money value)
 {
     const QString plain = value.toPlainString().remove(u'-');
     const qsizetype point = plain.indexOf(u'.');
-    return {int(point < 0 ? plain.size() : point), int(point < 0 ? 0 : plain.size() - point - 1)};
+    return { int(point < 0 ? plain.size() : point), int(point < 0 ? 0 : plain.size() - point - 1) };
 }
 
 } // namespace knjige

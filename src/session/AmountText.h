@@ -5,7 +5,8 @@
 #include <QLocale>
 #include <QString>
 
-namespace knjige {
+namespace knjige
+{
 
 // How the workstation writes numbers: Bosnian "1.234,56", English "1,234.56".
 struct NumberConventions {

@@ -25,9 +25,9 @@ struct Case {
     const QLocale& locale;
     Way way;
     const char* input;
-    qint64 units;      // the value afterwards (0 when nothing was taken)
+    qint64 units; // the value afterwards (0 when nothing was taken)
     const char* shown; // the text once the box is left
-    bool marked;       // refused or unreadable: a visible sign and a reason
+    bool marked; // refused or unreadable: a visible sign and a reason
     bool whole = false;
 };
 
@@ -53,21 +53,21 @@ void enter(MoneyBox* box, Way way, const QString& input)
 TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
 {
     const Case cases[] = {
-        {kBosnian, Way::Type, "1.234,56", 12345600, "1.234,56", false},
-        {kBosnian, Way::Paste, "1.234,56", 12345600, "1.234,56", false},
-        {kBosnian, Way::Type, "12.500", 125000000, "12.500,00", false},
-        {kBosnian, Way::Paste, "-0,5", -5000, "-0,50", false},
-        {kBosnian, Way::Keypad, "12.5", 125000, "12,50", false},
-        {kBosnian, Way::Type, "1,234.56", 12300, "1,23", true},    // the fourth decimal digit refused
-        {kBosnian, Way::Paste, "1,234.56", 0, "0,00", true},       // the paste refused whole
-        {kBosnian, Way::Type, "1234567890123", 1234567890120000, "123.456.789.012,00", true},
-        {kBosnian, Way::Type, "1.2", 10000, "1.2", true},          // left incomplete, kept as typed
-        {kBosnian, Way::Type, "0,5", 0, "0,5", true, true},        // no fractions in a whole number
-        {kEnglish, Way::Type, "1,234.56", 12345600, "1,234.56", false},
-        {kEnglish, Way::Paste, "1.234,56", 0, "0.00", true},
-        {kEnglish, Way::Type, "12.500", 125000, "12.50", true},
-        {kEnglish, Way::Type, "-0,5", 0, "-0,5", true},
-        {kEnglish, Way::Paste, "123456789012.99", 1234567890129900, "123,456,789,012.99", false},
+        { kBosnian, Way::Type, "1.234,56", 12345600, "1.234,56", false },
+        { kBosnian, Way::Paste, "1.234,56", 12345600, "1.234,56", false },
+        { kBosnian, Way::Type, "12.500", 125000000, "12.500,00", false },
+        { kBosnian, Way::Paste, "-0,5", -5000, "-0,50", false },
+        { kBosnian, Way::Keypad, "12.5", 125000, "12,50", false },
+        { kBosnian, Way::Type, "1,234.56", 12300, "1,23", true }, // the fourth decimal digit refused
+        { kBosnian, Way::Paste, "1,234.56", 0, "0,00", true }, // the paste refused whole
+        { kBosnian, Way::Type, "1234567890123", 1234567890120000, "123.456.789.012,00", true },
+        { kBosnian, Way::Type, "1.2", 10000, "1.2", true }, // left incomplete, kept as typed
+        { kBosnian, Way::Type, "0,5", 0, "0,5", true, true }, // no fractions in a whole number
+        { kEnglish, Way::Type, "1,234.56", 12345600, "1,234.56", false },
+        { kEnglish, Way::Paste, "1.234,56", 0, "0.00", true },
+        { kEnglish, Way::Type, "12.500", 125000, "12.50", true },
+        { kEnglish, Way::Type, "-0,5", 0, "-0,5", true },
+        { kEnglish, Way::Paste, "123456789012.99", 1234567890129900, "123,456,789,012.99", false },
     };
     for (const Case& c : cases) {
         QWidget window;
@@ -106,11 +106,12 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
     auto a = newEntry(105);
     auto* vijek = qobject_cast<MoneyBox*>(a->control("ubVijekTrajanja"));
     run(*a, [&] {
-        for (const char* name : {"ubNabavna", "ubKnjigovodstvena"})
+        for (const char* name : { "ubNabavna", "ubKnjigovodstvena" })
             qobject_cast<MoneyBox*>(a->control(name))->setValue(Money::fromWhole(900));
         enter(vijek, Way::Type, QStringLiteral("0,5"));
         a->cmdSpremi->click();
-        EXPECT_EQ(texts(), QStringList{"Broj \"0,5\" nije moguće pročitati.\nOvdje se upisuje cijeli broj, bez decimala."});
+        EXPECT_EQ(texts(),
+            QStringList { "Broj \"0,5\" nije moguće pročitati.\nOvdje se upisuje cijeli broj, bez decimala." });
         EXPECT_EQ(focusOf(*a), QStringLiteral("ubVijekTrajanja"));
         enter(vijek, Way::Type, QStringLiteral("5"));
         a->cmdSpremi->click();
@@ -131,7 +132,7 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
 
 TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
 {
-    for (const bool typed : {false, true}) {
+    for (const bool typed : { false, true }) {
         exec(QStringLiteral("DELETE FROM dbo.KnjPrihRashFBiH"));
         script->messages.clear();
         auto e = newEntry(96);
@@ -149,10 +150,11 @@ TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
         ASSERT_EQ(mine.rowCount(), 1);
         EXPECT_EQ(mine.integer(0, 0), typed ? 4 : 6) << "a number the operator typed is kept";
         EXPECT_EQ(e->spremljeniRBroj(), typed ? 4 : 6);
-        EXPECT_EQ(texts(), typed ? QStringList{}
-                                 : QStringList{"Redni broj 4 je u međuvremenu dobila stavka koju je upisao drugi "
-                                               "korisnik.\nOva stavka je spremljena pod sljedećim slobodnim rednim "
-                                               "brojem: 6."});
+        EXPECT_EQ(texts(),
+            typed ? QStringList {}
+                  : QStringList { "Redni broj 4 je u međuvremenu dobila stavka koju je upisao drugi "
+                                  "korisnik.\nOva stavka je spremljena pod sljedećim slobodnim rednim "
+                                  "brojem: 6." });
         EXPECT_EQ(lastMessage().title, typed ? QString() : QStringLiteral("Napomena"));
     }
 }

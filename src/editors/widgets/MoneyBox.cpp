@@ -6,7 +6,6 @@
 #include <QTimer>
 #include <QToolTip>
 #include <QValidator>
-
 #include <algorithm>
 
 namespace knjige
@@ -50,14 +49,14 @@ public:
         const qint64 whole = reading.value.units() / Money::Scale;
         if (whole >= m_box->minimum() && whole <= m_box->maximum())
             return Acceptable;
-        m_box->noteRefusal(QStringLiteral("Broj mora biti između %1 i %2.")
-                               .arg(wholeDisplay(m_box->minimum(), m_box->locale()),
-                                   wholeDisplay(m_box->maximum(), m_box->locale())));
+        m_box->noteRefusal(
+            QStringLiteral("Broj mora biti između %1 i %2.")
+                .arg(wholeDisplay(m_box->minimum(), m_box->locale()), wholeDisplay(m_box->maximum(), m_box->locale())));
         return Invalid;
     }
 
 private:
-    AmountLimits wholeWithDecimals() const { return {m_box->limits().wholeDigits, 4}; }
+    AmountLimits wholeWithDecimals() const { return { m_box->limits().wholeDigits, 4 }; }
 
     MoneyBox* m_box;
 };
@@ -77,9 +76,9 @@ MoneyBox::MoneyBox(QWidget* parent, bool wholeNumbers)
 
 AmountLimits MoneyBox::limits() const
 {
-    const AmountLimits base = m_whole ? AmountLimits{kMostWholeDigits, 0} : AmountLimits{};
-    return {std::min(kMostWholeDigits, std::max(base.wholeDigits, m_needed.wholeDigits)),
-        std::max(base.decimals, m_needed.decimals)};
+    const AmountLimits base = m_whole ? AmountLimits { kMostWholeDigits, 0 } : AmountLimits {};
+    return { std::min(kMostWholeDigits, std::max(base.wholeDigits, m_needed.wholeDigits)),
+        std::max(base.decimals, m_needed.decimals) };
 }
 
 void MoneyBox::setValue(Money value)
@@ -215,8 +214,8 @@ void MoneyBox::keyPressEvent(QKeyEvent* event)
 {
     // The keypad's decimal key gives a point or a comma by keyboard layout; in the box
     // it is always the local decimal mark.
-    const bool keypadMark
-        = (event->modifiers() & Qt::KeypadModifier) && (event->key() == Qt::Key_Period || event->key() == Qt::Key_Comma);
+    const bool keypadMark = (event->modifiers() & Qt::KeypadModifier)
+        && (event->key() == Qt::Key_Period || event->key() == Qt::Key_Comma);
     if (keypadMark && !isReadOnly()) {
         QKeyEvent local(QEvent::KeyPress, event->key(), event->modifiers(), QString(conventions().decimal));
         QLineEdit::keyPressEvent(&local);

@@ -78,7 +78,7 @@ private:
 
     Money m_value;
     bool m_typed = false;
-    AmountLimits m_needed{0, 0};
+    AmountLimits m_needed { 0, 0 };
     bool m_whole = false;
     qint64 m_min = std::numeric_limits<qint32>::min();
     qint64 m_max = std::numeric_limits<qint32>::max();
