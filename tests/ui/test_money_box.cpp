@@ -8,6 +8,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QTest>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 using namespace knjige;
@@ -96,8 +97,8 @@ std::unique_ptr<RecordEditor> newEntry(int book)
     e->setTipSifarnika(book);
     e->ubRBroj->setValue(Money::fromWhole(4)); // as the browser proposes it
     e->dpDatum->setDate(QDate(2016, 4, 1));
-    auto* isprava = qobject_cast<QLineEdit*>(e->control(book == 96 ? "txtIsprava" : "txtBrojDokumenta"));
-    isprava->setText(QStringLiteral("KIF-1"));
+    if (auto* isprava = qobject_cast<QLineEdit*>(e->control(book == 105 ? "txtBrojDokumenta" : "txtIsprava")))
+        isprava->setText(QStringLiteral("KIF-1"));
     return e;
 }
 
@@ -128,6 +129,16 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
         EXPECT_TRUE(texts().value(0).startsWith("Dio upisa u polje nije prihvaćen (ostalo je \"1,23\")"));
     });
     EXPECT_EQ(count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);
+
+    // A partner's code takes digits only, and a refused key says so.
+    auto r = newEntry(97);
+    auto* komitent = qobject_cast<QLineEdit*>(r->control("txtKomitent"));
+    run(*r, [&] {
+        komitent->setFocus();
+        QTest::keyClicks(komitent, QStringLiteral("1.2"));
+        EXPECT_EQ(komitent->text(), QStringLiteral("12"));
+        EXPECT_TRUE(QToolTip::text().startsWith(QStringLiteral("Šifra je cijeli broj")));
+    });
 }
 
 TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QIntValidator>
 #include <QKeyEvent>
 #include <QTimer>
 #include <QToolTip>
@@ -230,6 +231,20 @@ void MoneyBox::changeEvent(QEvent* event)
     QLineEdit::changeEvent(event);
     if (event->type() == QEvent::LocaleChange && !hasFocus() && m_problem.isEmpty())
         showValue();
+}
+
+void makeCodeField(QLineEdit* edit)
+{
+    auto* digits = new QIntValidator(0, std::numeric_limits<qint32>::max(), edit);
+    QLocale plain = QLocale::c();
+    plain.setNumberOptions(QLocale::RejectGroupSeparator);
+    digits->setLocale(plain);
+    edit->setValidator(digits);
+    QObject::connect(edit, &QLineEdit::inputRejected, edit, [edit] {
+        QApplication::beep();
+        QToolTip::showText(edit->mapToGlobal(edit->rect().bottomLeft()),
+            QStringLiteral("Šifra je cijeli broj od 0 do 2147483647, upisan samo ciframa."), edit);
+    });
 }
 
 } // namespace knjige

@@ -87,4 +87,8 @@ private:
     mutable QString m_refusal;
 };
 
+// Makes a code field (a partner's or a shop's number) take digits only, read as they
+// stand whatever the workstation's grouping; a refused keystroke beeps and says why.
+void makeCodeField(QLineEdit* edit);
+
 } // namespace knjige

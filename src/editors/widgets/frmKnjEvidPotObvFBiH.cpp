@@ -6,7 +6,6 @@
 
 #include <QFocusEvent>
 #include <QHBoxLayout>
-#include <QIntValidator>
 #include <QKeyEvent>
 
 namespace knjige
@@ -23,7 +22,7 @@ frmKnjEvidPotObvFBiH::frmKnjEvidPotObvFBiH(int bookKind, QWidget* parent)
 
     txtKomitent = new QLineEdit(this);
     txtKomitent->setObjectName(QStringLiteral("txtKomitent"));
-    txtKomitent->setValidator(new QIntValidator(0, 2147483647, txtKomitent));
+    makeCodeField(txtKomitent);
     txtKomitent->setMaximumWidth(110);
     txtKomitent->setToolTip(QStringLiteral("F2: izbor komitenta"));
     cmdPrKomit = new QPushButton(QStringLiteral("..."), this);

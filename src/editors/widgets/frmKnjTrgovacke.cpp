@@ -6,7 +6,6 @@
 
 #include <QFocusEvent>
 #include <QHBoxLayout>
-#include <QIntValidator>
 #include <QKeyEvent>
 
 namespace knjige
@@ -23,7 +22,7 @@ void TrgKnjigaEditor::addHeadRows()
 {
     txtSkladište = new QLineEdit(this);
     txtSkladište->setObjectName(QStringLiteral("txtSkladište"));
-    txtSkladište->setValidator(new QIntValidator(0, 2147483647, txtSkladište));
+    makeCodeField(txtSkladište);
     txtSkladište->setMaximumWidth(110);
     txtSkladište->setToolTip(QStringLiteral("F2: izbor prodavnice"));
     cmdPrSkladište = new QPushButton(QStringLiteral("..."), this);
