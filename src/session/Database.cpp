@@ -62,6 +62,7 @@ bool Database::open(const QString& sql, ResultSet& result)
     m_lastSql = sql;
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     ResultSet fresh;
     if (!m_backend->select(sql, fresh, &error))
@@ -84,6 +85,7 @@ bool Database::execute(const QString& sql, int* rowsAffected)
     m_lastSql = sql;
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     if (!m_backend->execute(sql, rowsAffected, &error))
         return fail(error);
@@ -95,6 +97,7 @@ bool Database::beginTransaction()
 {
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     if (!m_backend->begin(&error))
         return fail(error);
@@ -106,6 +109,7 @@ bool Database::commit()
 {
     if (!m_backend)
         return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    ++m_requests;
     QString error;
     m_inTransaction = false;
     if (!m_backend->commit(&error))
@@ -117,6 +121,7 @@ bool Database::rollback()
 {
     if (!m_backend)
         return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    ++m_requests;
     QString error;
     m_inTransaction = false;
     if (!m_backend->rollback(&error))
@@ -130,12 +135,26 @@ bool Database::writeRow(const RowChange& change)
         return false;
     const BoundStatement st = rowStatement(change, m_backend->dialect());
     m_lastSql = st.sql;
+    ++m_requests;
     QString error;
     int affected = 0;
     if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
         return fail(error);
     if (change.kind != RowChange::Kind::Insert && affected == 0)
         return fail(QStringLiteral("Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik."));
+    m_error.clear();
+    return true;
+}
+
+bool Database::executeNative(const QString& sql, int* rowsAffected)
+{
+    m_lastSql = sql;
+    if (!ensureConnected())
+        return false;
+    ++m_requests;
+    QString error;
+    if (!m_backend->executeNative(sql, rowsAffected, &error))
+        return fail(error);
     m_error.clear();
     return true;
 }

@@ -169,6 +169,11 @@ public:
         return true;
     }
 
+    bool executeNative(const QString& sql, int* rowsAffected, QString* error) override
+    {
+        return executeBound(sql, {}, rowsAffected, error);
+    }
+
     bool begin(QString* error) override { return m_db.transaction() || fail(m_db.lastError(), error); }
     bool commit(QString* error) override { return m_db.commit() || fail(m_db.lastError(), error); }
     bool rollback(QString* error) override { return m_db.rollback() || fail(m_db.lastError(), error); }

@@ -27,10 +27,6 @@ void frmSifarnikKnj::PostaviFilter()
 }
 
 void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
-void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Renumeracija")); }
-void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
-void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
-void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
 void frmSifarnikKnj::Generiranje(int vrsta)
 {
     Q_UNUSED(vrsta);

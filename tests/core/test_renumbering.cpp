@@ -1,0 +1,242 @@
+// Insertion at a position and both renumberings on the embedded database, driven
+// through the interaction seam: the numbers, the receivables links, the questions and
+// messages, and all-or-nothing when a write fails.
+#include "books/BookKind.h"
+#include "browser/Renumbering.h"
+#include "session/Session.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <QMap>
+
+#include <algorithm>
+
+using namespace knjige;
+using namespace knjige::test;
+
+namespace {
+
+const QString kBook = QStringLiteral("dbo.KnjPrihRashFBiH");
+const QString kEvid = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+
+// Entries are told apart by their label, kept in Opis.
+void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
+{
+    RowChange::Values v { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
+                          { "Opis", QString::number(label) } };
+    if (table.contains(QStringLiteral("Trg")))
+        v.append({ "BrojProd", prod });
+    else if (!table.contains(QStringLiteral("Prometa")))
+        v.append({ "Vrsta", vrsta });
+    t.insert(table, v);
+}
+
+void link(TestDatabase& t, int rbroj, int kpr, int label)
+{
+    t.insert(kEvid, { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", QDate(2016, 5, 5) }, { "GodinaKnj", 2016 },
+                      { "SifKomit", 1 }, { "Vrsta", 11 }, { "Opis", QString::number(label) }, { "RBrojKPR", kpr } });
+}
+
+// label -> column value, or the values in the order of the labels.
+QMap<int, qint64> byLabel(TestDatabase& t, const QString& table, const QString& column = QStringLiteral("RBroj"),
+                          const QString& where = {})
+{
+    QMap<int, qint64> out;
+    const ResultSet rs = t.query(QStringLiteral("SELECT Opis,") + column + QStringLiteral(" FROM ") + table + where);
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out.insert(rs.text(r, 0).toInt(), rs.integer(r, 1));
+    return out;
+}
+
+} // namespace
+
+TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
+{
+    TestDatabase t;
+    for (const BookKind& book : allBooks()) {
+        // One kind per table.
+        if (!renumber::takesPart(book.code) || book.code == Knjiga::EvidPotObvRS || book.code == Knjiga::PrometaRS)
+            continue;
+        t.db().beginTransaction();
+        for (int n = 1; n <= 10; ++n) {
+            entry(t, book.table, n, QDate(2016, 3, n), n, 3);
+            if (isTradeBook(book.code))
+                entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8);
+        }
+        t.db().commit();
+        const auto b = renumber::sessionBook(book.code, 3);
+        EXPECT_FALSE(renumber::insertAt(b, 0));
+        ASSERT_TRUE(renumber::insertAt(b, 5)) << book.code << t.db().errorDescription().toStdString();
+        const QMap<int, qint64> after = byLabel(t, book.table);
+        for (int n = 1; n <= 10; ++n) {
+            EXPECT_EQ(after[n], n < 5 ? n : n + 1) << book.code;
+            if (isTradeBook(book.code)) {
+                EXPECT_EQ(after[100 + n], n < 5 ? n : n + 1) << "the other sales point moves too";
+            }
+        }
+        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table + QStringLiteral(" WHERE RBroj=5"
+                                                                                            " AND Opis=''"));
+        ASSERT_EQ(blank.rowCount(), 1) << book.code;
+        EXPECT_EQ(blank.value(0, QStringLiteral("Datum")).toDate(), QDate(2016, 1, 1));
+        if (isTradeBook(book.code)) {
+            EXPECT_EQ(blank.value(0, QStringLiteral("BrojProd")).toInt(), 3);
+        }
+    }
+    EXPECT_EQ(renumber::blankEntrySql(renumber::Book { 98, 2, 2017, 0 }, 7),
+              QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,"
+                             "IZNOSCEK) VALUES(2,7,'1.1.2017',2017,'','',0,0 )"));
+    EXPECT_EQ(renumber::shiftSql(renumber::Book { 125, 2, 2017, 4 }, 7),
+              QStringLiteral("UPDATE dbo.TrgKnjUsluga SET RBROJ=RBROJ+1 WHERE GODINAKNJ=2017 AND BROJPODUZECA=2 AND "
+                             "RBroj>=7"));
+}
+
+TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
+{
+    TestDatabase t;
+    ScopedScript script;
+    for (int n = 1; n <= 3; ++n)
+        entry(t, kBook, n, QDate(2016, 2, n), n);
+    EXPECT_EQ(renumber::byOrdinal(renumber::sessionBook(96)), renumber::After::Reload);
+    ASSERT_EQ(script->messages.size(), 1) << "a book numbered from 1 is always asked about";
+    EXPECT_EQ(script->messages[0].text, QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"));
+    EXPECT_EQ(script->messages[0].title, QStringLiteral("Renumeracija"));
+    EXPECT_EQ(script->messages[0].icon, Icon::Question);
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 3 }));
+
+    // 1,2,2,3 -> 1,2,3,4. Each change moves the first link holding the old number at
+    // that moment, so the link moved to 3 moves on to 4 and the one of old 3 stays.
+    entry(t, kBook, 2, QDate(2016, 2, 9), 4);
+    link(t, 1, 2, 1);
+    link(t, 2, 2, 2);
+    link(t, 3, 3, 3);
+    script->answers = QQueue<Answer>({ Answer::No });
+    renumber::byOrdinal(renumber::sessionBook(96));
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 3, 2 }));
+    script->answers = QQueue<Answer>({ Answer::Yes });
+    renumber::byOrdinal(renumber::sessionBook(96));
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 4, 3 }));
+    EXPECT_EQ(byLabel(t, kEvid, QStringLiteral("RBrojKPR")).values(), (QList<qint64> { 4, 2, 3 }));
+}
+
+// The row-by-row walk the renumbering by date must equal: every link equal to a row's
+// number moves up by the offset, then every link equal to a lifted number takes the
+// row's place.
+QVector<qint64> linksAfterTwoPasses(const QVector<qint64>& numbers, QVector<qint64> links)
+{
+    for (qint64 n : numbers)
+        for (qint64& l : links)
+            l = l == n ? l + renumber::kOffset : l;
+    for (int i = 0; i < numbers.size(); ++i)
+        for (qint64& l : links)
+            l = l == numbers[i] + renumber::kOffset ? i + 1 : l;
+    return links;
+}
+
+TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
+{
+    TestDatabase t;
+    ScopedScript script;
+    // Duplicates, a 0, gaps, many equal dates and kinds; links to numbers, to lifted
+    // numbers, to nothing, and 0.
+    unsigned seed = 7;
+    const auto next = [&seed](unsigned m) { return (seed = seed * 1103515245u + 12345u) / 65536u % m; };
+    t.db().beginTransaction();
+    for (int i = 0; i < 400; ++i)
+        entry(t, kBook, int(next(300)), QDate(2016, 1 + int(next(3)), 1 + int(next(5))), i, 0, 11 + int(next(2)));
+    for (int i = 0; i < 150; ++i)
+        link(t, i, int(next(4) == 0 ? renumber::kOffset + next(300) : next(320)), i);
+    t.db().commit();
+    const ResultSet order = t.query(renumber::rowsSql(renumber::sessionBook(96), renumber::dateOrder(96)));
+    QVector<qint64> numbers;
+    QMap<int, qint64> expected;
+    for (int r = 0; r < order.rowCount(); ++r) {
+        numbers << order.value(r, QStringLiteral("RBroj")).toLongLong();
+        expected.insert(order.value(r, QStringLiteral("Opis")).toInt(), r + 1);
+    }
+    const auto shared = std::count_if(numbers.begin(), numbers.end(), [&](qint64 n) { return numbers.count(n) > 1; });
+    const QVector<qint64> links = linksAfterTwoPasses(numbers, byLabel(t, kEvid, QStringLiteral("RBrojKPR")).values());
+
+    script->answers = QQueue<Answer>({ Answer::Yes });
+    const quint64 before = t.db().requestCount();
+    EXPECT_EQ(renumber::byDate(renumber::sessionBook(96)), renumber::After::Reload);
+    // One statement per row only for rows that share their number.
+    EXPECT_LE(t.db().requestCount() - before, quint64(20 + shared));
+    EXPECT_EQ(byLabel(t, kBook), expected);
+    EXPECT_EQ(byLabel(t, kEvid, QStringLiteral("RBrojKPR")).values(), links.toList());
+    ASSERT_EQ(script->messages.size(), 1) << script->texts().join(u'\n').toStdString();
+    EXPECT_EQ(script->messages[0].text, QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po "
+                                                       "datumima dokumenata?\nPažljivo. Svi redni brojevi se mijenjaju!"));
+    EXPECT_EQ(script->messages[0].defaultAnswer, Answer::No);
+}
+
+TEST(Renumbering, ByDateSwapsKeepLinksAndTradeBooksKeepToTheirSalesPoint)
+{
+    TestDatabase t;
+    ScopedScript script;
+    entry(t, kBook, 1, QDate(2016, 3, 1), 1);
+    entry(t, kBook, 2, QDate(2016, 1, 1), 2);
+    link(t, 1, 1, 1);
+    link(t, 2, 2, 2);
+    const QString usluge = QStringLiteral("dbo.TrgKnjUsluga");
+    for (int prod : { 3, 8 }) {
+        entry(t, usluge, 1, QDate(2016, 4, 1), prod * 10 + 1, prod);
+        entry(t, usluge, 2, QDate(2016, 2, 1), prod * 10 + 2, prod);
+    }
+    script->answers = QQueue<Answer>({ Answer::Yes, Answer::Yes });
+    renumber::byDate(renumber::sessionBook(96));
+    renumber::byDate(renumber::sessionBook(125, 3));
+    EXPECT_EQ(byLabel(t, kBook), (QMap<int, qint64> { { 1, 2 }, { 2, 1 } }));
+    EXPECT_EQ(byLabel(t, kEvid, QStringLiteral("RBrojKPR")), (QMap<int, qint64> { { 1, 2 }, { 2, 1 } }));
+    EXPECT_EQ(byLabel(t, usluge), (QMap<int, qint64> { { 31, 2 }, { 32, 1 }, { 81, 1 }, { 82, 2 } }));
+
+    // No: nothing is read, nothing changes.
+    script->answers = QQueue<Answer>({ Answer::No });
+    EXPECT_EQ(renumber::byDate(renumber::sessionBook(125, 8)), renumber::After::Stay);
+    EXPECT_EQ(byLabel(t, usluge)[81], 1);
+}
+
+// A write that fails on one row, at each step: every number and link stays as it was,
+// and the operator reads the step and the engine's own words.
+TEST(Renumbering, AFailureAtAnyRowChangesNothing)
+{
+    struct Case {
+        const char* trigger;
+        bool byDate;
+        QString message;
+    };
+    const QString step = QStringLiteral("Desila se greška:  u ažuriranju broja knjige prihoda i rashoda: Namjerno");
+    const QList<Case> cases = {
+        { "BEFORE UPDATE ON KnjPrihRashFBiH WHEN NEW.RBroj = 40", true, step },
+        { "BEFORE UPDATE ON KnjEvidPotrIObvFBiH", true, step },
+        { "BEFORE UPDATE ON KnjEvidPotrIObvFBiH", false,
+          QStringLiteral("Desila se greška: u spremanju renumeriranih zapisa. Ponovite! Namjerno") },
+        { "BEFORE UPDATE ON KnjPrihRashFBiH WHEN NEW.RBroj = 50", false,
+          QStringLiteral("Desila se greška: u spremanju renumeriranih zapisa. Ponovite! Namjerno") },
+    };
+    TestDatabase t;
+    t.db().beginTransaction();
+    for (int i = 1; i <= 60; ++i)
+        entry(t, kBook, i * 2 - (i == 20 ? 1 : 0), QDate(2016, 1 + i % 12, 1), i);
+    entry(t, kBook, 2, QDate(2016, 9, 9), 99);   // shares its number
+    for (int i = 1; i <= 20; ++i)
+        link(t, i, i * 2, i);
+    t.db().commit();
+    const QMap<int, qint64> rows = byLabel(t, kBook), links = byLabel(t, kEvid, QStringLiteral("RBrojKPR"));
+    for (const Case& c : cases) {
+        ScopedScript script;
+        ASSERT_TRUE(t.db().executeNative(QStringLiteral("CREATE TRIGGER kvar %1 BEGIN SELECT RAISE(ABORT, 'Namjerno'); "
+                                                        "END")
+                                             .arg(QLatin1String(c.trigger))));
+        script->answers = QQueue<Answer>({ Answer::Yes });
+        EXPECT_EQ(c.byDate ? renumber::byDate(renumber::sessionBook(96)) : renumber::byOrdinal(renumber::sessionBook(96)),
+                  renumber::After::Reload);
+        EXPECT_EQ(byLabel(t, kBook), rows) << c.trigger;
+        EXPECT_EQ(byLabel(t, kEvid, QStringLiteral("RBrojKPR")), links) << c.trigger;
+        ASSERT_EQ(script->messages.size(), 2) << c.trigger;
+        EXPECT_EQ(script->messages[1].text, c.message);
+        EXPECT_EQ(script->messages[1].icon, Icon::Critical);
+        ASSERT_TRUE(t.db().executeNative(QStringLiteral("DROP TRIGGER kvar")));
+    }
+}
