@@ -24,8 +24,10 @@ namespace {
 constexpr int kEntries = 100000;
 constexpr int kLinks = 20000;
 
-// Runs `sql` on its own connection to `path` and gives the first column of the first row.
-QString scalar(const QString& path, const QString& sql)
+// The book at `path` in one line: the integrity check; "old" when every entry has its
+// first number, "new" when the numbers follow the dates, else "mixed"; the count,
+// lowest and highest number; the links that do not point at their own entry.
+std::string state(const QString& path)
 {
     QString out;
     {
@@ -33,24 +35,34 @@ QString scalar(const QString& path, const QString& sql)
         db.setDatabaseName(path);
         db.open();
         QSqlQuery q(db);
-        if (q.exec(sql) && q.next())
+        q.exec(QStringLiteral(
+            "SELECT (SELECT integrity_check FROM pragma_integrity_check) || ' ' || CASE "
+            "WHEN (SELECT COUNT(*) FROM KnjPrihRashFBiH WHERE RBroj = CAST(Opis AS INTEGER)) = %1 THEN 'old' "
+            "WHEN (SELECT COUNT(*) FROM (SELECT Datum, Vrsta, LAG(Datum) OVER w AS D, LAG(Vrsta) OVER w AS V FROM "
+            "KnjPrihRashFBiH WINDOW w AS (ORDER BY RBroj)) WHERE D > Datum OR (D = Datum AND V > Vrsta)) = 0 "
+            "THEN 'new' ELSE 'mixed' END || ' ' || "
+            "(SELECT COUNT(DISTINCT RBroj) || ',' || MIN(RBroj) || ',' || MAX(RBroj) FROM KnjPrihRashFBiH) || ' ' || "
+            "(SELECT COUNT(*) FROM KnjEvidPotrIObvFBiH E JOIN KnjPrihRashFBiH K ON K.Opis = E.Opis "
+            "WHERE E.RBrojKPR <> K.RBroj)").arg(kEntries));
+        if (q.next())
             out = q.value(0).toString();
     }
     QSqlDatabase::removeDatabase(QStringLiteral("provjera"));
-    return out;
+    return out.toStdString();
 }
 
-// Entries numbered 1..n out of date order, each labelled with its number; receivables
+// Entries numbered 1..n out of date order and labelled with their number; receivables
 // linked to them, labelled with the number they link to.
 void fill(const QString& path)
 {
+    QString error;
+    ASSERT_TRUE(createEmbeddedDatabase(path, &error)) << error.toStdString();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("punjenje"));
     db.setDatabaseName(path);
     db.open();
     db.transaction();
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Vrsta) "
-                             "VALUES (1,?,?,2016,?,?)"));
+    q.prepare("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Vrsta) VALUES (1,?,?,2016,?,?)");
     for (int i = 1; i <= kEntries; ++i) {
         q.addBindValue(i);
         q.addBindValue(QDate(2016, 1, 1).addDays(i * 7919 % 366).toString(Qt::ISODate));
@@ -58,17 +70,14 @@ void fill(const QString& path)
         q.addBindValue(11 + i % 3);
         q.exec();
     }
-    q.prepare(QStringLiteral("INSERT INTO KnjEvidPotrIObvFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,RBrojKPR) "
-                             "VALUES (1,?,'2016-05-05',2016,?,?)"));
+    q.prepare("INSERT INTO KnjEvidPotrIObvFBiH (BrojPoduzeca,RBroj,GodinaKnj,Opis,RBrojKPR) VALUES (1,?,2016,?,?)");
     for (int j = 1; j <= kLinks; ++j) {
-        const int target = j * 37 % kEntries + 1;
         q.addBindValue(j);
-        q.addBindValue(QString::number(target));
-        q.addBindValue(target);
+        q.addBindValue(QString::number(j * 37 % kEntries + 1));
+        q.addBindValue(j * 37 % kEntries + 1);
         q.exec();
     }
     db.commit();
-    db.close();
 }
 
 } // namespace
@@ -90,8 +99,6 @@ int renumberChild(const QString& path)
 TEST(RenumberingCrash, AKilledRenumberingLeavesEveryNumberOldOrEveryNumberNew)
 {
     const QString master = test::scratchDir() + QStringLiteral("/sto-tisuca.db");
-    QString error;
-    ASSERT_TRUE(createEmbeddedDatabase(master, &error)) << error.toStdString();
     fill(master);
     QSqlDatabase::removeDatabase(QStringLiteral("punjenje"));
 
@@ -115,23 +122,8 @@ TEST(RenumberingCrash, AKilledRenumberingLeavesEveryNumberOldOrEveryNumberNew)
             EXPECT_EQ(child.exitStatus(), QProcess::CrashExit);
         }
 
-        EXPECT_EQ(scalar(path, QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
-        const int old = scalar(path, QStringLiteral("SELECT COUNT(*) FROM KnjPrihRashFBiH WHERE RBroj = "
-                                                    "CAST(Opis AS INTEGER)")).toInt();
-        const int outOfOrder = scalar(path, QStringLiteral("SELECT COUNT(*) FROM (SELECT Datum, Vrsta, LAG(Datum) OVER "
-                                                           "(ORDER BY RBroj) AS D, LAG(Vrsta) OVER (ORDER BY RBroj) AS V "
-                                                           "FROM KnjPrihRashFBiH) WHERE D > Datum OR (D = Datum AND "
-                                                           "V > Vrsta)")).toInt();
-        EXPECT_EQ(scalar(path, QStringLiteral("SELECT COUNT(DISTINCT RBroj) || ',' || MIN(RBroj) || ',' || MAX(RBroj) "
-                                              "FROM KnjPrihRashFBiH")),
-                  QStringLiteral("%1,1,%1").arg(kEntries));
-        EXPECT_TRUE(old == kEntries || outOfOrder == 0) << old << " old, " << outOfOrder << " out of date order";
-        if (afterFirstWrite < 0) {
-            EXPECT_EQ(outOfOrder, 0) << "a renumbering left to finish orders the book by date";
-        }
-        EXPECT_EQ(scalar(path, QStringLiteral("SELECT COUNT(*) FROM KnjEvidPotrIObvFBiH E JOIN KnjPrihRashFBiH K ON "
-                                              "K.Opis = E.Opis WHERE E.RBrojKPR <> K.RBroj")),
-                  QStringLiteral("0"))
-            << "every link stays on its own entry";
+        const std::string now = state(path);
+        EXPECT_TRUE(now == "ok new 100000,1,100000 0" || (afterFirstWrite >= 0 && now == "ok old 100000,1,100000 0"))
+            << now;
     }
 }
