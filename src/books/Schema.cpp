@@ -59,12 +59,14 @@ const QHash<QString, tsql::TableDef>& tables()
 
 } // namespace
 
-QStringList schemaStatements()
+QStringList schemaStatements() { return scriptStatements(scriptText()); }
+
+QStringList scriptStatements(const QString& script)
 {
     static const QRegularExpression go(QStringLiteral("^\\s*GO\\s*$"),
                                        QRegularExpression::CaseInsensitiveOption | QRegularExpression::MultilineOption);
     QStringList out;
-    for (const QString& batch : scriptText().split(go)) {
+    for (const QString& batch : script.split(go)) {
         QString text = batch.trimmed();
         // Comments that stand before a batch belong to the script, not to the statement.
         while (text.startsWith(QStringLiteral("--"))) {

@@ -20,6 +20,9 @@ bool createEmbeddedDatabase(const QString& path, QString* error);
 // The statements of the T-SQL schema script (sql/schema.sql), one per entry, without
 // the batch separators. Useful to create the schema on SQL Server.
 QStringList schemaStatements();
+// The statements of any T-SQL script written like it: batches separated by GO lines,
+// comments before a batch left out.
+QStringList scriptStatements(const QString& script);
 
 // The declared width of a text column, from the same script the tables are made from.
 // `table` as the system names it ("dbo.KnjPrihRashFBiH" or "KnjPrihRashFBiH"); names

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "KnjigeExport.h"
+
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <memory>
@@ -11,7 +14,7 @@ namespace knjige {
 // the object's own; writing ConnString, RadnaGodina or BrojPoduzeca also writes the
 // process-wide session at once, so the last value written by any object is what every
 // window uses. Reading always gives the object's own copy.
-class KnjigaKlasa {
+class KNJIGE_EXPORT KnjigaKlasa {
 public:
     virtual ~KnjigaKlasa() = default;
 
@@ -66,8 +69,10 @@ KNJIGE_BOOK_CLASS(clsTrgKnjKomisiona, 126)
 
 // Creates a book class by its programmatic identifier, "ArbosaPOSKnjige17." + the
 // class name (case-insensitive, as such identifiers are). Unknown names give null.
-std::unique_ptr<KnjigaKlasa> createBookObject(const QString& programmaticId);
+KNJIGE_EXPORT std::unique_ptr<KnjigaKlasa> createBookObject(const QString& programmaticId);
 // The identifiers of all twelve classes, in the order of their book codes.
-QStringList bookObjectIds();
+KNJIGE_EXPORT QStringList bookObjectIds();
+// The component's version as a host may show it in an about box.
+KNJIGE_EXPORT QString componentVersion();
 
 } // namespace knjige

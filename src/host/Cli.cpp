@@ -2,11 +2,14 @@
 
 #include "books/DemoData.h"
 #include "books/Schema.h"
+#include "generate/DemoSources.h"
+#include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
 
 #include <QCoreApplication>
+#include <QDate>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -125,6 +128,15 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     }
     if (demo && !fillDemoData(db, &error)) {
         *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
+        return false;
+    }
+    // The documents the DB book is generated from, in the same file: the generator's
+    // default source is the host's own database. The rights are the current user's,
+    // since the generator works under the system user name.
+    if (demo
+        && (!createSourceTables(db, &error)
+            || !fillDemoSources(db, QDate::currentDate().year(), {gen::imeOperateraSustava()}, &error))) {
+        *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
         return false;
     }
     return true;

@@ -404,6 +404,23 @@ ConnectionTarget parseConnectionString(const QString& text, const QString& drive
     return sqlServerTarget(p, driver);
 }
 
+QString connectionValue(const QString& text, const QString& key)
+{
+    QVector<Pair> pairs;
+    QString error;
+    const QString s = text.trimmed();
+    if (!s.contains(u'=') || !splitPairs(s, pairs, &error))
+        return {};
+    const Key wanted = keyOf(key.simplified().toLower());
+    QString value;
+    for (const Pair& pair : pairs) {
+        const Key k = keyOf(pair.key.toLower());
+        if (wanted == Key::Other ? pair.key.compare(key, Qt::CaseInsensitive) == 0 : k == wanted)
+            value = pair.value;
+    }
+    return value;
+}
+
 QStringList sqlServerSessionSetup() { return {QStringLiteral("SET DATEFORMAT mdy"), QStringLiteral("SET NOCOUNT ON")}; }
 
 } // namespace knjige

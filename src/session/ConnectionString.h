@@ -32,6 +32,11 @@ ConnectionTarget parseConnectionString(const QString& text, const QString& drive
 // and "FreeTDS" elsewhere.
 QString sqlServerOdbcDriver();
 
+// The value of a key of a "Key=Value;..." string as ADO reads it: the last one given,
+// synonyms included ("Data Source" also finds "Server"), quotes taken off. Empty when
+// the key is absent or the string cannot be read.
+QString connectionValue(const QString& text, const QString& key);
+
 // The statements run once on every new SQL Server connection.
 QStringList sqlServerSessionSetup();
 

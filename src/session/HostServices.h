@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KnjigeExport.h"
+
 #include <QString>
 
 #include <memory>
@@ -12,7 +14,7 @@ namespace knjige {
 // installs its own; without one the component allows everything and looks names up
 // in dbo.Komitent.
 
-class OperatorRights {
+class KNJIGE_EXPORT OperatorRights {
 public:
     // The five optional groups of browser commands a right can withhold.
     enum Group { Novi = 1, Izmjena = 2, Brisanje = 3, Ispis = 4, Izvoz = 5 };
@@ -31,7 +33,7 @@ struct Partner {
 
 // A register of partners (or of shops, which are partners too). choose() shows the
 // host's chooser and gives nothing when the person cancels.
-class PartnerRegister {
+class KNJIGE_EXPORT PartnerRegister {
 public:
     virtual ~PartnerRegister() = default;
     virtual std::optional<Partner> choose() = 0;
@@ -45,8 +47,8 @@ struct HostServices {
 };
 
 // The services in force; each member is never null.
-HostServices& hostServices();
+KNJIGE_EXPORT HostServices& hostServices();
 // Installs a host's services; a null member keeps the built-in one.
-void installHostServices(HostServices services);
+KNJIGE_EXPORT void installHostServices(HostServices services);
 
 } // namespace knjige

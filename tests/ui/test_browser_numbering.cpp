@@ -74,7 +74,7 @@ void pictureOfNextBox(const QString& file, QMessageBox::StandardButton button)
     });
 }
 
-TEST_F(BrowserTest, ScreenshotsOfRenumberingAndOpeningState)
+TEST_F(BrowserTest, RenumberingScreenshots)
 {
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())

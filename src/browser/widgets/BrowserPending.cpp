@@ -27,11 +27,6 @@ void frmSifarnikKnj::PostaviFilter()
 }
 
 void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
-void frmSifarnikKnj::Generiranje(int vrsta)
-{
-    Q_UNUSED(vrsta);
-    nijeJošDostupno(QStringLiteral("Generiranje knjige"));
-}
 void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
 void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 

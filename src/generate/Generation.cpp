@@ -1,0 +1,439 @@
+#include "generate/Generation.h"
+
+#include "books/Schema.h"
+#include "session/Database.h"
+#include "session/Dates.h"
+#include "session/Interaction.h"
+#include "session/Money.h"
+#include "session/Session.h"
+
+#include <QVector>
+#include <limits>
+#include <optional>
+
+namespace knjige::gen
+{
+namespace
+{
+
+const QString kKnjiga = QStringLiteral("dbo.KnjPrihRashDB");
+
+const QVector<OpisVrste>& opisi()
+{
+    static const QVector<OpisVrste> all = [] {
+        const QString kif = QStringLiteral("Server i baza izl.računa");
+        const QString kuf = QStringLiteral("Server i baza ul.računa");
+        const QString pos = QStringLiteral("Server i baza POSa");
+        const QString otpremnice
+            = QStringLiteral("Upišite opseg datuma int.otpremnica za koje želite generirati podatke:");
+        const QString greškaKuf = QStringLiteral("Greška u čitanju podatka iz KUF-a!");
+        const QString nemaKuf = QStringLiteral("Ne postoje podaci u KUF-u za zadani filter!");
+        const QString upitKuf = QStringLiteral(
+            " zapisa u ulaznim računima za prijenos u knjigu prihoda i rashoda DB. Želite li ih generirati?");
+        const QString greškaOtp = QStringLiteral("Greška u čitanju podatka iz int.otpremnica!");
+        const QString nemaOtp = QStringLiteral("Ne postoje podaci u internim otpremnicama za zadani filter!");
+        const QString upitOtp = QStringLiteral(
+            " zapisa u internim otpremnicama za prijenos u knjigu prihoda i rashoda DB. Želite li ih generirati?");
+        QVector<OpisVrste> v(BrojVrsta);
+        v[DgpRacuni] = { QStringLiteral("Generiranje prihoda iz DGP izlaznih računa"), kif,
+            // This kind has no prompt of its own; the label keeps its design text.
+            QStringLiteral("Upišite opseg datuma DGP računa za koje želite generirati podatke:"), {}, {}, {},
+            QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
+            QStringLiteral("Greška u čitanju podatka iz KIF-a!"),
+            QStringLiteral("Ne postoje podaci u KIF-u za zadani filter!"),
+            QStringLiteral(" zapisa u DGP knjizi za prijenos u knjigu prihoda i rashoda DB. Želite li ih "
+                           "generirati?") };
+        v[UplateIzlaznih] = { QStringLiteral("Generiranje prihoda iz uplata izlaznih računa"), kif,
+            QStringLiteral("Upišite opseg uplata računa za koje želite generirati podatke:"), {}, {}, {},
+            QStringLiteral("KIFSQLServera"), QStringLiteral("KIFSQLBaze"),
+            QStringLiteral("Greška u čitanju podatka iz uplata KIF-a!"),
+            QStringLiteral("Ne postoje podaci u uplatama KIF-u za zadani filter!"),
+            QStringLiteral(" zapisa u uplatama KIF-a za prijenos u knjigu prihoda i rashoda DB. Želite "
+                           "li ih generirati?") };
+        v[UlazniRacuni] = { QStringLiteral("Generiranje rashoda iz ulaznih računa za dobavljača"), kuf,
+            QStringLiteral("Upišite opseg datuma ulaznih računa za koje želite generirati podatke:"),
+            QStringLiteral("Uklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"), QStringLiteral("KUFSQLBaze"),
+            greškaKuf, nemaKuf, upitKuf };
+        v[UplateUlaznih]
+            = { QStringLiteral("Generiranje rashoda iz uplata ulaznih računa uz isključenje dobavljača"), kuf,
+                  QStringLiteral("Upišite opseg datuma uplata ulaznih računa za koje želite generirati "
+                                 "podatke:"),
+                  QStringLiteral("Isklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"),
+                  QStringLiteral("KUFSQLBaze"), greškaKuf, nemaKuf, upitKuf };
+        v[MatOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica MAT-velepr."),
+            QStringLiteral("Server i baza MAT"), otpremnice, {}, QStringLiteral("Skladište:"),
+            QStringLiteral("Kupac (prima):"), QStringLiteral("MatSQLServera"), QStringLiteral("MatSQLBaze"), greškaOtp,
+            nemaOtp, upitOtp };
+        v[PosOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica POS-malopr."), pos, otpremnice,
+            {}, QStringLiteral("Maloprodaja:"), QStringLiteral("Tko prima:"), QStringLiteral("POSSQLServera"),
+            QStringLiteral("POSSQLBaze"), greškaOtp, nemaOtp, upitOtp };
+        v[PosPovrat] = v[PosOtpremnice];
+        v[PosPovrat].naslov = QStringLiteral("Generiranje rashoda u minus iz internih otpremnica POS-malopr.-povrat");
+        return v;
+    }();
+    return all;
+}
+
+std::optional<qint32> broj(const QString& text)
+{
+    bool ok = false;
+    const qint32 n = text.trimmed().toInt(&ok);
+    return ok ? std::optional<qint32>(n) : std::nullopt;
+}
+
+QString brojTekst(const QString& text)
+{
+    return QString::number(broj(text).value_or(0));
+}
+
+QString datum(const QDate& d)
+{
+    return dates::sqlLiteral(d);
+}
+
+// A text that goes between single quotes of a SQL text.
+QString navodnici(const QString& text)
+{
+    QString t = text;
+    return t.replace(u'\'', QStringLiteral("''"));
+}
+
+QString uvjetMjesta(const Parametri& p)
+{
+    if (p.skladište.trimmed().isEmpty())
+        return uvjetPrava(p.vrsta, p.operater);
+    return QStringLiteral(" AND K.BrojSklad=") + brojTekst(p.skladište);
+}
+
+QString upitOtpremnica(const Parametri& p)
+{
+    const QString firma = QString::number(p.brojPoduzeca);
+    const QString prima = brojTekst(p.prima);
+    const QString godina = QString::number(p.godina);
+    if (p.vrsta == MatOtpremnice)
+        return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumOtprem as Datum,left('M.Int.otp. '+rtrim(cast("
+                              "K.ŠifraKom as nvarchar(15))),20) as Isprava,left(cast(K.BrojSklad as nvarchar(10))+'-'+"
+                              "cast(K.BrojOtprem as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
+                              "K.IznosOtprem+K.UkPorez as Iznos,K.UkPorez FROM dbo.MOtpremInt K ")
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + uvjetMjesta(p) + QStringLiteral(" AND K.ŠifraKom=")
+            + prima + QStringLiteral(" AND K.DatumOtprem >= '") + datum(p.od) + QStringLiteral("' AND K.DatumOtprem<='")
+            + datum(p.doDatuma) + QStringLiteral("' AND K.GodinaKnj=") + godina
+            + QStringLiteral(" ORDER BY K.DatumOtprem,K.BrojSklad");
+    return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumPovr as Datum,left('P.Int.otp. '+rtrim(cast("
+                          "K.ŠifraKom as nvarchar(15))),20) as Isprava,left(cast(K.BrojSklad as nvarchar(10))+'-'+"
+                          "cast(K.BrojPovr as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
+                          "K.IznosPovr as Iznos FROM dbo.RIntOtprem K ")
+        + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + uvjetMjesta(p) + QStringLiteral(" AND K.ŠifraKom=") + prima
+        + QStringLiteral(" AND K.DatumPovr >= '") + datum(p.od) + QStringLiteral("' AND K.DatumPovr<='")
+        + datum(p.doDatuma) + QStringLiteral("' AND K.GodinaKnj=") + godina
+        + QStringLiteral(" ORDER BY K.DatumPovr,K.BrojSklad");
+}
+
+QString upitRačuna(const Parametri& p)
+{
+    const QString firma = QString::number(p.brojPoduzeca);
+    const QString orgJed = brojTekst(p.orgJed);
+    const QString od = datum(p.od);
+    const QString doD = datum(p.doDatuma);
+    const QString godina = QString::number(p.godina);
+    const QString dobavljač
+        = (p.vrsta == UlazniRacuni ? QStringLiteral("=") : QStringLiteral("<>")) + brojTekst(p.dobavljač);
+    switch (p.vrsta) {
+    case DgpRacuni:
+        return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumIfakt,left('Pazar '+rtrim(cast(K.OrgJed as "
+                              "nvarchar(15))),20) as Isprava,left(K.Vrsta+'-'+cast(K.OrgJed as nvarchar(10))+'-'+"
+                              "cast(K.BrojIfakt as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
+                              "K.IznosIfakt as Iznos FROM Ifakture K ")
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.Vrsta='DGP' AND K.OrgJed=")
+            + orgJed + QStringLiteral(" AND K.DATUMIFAKT >= '") + od + QStringLiteral("' AND K.DATUMIFAKT<='") + doD
+            + QStringLiteral("' AND K.GodinaKnj=") + godina + QStringLiteral(" ORDER BY K.DatumIfakt");
+    case UplateIzlaznih:
+        return QStringLiteral("SELECT I.BrojPoduzeca,I.GodinaKnj,U.Datum,left('Uplata '+rtrim(cast(I.OrgJed as "
+                              "nvarchar(15)))+' d:'+U.BrojDokumenta,20) as Isprava,left(I.Vrsta+'-'+cast(I.OrgJed as "
+                              "nvarchar(10))+'-'+cast(I.BrojIfakt as nvarchar(15))+'/'+cast(I.GodinaKnj as "
+                              "nvarchar(5)),30) as Opis,U.Iznos ")
+            + QStringLiteral(" FROM Ifakture I INNER JOIN IFAKTUplate U ON I.BrojPoduzeca=U.BrojPoduzeca AND "
+                             "I.BrojIFAKT=U.BrojIFAKT AND I.GodinaKnj=U.GodinaKnj AND I.OrgJed=U.OrgJed AND "
+                             "I.Vrsta=U.Vrsta ")
+            + QStringLiteral(" WHERE I.BrojPoduzeca=") + firma + QStringLiteral(" AND I.OrgJed=") + orgJed
+            + QStringLiteral(" AND U.DATUM >= '") + od + QStringLiteral("' AND U.DATUM<='") + doD + QStringLiteral("'")
+            + QStringLiteral(" ORDER BY U.Datum");
+    case UlazniRacuni:
+        return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatFakture,left('KUF '+rtrim(cast(K.OrgJed as "
+                              "nvarchar(15))),20) as Isprava,left(K.Vrsta+'-'+cast(K.OrgJed as nvarchar(10))+'-'+"
+                              "cast(K.BrojKUFa as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
+                              "K.IznosFakture as Iznos FROM KUF K ")
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + dobavljač
+            + QStringLiteral(" AND K.OrgJed=") + orgJed + QStringLiteral(" AND K.DATFAKTURE >= '") + od
+            + QStringLiteral("' AND K.DATFAKTURE<='") + doD + QStringLiteral("' AND K.GodinaKnj=") + godina
+            + QStringLiteral(" ORDER BY K.DATFAKTURE");
+    default:
+        return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,U.Datum,U.BrojDokumenta,left('KUF '+rtrim(cast("
+                              "K.OrgJed as nvarchar(15))),20) as Isprava,left(K.Vrsta+'-'+cast(K.OrgJed as "
+                              "nvarchar(10))+'-'+cast(K.BrojKUFa as nvarchar(15))+'/'+cast(K.GodinaKnj as "
+                              "nvarchar(5)),30) as Opis,U.Iznos FROM KUF K ")
+            + QStringLiteral("INNER JOIN KUFUplate U ON K.BrojPoduzeca=U.BrojPoduzeca AND K.BrojKUFa=U.BrojKUFa AND "
+                             "K.GodinaKnj=U.GodinaKnj AND K.OrgJed=U.OrgJed AND K.Vrsta=U.Vrsta ")
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + dobavljač
+            + QStringLiteral(" AND K.OrgJed=") + orgJed + QStringLiteral(" AND U.DATUM >= '") + od
+            + QStringLiteral("' AND U.DATUM<='") + doD + QStringLiteral("'") + QStringLiteral(" ORDER BY U.Datum");
+    }
+}
+
+// A typed code that is present but not a whole number: its message, shown.
+bool neispravanBroj(const QString& text, const QString& poruka)
+{
+    if (text.trimmed().isEmpty() || broj(text))
+        return false;
+    warn(poruka);
+    return true;
+}
+
+} // namespace
+
+bool valjanaVrsta(int vrsta)
+{
+    return vrsta >= 0 && vrsta < BrojVrsta;
+}
+const OpisVrste& opisVrste(int vrsta)
+{
+    return opisi().at(vrsta);
+}
+bool imaOrgJedinicu(int vrsta)
+{
+    return vrsta >= DgpRacuni && vrsta <= UplateUlaznih;
+}
+bool imaDobavljača(int vrsta)
+{
+    return vrsta == UlazniRacuni || vrsta == UplateUlaznih;
+}
+bool imaSkladište(int vrsta)
+{
+    return vrsta >= MatOtpremnice && vrsta <= PosPovrat;
+}
+
+bool provjeri(const Parametri& p)
+{
+    if (p.od > p.doDatuma) {
+        warn(QStringLiteral("Prvi datum veći od drugog!"));
+        return false;
+    }
+    if (imaOrgJedinicu(p.vrsta) && !broj(p.orgJed)) {
+        warn(QStringLiteral("Org.jedinica nije dobro upisana!"));
+        return false;
+    }
+    if (imaDobavljača(p.vrsta)) {
+        if (p.dobavljač.trimmed().isEmpty()) {
+            warn(QStringLiteral("Dobavljač nije upisan!"));
+            return false;
+        }
+        if (neispravanBroj(p.dobavljač, QStringLiteral("Dobavljač nije dobro upisan!")))
+            return false;
+    }
+    if (!imaSkladište(p.vrsta))
+        return true;
+    if (p.prima.trimmed().isEmpty()) {
+        warn(QStringLiteral("Tko prima ili kupac nije upisan!"));
+        return false;
+    }
+    if (neispravanBroj(p.prima, QStringLiteral("Tko prima ili kupac nije dobro upisan!")))
+        return false;
+    if (p.skladište.trimmed().isEmpty())
+        return interaction().show({ QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za "
+                                                   "sva skl./malopr. za koje operater ima prava. Pažljivo. Želite li "
+                                                   "nastaviti sa generiranjem?"),
+                   {}, Icon::Question, Buttons::YesNo, Answer::No })
+            == Answer::Yes;
+    return !neispravanBroj(p.skladište, QStringLiteral("Skladište/Maloprodaja nije dobro upisano!"));
+}
+
+QString uvjetPrava(int vrsta, const QString& operater)
+{
+    return QStringLiteral(" AND K.BROJSKLAD IN (SELECT CAST(PRAVO AS INTEGER) AS BROJSKLAD FROM PRAVA WHERE OPERATER='")
+        + navodnici(operater)
+        + (vrsta == MatOtpremnice ? QStringLiteral("' AND PROGRAM='SKLADIŠTE') ")
+                                  : QStringLiteral("' AND PROGRAM='MALOPROBJEKT') "));
+}
+
+QString izvorniUpit(const Parametri& p)
+{
+    return imaSkladište(p.vrsta) ? upitOtpremnica(p) : upitRačuna(p);
+}
+
+QString pitanjePotvrde(const Parametri& p)
+{
+    const QString početak = QStringLiteral("Želite li generirati stavke knjige prihoda i rashoda za DB na temelju ");
+    const QString period = dates::display(p.od) + QStringLiteral(" do ") + dates::display(p.doDatuma);
+    const QString orgJed = QStringLiteral(" za org.jedinicu: ") + p.orgJed.trimmed() + QStringLiteral(" ?");
+    const QString dobavljač = QStringLiteral(" dobavljača ") + p.dobavljač.trimmed();
+    switch (p.vrsta) {
+    case DgpRacuni:
+        return početak + QStringLiteral("pologa pazara (DGP izl.računi) u perodu od ") + period + orgJed;
+    case UplateIzlaznih:
+        return početak + QStringLiteral("unesenih uplata izl.računa u perodu od ") + period + orgJed;
+    case UlazniRacuni:
+        return početak + QStringLiteral("ulaznih računa u perodu od ") + period + QStringLiteral(" za") + dobavljač
+            + orgJed;
+    case UplateUlaznih:
+        return početak + QStringLiteral("uplata ulaznih računa u perodu od ") + period
+            + QStringLiteral(" uz isključenje") + dobavljač + orgJed;
+    default:
+        break;
+    }
+    const bool mat = p.vrsta == MatOtpremnice;
+    QString q = početak + (mat ? QStringLiteral("MAT") : QStringLiteral("POS"))
+        + QStringLiteral(" internih otpremnica u perodu od ") + period;
+    q += p.skladište.trimmed().isEmpty() ? QStringLiteral(" za sva skl./malopr. za koja ima pravo")
+                                         : QStringLiteral(" za skladište: ") + p.skladište.trimmed();
+    q += QStringLiteral(" za ") + (mat ? QStringLiteral("KUPCA ") : QStringLiteral("TKO PRIMA ")) + p.prima.trimmed();
+    if (p.vrsta == PosPovrat)
+        q += QStringLiteral(" u negativnom iznosu (povrat)");
+    return q + QStringLiteral(" ?");
+}
+
+QString zadnjiBrojUpit(qint16 brojPoduzeca, qint16 godina)
+{
+    return QStringLiteral("SELECT MAX(D.RBroj) as Broj FROM dbo.KnjPrihRashDB D WHERE D.BrojPoduzeca=")
+        + QString::number(brojPoduzeca) + QStringLiteral(" AND D.GodinaKnj=") + QString::number(godina);
+}
+
+int vrstaStavke(int vrsta, const QString& brojDokumenta)
+{
+    switch (vrsta) {
+    case DgpRacuni:
+        return 5;
+    case UplateIzlaznih:
+        return 6;
+    case UlazniRacuni:
+        return 11;
+    case UplateUlaznih:
+        return brojDokumenta.trimmed().startsWith(QStringLiteral("BL"), Qt::CaseInsensitive) ? 9 : 10;
+    default:
+        return 9;
+    }
+}
+
+namespace
+{
+
+bool pitaj(const QString& text)
+{
+    return askYesNo(text, {}, Answer::Yes);
+}
+
+// The book's last number for the company and year; nothing when it cannot be read.
+std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
+{
+    ResultSet rs;
+    if (!db.open(zadnjiBrojUpit(p.brojPoduzeca, p.godina), rs))
+        return std::nullopt;
+    const int c = rs.indexOf(QStringLiteral("Broj"));
+    if (rs.isEmpty() || c < 0 || rs.isNull(0, c))
+        return 0;
+    return rs.integer(0, c);
+}
+
+QVariant tekst(const ResultSet& rs, int row, int column)
+{
+    return column < 0 || rs.isNull(row, column) ? QVariant() : QVariant(rs.text(row, column));
+}
+
+// One book entry from one source row, in the order the book's columns are written.
+RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row, qint64 rBroj)
+{
+    const int cDatum = 2; // DatumIfakt, Datum or DatFakture: the third column of every statement
+    const int cIsprava = rs.indexOf(QStringLiteral("Isprava"));
+    const int cOpis = rs.indexOf(QStringLiteral("Opis"));
+    const int cIznos = rs.indexOf(QStringLiteral("Iznos"));
+    const int cDokument = rs.indexOf(QStringLiteral("BrojDokumenta"));
+    const QString dokument = p.vrsta == UplateUlaznih && cDokument >= 0 ? rs.text(row, cDokument) : QString();
+
+    QVariant opis = tekst(rs, row, cOpis);
+    if (p.vrsta == UplateUlaznih) {
+        const int širina = textColumnWidth(kKnjiga, QStringLiteral("Opis"));
+        const QString s = opis.toString() + QStringLiteral(" Upl.") + dokument;
+        opis = širina > 0 ? s.left(širina) : s;
+    }
+    QVariant iznos;
+    if (cIznos >= 0 && !rs.isNull(row, cIznos))
+        iznos = QVariant::fromValue(p.vrsta == PosPovrat ? -rs.money(row, cIznos) : rs.money(row, cIznos));
+    const auto cijeli = [&](const QString& name) {
+        const int c = rs.indexOf(name);
+        return c < 0 || rs.isNull(row, c) ? QVariant() : QVariant(int(rs.integer(row, c)));
+    };
+    return { { QStringLiteral("BrojPoduzeca"), cijeli(QStringLiteral("BrojPoduzeca")) },
+        { QStringLiteral("GodinaKnj"), cijeli(QStringLiteral("GodinaKnj")) }, { QStringLiteral("RBroj"), int(rBroj) },
+        { QStringLiteral("Datum"), rs.isNull(row, cDatum) ? QVariant() : QVariant(rs.date(row, cDatum)) },
+        { QStringLiteral("Isprava"), tekst(rs, row, cIsprava) }, { QStringLiteral("Opis"), opis },
+        { QStringLiteral("Vrsta"), vrstaStavke(p.vrsta, dokument) }, { QStringLiteral("Iznos"), iznos } };
+}
+
+// Appends the entries. The rows go in one transaction for speed, but a failure keeps
+// those written before it, as a run without a transaction would.
+int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadnji)
+{
+    ResultSet prazan;
+    if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
+        warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
+        return 0;
+    }
+    TransactionGuard transakcija(db);
+    int zapisano = 0;
+    for (int r = 0; r < izvor.rowCount(); ++r) {
+        const qint64 rBroj = zadnji + r + 1;
+        const bool stane = rBroj <= std::numeric_limits<qint32>::max();
+        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, stavka(p, izvor, r, rBroj), {} })) {
+            if (transakcija.isActive())
+                transakcija.commit();
+            warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+            return zapisano;
+        }
+        ++zapisano;
+    }
+    if (transakcija.isActive() && !transakcija.commit()) {
+        warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+        return 0;
+    }
+    return zapisano;
+}
+
+} // namespace
+
+Rezultat generiraj(const Parametri& p)
+{
+    Rezultat rezultat;
+    if (!valjanaVrsta(p.vrsta) || !pitaj(pitanjePotvrde(p)))
+        return rezultat;
+    const OpisVrste& opis = opisVrste(p.vrsta);
+    Database& knjiga = session().db();
+    const std::optional<qint64> zadnji = zadnjiBroj(knjiga, p);
+    if (!zadnji) {
+        warn(QStringLiteral("Greška u čitanju zadnjeg rednog broja knjige!"));
+        return rezultat;
+    }
+    ResultSet redovi;
+    {
+        // The source is read whole and its connection closed before the book is
+        // written: the two may be the same embedded file.
+        Database izvor;
+        rezultat.izvorOtvoren = izvor.connect(p.izvor);
+        if (!rezultat.izvorOtvoren || !izvor.open(izvorniUpit(p), redovi)) {
+            warn(opis.greškaČitanja);
+            return rezultat;
+        }
+    }
+    if (redovi.isEmpty()) {
+        inform(opis.nemaPodataka, {}, Icon::Information);
+        return rezultat;
+    }
+    if (!pitaj(QStringLiteral("Postoje ") + QString::number(redovi.rowCount()) + opis.upitBroja))
+        return rezultat;
+    rezultat.zapisano = upiši(knjiga, p, redovi, *zadnji);
+    if (rezultat.zapisano == redovi.rowCount())
+        inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
+                + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
+            {}, Icon::Information);
+    return rezultat;
+}
+
+} // namespace knjige::gen

@@ -1,0 +1,91 @@
+#include "generate/SourceDatabase.h"
+
+#include "session/ConnectionString.h"
+
+#include <QHash>
+
+namespace knjige::gen
+{
+namespace
+{
+
+class SessionPasswordStore final : public PasswordStore
+{
+public:
+    bool trajna() const override { return false; }
+    std::optional<QString> pročitaj(const QString& ključ) override
+    {
+        const auto it = m_lozinke.constFind(ključ);
+        return it == m_lozinke.constEnd() ? std::nullopt : std::optional<QString>(*it);
+    }
+    bool spremi(const QString& ključ, const QString& lozinka) override
+    {
+        m_lozinke.insert(ključ, lozinka);
+        return true;
+    }
+
+private:
+    QHash<QString, QString> m_lozinke;
+};
+
+std::unique_ptr<PasswordStore>& current()
+{
+    static std::unique_ptr<PasswordStore> store = std::make_unique<SessionPasswordStore>();
+    return store;
+}
+
+// A value as the connection string reader takes it back whole.
+QString vrijednost(const QString& v)
+{
+    const bool navodnici = v.contains(u';') || v.contains(u'"') || v.contains(u'\'') || v.startsWith(u'{')
+        || (!v.isEmpty() && (v.front().isSpace() || v.back().isSpace()));
+    if (!navodnici)
+        return v;
+    QString t = v;
+    return u'"' + t.replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
+}
+
+} // namespace
+
+IzvorPodataka izvorDomaćina(const QString& hostConnectionString)
+{
+    const ConnectionTarget target = parseConnectionString(hostConnectionString);
+    if (target.kind == ConnectionTarget::Kind::Sqlite)
+        return { QString(), target.sqlitePath };
+    return { connectionValue(hostConnectionString, QStringLiteral("Data Source")),
+        connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
+}
+
+QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
+{
+    if (izvor.ugrađena())
+        return QStringLiteral("sqlite:") + izvor.baza.trimmed();
+    return QStringLiteral("Provider=SQLOLEDB.1;Data Source=") + vrijednost(izvor.server.trimmed())
+        + QStringLiteral(";Initial Catalog=") + vrijednost(izvor.baza.trimmed())
+        + QStringLiteral(";User ID=sa;Password=") + vrijednost(lozinka);
+}
+
+PasswordStore& passwordStore()
+{
+    return *current();
+}
+
+std::unique_ptr<PasswordStore> setPasswordStore(std::unique_ptr<PasswordStore> store)
+{
+    if (!store)
+        store = std::make_unique<SessionPasswordStore>();
+    std::swap(current(), store);
+    return store;
+}
+
+bool usingSessionPasswordStore()
+{
+    return dynamic_cast<SessionPasswordStore*>(current().get()) != nullptr;
+}
+
+QString imeOperateraSustava()
+{
+    return systemUserName().left(10);
+}
+
+} // namespace knjige::gen

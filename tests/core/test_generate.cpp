@@ -1,0 +1,314 @@
+// Generation of the DB book from the demo company's documents: every kind against
+// the demo source (entries, numbers, kinds, amounts, cut texts), the checks and their
+// order, the questions, and the failures with their messages.
+#include "books/DemoData.h"
+#include "generate/DemoSources.h"
+#include "generate/Generation.h"
+#include "generate/SourceDatabase.h"
+#include "session/ConnectionString.h"
+#include "session/Session.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using namespace knjige::gen;
+using knjige::test::ScopedScript;
+using knjige::test::TestDatabase;
+
+namespace
+{
+
+const QString kNone = QStringLiteral("/nema/takve/mape/izvor.db");
+
+class Generation : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QString error;
+        ASSERT_TRUE(fillDemoData(t.db(), 2016, &error)) << error.toStdString();
+        ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
+        ASSERT_TRUE(fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
+    }
+
+    Parametri march(int vrsta) const
+    {
+        Parametri p;
+        p.vrsta = vrsta;
+        p.od = QDate(2016, 3, 1);
+        p.doDatuma = QDate(2016, 3, 31);
+        p.brojPoduzeca = 1;
+        p.godina = 2016;
+        p.orgJed = QStringLiteral("1");
+        p.dobavljač = QString::number(demo::DobavljačKompenzacija);
+        p.prima = QString::number(demo::Primatelj);
+        p.operater = QStringLiteral("ana");
+        p.izvor = QStringLiteral("sqlite:") + t.path();
+        return p;
+    }
+
+    qint64 lastNumber()
+    {
+        return t.query("SELECT ISNULL(MAX(RBroj),0) FROM dbo.KnjPrihRashDB WHERE GodinaKnj=2016").integer(0, 0);
+    }
+    ResultSet entriesAfter(qint64 rBroj)
+    {
+        return t.query(QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos FROM dbo.KnjPrihRashDB WHERE "
+                                      "GodinaKnj=2016 AND RBroj>%1 ORDER BY RBroj")
+                           .arg(rBroj));
+    }
+
+    TestDatabase t;
+    ScopedScript script;
+};
+
+} // namespace
+
+TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
+{
+    const QString range = QStringLiteral(" BETWEEN '03.01.2016' AND '03.31.2016'");
+    const struct {
+        int vrsta;
+        QString place;
+        QString expected; // count and sum of the source rows, read independently
+        QList<int> kinds;
+    } cases[] = {
+        { DgpRacuni, {},
+            "SELECT COUNT(*),SUM(IznosIfakt) FROM Ifakture WHERE Vrsta='DGP' AND OrgJed=1 AND DatumIfakt" + range,
+            { 5 } },
+        { UplateIzlaznih, {}, "SELECT COUNT(*),SUM(Iznos) FROM IFAKTUplate WHERE OrgJed=1 AND Datum" + range, { 6 } },
+        { UlazniRacuni, {}, "SELECT COUNT(*),SUM(IznosFakture) FROM KUF WHERE SifKomit=201 AND DatFakture" + range,
+            { 11 } },
+        { UplateUlaznih, {},
+            "SELECT COUNT(*),SUM(Iznos) FROM KUFUplate WHERE BrojKUFa IN (SELECT BrojKUFa FROM KUF "
+            "WHERE SifKomit<>201) AND Datum"
+                + range,
+            { 9, 10 } },
+        { MatOtpremnice, "501",
+            "SELECT COUNT(*),SUM(IznosOtprem+UkPorez) FROM dbo.MOtpremInt WHERE BrojSklad=501 AND "
+            "ŠifraKom=101 AND DatumOtprem"
+                + range,
+            { 9 } },
+        { PosOtpremnice, {},
+            "SELECT COUNT(*),SUM(IznosPovr) FROM dbo.RIntOtprem WHERE ŠifraKom=101 AND DatumPovr" + range, { 9 } },
+        { PosPovrat, "502",
+            "SELECT COUNT(*),-SUM(IznosPovr) FROM dbo.RIntOtprem WHERE BrojSklad=502 AND ŠifraKom=101 "
+            "AND DatumPovr"
+                + range,
+            { 9 } },
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.vrsta);
+        const ResultSet expected = t.query(c.expected);
+        const int n = int(expected.integer(0, 0));
+        ASSERT_GT(n, 1);
+        const qint64 last = lastNumber();
+        Parametri p = march(c.vrsta);
+        p.skladište = c.place;
+        script->clear();
+        if (p.skladište.isEmpty() && imaSkladište(c.vrsta))
+            script->answers << Answer::Yes; // every shop the operator has a right to
+        ASSERT_TRUE(provjeri(p));
+        const Rezultat r = generiraj(p);
+        EXPECT_EQ(r.zapisano, n);
+        EXPECT_EQ(script->texts().last(),
+            QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(n));
+        EXPECT_TRUE(script->texts().contains(QStringLiteral("Postoje %1").arg(n) + opisVrste(c.vrsta).upitBroja));
+
+        const ResultSet rs = entriesAfter(last);
+        ASSERT_EQ(rs.rowCount(), n);
+        Money sum;
+        for (int r = 0; r < n; ++r) {
+            EXPECT_EQ(rs.integer(r, 0), last + r + 1);
+            EXPECT_TRUE(c.kinds.contains(int(rs.integer(r, 4)))) << rs.integer(r, 4);
+            EXPECT_LE(rs.text(r, 2).size(), 20);
+            EXPECT_GE(rs.date(r, 1), p.od);
+            EXPECT_LE(rs.date(r, 1), p.doDatuma);
+            if (c.vrsta == UplateUlaznih) // the payment's document closes the text and decides the kind
+                EXPECT_EQ(rs.integer(r, 4), rs.text(r, 3).contains(QStringLiteral(" Upl.BL-")) ? 9 : 10)
+                    << rs.text(r, 3).toStdString();
+            else
+                EXPECT_LE(rs.text(r, 3).size(), 30);
+            sum += rs.money(r, 5);
+        }
+        EXPECT_EQ(sum, expected.money(0, 1));
+    }
+}
+
+TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndTextsAreCut)
+{
+    const qint64 start = lastNumber();
+    ASSERT_EQ(generiraj(march(PosOtpremnice)).zapisano > 0, true);
+    const qint64 middle = lastNumber();
+    ASSERT_EQ(generiraj(march(PosPovrat)).zapisano, middle - start);
+    const ResultSet plus = entriesAfter(start);
+    const int n = int(middle - start);
+    for (int r = 0; r < n; ++r) {
+        for (int c : { 1, 2, 3, 4 })
+            EXPECT_EQ(plus.text(r, c), plus.text(r + n, c));
+        EXPECT_EQ(plus.money(r + n, 5), -plus.money(r, 5));
+    }
+
+    // Long source values are cut by the statements to the book's widths.
+    t.exec("INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',101,10)");
+    t.exec(
+        "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)");
+    t.exec("INSERT INTO KUF VALUES (1,2016,'UVOZNIKUF',1234567,2000000002,202,'03.15.2016',10)");
+    t.exec("INSERT INTO KUFUplate VALUES (1,2000000002,2016,1234567,'UVOZNIKUF','03.21.2016','BL-77/16',4)");
+    const qint64 before = lastNumber();
+    for (int vrsta : { UplateIzlaznih, UplateUlaznih }) {
+        Parametri p = march(vrsta);
+        p.orgJed = QStringLiteral("1234567");
+        EXPECT_EQ(generiraj(p).zapisano, 1);
+    }
+    const ResultSet cut = entriesAfter(before);
+    ASSERT_EQ(cut.rowCount(), 2);
+    EXPECT_EQ(cut.text(0, 2), QStringLiteral("Uplata 1234567 d:IZV"));
+    EXPECT_EQ(cut.text(0, 3), QStringLiteral("VELEPRODAJ-1234567-2000000001/"));
+    EXPECT_EQ(cut.text(1, 2), QStringLiteral("KUF 1234567"));
+    EXPECT_EQ(cut.text(1, 3), QStringLiteral("UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16"));
+    EXPECT_EQ(cut.integer(1, 4), 9);
+    EXPECT_EQ(cut.money(1, 5), Money::fromWhole(4));
+}
+
+TEST_F(Generation, StopsWithTheMessageOfEachFailure)
+{
+    // An empty range, and a "No" to either question, write nothing.
+    Parametri empty = march(UlazniRacuni);
+    empty.od = empty.doDatuma = QDate(2016, 3, 7); // supplier 201 delivers every third day of the year
+    const qint64 last = lastNumber();
+    EXPECT_EQ(generiraj(empty).zapisano, 0);
+    EXPECT_EQ(script->texts().last(), QStringLiteral("Ne postoje podaci u KUF-u za zadani filter!"));
+    for (int no = 0; no < 2; ++no) {
+        script->clear();
+        if (no)
+            script->answers << Answer::Yes;
+        script->answers << Answer::No;
+        EXPECT_EQ(generiraj(march(DgpRacuni)).zapisano, 0);
+        EXPECT_EQ(script->messages.size(), no + 1);
+    }
+    EXPECT_EQ(lastNumber(), last);
+
+    // A source that cannot be opened: the kind's own message.
+    const QStringList readErrors = { "Greška u čitanju podatka iz KIF-a!", "Greška u čitanju podatka iz uplata KIF-a!",
+        "Greška u čitanju podatka iz KUF-a!", "Greška u čitanju podatka iz KUF-a!",
+        "Greška u čitanju podatka iz int.otpremnica!" };
+    for (int vrsta = 0; vrsta < readErrors.size(); ++vrsta) {
+        Parametri p = march(vrsta);
+        p.izvor = QStringLiteral("sqlite:") + kNone;
+        script->clear();
+        const Rezultat r = generiraj(p);
+        EXPECT_FALSE(r.izvorOtvoren);
+        EXPECT_EQ(script->texts(), QStringList({ pitanjePotvrde(p), readErrors[vrsta] }));
+    }
+    EXPECT_EQ(lastNumber(), last);
+
+    // An empty book starts at 1.
+    t.exec("DELETE FROM dbo.KnjPrihRashDB");
+    const int written = generiraj(march(MatOtpremnice)).zapisano;
+    EXPECT_EQ(written, entriesAfter(0).rowCount());
+    EXPECT_EQ(entriesAfter(0).integer(0, 0), 1);
+}
+
+TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
+{
+    ScopedScript script;
+    session().reset();
+    session().ConnString = kNone;
+    Parametri base;
+    base.od = base.doDatuma = QDate(2016, 5, 1);
+    base.orgJed = QStringLiteral("1");
+    base.dobavljač = base.prima = base.skladište = QStringLiteral("501");
+    const struct {
+        int vrsta;
+        std::function<void(Parametri&)> change;
+        QString message; // empty: passes
+    } cases[] = {
+        { DgpRacuni,
+            [](Parametri& p) {
+                p.od = p.doDatuma.addDays(1);
+                p.orgJed.clear();
+            },
+            "Prvi datum veći od drugog!" },
+        { UplateIzlaznih, [](Parametri& p) { p.orgJed = QStringLiteral("1a"); }, "Org.jedinica nije dobro upisana!" },
+        { UlazniRacuni, [](Parametri& p) { p.dobavljač = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
+        { UplateUlaznih, [](Parametri& p) { p.dobavljač = QStringLiteral("1 OR 1=1"); },
+            "Dobavljač nije dobro upisan!" },
+        { MatOtpremnice,
+            [](Parametri& p) {
+                p.prima.clear();
+                p.skladište.clear();
+            },
+            "Tko prima ili kupac nije upisan!" },
+        { PosPovrat, [](Parametri& p) { p.orgJed = QStringLiteral("x"); }, {} },
+        { PosOtpremnice, [](Parametri& p) { p.skladište = QStringLiteral("5;"); },
+            "Skladište/Maloprodaja nije dobro upisano!" },
+    };
+    for (const auto& c : cases) {
+        Parametri p = base;
+        p.vrsta = c.vrsta;
+        c.change(p);
+        script->clear();
+        EXPECT_EQ(provjeri(p), c.message.isEmpty()) << c.vrsta;
+        EXPECT_EQ(script->texts(), c.message.isEmpty() ? QStringList() : QStringList { c.message }) << c.vrsta;
+    }
+    // An empty place asks first; No stops.
+    base.vrsta = PosOtpremnice;
+    base.skladište.clear();
+    script->clear();
+    script->answers << Answer::No;
+    EXPECT_FALSE(provjeri(base));
+    EXPECT_TRUE(script->texts().first().startsWith(QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat")));
+    session().reset();
+}
+
+TEST(GenerationTexts, StatementsQuestionsAndRights)
+{
+    Parametri p;
+    p.vrsta = DgpRacuni;
+    p.od = QDate(2016, 3, 1);
+    p.doDatuma = QDate(2016, 3, 31);
+    p.brojPoduzeca = 3;
+    p.godina = 2016;
+    p.orgJed = QStringLiteral(" 7 ");
+    EXPECT_EQ(izvorniUpit(p),
+        "SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumIfakt,left('Pazar '+rtrim(cast(K.OrgJed as nvarchar(15))),20) "
+        "as Isprava,left(K.Vrsta+'-'+cast(K.OrgJed as nvarchar(10))+'-'+cast(K.BrojIfakt as nvarchar(15))+'/'+"
+        "cast(K.GodinaKnj as nvarchar(5)),30) as Opis,K.IznosIfakt as Iznos FROM Ifakture K  WHERE "
+        "K.BrojPoduzeca=3 AND K.Vrsta='DGP' AND K.OrgJed=7 AND K.DATUMIFAKT >= '03.01.2016' AND "
+        "K.DATUMIFAKT<='03.31.2016' AND K.GodinaKnj=2016 ORDER BY K.DatumIfakt");
+    EXPECT_EQ(pitanjePotvrde(p),
+        "Želite li generirati stavke knjige prihoda i rashoda za DB na temelju pologa pazara "
+        "(DGP izl.računi) u perodu od 01.03.16 do 31.03.16 za org.jedinicu: 7 ?");
+    p.vrsta = PosPovrat;
+    p.prima = QStringLiteral("101");
+    p.operater = QStringLiteral("o'Brien");
+    EXPECT_TRUE(izvorniUpit(p).contains(" WHERE K.BrojPoduzeca=3 AND K.BROJSKLAD IN (SELECT CAST(PRAVO AS INTEGER) AS "
+                                        "BROJSKLAD FROM PRAVA WHERE OPERATER='o''Brien' AND "
+                                        "PROGRAM='MALOPROBJEKT')  AND K.ŠifraKom=101 AND K.DatumPovr >= '03.01.2016'"));
+    EXPECT_EQ(pitanjePotvrde(p),
+        "Želite li generirati stavke knjige prihoda i rashoda za DB na temelju POS internih "
+        "otpremnica u perodu od 01.03.16 do 31.03.16 za sva skl./malopr. za koja ima pravo "
+        "za TKO PRIMA 101 u negativnom iznosu (povrat) ?");
+    EXPECT_TRUE(uvjetPrava(MatOtpremnice, QStringLiteral("ana")).endsWith("' AND PROGRAM='SKLADIŠTE') "));
+    EXPECT_EQ(zadnjiBrojUpit(3, 2016),
+        "SELECT MAX(D.RBroj) as Broj FROM dbo.KnjPrihRashDB D WHERE D.BrojPoduzeca=3 AND D.GodinaKnj=2016");
+}
+
+TEST(GenerationTexts, SourceConnection)
+{
+    const IzvorPodataka host = izvorDomaćina(
+        QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
+    EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));
+    EXPECT_EQ(host.baza, QStringLiteral("Firma"));
+    EXPECT_EQ(vezaIzvora(host, QStringLiteral("tajna")),
+        "Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=tajna");
+    // A password that would end the string early comes back whole.
+    const QString odd = QStringLiteral("a;b\"c' ");
+    EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
+    EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
+    EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
+}

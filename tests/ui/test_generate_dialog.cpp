@@ -1,0 +1,193 @@
+// The generator as the operator meets it: opened from the DB book's menu, its
+// captions, labels, fields and defaults per kind, a run that the browser shows after
+// it closes, the remembered source, and the source password that is asked, never
+// written to the settings. With KNJIGE_SCREENSHOT_DIR set it also draws the pictures.
+#include "books/BookKind.h"
+#include "books/DemoData.h"
+#include "generate/DemoSources.h"
+#include "generate/SourceDatabase.h"
+#include "generate/widgets/frmGenPrihRashDB.h"
+#include "session/Session.h"
+#include "session/SettingsStore.h"
+#include "test_browser_fixture.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDateEdit>
+#include <QDir>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace knjige;
+using namespace knjige::test;
+
+namespace
+{
+
+// Stands in for the machine's credential store.
+struct MemoryStore final : gen::PasswordStore {
+    QMap<QString, QString> kept;
+    bool trajna() const override { return true; }
+    std::optional<QString> pročitaj(const QString& k) override
+    {
+        return kept.contains(k) ? std::optional<QString>(kept.value(k)) : std::nullopt;
+    }
+    bool spremi(const QString& k, const QString& v) override
+    {
+        kept.insert(k, v);
+        return true;
+    }
+};
+
+class GenerateDialog : public BrowserTest
+{
+protected:
+    void SetUp() override
+    {
+        BrowserTest::SetUp();
+        previousStore = gen::setPasswordStore(std::make_unique<MemoryStore>());
+        QString error;
+        ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+        ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
+        ASSERT_TRUE(fillDemoSources(db->db(), 2016, { gen::imeOperateraSustava() }, &error)) << error.toStdString();
+    }
+    void TearDown() override
+    {
+        gen::setPasswordStore(std::move(previousStore));
+        BrowserTest::TearDown();
+    }
+
+    static QString text(QDialog& d, const QString& name)
+    {
+        if (auto* l = d.findChild<QLabel*>(name))
+            return l->text();
+        return d.findChild<QLineEdit*>(name)->text();
+    }
+    static bool shown(QDialog& d, const QString& name) { return !d.findChild<QWidget*>(name)->isHidden(); }
+
+    // The March 2016 values that give every kind entries on the demo documents.
+    static void fillMarch(frmGenPrihRashDB& d)
+    {
+        d.dpDatum->setDate(QDate(2016, 3, 1));
+        d.dpDatum1->setDate(QDate(2016, 3, 31));
+        d.txtOrgJed->setText(QString::number(demo::OrgJed));
+        d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
+        d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
+        d.txtPrima->setText(QString::number(demo::Primatelj));
+        for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })
+            emit e->editingFinished();
+    }
+
+    std::unique_ptr<gen::PasswordStore> previousStore;
+};
+
+} // namespace
+
+TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
+{
+    const struct {
+        int vrsta;
+        QString partner, place, receiver;
+    } kinds[] = {
+        { gen::DgpRacuni, {}, {}, {} },
+        { gen::UlazniRacuni, "Uklj.dobavljača:", {}, {} },
+        { gen::UplateUlaznih, "Isklj.dobavljača:", {}, {} },
+        { gen::MatOtpremnice, {}, "Skladište:", "Kupac (prima):" },
+        { gen::PosPovrat, {}, "Maloprodaja:", "Tko prima:" },
+    };
+    for (const auto& k : kinds) {
+        frmGenPrihRashDB d;
+        d.setVrsta(k.vrsta);
+        EXPECT_EQ(d.windowTitle(), gen::opisVrste(k.vrsta).naslov);
+        EXPECT_EQ(shown(d, "txtOrgJed"), k.vrsta <= gen::UplateUlaznih);
+        EXPECT_EQ(shown(d, "cmdPrKomit"), !k.partner.isEmpty());
+        EXPECT_EQ(shown(d, "cmdPrSkladište"), !k.place.isEmpty());
+        if (!k.partner.isEmpty()) {
+            EXPECT_EQ(text(d, "lblKomit"), k.partner);
+        }
+        if (!k.place.isEmpty()) {
+            EXPECT_EQ(text(d, "lblSkladište"), k.place);
+            EXPECT_EQ(text(d, "lblPrima"), k.receiver);
+        }
+    }
+
+    // From the menu of the DB book: the embedded default source is the book's own file.
+    auto w = open(Knjiga::PrihRashDB);
+    const int before = w->rsStavke().rowCount();
+    int written = 0;
+    script->onDialog = [&](QDialog& dialog) {
+        auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
+        EXPECT_EQ(d.findChild<QGroupBox*>("fraServer")->title(), QStringLiteral("Server i baza izl.računa"));
+        EXPECT_EQ(d.dpDatum->date(), QDate::currentDate().addDays(-7));
+        EXPECT_EQ(d.dpDatum1->date(), QDate::currentDate());
+        EXPECT_EQ(d.txtImeServera->text(), QString());
+        EXPECT_EQ(d.txtBazaPodataka->text(), db->path());
+        EXPECT_FALSE(shown(d, "txtLozinka"));
+        fillMarch(d);
+        d.OKButton->click();
+        written = d.zapisano();
+        return d.result();
+    };
+    w->menuItem(QStringLiteral("mnuGenDGP_1"))->trigger();
+    ASSERT_GT(written, 0);
+    EXPECT_EQ(script->texts().last(),
+        QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(written));
+    EXPECT_EQ(w->rsStavke().rowCount(), before + written);
+    const QString app = settings::sharedApplication();
+    EXPECT_EQ(settings::text(app, settings::section(), QStringLiteral("KIFSQLBaze")), db->path());
+    EXPECT_EQ(
+        settings::text(app, settings::section(), QStringLiteral("KIFSQLServera"), QStringLiteral("?")), QString());
+}
+
+TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSettings)
+{
+    frmGenPrihRashDB d;
+    d.setVrsta(gen::UlazniRacuni);
+    fillMarch(d);
+    d.txtImeServera->setText(QStringLiteral("SRV\\POS"));
+    EXPECT_TRUE(shown(d, "txtLozinka"));
+    EXPECT_FALSE(shown(d, "cmdBaza"));
+    EXPECT_EQ(text(d, "lblBaza"), QStringLiteral("Baza:"));
+    d.OKButton->click();
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!") });
+    EXPECT_EQ(d.result(), QDialog::Rejected);
+    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), QStringLiteral("KUFSQLServera")),
+        QStringLiteral("SRV\\POS"));
+    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::ključLozinke()), QString());
+    // A start after the end is refused before the password or any database is asked for.
+    script->clear();
+    d.dpDatum->setDate(QDate(2016, 4, 1));
+    d.OKButton->click();
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Prvi datum veći od drugog!") });
+}
+
+TEST_F(GenerateDialog, Screenshots)
+{
+    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
+    if (dir.isEmpty())
+        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
+    QDir().mkpath(dir);
+    for (int vrsta : { gen::DgpRacuni, gen::UlazniRacuni, gen::PosOtpremnice }) {
+        frmGenPrihRashDB d;
+        d.setVrsta(vrsta);
+        fillMarch(d);
+        d.show();
+        d.adjustSize();
+        QApplication::processEvents();
+        EXPECT_TRUE(d.grab().save(dir + QStringLiteral("/generator-%1.png").arg(vrsta)));
+    }
+    auto w = open(Knjiga::PrihRashDB);
+    script->onDialog = [&](QDialog& dialog) {
+        auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
+        fillMarch(d);
+        d.OKButton->click();
+        return d.result();
+    };
+    w->menuItem(QStringLiteral("mnuGenDGP_0"))->trigger();
+    w->resize(1240, 520);
+    w->postaviTrenutniRed(w->rsStavke().rowCount() - 1);
+    QApplication::processEvents();
+    EXPECT_TRUE(w->grab().save(dir + QStringLiteral("/browser-109-generirano.png")));
+}
