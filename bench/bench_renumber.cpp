@@ -17,28 +17,27 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
-
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <sqlite3.h>
 #include <vector>
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
 constexpr int kEntries = 100000;
 constexpr int kLinks = 20000;
 constexpr int kYear = 2016;
 
 // The numbers the book takes, all at once: each entry's place in the order of dates.
-const char* const kSetBased =
-    "UPDATE KnjPrihRashFBiH AS K SET RBroj = N.Novi FROM (SELECT rowid AS Red, ROW_NUMBER() OVER "
-    "(ORDER BY Datum, Vrsta) AS Novi FROM KnjPrihRashFBiH WHERE GodinaKnj=2016 AND BrojPoduzeca=1) AS N "
-    "WHERE K.rowid = N.Red";
+const char* const kSetBased
+    = "UPDATE KnjPrihRashFBiH AS K SET RBroj = N.Novi FROM (SELECT rowid AS Red, ROW_NUMBER() OVER "
+      "(ORDER BY Datum, Vrsta) AS Novi FROM KnjPrihRashFBiH WHERE GodinaKnj=2016 AND BrojPoduzeca=1) AS N "
+      "WHERE K.rowid = N.Red";
 
 // Entries numbered in the order they were written, dated in another order.
 void fill(const QString& path)
@@ -77,8 +76,8 @@ void fill(const QString& path)
 struct Books {
     QTemporaryDir dir;
     QString master;
-    QString work;       // renumbered by the component
-    QString baseline;   // renumbered by the one UPDATE
+    QString work; // renumbered by the component
+    QString baseline; // renumbered by the one UPDATE
 };
 
 Books& books()
@@ -104,7 +103,8 @@ void copyMaster(const QString& to)
 }
 
 // The person at the screen says Yes to the question.
-class SaysYes final : public Interaction {
+class SaysYes final : public Interaction
+{
 public:
     Answer show(const Message&) override { return Answer::Yes; }
     int exec(QDialog&) override { return 0; }
@@ -158,7 +158,7 @@ void BM_RenumberByDateAgainstOneUpdate(benchmark::State& state)
         copyMaster(b.work);
         copyMaster(b.baseline);
         s.ConnString = b.work;
-        s.db();   // connected before the clock runs
+        s.db(); // connected before the clock runs
         const quint64 before = s.db().requestCount();
         state.ResumeTiming();
 

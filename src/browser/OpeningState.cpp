@@ -4,8 +4,10 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige::openingstate {
-namespace {
+namespace knjige::openingstate
+{
+namespace
+{
 
 // The highest number of the asset list in `year`, read by the shared routine, which
 // reads the session's working year.
@@ -41,8 +43,9 @@ QString insertSql(qint16 company, qint16 year)
 {
     const QString y = QString::number(year);
     const QString next = QString::number(year + 1);
-    return QStringLiteral("INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
-                          "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,")
+    return QStringLiteral(
+               "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
+               "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,")
         + next + QStringLiteral(",Naziv,'") + QStringLiteral("01.01.") + next + QStringLiteral("','Poč.stanje iz ") + y
         + QStringLiteral("',NabVrijednost,round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2),VijekTr FROM "
                          "KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
@@ -57,7 +60,7 @@ bool generate(int tip)
     const int next = year + 1;
     if (next > clock::today().year()) {
         warn(QStringLiteral("Nije moguće generirati početna stanja za ") + QString::number(next)
-             + QStringLiteral(" jer ona još nije nastupila!"));
+            + QStringLiteral(" jer ona još nije nastupila!"));
         return false;
     }
     QString question;
@@ -71,7 +74,7 @@ bool generate(int tip)
     QString error;
     if (!run(insertSql(s.BrojPoduzeca, year), &error)) {
         warn(QStringLiteral("Desila se greška: ") + QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: ")
-             + error);
+            + error);
         return false;
     }
     inform(QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information);

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige::openingstate {
+namespace knjige::openingstate
+{
 
 // The one statement that carries the assets of `year` into the next year, each written
 // down by one year's straight-line depreciation (100 / life per cent of the purchase

@@ -6,19 +6,23 @@
 #include "session/Session.h"
 
 #include <QHash>
-
 #include <optional>
 #include <set>
 #include <unordered_map>
 #include <vector>
 
-namespace knjige::renumber {
-namespace {
+namespace knjige::renumber
+{
+namespace
+{
 
 const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 
-QString num(qint64 v) { return QString::number(v); }
+QString num(qint64 v)
+{
+    return QString::number(v);
+}
 
 QString tableOf(int tip)
 {
@@ -72,9 +76,8 @@ std::vector<std::optional<qint64>> ordinalNumbers(const std::vector<qint64>& num
 // For each changed number, in the order of the book, the first receivables row (in
 // its own order) whose link holds the old number at that moment takes the new one. A
 // link moved once can be moved again by a later change, as the rows are walked.
-std::vector<std::optional<qint64>> followFirstLinks(const std::vector<qint64>& numbers,
-                                                    const std::vector<std::optional<qint64>>& changes,
-                                                    const ResultSet& links)
+std::vector<std::optional<qint64>> followFirstLinks(
+    const std::vector<qint64>& numbers, const std::vector<std::optional<qint64>>& changes, const ResultSet& links)
 {
     const int c = links.indexOf(QStringLiteral("RBrojKPR"));
     std::vector<qint64> value(size_t(links.rowCount()));
@@ -105,10 +108,10 @@ std::vector<std::optional<qint64>> followFirstLinks(const std::vector<qint64>& n
 // to a row's number moves up by the offset, then every link equal to a row's lifted
 // number takes the row's new place. All links of one value move together, and a value
 // equal to no number stays. Gives the values that change.
-std::unordered_map<qint64, qint64> followAllLinks(const std::vector<qint64>& numbers,
-                                                  const std::vector<qint64>& linkValues)
+std::unordered_map<qint64, qint64> followAllLinks(
+    const std::vector<qint64>& numbers, const std::vector<qint64>& linkValues)
 {
-    std::unordered_map<qint64, std::vector<qint64>> at;   // value now -> values at the start
+    std::unordered_map<qint64, std::vector<qint64>> at; // value now -> values at the start
     for (qint64 v : linkValues)
         at[v].push_back(v);
     const auto move = [&at](qint64 from, qint64 to) {
@@ -135,7 +138,7 @@ std::unordered_map<qint64, qint64> followAllLinks(const std::vector<qint64>& num
 }
 
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
-                 const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
+    const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
 {
     TransactionGuard tx(db);
     if (!tx.isActive()) {
@@ -144,7 +147,7 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     }
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
-                                    receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
+        receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
     if (!rewriteNumbers(db, rowsTarget, rows, book, error)
         || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error)))
         return false;
@@ -186,7 +189,7 @@ bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, 
     for (const auto& [from, to] : pairs)
         rowsMoved += counts.value(from);
     const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
-                                receivablesScope(b) };
+        receivablesScope(b) };
     return remapNumbers(db, target, pairs, rowsMoved, error);
 }
 
@@ -229,13 +232,15 @@ Book sessionBook(int tip, qint32 brojProd)
     return Book { tip, s.BrojPoduzeca, s.RadnaGodina, brojProd };
 }
 
-bool takesPart(int tip) { return findBook(tip) && !isAssetList(tip); }
+bool takesPart(int tip)
+{
+    return findBook(tip) && !isAssetList(tip);
+}
 
 QString shiftSql(const Book& b, qint32 n)
 {
     return QStringLiteral("UPDATE ") + tableOf(b.tip) + QStringLiteral(" SET RBROJ=RBROJ+1 WHERE GODINAKNJ=")
-        + num(b.year) + QStringLiteral(" AND BROJPODUZECA=") + num(b.company) + QStringLiteral(" AND RBroj>=")
-        + num(n);
+        + num(b.year) + QStringLiteral(" AND BROJPODUZECA=") + num(b.company) + QStringLiteral(" AND RBroj>=") + num(n);
 }
 
 QString blankEntrySql(const Book& b, qint32 n)
@@ -260,15 +265,16 @@ QString blankEntrySql(const Book& b, qint32 n)
             + keys + QStringLiteral(",0,0,'','',0,0)");
     case Knjiga::PrometaFBiH:
     case Knjiga::PrometaRS:
-        return QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,"
-                              "IZNOSCEK) VALUES(")
+        return QStringLiteral(
+                   "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,"
+                   "IZNOSCEK) VALUES(")
             + keys + QStringLiteral(",'','',0,0 )");
     case Knjiga::PrihodaRS:
-        return QStringLiteral("INSERT INTO dbo.KnjPrihodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(") + keys
-            + QStringLiteral(",'',11)");
+        return QStringLiteral("INSERT INTO dbo.KnjPrihodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
+            + keys + QStringLiteral(",'',11)");
     case Knjiga::RashodaRS:
-        return QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(") + keys
-            + QStringLiteral(",'',11)");
+        return QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
+            + keys + QStringLiteral(",'',11)");
     case Knjiga::TrgUsluga:
         return QStringLiteral("INSERT INTO dbo.TrgKnjUsluga (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,OPIS,IZNOS) "
                               "VALUES(")
@@ -279,7 +285,8 @@ QString blankEntrySql(const Book& b, qint32 n)
                               "Zaduzenje,Razduzenje) VALUES(")
             + c + u',' + num(b.brojProd) + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
             + QStringLiteral(",'',0,0)");
-    default: return {};
+    default:
+        return {};
     }
 }
 
@@ -298,8 +305,10 @@ QString dateOrder(int tip)
     case Knjiga::PrometaFBiH:
     case Knjiga::PrometaRS:
     case Knjiga::TrgUsluga:
-    case Knjiga::TrgKomisiona: return QStringLiteral(" order by Datum");
-    default: return QStringLiteral(" order by Datum,Vrsta");
+    case Knjiga::TrgKomisiona:
+        return QStringLiteral(" order by Datum");
+    default:
+        return QStringLiteral(" order by Datum,Vrsta");
     }
 }
 
@@ -339,7 +348,7 @@ After byOrdinal(const Book& b)
     if (from < 0)
         return After::Stay;
     if (interaction().show({ QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"),
-                             QStringLiteral("Renumeracija"), Icon::Question, Buttons::YesNo, Answer::Yes })
+            QStringLiteral("Renumeracija"), Icon::Question, Buttons::YesNo, Answer::Yes })
         != Answer::Yes)
         return After::Reload;
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
@@ -363,14 +372,16 @@ After byDate(const Book& b)
     QString error;
     // Each message comes after the rollback, so no lock is held while it is read.
     switch (renumberByDate(session().db(), b, &error)) {
-    case DateStep::Done: return After::Reload;
+    case DateStep::Done:
+        return After::Reload;
     case DateStep::Begin:
         warn(kGreska + QStringLiteral(" u otvaranju konekcije: ") + error);
         return After::Stay;
     case DateStep::Read:
         warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + error);
         return After::Stay;
-    case DateStep::Write: break;
+    case DateStep::Write:
+        break;
     }
     inform(kGreska + QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: ") + error, {}, Icon::Critical);
     return After::Reload;

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige::renumber {
+namespace knjige::renumber
+{
 
 // The numbers an operation rewrites: one book of a company and year and, in the trade
 // books, one sales point.

@@ -2,11 +2,12 @@
 
 #include <QHash>
 #include <QStringList>
-
 #include <algorithm>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // SQL Server's limit of rows in one VALUES list.
 constexpr int kPairsPerStatement = 1000;
@@ -27,9 +28,9 @@ QString bareTable(const QString& table, SqlDialect dialect)
 bool createMap(Database& db)
 {
     if (db.dialect() == SqlDialect::SqlServer)
-        return db.executeNative(QStringLiteral(
-            "IF OBJECT_ID('tempdb..#KnjigeBrojevi') IS NOT NULL DROP TABLE #KnjigeBrojevi; "
-            "CREATE TABLE #KnjigeBrojevi (Stari int NOT NULL PRIMARY KEY, Novi int NOT NULL)"));
+        return db.executeNative(
+            QStringLiteral("IF OBJECT_ID('tempdb..#KnjigeBrojevi') IS NOT NULL DROP TABLE #KnjigeBrojevi; "
+                           "CREATE TABLE #KnjigeBrojevi (Stari int NOT NULL PRIMARY KEY, Novi int NOT NULL)"));
     return db.executeNative(QStringLiteral("DROP TABLE IF EXISTS temp.KnjigeBrojevi"))
         && db.executeNative(
             QStringLiteral("CREATE TEMP TABLE KnjigeBrojevi (Stari INTEGER PRIMARY KEY, Novi INTEGER NOT NULL)"));
@@ -78,7 +79,7 @@ RowChange rowUpdate(const NumberTarget& t, const ResultSet& rows, int row, qint6
 } // namespace
 
 bool remapNumbers(Database& db, const NumberTarget& target, const std::vector<std::pair<qint64, qint64>>& pairs,
-                  qint64 expectedRows, QString* error)
+    qint64 expectedRows, QString* error)
 {
     if (pairs.empty())
         return true;
@@ -89,16 +90,17 @@ bool remapNumbers(Database& db, const NumberTarget& target, const std::vector<st
         return false;
     }
     if (changed != expectedRows) {
-        *error = QStringLiteral("Promijenjeno je %1 zapisa umjesto %2: zapise je u međuvremenu mijenjao drugi korisnik.")
-                     .arg(changed)
-                     .arg(expectedRows);
+        *error
+            = QStringLiteral("Promijenjeno je %1 zapisa umjesto %2: zapise je u međuvremenu mijenjao drugi korisnik.")
+                  .arg(changed)
+                  .arg(expectedRows);
         return false;
     }
     return true;
 }
 
 bool rewriteNumbers(Database& db, const NumberTarget& target, const ResultSet& rows,
-                    const std::vector<std::optional<qint64>>& newValues, QString* error)
+    const std::vector<std::optional<qint64>>& newValues, QString* error)
 {
     const int key = rows.indexOf(target.keyColumn);
     if (key < 0) {

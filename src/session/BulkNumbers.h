@@ -4,20 +4,20 @@
 #include "session/ResultSet.h"
 
 #include <QString>
-
 #include <optional>
 #include <utility>
 #include <vector>
 
-namespace knjige {
+namespace knjige
+{
 
 // Where many rows of one table take new values of one integer column: the rows that
 // `scope` picks, told apart by `keyColumn` (which may be `column` itself).
 struct NumberTarget {
-    QString table;       // as the system names it: "dbo.KnjPrihRashFBiH"
-    QString column;      // the column that takes the new values
-    QString keyColumn;   // the column whose value picks a row
-    QString scope;       // conditions on the table's own columns, joined by AND
+    QString table; // as the system names it: "dbo.KnjPrihRashFBiH"
+    QString column; // the column that takes the new values
+    QString keyColumn; // the column whose value picks a row
+    QString scope; // conditions on the table's own columns, joined by AND
 };
 
 // Every row of the scope whose key column holds the first number of a pair takes the
@@ -30,7 +30,7 @@ struct NumberTarget {
 // changed is not `expectedRows` (someone else changed the rows since they were read);
 // the caller rolls back.
 bool remapNumbers(Database& db, const NumberTarget& target, const std::vector<std::pair<qint64, qint64>>& pairs,
-                  qint64 expectedRows, QString* error);
+    qint64 expectedRows, QString* error);
 
 // Gives rows read whole from the target's table (`rows`, every column, exactly the
 // rows of the scope) new values: row i takes newValues[i] where that is set. Rows
@@ -39,6 +39,6 @@ bool remapNumbers(Database& db, const NumberTarget& target, const std::vector<st
 // column cannot be told apart by anyone, so which of them takes which value does not
 // change the book.
 bool rewriteNumbers(Database& db, const NumberTarget& target, const ResultSet& rows,
-                    const std::vector<std::optional<qint64>>& newValues, QString* error);
+    const std::vector<std::optional<qint64>>& newValues, QString* error);
 
 } // namespace knjige

@@ -1,7 +1,9 @@
 #include "session/Clock.h"
 
-namespace knjige::clock {
-namespace {
+namespace knjige::clock
+{
+namespace
+{
 
 QDate& fixed()
 {
@@ -16,6 +18,9 @@ QDate today()
     return fixed().isValid() ? fixed() : QDate::currentDate();
 }
 
-void setToday(const QDate& date) { fixed() = date; }
+void setToday(const QDate& date)
+{
+    fixed() = date;
+}
 
 } // namespace knjige::clock

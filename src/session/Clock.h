@@ -2,7 +2,8 @@
 
 #include <QDate>
 
-namespace knjige::clock {
+namespace knjige::clock
+{
 
 // Today's date as every rule of the component sees it: the new entry's date, the
 // search period, whether a year has begun. The system's date unless a test has fixed

@@ -7,27 +7,27 @@
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
 
-#include <gtest/gtest.h>
-
 #include <QMap>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::test;
 using renumber::sessionBook;
 
-namespace {
+namespace
+{
 
 const QString kBook = QStringLiteral("dbo.KnjPrihRashFBiH");
 const QString kEvid = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kKpr = QStringLiteral("RBrojKPR");
 
 // Entries and receivables rows are told apart by their label, kept in Opis.
-void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
+void entry(
+    TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
 {
     RowChange::Values v { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
-                          { "Opis", QString::number(label) } };
+        { "Opis", QString::number(label) } };
     if (table.contains(QStringLiteral("Trg")))
         v.append({ "BrojProd", prod });
     else if (!table.contains(QStringLiteral("Prometa")))
@@ -37,8 +37,9 @@ void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum,
 
 void link(TestDatabase& t, int rbroj, int kpr, int label)
 {
-    t.insert(kEvid, { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", QDate(2016, 5, 5) }, { "GodinaKnj", 2016 },
-                      { "SifKomit", 1 }, { "Vrsta", 11 }, { "Opis", QString::number(label) }, { "RBrojKPR", kpr } });
+    t.insert(kEvid,
+        { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", QDate(2016, 5, 5) }, { "GodinaKnj", 2016 },
+            { "SifKomit", 1 }, { "Vrsta", 11 }, { "Opis", QString::number(label) }, { "RBrojKPR", kpr } });
 }
 
 // label -> the column's value.
@@ -58,18 +59,18 @@ TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
     TestDatabase t;
     for (const BookKind& book : allBooks()) {
         if (!renumber::takesPart(book.code) || book.code == Knjiga::EvidPotObvRS || book.code == Knjiga::PrometaRS)
-            continue;   // one kind per table
+            continue; // one kind per table
         t.db().beginTransaction();
         for (int n = 1; n <= 10; ++n) {
             entry(t, book.table, n, QDate(2016, 3, n), n, 3);
             if (isTradeBook(book.code))
-                entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8);   // another sales point
+                entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8); // another sales point
         }
         t.db().commit();
         EXPECT_FALSE(renumber::insertAt(sessionBook(book.code, 3), 0));
         ASSERT_TRUE(renumber::insertAt(sessionBook(book.code, 3), 5)) << book.code;
         const QMap<int, qint64> after = byLabel(t, book.table);
-        for (int label : after.keys())   // the blank entry's label is 0
+        for (int label : after.keys()) // the blank entry's label is 0
             EXPECT_EQ(after[label], label == 0 ? 5 : label % 100 < 5 ? label % 100 : label % 100 + 1) << book.code;
         const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table + " WHERE RBroj=5 AND Opis=''");
         ASSERT_EQ(blank.rowCount(), 1) << book.code;
@@ -77,10 +78,10 @@ TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
         EXPECT_TRUE(!isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
     }
     EXPECT_EQ(renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
-              "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
-              "VALUES(2,7,'1.1.2017',2017,'','',0,0 )");
+        "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
+        "VALUES(2,7,'1.1.2017',2017,'','',0,0 )");
     EXPECT_EQ(renumber::shiftSql({ 125, 2, 2017, 4 }, 7).toStdString(),
-              "UPDATE dbo.TrgKnjUsluga SET RBROJ=RBROJ+1 WHERE GODINAKNJ=2017 AND BROJPODUZECA=2 AND RBroj>=7");
+        "UPDATE dbo.TrgKnjUsluga SET RBROJ=RBROJ+1 WHERE GODINAKNJ=2017 AND BROJPODUZECA=2 AND RBroj>=7");
 }
 
 TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
@@ -147,8 +148,9 @@ TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
     EXPECT_EQ(byLabel(t, kBook), places);
     EXPECT_EQ(byLabel(t, kEvid, kKpr).values(), links);
     ASSERT_EQ(script->messages.size(), 1) << script->texts().join(u'\n').toStdString();
-    EXPECT_EQ(script->messages[0].text, QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po "
-                                                       "datumima dokumenata?\nPažljivo. Svi redni brojevi se mijenjaju!"));
+    EXPECT_EQ(script->messages[0].text,
+        QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po "
+                       "datumima dokumenata?\nPažljivo. Svi redni brojevi se mijenjaju!"));
     EXPECT_EQ(script->messages[0].defaultAnswer, Answer::No);
 }
 
@@ -184,7 +186,7 @@ TEST(Renumbering, AFailureAtAnyRowChangesNothing)
     t.db().beginTransaction();
     for (int i = 1; i <= 60; ++i)
         entry(t, kBook, i * 2 - (i == 20 ? 1 : 0), QDate(2016, 1 + i % 12, 1), i);
-    entry(t, kBook, 2, QDate(2016, 9, 9), 99);   // shares its number
+    entry(t, kBook, 2, QDate(2016, 9, 9), 99); // shares its number
     for (int i = 1; i <= 20; ++i)
         link(t, i, i * 2, i);
     t.db().commit();
@@ -195,8 +197,8 @@ TEST(Renumbering, AFailureAtAnyRowChangesNothing)
             QStringLiteral("CREATE TRIGGER kvar BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")
                 .arg(QLatin1String(trigger))));
         script->answers.enqueue(Answer::Yes);
-        EXPECT_EQ(date ? renumber::byDate(sessionBook(96)) : renumber::byOrdinal(sessionBook(96)),
-                  renumber::After::Reload);
+        EXPECT_EQ(
+            date ? renumber::byDate(sessionBook(96)) : renumber::byOrdinal(sessionBook(96)), renumber::After::Reload);
         EXPECT_EQ(byLabel(t, kBook), rows) << trigger;
         EXPECT_EQ(byLabel(t, kEvid, kKpr), links) << trigger;
         ASSERT_EQ(script->messages.size(), 2) << trigger;

@@ -1,13 +1,11 @@
 // A renumbering killed in the middle (kill -9) leaves the embedded book whole: either
 // every number and link is the old one or every one is new. The child is this test
 // program itself, started with --renumber-child.
-#include "browser/Renumbering.h"
 #include "books/Schema.h"
+#include "browser/Renumbering.h"
 #include "session/Session.h"
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
-
-#include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QDate>
@@ -16,10 +14,12 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QThread>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
 constexpr int kEntries = 100000;
 constexpr int kLinks = 20000;
@@ -43,7 +43,8 @@ std::string state(const QString& path)
             "THEN 'new' ELSE 'mixed' END || ' ' || "
             "(SELECT COUNT(DISTINCT RBroj) || ',' || MIN(RBroj) || ',' || MAX(RBroj) FROM KnjPrihRashFBiH) || ' ' || "
             "(SELECT COUNT(*) FROM KnjEvidPotrIObvFBiH E JOIN KnjPrihRashFBiH K ON K.Opis = E.Opis "
-            "WHERE E.RBrojKPR <> K.RBroj)").arg(kEntries));
+            "WHERE E.RBrojKPR <> K.RBroj)")
+                   .arg(kEntries));
         if (q.next())
             out = q.value(0).toString();
     }
@@ -82,7 +83,8 @@ void fill(const QString& path)
 
 } // namespace
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 int renumberChild(const QString& path)
 {

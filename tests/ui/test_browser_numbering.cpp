@@ -2,13 +2,12 @@
 // reaches them: the menu entry, the rows the grid shows afterwards, the entry that is
 // current. With KNJIGE_SCREENSHOT_DIR set, pictures of the questions (drawn by the
 // real message boxes) and of a book before and after renumbering.
-#include "test_browser_fixture.h"
-
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "session/Clock.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
+#include "test_browser_fixture.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -20,7 +19,8 @@
 using namespace knjige;
 using namespace knjige::test;
 
-namespace {
+namespace
+{
 
 QStringList opisi(frmSifarnikKnj& w)
 {
@@ -98,8 +98,8 @@ TEST_F(BrowserTest, RenumberingScreenshots)
     w->close();
 
     db->insert(QStringLiteral("dbo.KnjPopListaDugImovFBiH"),
-               { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2017 }, { "RBroj", 1 }, { "Naziv", "Kombi" },
-                 { "Datum", QDate(2017, 1, 1) }, { "Isprava", "1" }, { "VijekTr", 5 } });
+        { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2017 }, { "RBroj", 1 }, { "Naziv", "Kombi" },
+            { "Datum", QDate(2017, 1, 1) }, { "Isprava", "1" }, { "VijekTr", 5 } });
     clock::setToday(QDate(2017, 2, 1));
     auto assets = open(Knjiga::PopListaFBiH);
     pictureOfNextBox(dir + QStringLiteral("/pocetno-stanje-pitanje.png"), QMessageBox::No);

@@ -6,7 +6,8 @@
 #include "browser/Renumbering.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 
-namespace knjige {
+namespace knjige
+{
 
 void frmSifarnikKnj::UbaciZapis()
 {
