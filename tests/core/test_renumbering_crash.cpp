@@ -104,8 +104,8 @@ TEST(RenumberingCrash, AKilledRenumberingLeavesEveryNumberOldOrEveryNumberNew)
     fill(master);
     QSqlDatabase::removeDatabase(QStringLiteral("punjenje"));
 
-    // Killed as the first page is written, well into the writing, and not at all.
-    for (int afterFirstWrite : { 0, 150, -1 }) {
+    // Killed while it writes, and left to finish.
+    for (int afterFirstWrite : { 60, -1 }) {
         const QString path = test::scratchDir() + QStringLiteral("/renumber-%1.db").arg(afterFirstWrite);
         ASSERT_TRUE(QFile::copy(master, path));
         QProcess child;
