@@ -33,13 +33,6 @@ int complain(const QString& message, int code = Failed)
     return code;
 }
 
-struct Options {
-    QMap<QString, QString> values;
-    QSet<QString> flags;
-    QStringList positional;
-    QString error;
-};
-
 // Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
 // looks like an option is refused, so a typing error never becomes a SQL text.
 Options parseOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions)
@@ -170,13 +163,13 @@ int createDatabase(const QString& path, bool demo, bool force)
 
 // The connection string for --db or --conn; empty with the message printed when the
 // database cannot be reached without creating something.
-QString connectionFor(const Options& o, int* code)
+QString connectionFor(const Options& o, const QString& usage, int* code)
 {
     const bool hasDb = o.values.contains(QStringLiteral("--db"));
     const bool hasConn = o.values.contains(QStringLiteral("--conn"));
     if (hasDb == hasConn) {
         *code = complain(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n")
-                             + queryUsage(),
+                             + usage,
                          Usage);
         return {};
     }
@@ -231,6 +224,16 @@ int runStatement(Database& db, const QString& sql, bool withTypes)
 }
 
 } // namespace
+
+Options commandOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions)
+{
+    return parseOptions(args, valueOptions, flagOptions);
+}
+
+QString commandConnection(const Options& options, const QString& usage, int* code)
+{
+    return connectionFor(options, usage, code);
+}
 
 QString initUsage()
 {
@@ -326,7 +329,7 @@ int runQuery(const QStringList& args)
                             + queryUsage(),
                         Usage);
     int code = Done;
-    const QString connection = connectionFor(o, &code);
+    const QString connection = connectionFor(o, queryUsage(), &code);
     if (connection.isEmpty())
         return code;
     const QString sql = readStatement(o.positional.front());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -20,5 +22,18 @@ QString defaultDatabasePath();
 // Whether a statement gives rows to print (SELECT, WITH, EXEC ...), judged by its
 // first word past comments and opening parentheses.
 bool returnsRows(const QString& sql);
+
+// A command line taken apart: options by name ("--db PATH" or "--db=PATH"), flags,
+// the remaining arguments, or the error of an unknown or incomplete option.
+struct Options {
+    QMap<QString, QString> values;
+    QSet<QString> flags;
+    QStringList positional;
+    QString error;
+};
+Options commandOptions(const QStringList& args, const QStringList& valueOptions, const QStringList& flagOptions);
+// The connection string that --db or --conn names; empty, with the message printed and
+// *code set to the exit code, when it names none or a database file that is missing.
+QString commandConnection(const Options& options, const QString& usage, int* code);
 
 } // namespace knjige::cli

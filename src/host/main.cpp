@@ -4,6 +4,7 @@
 // work without a display.
 
 #include "host/Cli.h"
+#include "host/ExportCommand.h"
 #include "host/HostWindows.h"
 
 #include <QApplication>
@@ -27,6 +28,7 @@ const Command commands[] = {
     {"init", false, knjige::cli::runInit, knjige::cli::initUsage},
     {"query", false, knjige::cli::runQuery, knjige::cli::queryUsage},
     {"open", true, knjige::host::runOpen, knjige::host::openUsage},
+    {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.

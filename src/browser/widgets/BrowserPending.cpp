@@ -27,7 +27,6 @@ void frmSifarnikKnj::PostaviFilter()
 }
 
 void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
-void frmSifarnikKnj::PrebaciUExcel() { nijeJošDostupno(QStringLiteral("Prebacivanje u Excel")); }
 void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
 
 // The running totals panel lvStanje stays hidden until its sums are built.

@@ -1,0 +1,14 @@
+// "Prebaci u Excel": the rows the grid shows, in the order it shows them.
+#include "browser/widgets/frmSifarnikKnj.h"
+#include "output/widgets/frmOfficeExportPost.h"
+#include "session/Interaction.h"
+
+namespace knjige {
+
+void frmSifarnikKnj::PrebaciUExcel()
+{
+    frmOfficeExportPost dialog(rsStavke(), this);
+    interaction().exec(dialog);
+}
+
+} // namespace knjige

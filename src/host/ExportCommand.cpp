@@ -1,0 +1,210 @@
+#include "host/ExportCommand.h"
+
+#include "books/BookKind.h"
+#include "browser/BrowserRules.h"
+#include "host/Cli.h"
+#include "output/OfficeExport.h"
+#include "session/Database.h"
+#include "session/Dates.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include <optional>
+
+namespace knjige::cli {
+namespace {
+
+enum Exit { Done = 0, Failed = 1, Usage = 2 };
+
+int complain(const QString& message, int code = Failed)
+{
+    QTextStream(stderr) << message << '\n';
+    return code;
+}
+
+int usageError(const QString& message) { return complain(message + u'\n' + exportUsage(), Usage); }
+
+// A whole number within [low, high]; nothing for anything else.
+std::optional<int> wholeNumber(const QString& text, int low, int high)
+{
+    bool ok = false;
+    const int n = text.trimmed().toInt(&ok);
+    return ok && n >= low && n <= high ? std::optional<int>(n) : std::nullopt;
+}
+
+struct Period {
+    QDate from;
+    QDate to;
+};
+
+// "1.3.2016-31.3.2016": two dates, day first, the first not after the second.
+std::optional<Period> parsePeriod(const QString& text, QString* error)
+{
+    const QStringList parts = text.split(u'-');
+    Period p;
+    if (parts.size() == 2) {
+        p.from = dates::parseDayFirst(parts[0].trimmed());
+        p.to = dates::parseDayFirst(parts[1].trimmed());
+    }
+    if (!p.from.isValid() || !p.to.isValid()) {
+        *error = QStringLiteral("Period \"%1\" nije ispravan: zadajte ga kao OD-DO, na primjer 1.3.2016-31.3.2016.")
+                     .arg(text);
+        return std::nullopt;
+    }
+    if (p.from > p.to) {
+        *error = QStringLiteral("Početak perioda (%1) je iza njegovog kraja (%2).")
+                     .arg(dates::display(p.from), dates::display(p.to));
+        return std::nullopt;
+    }
+    return p;
+}
+
+const BookKind* bookNamed(const QString& text)
+{
+    if (const auto code = wholeNumber(text, 0, 32767))
+        return findBook(*code);
+    return findBookByClass(text.trimmed());
+}
+
+struct Request {
+    const BookKind* book = nullptr;
+    int company = 0;
+    int year = 0;
+    std::optional<Period> period;
+    int salesPoint = 0;
+    QString out;
+    output::ExportOptions options;
+};
+
+// Reads and checks every option; 0 when the request is complete, else the exit code
+// with the message printed.
+int readRequest(const Options& o, Request& r)
+{
+    if (o.positional.size() != 1)
+        return usageError(o.positional.isEmpty() ? QStringLiteral("Nedostaje knjiga (šifra, na primjer 96).")
+                                                 : QStringLiteral("Višak argumenata: %1").arg(o.positional.join(u' ')));
+    r.book = bookNamed(o.positional.front());
+    if (!r.book)
+        return usageError(QStringLiteral("Nepoznata knjiga: %1").arg(o.positional.front()));
+    for (const char* required : {"--company", "--year", "--out"})
+        if (o.values.value(QLatin1String(required)).trimmed().isEmpty())
+            return usageError(QStringLiteral("Nedostaje opcija %1.").arg(QLatin1String(required)));
+    const auto company = wholeNumber(o.values.value(QStringLiteral("--company")), 1, 32767);
+    if (!company)
+        return usageError(QStringLiteral("Poduzeće mora biti broj od 1 do 32767."));
+    const auto year = wholeNumber(o.values.value(QStringLiteral("--year")), 1900, 9999);
+    if (!year)
+        return usageError(QStringLiteral("Godina mora biti broj od 1900 do 9999."));
+    r.company = *company;
+    r.year = *year;
+    if (o.values.contains(QStringLiteral("--period"))) {
+        QString error;
+        r.period = parsePeriod(o.values.value(QStringLiteral("--period")), &error);
+        if (!r.period)
+            return usageError(error);
+    }
+    if (o.values.contains(QStringLiteral("--prod"))) {
+        if (!isTradeBook(r.book->code))
+            return usageError(QStringLiteral("Prodajno mjesto (--prod) imaju samo knjige 125 i 126."));
+        const auto point = wholeNumber(o.values.value(QStringLiteral("--prod")), 1, 2147483647);
+        if (!point)
+            return usageError(QStringLiteral("Prodajno mjesto mora biti pozitivan broj."));
+        r.salesPoint = *point;
+    }
+    r.out = o.values.value(QStringLiteral("--out")).trimmed();
+    r.options.separator = o.values.value(QStringLiteral("--separator"), QStringLiteral(";"));
+    r.options.decimalMark = o.values.value(QStringLiteral("--decimal"), QStringLiteral(","));
+    r.options.quoteTexts = o.flags.contains(QStringLiteral("--quote"));
+    const auto encoding = output::encodingFromName(o.values.value(QStringLiteral("--encoding"), QStringLiteral("cp1250")));
+    if (!encoding)
+        return usageError(QStringLiteral("Kodiranje može biti cp1250 ili utf-8."));
+    r.options.encoding = *encoding;
+    const QString problem = output::firstFailedCheck({r.out, r.options.separator, r.options.decimalMark, {}, false});
+    if (!problem.isEmpty())
+        return usageError(problem);
+    return Done;
+}
+
+} // namespace
+
+QString exportWhere(int kind, const QDate& from, const QDate& to, int company, int year, int salesPoint)
+{
+    const bool bounded = from.isValid() && to.isValid();
+    if (!bounded && salesPoint == 0)
+        return browser::openingWhere(browser::periodStart(year), year, company);
+    QString conditions = QStringLiteral(" K.Datum>='") + dates::sqlLiteral(bounded ? from : browser::periodStart(year))
+        + u'\'';
+    if (bounded)
+        conditions += QStringLiteral(" AND K.Datum<='") + dates::sqlLiteral(to) + u'\'';
+    conditions += QStringLiteral(" AND K.GodinaKnj=") + QString::number(year);
+    if (salesPoint != 0 && isTradeBook(kind))
+        conditions += QStringLiteral(" AND  K.BrojProd=") + QString::number(salesPoint);
+    return QStringLiteral(" WHERE K.BrojPoduzeca=") + QString::number(company) + QStringLiteral(" AND ") + conditions;
+}
+
+QString exportUsage()
+{
+    return QStringLiteral(
+        "knjige export KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+        "              --out DATOTEKA.csv [--period OD-DO] [--prod N] [--separator \";\"]\n"
+        "              [--decimal \",\"] [--quote] [--encoding cp1250|utf-8] [--force]\n"
+        "  Zapiše knjigu (šifra 96 ... 126 ili naziv klase) poduzeća i godine kao CSV datoteku,\n"
+        "  istu kakvu piše \"Prebaci u Excel\" u pregledu knjige, redom po rednom broju.\n"
+        "  --period OD-DO  samo stavke s datumom u periodu, na primjer 1.3.2016-31.3.2016\n"
+        "  --prod N        samo prodajno mjesto N (knjige 125 i 126)\n"
+        "  --separator     separator podataka (zadano ;)\n"
+        "  --decimal       znak za decimalnu točku u brojevima, . ili , (zadano ,)\n"
+        "  --quote         nazivi i tekstovi u navodnicima\n"
+        "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
+        "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n");
+}
+
+int runExport(const QStringList& args)
+{
+    const Options o = commandOptions(args,
+                                     {QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
+                                      QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
+                                      QStringLiteral("--out"), QStringLiteral("--separator"),
+                                      QStringLiteral("--decimal"), QStringLiteral("--encoding")},
+                                     {QStringLiteral("--quote"), QStringLiteral("--force")});
+    if (!o.error.isEmpty())
+        return usageError(o.error);
+    if (o.flags.contains(QStringLiteral("--help"))) {
+        QTextStream(stdout) << exportUsage();
+        return Done;
+    }
+    Request r;
+    if (const int refused = readRequest(o, r))
+        return refused;
+    int code = Done;
+    const QString connection = commandConnection(o, exportUsage(), &code);
+    if (connection.isEmpty())
+        return code;
+    if (QFileInfo(r.out).isDir())
+        return complain(QStringLiteral("Na putanji %1 je mapa, a ne datoteka.").arg(r.out));
+    if (QFileInfo::exists(r.out) && !o.flags.contains(QStringLiteral("--force")))
+        return complain(QStringLiteral("Datoteka %1 već postoji. Ostaje nepromijenjena; dodajte --force ako je želite "
+                                       "prepisati.")
+                            .arg(r.out));
+    Database db;
+    if (!db.connect(connection))
+        return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    const QString sql = r.book->selectSql
+        + exportWhere(r.book->code, r.period ? r.period->from : QDate(), r.period ? r.period->to : QDate(), r.company,
+                      r.year, r.salesPoint)
+        + browser::orderBy();
+    ResultSet rows;
+    if (!db.open(sql, rows))
+        return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
+    const output::ExportResult result = output::exportToFile(rows, r.options, r.out);
+    if (!result.ok())
+        return complain(QStringLiteral("Desila se greška: ") + result.error);
+    if (!result.unmappable.isEmpty())
+        complain(output::unmappableNote(result.unmappable, result.firstUnmappableLine));
+    QTextStream(stdout) << output::reportText(r.out, result.rows) << '\n';
+    return Done;
+}
+
+} // namespace knjige::cli

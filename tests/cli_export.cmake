@@ -1,0 +1,56 @@
+# End-to-end check of knjige export: the bytes it writes, and what it refuses.
+# Called with -DKNJIGE=<the program> -DWORK=<a folder it may wipe>.
+file(REMOVE_RECURSE "${WORK}")
+file(MAKE_DIRECTORY "${WORK}")
+set(db "${WORK}/knjige.db")
+
+# Runs the program, failing unless the exit code is `rc` and stderr holds `text`.
+# Arguments holding a semicolon write it as <semi>: CMake splits lists there.
+function(knjige rc text)
+  set(args)
+  foreach(a IN LISTS ARGN)
+    string(REPLACE "<semi>" "\\;" a "${a}")
+    list(APPEND args "${a}")
+  endforeach()
+  execute_process(COMMAND "${KNJIGE}" ${args} RESULT_VARIABLE got ERROR_VARIABLE err OUTPUT_VARIABLE out
+    WORKING_DIRECTORY "${WORK}")
+  string(FIND "${err}" "${text}" at)
+  if(NOT got STREQUAL rc OR at LESS 0)
+    message(FATAL_ERROR "knjige ${args}: exit ${got}, expected ${rc} and \"${text}\"\n${out}${err}")
+  endif()
+endfunction()
+
+knjige(0 "" init --db "${db}")
+foreach(row "1, '01.31.2016', 'A', 'Jan', 11, 10.5" "2, '02.15.2016', 'B', 'Čaj<semi> \"Žir\"', 12, 1234.25"
+            "3, '03.01.2016', 'C', 'Mar', 11, 7")
+  knjige(0 "" query --db "${db}" "INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca, GodinaKnj, RBroj, Datum, Isprava, Opis, Vrsta, Iznos, IznosPDV) VALUES (4, 2016, ${row}, 0)")
+endforeach()
+
+# February only, texts quoted: the header, then one row with Č and Ž in Windows-1250.
+knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --period 1.2.2016-29.2.2016 --out feb.csv --quote)
+string(HEX "\"RBroj\";\"GodinaKnj\";\"Datum\";\"Isprava\";\"Opis\";\"Vrsta\";\"NazivVrste\";\"Prihodi\";\"PDVPrihodi\";\"Rashodi\";\"PDVRashodi\";\"I\"" expected)
+# 2;2016;15.02.16;"B";"Čaj; ""Žir""";12;"Prihod - Bankovni račun";1234,25;0;0;0; with CR LF before and after
+string(APPEND expected "0d0a323b323031363b31352e30322e31363b2242223b22c8616a3b2022228e69722222223b31323b22507269686f64"
+  "202d2042616e6b6f766e69207261e8756e223b313233342c32353b303b303b303b0d0a")
+file(READ "${WORK}/feb.csv" hex HEX)
+if(NOT hex STREQUAL expected)
+  message(FATAL_ERROR "export in Windows-1250:\n  expected ${expected}\n  actual   ${hex}")
+endif()
+
+knjige(1 "--force" export 96 --db "${db}" --company 4 --year 2016 --out feb.csv)
+knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --out feb.csv --force --encoding utf-8 --decimal . --separator ,)
+file(READ "${WORK}/feb.csv" text)
+string(FIND "${text}" "\n2,2016,15.02.16,B,Čaj; \"Žir\",12,Prihod - Bankovni račun,1234.25,0,0,0," at)
+file(READ "${WORK}/feb.csv" bom LIMIT 3 HEX)
+if(at LESS 0 OR NOT bom STREQUAL "efbbbf")
+  message(FATAL_ERROR "export in UTF-8 over the old file: ${bom} ${text}")
+endif()
+
+set(base export 96 --db "${db}" --company 4 --year 2016 --out bad.csv)
+knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${base} --separator ,)
+knjige(2 "Početak perioda (29.02.16) je iza njegovog kraja (01.02.16)." ${base} --period 29.2.2016-1.2.2016)
+knjige(2 "Prodajno mjesto (--prod) imaju samo knjige 125 i 126." ${base} --prod 2)
+knjige(2 "Nepoznata knjiga: 97x" export 97x --db "${db}" --company 4 --year 2016 --out bad.csv)
+if(EXISTS "${WORK}/bad.csv")
+  message(FATAL_ERROR "a refused export wrote a file")
+endif()

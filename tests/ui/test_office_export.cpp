@@ -1,0 +1,208 @@
+// "Prebaci u Excel" from the browser: the dialog's checks and messages in order, the
+// overwrite question, the file as written, the program start, the remembered options,
+// and a filtered and sorted book writing only its rows in the order shown.
+#include "test_browser_fixture.h"
+
+#include "books/DemoData.h"
+#include "host/ExportCommand.h"
+#include "output/OfficeExport.h"
+#include "output/widgets/frmOfficeExportPost.h"
+#include "session/SettingsStore.h"
+#include "support/Sandbox.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+
+using namespace knjige;
+using namespace knjige::test;
+
+namespace {
+
+class OfficeExportTest : public BrowserTest {
+protected:
+    void SetUp() override
+    {
+        BrowserTest::SetUp();
+        addPrihRash(1, 2016, 1, {2016, 1, 10}, 11, 1234567.5, 170, QStringLiteral("Pazar; \"Centar\" ČĆĐŠŽ"));
+        addPrihRash(1, 2016, 2, {2016, 1, 12}, 12, 2340.25, 340.07, QStringLiteral("banka"));
+        addPrihRash(1, 2016, 3, {2016, 2, 1}, 11, 585, 85, QStringLiteral("Nabavka"));
+        path = scratchDir() + QStringLiteral("/knjiga.csv");
+    }
+    // Opens the dialog from the browser's menu and lets `steps` work in it.
+    void exportFrom(frmSifarnikKnj& w, const std::function<void(frmOfficeExportPost&)>& steps)
+    {
+        script->onDialog = [&](QDialog& d) {
+            steps(dynamic_cast<frmOfficeExportPost&>(d));
+            return d.result();
+        };
+        w.menuItem(QStringLiteral("mnuPrebaciUExcel"))->trigger();
+    }
+    static QByteArray read(const QString& name)
+    {
+        QFile f(name);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+    static QString setting(const char* key)
+    {
+        return settings::text(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QString::fromUtf8(key));
+    }
+    QString path;
+};
+
+} // namespace
+
+TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
+{
+    auto w = open(96);
+    const QString program = QCoreApplication::applicationFilePath();
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        EXPECT_EQ(f.txtNazivDat->text(), output::defaultFileName());
+        EXPECT_EQ(f.txtSeparator->text(), QStringLiteral(";"));
+        EXPECT_EQ(f.txtDecTočka->text(), QStringLiteral(","));
+        struct Step {
+            std::function<void()> change;
+            const char* message;
+        };
+        const Step steps[] = {
+            {[&] { f.txtNazivDat->clear(); }, "Mora se upisati ime CSV datoteke podataka!"},
+            {[&] {
+                 script->files.enqueue(path);
+                 f.cmdGdjeSpremiti->click();
+                 f.txtSeparator->clear();
+             },
+             "Mora se upisati separator podataka!"},
+            {[&] { f.txtSeparator->setText(QStringLiteral(",")); f.txtDecTočka->setText(QStringLiteral(";")); },
+             "Znak za decimalnu točku za brojeve može biti točka ili zarez !"},
+            {[&] { f.txtDecTočka->setText(QStringLiteral(",")); },
+             "Separator podataka i znak za decimalnu točku ne mogu biti isti !"},
+            {[&] {
+                 f.txtSeparator->setText(QStringLiteral(";"));
+                 f.chkAutomatskiPokr->setChecked(true);
+                 f.txtLokacijaEXE->clear();
+             },
+             "Mora se upisati ime EXE datoteke!"},
+            {[&] { f.txtLokacijaEXE->setText(QStringLiteral("/nema/ovog/programa")); },
+             "Uneseno ime EXE datoteke je neispravno !"},
+        };
+        for (const Step& s : steps) {
+            s.change();
+            f.cmdPrebaciPodatke->click();
+            ASSERT_FALSE(script->messages.isEmpty());
+            EXPECT_EQ(script->messages.last().text, QString::fromUtf8(s.message));
+            EXPECT_EQ(script->messages.last().icon, Icon::Exclamation);
+            EXPECT_FALSE(QFile::exists(path)) << s.message;
+        }
+        EXPECT_EQ(f.txtNazivDat->text(), QDir::toNativeSeparators(path));
+        script->files.enqueue(program);
+        f.cmdLokacija->click();
+        f.chkPrikazNavodnika->setChecked(false);
+        script->clear();
+        f.cmdPrebaciPodatke->click();
+    });
+    EXPECT_EQ(script->texts(), QStringList{QStringLiteral("U datoteku: %1 prebačeno 3 zapisa u CSV formatu!").arg(path)});
+    EXPECT_EQ(script->startedPrograms, (QList<QStringList>{{program, QDir::toNativeSeparators(path)}}));
+    const QByteArray file = read(path);
+    EXPECT_TRUE(file.startsWith("RBroj;GodinaKnj;Datum;Isprava;Opis;Vrsta;NazivVrste;Prihodi;PDVPrihodi;Rashodi;"
+                                "PDVRashodi;I\r\n1;2016;10.01.16;D-1;Pazar; \"Centar\" \xC8\xC6\xD0\x8A\x8E;11;"))
+        << file.left(200).toStdString();
+    EXPECT_TRUE(file.contains(";1234567,5;170;0;0;\r\n2;2016;12.01.16;D-2;banka;12;"));
+    EXPECT_EQ(file.count("\r\n"), 4);
+    EXPECT_EQ(setting("ExpNazivDat"), QDir::toNativeSeparators(path));
+    EXPECT_EQ(setting("ExpSeparator") + setting("ExpDecTočka"), QStringLiteral(";,"));
+    EXPECT_EQ(setting("ExpPrikazNavodnika") + setting("ExpAutomPokr"), QStringLiteral("FalseTrue"));
+    EXPECT_EQ(setting("ExpEXEDat"), QDir::toNativeSeparators(program));
+}
+
+TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
+{
+    QFile old(path);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
+    old.close();
+    auto w = open(96);
+    for (Answer answer : {Answer::No, Answer::Yes}) {
+        script->clear();
+        script->answers.enqueue(answer);
+        exportFrom(*w, [&](frmOfficeExportPost& f) {
+            f.txtNazivDat->setText(QStringLiteral("  ") + path + QStringLiteral(" "));
+            f.cmdPrebaciPodatke->click();
+        });
+        ASSERT_FALSE(script->messages.isEmpty());
+        const Message& question = script->messages.first();
+        EXPECT_EQ(question.text, QStringLiteral("Datoteka: %1 već postoji. Želite li je prepisati?").arg(path));
+        EXPECT_EQ(question.icon, Icon::Question);
+        EXPECT_EQ(question.buttons, Buttons::YesNo);
+        EXPECT_EQ(script->messages.size(), answer == Answer::No ? 1 : 2);
+        if (answer == Answer::No) {
+            EXPECT_EQ(read(path), "staro");
+        }
+    }
+    EXPECT_TRUE(read(path).startsWith("\"RBroj\";\"GodinaKnj\";"));
+    EXPECT_TRUE(read(path).contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
+}
+
+TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
+{
+    auto w = open(96);
+    w->WhereUvjet = QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'");
+    w->OsvjeziZapise();
+    w->fg_HeaderClick(1);
+    w->fg_HeaderClick(1);   // RBroj descending
+    ASSERT_EQ(rBrojevi(*w), (QList<qint64>{3, 1}));
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        f.txtNazivDat->setText(path);
+        f.txtDecTočka->setText(QStringLiteral("."));
+        f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData(QStringLiteral("utf-8")));
+        f.cmdPrebaciPodatke->click();
+    });
+    const QList<QByteArray> lines = read(path).split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
+    EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.16;\"D-3\";\"Nabavka\";11;"));
+    EXPECT_EQ(lines[2], QStringLiteral("1;2016;10.01.16;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
+                                       "1234567.5;170;0;0;\r").toUtf8());
+    // The next opening shows the remembered choices.
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        EXPECT_EQ(f.txtNazivDat->text(), path);
+        EXPECT_EQ(f.txtDecTočka->text(), QStringLiteral("."));
+        EXPECT_EQ(f.cmbKodiranje->currentData().toString(), QStringLiteral("utf-8"));
+        EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
+    });
+}
+
+// The dialog on the demo data, for the documentation: runs only when
+// KNJIGE_SCREENSHOT_DIR names the folder to write to.
+TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
+{
+    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
+    if (dir.isEmpty())
+        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
+    QString error;
+    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    settings::setText(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QStringLiteral("ExpNazivDat"),
+                      QStringLiteral("/home/amra/Dokumenti/Export.csv"));
+    auto w = open(96);
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        f.show();
+        f.adjustSize();
+        QApplication::processEvents();
+        EXPECT_TRUE(f.grab().save(dir + QStringLiteral("/export-dialog.png")));
+        f.hide();
+    });
+}
+
+TEST(ExportCommand, PeriodAndSalesPointNarrowTheOpeningClause)
+{
+    EXPECT_EQ(cli::exportWhere(96, {}, {}, 3, 2016, 0),
+              QStringLiteral(" WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3"));
+    EXPECT_EQ(cli::exportWhere(96, {2016, 3, 1}, {2016, 3, 31}, 3, 2016, 0),
+              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND "
+                             "K.GodinaKnj=2016"));
+    EXPECT_EQ(cli::exportWhere(125, {}, {}, 3, 2016, 7),
+              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7"));
+}
