@@ -48,7 +48,7 @@ endif()
 
 set(base export 96 --db "${db}" --company 4 --year 2016 --out bad.csv)
 knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${base} --separator ,)
-knjige(2 "Početak perioda (29.02.16) je iza njegovog kraja (01.02.16)." ${base} --period 29.2.2016-1.2.2016)
+knjige(2 "Početni datum perioda (29.2.2016) je iza završnog (1.2.2016)." ${base} --period 29.2.2016-1.2.2016)
 knjige(2 "Prodajno mjesto (--prod) imaju samo knjige 125 i 126." ${base} --prod 2)
 knjige(2 "Nepoznata knjiga: 97x" export 97x --db "${db}" --company 4 --year 2016 --out bad.csv)
 if(EXISTS "${WORK}/bad.csv")

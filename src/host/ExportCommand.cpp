@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
+#include "browser/FilterClause.h"
 #include "host/Cli.h"
 #include "output/OfficeExport.h"
 #include "session/Database.h"
@@ -38,28 +39,6 @@ struct Period {
     QDate from;
     QDate to;
 };
-
-// "1.3.2016-31.3.2016": two dates, day first, the first not after the second.
-std::optional<Period> parsePeriod(const QString& text, QString* error)
-{
-    const QStringList parts = text.split(u'-');
-    Period p;
-    if (parts.size() == 2) {
-        p.from = dates::parseDayFirst(parts[0].trimmed());
-        p.to = dates::parseDayFirst(parts[1].trimmed());
-    }
-    if (!p.from.isValid() || !p.to.isValid()) {
-        *error = QStringLiteral("Period \"%1\" nije ispravan: zadajte ga kao OD-DO, na primjer 1.3.2016-31.3.2016.")
-                     .arg(text);
-        return std::nullopt;
-    }
-    if (p.from > p.to) {
-        *error = QStringLiteral("Početak perioda (%1) je iza njegovog kraja (%2).")
-                     .arg(dates::display(p.from), dates::display(p.to));
-        return std::nullopt;
-    }
-    return p;
-}
 
 const BookKind* bookNamed(const QString& text)
 {
@@ -101,9 +80,10 @@ int readRequest(const Options& o, Request& r)
     r.year = *year;
     if (o.values.contains(QStringLiteral("--period"))) {
         QString error;
-        r.period = parsePeriod(o.values.value(QStringLiteral("--period")), &error);
-        if (!r.period)
+        const auto period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), r.year, &error);
+        if (!period)
             return usageError(error);
+        r.period = Period{period->first, period->second};
     }
     if (o.values.contains(QStringLiteral("--prod"))) {
         if (!isTradeBook(r.book->code))
@@ -129,19 +109,20 @@ int readRequest(const Options& o, Request& r)
 
 } // namespace
 
+// The clause the browser would have: the opening one, or the filter form's with the
+// period checked and, in a trade book, the sales point chosen.
 QString exportWhere(int kind, const QDate& from, const QDate& to, int company, int year, int salesPoint)
 {
     const bool bounded = from.isValid() && to.isValid();
     if (!bounded && salesPoint == 0)
         return browser::openingWhere(browser::periodStart(year), year, company);
-    QString conditions = QStringLiteral(" K.Datum>='") + dates::sqlLiteral(bounded ? from : browser::periodStart(year))
-        + u'\'';
-    if (bounded)
-        conditions += QStringLiteral(" AND K.Datum<='") + dates::sqlLiteral(to) + u'\'';
-    conditions += QStringLiteral(" AND K.GodinaKnj=") + QString::number(year);
-    if (salesPoint != 0 && isTradeBook(kind))
-        conditions += QStringLiteral(" AND  K.BrojProd=") + QString::number(salesPoint);
-    return QStringLiteral(" WHERE K.BrojPoduzeca=") + QString::number(company) + QStringLiteral(" AND ") + conditions;
+    browser::FilterInput in;
+    in.chkPoDatumima = bounded;
+    in.dpDatum = from;
+    in.dpDatumDo = to;
+    if (isTradeBook(kind))
+        in.prodavnica = salesPoint;
+    return browser::buildFilter(kind, qint16(company), qint16(year), in).where;
 }
 
 QString exportUsage()

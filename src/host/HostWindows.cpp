@@ -2,12 +2,15 @@
 
 #include "books/BookKind.h"
 #include "books/DemoData.h"
+#include "browser/FilterClause.h"
+#include "browser/widgets/frmSifarnikKnj.h"
 #include "host/BookChooser.h"
 #include "host/Cli.h"
 #include "host/HostRights.h"
 #include "host/PartnerPicker.h"
 #include "session/Clock.h"
 #include "session/ConnectionString.h"
+#include "session/Dates.h"
 #include "session/HostServices.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -44,7 +47,8 @@ bool refuse(int* code, const QString& message)
 }
 
 const QStringList kValueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
-    QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot") };
+    QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot"),
+    QStringLiteral("--period"), QStringLiteral("--prod") };
 
 struct Options {
     QMap<QString, QString> values;
@@ -265,6 +269,41 @@ void startWindows(const Options& o, WindowsScope& scope)
     installProgramServices();
 }
 
+// The filter the open command puts on the book after opening it.
+struct PeriodRequest {
+    bool given = false;
+    QDate from;             // invalid: the whole working year
+    QDate to;
+    qint32 salesPoint = 0;  // 0: the one the opening question gave
+};
+
+bool periodFor(const Options& o, int book, PeriodRequest* p, int* code)
+{
+    const QString prod = o.values.value(QStringLiteral("--prod"));
+    if (o.values.contains(QStringLiteral("--prod"))) {
+        bool ok = false;
+        p->salesPoint = prod.toInt(&ok);
+        if (!isTradeBook(book))
+            return refuse(code, QStringLiteral("Opcija --prod vrijedi samo za trgovačke knjige (125, 126)."));
+        if (!ok || p->salesPoint <= 0)
+            return refuse(code, QStringLiteral("Neispravan broj prodavnice: %1").arg(prod));
+        p->given = true;
+    }
+    if (!o.values.contains(QStringLiteral("--period")))
+        return true;
+    BookRequest values;
+    if (!valuesFor(o, &values, code))
+        return false;
+    QString error;
+    const auto period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), values.year, &error);
+    if (!period)
+        return refuse(code, error);
+    p->given = true;
+    p->from = period->first;
+    p->to = period->second;
+    return true;
+}
+
 // "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH".
 int bookCodeOf(const QString& text)
 {
@@ -335,7 +374,9 @@ QString openUsage()
 {
     return QStringLiteral("knjige open KNJIGA [opcije]\n"
                           "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
-        + bookList() + commonOptions();
+        + bookList() + commonOptions()
+        + QStringLiteral("  --period OD-DO    samo period, kao filter po datumima (01.03.2026-31.03.2026)\n"
+                         "  --prod BROJ       trgovačke knjige: prodavnica (inače ona iz pitanja pri otvaranju)\n");
 }
 
 int runChooser(const QStringList& args)
@@ -349,6 +390,9 @@ int runChooser(const QStringList& args)
     }
     if (!o.positional.isEmpty())
         return complain(QStringLiteral("Nepoznata naredba: %1\n").arg(o.positional.first()) + chooserUsage(), Usage);
+    for (const QString& option : { QStringLiteral("--period"), QStringLiteral("--prod") })
+        if (o.values.contains(option))
+            return complain(QStringLiteral("Opcija %1 ide uz naredbu open.\n").arg(option) + chooserUsage(), Usage);
     BookRequest request;
     int code = Done;
     if (!requestFor(o, &request, &code))
@@ -380,18 +424,32 @@ int runOpen(const QStringList& args)
     const int book = bookCodeOf(o.positional.first());
     if (!book)
         return complain(QStringLiteral("Nepoznata knjiga: %1\n").arg(o.positional.first()) + openUsage(), Usage);
-    BookRequest request;
     int code = Done;
+    PeriodRequest period;
+    if (!periodFor(o, book, &period, &code))
+        return code;
+    BookRequest request;
     if (!requestFor(o, &request, &code))
         return code;
     WindowsScope scope;
     startWindows(o, scope);
-    QWidget* browser = openBook(book, request);
-    if (!browser)
+    QWidget* window = openBook(book, request);
+    if (!window)
         return complain(QStringLiteral("Knjiga %1 nije otvorena.").arg(book));
+    // The period goes through the filter as a confirmed dialog with only the dates
+    // would; a trade book keeps the sales point its opening question gave unless one
+    // was named.
+    if (auto* w = qobject_cast<frmSifarnikKnj*>(window); w && period.given) {
+        const QDate from = period.from.isValid() ? period.from : dates::firstOfYear(request.year);
+        const QDate to = period.to.isValid() ? period.to : dates::lastOfYear(request.year);
+        const qint32 shop = period.salesPoint ? period.salesPoint : w->BrojProd;
+        const std::optional<Partner> named = shop ? hostServices().shops->find(shop) : std::nullopt;
+        w->applyFilter(browser::periodFilter(book, from, to, request.company, request.year, shop,
+                                             named ? named->ImeKomit1 : QString()));
+    }
     if (o.values.contains(QStringLiteral("--screenshot"))) {
-        const int result = saveScreenshot(browser, o.values.value(QStringLiteral("--screenshot")));
-        browser->close();
+        const int result = saveScreenshot(window, o.values.value(QStringLiteral("--screenshot")));
+        window->close();
         return result;
     }
     return QApplication::exec();

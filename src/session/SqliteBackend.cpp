@@ -16,12 +16,15 @@
 
 #include <atomic>
 #include <cmath>
+#include <limits>
 #include <memory>
 
 namespace knjige {
 namespace {
 
 using tsql::SqlType;
+
+constexpr int kBusyTimeoutMs = 10000;
 
 QString engineText(const QSqlError& e)
 {
@@ -43,25 +46,48 @@ SqlType typeOfValue(const QVariant& v)
     }
 }
 
-void setCell(ResultSet& rs, int c, FieldType type, const QVariant& v)
+// Whole numbers of a column the adapter typed as int are the server's 32-bit int;
+// others (typed from their values) may hold any 64-bit number.
+bool inRange(qint64 v, bool int32)
+{
+    return !int32 || (v >= std::numeric_limits<qint32>::min() && v <= std::numeric_limits<qint32>::max());
+}
+
+// Writes a value into a cell of its column's type. False when the type cannot hold
+// it (the server would have stopped with an arithmetic overflow).
+bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32)
 {
     if (v.isNull()) {
         rs.setNull(c);
-        return;
+        return true;
     }
     const bool isReal = v.typeId() == QMetaType::Double;
     switch (type) {
-    case FieldType::Integer:
-        rs.setInteger(c, isReal ? qint64(std::llround(v.toDouble())) : v.toLongLong());
+    case FieldType::Integer: {
+        const double d = v.toDouble();
+        if (isReal && !(d > -9223372036854775808.0 && d < 9223372036854775808.0))
+            return false;
+        const qint64 i = isReal ? qint64(std::llround(d)) : v.toLongLong();
+        if (!inRange(i, int32))
+            return false;
+        rs.setInteger(c, i);
         break;
+    }
     case FieldType::Boolean: rs.setInteger(c, v.toLongLong() != 0); break;
     case FieldType::Currency:
-        if (isReal)
-            rs.setMoney(c, Money::fromDouble(v.toDouble()));
-        else if (v.typeId() == QMetaType::QString)
+        if (isReal) {
+            const auto units = tsql::moneyUnits(v.toDouble());
+            if (!units)
+                return false;
+            rs.setMoney(c, Money::fromUnits(*units));
+        } else if (v.typeId() == QMetaType::QString) {
             rs.setMoney(c, Money::parse(v.toString()).value_or(Money()));
-        else
-            rs.setMoney(c, Money::fromWhole(v.toLongLong()));
+        } else {
+            const qint64 whole = v.toLongLong();
+            if (!tsql::moneyUnits(double(whole)))
+                return false;
+            rs.setMoney(c, Money::fromWhole(whole));
+        }
         break;
     case FieldType::Decimal:
     case FieldType::Float: rs.setReal(c, v.toDouble()); break;
@@ -78,6 +104,7 @@ void setCell(ResultSet& rs, int c, FieldType type, const QVariant& v)
     }
     case FieldType::Text: rs.setText(c, v.toString()); break;
     }
+    return true;
 }
 
 class SqliteBackend final : public DatabaseBackend {
@@ -92,8 +119,9 @@ public:
         }
         m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
         m_db.setDatabaseName(path);
-        // A writer holding the file makes others wait this long before "database is locked".
-        m_db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+        // A writer holding the file makes others wait this long before "database is
+        // locked": long enough for another operator's renumbering of a large book.
+        m_db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
         if (!m_db.open()) {
             *error = engineText(m_db.lastError());
             return;
@@ -107,6 +135,9 @@ public:
             *error = QStringLiteral("Funkcije za T-SQL nije moguće registrirati na bazi ") + path;
             return;
         }
+        // Write-ahead logging: readers never wait for a writer, nor a writer for
+        // readers. A file that cannot take it (read-only) keeps its journal.
+        sqlite3_exec(h, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
         if (!loadCatalog(error))
             return;
         m_ok = true;
@@ -127,6 +158,8 @@ public:
     {
         const auto t = m_translator.translate(tsql);
         for (const auto& st : t->statements) {
+            if (!st.error.isEmpty())
+                return refuse(st, error);
             if (st.kind == tsql::Translation::Kind::NoOp)
                 continue;
             if (st.kind == tsql::Translation::Kind::Query)
@@ -143,6 +176,8 @@ public:
         const auto t = m_translator.translate(tsql);
         int total = 0;
         for (const auto& st : t->statements) {
+            if (!st.error.isEmpty())
+                return refuse(st, error);
             if (st.kind == tsql::Translation::Kind::NoOp)
                 continue;
             int n = 0;
@@ -174,7 +209,14 @@ public:
         return executeBound(sql, {}, rowsAffected, error);
     }
 
-    bool begin(QString* error) override { return m_db.transaction() || fail(m_db.lastError(), error); }
+    // A transaction takes the write lock at its start, waiting for another writer
+    // as long as the busy timeout allows: a deferred one that read first could not
+    // wait for the lock later and would fail at once.
+    bool begin(QString* error) override
+    {
+        QSqlQuery q(m_db);
+        return q.exec(QStringLiteral("BEGIN IMMEDIATE")) || fail(q.lastError(), error);
+    }
     bool commit(QString* error) override { return m_db.commit() || fail(m_db.lastError(), error); }
     bool rollback(QString* error) override { return m_db.rollback() || fail(m_db.lastError(), error); }
 
@@ -182,6 +224,12 @@ private:
     static bool fail(const QSqlError& e, QString* error)
     {
         *error = engineText(e);
+        return false;
+    }
+
+    static bool refuse(const tsql::Translation::Statement& st, QString* error)
+    {
+        *error = st.error;
         return false;
     }
 
@@ -248,19 +296,24 @@ private:
             return failNative(error);
 
         QVector<Field> fields;
-        for (int c = 0; c < n; ++c)
+        std::vector<char> int32(n, 0);
+        for (int c = 0; c < n; ++c) {
             fields << Field { columnName(raw, c), tsql::fieldTypeOf(types[c]) };
+            int32[c] = st.columnTypes.size() == n && st.columnTypes[c] == SqlType::Int;
+        }
         ResultSet rs(fields);
         for (const QVariantList& row : held) {
             rs.appendRow();
             for (int c = 0; c < n; ++c)
-                setCell(rs, c, fields[c].type, row[c]);
+                if (!setCell(rs, c, fields[c].type, row[c], int32[c]))
+                    return overflow(fields[c].type, error);
         }
         if (rc == SQLITE_ROW) {
             while ((rc = sqlite3_step(raw)) == SQLITE_ROW) {
                 rs.appendRow();
                 for (int c = 0; c < n; ++c)
-                    readCell(raw, c, fields[c].type, rs);
+                    if (!readCell(raw, c, fields[c].type, int32[c], rs))
+                        return overflow(fields[c].type, error);
             }
         }
         // An error met on a later row (a zero divisor) fails the whole statement.
@@ -268,6 +321,13 @@ private:
             return failNative(error);
         result = std::move(rs);
         return true;
+    }
+
+    // A money or int result beyond its type: the server stops the statement.
+    static bool overflow(FieldType type, QString* error)
+    {
+        *error = tsql::overflowMessage(type == FieldType::Currency ? "money" : "int");
+        return false;
     }
 
     bool failNative(QString* error) const
@@ -325,35 +385,37 @@ private:
         return QDate(v[0], v[1], v[2]);
     }
 
-    static void readCell(sqlite3_stmt* stmt, int c, FieldType type, ResultSet& rs)
+    // As setCell, for the value in the statement's current row.
+    static bool readCell(sqlite3_stmt* stmt, int c, FieldType type, bool int32, ResultSet& rs)
     {
         const int storage = sqlite3_column_type(stmt, c);
         if (storage == SQLITE_NULL)
-            return;   // a new row's cells start NULL
+            return true;   // a new row's cells start NULL
         switch (type) {
         case FieldType::Integer:
         case FieldType::Boolean:
             if (storage == SQLITE_INTEGER) {
                 const qint64 v = sqlite3_column_int64(stmt, c);
+                if (type == FieldType::Integer && !inRange(v, int32))
+                    return false;
                 rs.setInteger(c, type == FieldType::Boolean ? v != 0 : v);
-                return;
+                return true;
             }
             break;
         case FieldType::Currency:
             if (storage == SQLITE_FLOAT) {
-                rs.setMoney(c, Money::fromDouble(sqlite3_column_double(stmt, c)));
-                return;
-            }
-            if (storage == SQLITE_INTEGER) {
-                rs.setMoney(c, Money::fromWhole(sqlite3_column_int64(stmt, c)));
-                return;
+                const auto units = tsql::moneyUnits(sqlite3_column_double(stmt, c));
+                if (!units)
+                    return false;
+                rs.setMoney(c, Money::fromUnits(*units));
+                return true;
             }
             break;
         case FieldType::Decimal:
         case FieldType::Float:
             if (storage != SQLITE_TEXT) {
                 rs.setReal(c, sqlite3_column_double(stmt, c));
-                return;
+                return true;
             }
             break;
         case FieldType::Date:
@@ -361,19 +423,19 @@ private:
                 const QDate d = isoDate(sqlite3_column_text(stmt, c), sqlite3_column_bytes(stmt, c));
                 if (d.isValid()) {
                     rs.setDate(c, d);
-                    return;
+                    return true;
                 }
             }
             break;
         case FieldType::Text:
             if (storage == SQLITE_TEXT) {
                 rs.setText(c, textAt(stmt, c));
-                return;
+                return true;
             }
             break;
         }
         // Anything stored in another form than its column's goes the general way.
-        setCell(rs, c, type, valueAt(stmt, c));
+        return setCell(rs, c, type, valueAt(stmt, c), int32);
     }
 
     bool loadCatalog(QString* error)

@@ -40,6 +40,7 @@ struct Node {
     struct Item {
         Node* expr = nullptr;    // nullptr for * and T.*
         QString starTable;       // T of T.*
+        QString alias;           // the column's name: its alias, or a plain column's own name
     };
     struct TableRef {
         QString table;           // name without schema; empty for a derived table
@@ -50,6 +51,7 @@ struct Node {
     };
     std::vector<Item> items;
     std::vector<TableRef> tables;
+    std::vector<Node*> groupBy, orderBy;
     int topFirst = -1, topLast = -1;
     QString topCount;
     bool topPercent = false;
@@ -67,7 +69,20 @@ struct Node {
     Rewrite rewrite = Rewrite::None;
     // A value stored into a money column: the server keeps four decimals of it.
     bool storedAsMoney = false;
+    // A computed whole number stored into an int column: the server checks its range.
+    bool storedAsInt = false;
+    // Compared as text: the comparison takes the server's case-insensitive collation.
+    bool collate = false;
 };
+
+// The deepest a statement may nest (parentheses, subqueries, a chain of operators),
+// as the embedded engine limits its own expressions; deeper ones are refused with
+// kNestedTooDeeply instead of running out of stack.
+constexpr int kMaxNesting = 1000;
+extern const char* const kNestedTooDeeply;
+// Thrown by the parser and by the steps that walk a parsed tree when the statement
+// nests too deeply for the stack that is left.
+struct NestingError {};
 
 // A parsed statement: owns its nodes.
 struct ParsedStatement {
@@ -76,13 +91,11 @@ struct ParsedStatement {
     Node* root = nullptr;     // nullptr when the statement is not one the parser reads
     QString firstWord;        // upper case: SELECT, INSERT, UPDATE, DELETE, CREATE, SET ...
     QString error;            // why parsing stopped, when root is nullptr
+    bool tooDeep = false;     // it stopped at kMaxNesting: the statement must not run
 };
 
 // Parses one statement (no ';' separators). Statements other than SELECT, INSERT,
 // UPDATE and DELETE, and anything the parser cannot read, give root nullptr.
 ParsedStatement parseStatement(const QString& sql);
-
-// Splits a text into its statements at the ';' outside literals and parentheses.
-QStringList splitStatements(const QString& sql);
 
 } // namespace knjige::tsql

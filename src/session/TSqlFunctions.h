@@ -1,5 +1,10 @@
 #pragma once
 
+#include <QString>
+#include <QtGlobal>
+
+#include <optional>
+
 struct sqlite3;
 
 namespace knjige::tsql {
@@ -11,10 +16,17 @@ namespace knjige::tsql {
 //                     zero divisor, NULL when either is NULL
 //   tsql_divm(a, b)   the same, rounded to four decimals (a money quotient)
 //   tsql_round(x, n)  ROUND on the decimal value of x, half away from zero
-//   tsql_money(x)     CAST(x AS money): rounded to four decimals
+//   tsql_roundm(x, n) ROUND of money on its four decimals, the overflow error past
+//                     the largest amount
+//   tsql_money(x [, source])  CAST(x AS money): rounded to four decimals; beyond the
+//                     money range the server's "Arithmetic overflow error converting
+//                     <source> to data type money."; a text x is read as an exact
+//                     decimal, so the range's edge is judged exactly
+//   tsql_int(x)       x unchanged, or the int overflow error beyond 32 bits
 //   tsql_str(x, n)    a number as text with n decimals
 //   tsql_len(s)       LEN: the length without trailing blanks
 //   MONTH, YEAR, DAY  of a date stored as ISO text
+//   like(p, s [, e])  and the collation tsql_ci_as (see TSqlCollation.h)
 // Returns false when the engine refuses one.
 bool registerFunctions(sqlite3* db);
 
@@ -22,5 +34,12 @@ bool registerFunctions(sqlite3* db);
 // value is taken to its 15 significant decimal digits first, so 2.675, held as
 // 2.67499999..., rounds to 2.68; halves go away from zero.
 double roundDecimal(double x, int n);
+
+// A double read back as money: its ten-thousandths, or nothing when the server's
+// money type could not hold it. The edge amounts, which a double cannot tell from
+// their neighbours, read as the edge.
+std::optional<qint64> moneyUnits(double value);
+// "Arithmetic overflow error converting expression to data type <type>."
+QString overflowMessage(const char* type);
 
 } // namespace knjige::tsql

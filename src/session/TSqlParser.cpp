@@ -1,13 +1,26 @@
 #include "session/TSqlAst.h"
 
+#include "session/StackDepth.h"
+
 #include <QSet>
 
+#include <algorithm>
+
 namespace knjige::tsql {
+
+const char* const kNestedTooDeeply =
+    "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.";
+
 namespace {
 
 struct ParseError {
     QString what;
 };
+
+// Stack the parser keeps free for the steps after it: typing and writing back walk
+// the tree it built again, with smaller frames than its own (about 700 bytes a level
+// of parentheses).
+constexpr std::size_t kStackReserve = 64 * 1024;
 
 // Words that end an expression or a table source, so they are never taken as an alias.
 bool isReserved(const Token& t)
@@ -61,10 +74,23 @@ private:
     {
         static const Token end { Token::Kind::Symbol, QString() };
         const int p = m_pos + ahead;
-        return p < int(m_sig.size()) ? m_st.tokens[m_sig[p]] : end;
+        return p >= 0 && p < int(m_sig.size()) ? m_st.tokens[m_sig[p]] : end;
     }
-    int index(int ahead = 0) const { return m_sig[std::min(m_pos + ahead, int(m_sig.size()) - 1)]; }
-    int prevIndex() const { return m_sig[m_pos - 1]; }
+    // Token indices, clamped to the statement so that no path reads outside it.
+    int index(int ahead = 0) const { return sigAt(m_pos + ahead); }
+    int prevIndex() const { return sigAt(m_pos - 1); }
+    int sigAt(int p) const
+    {
+        if (m_sig.empty())
+            return 0;
+        return m_sig[std::clamp(p, 0, int(m_sig.size()) - 1)];
+    }
+    void advance()
+    {
+        if (atEnd())
+            throw ParseError { QStringLiteral("unexpected end") };
+        ++m_pos;
+    }
     bool peekIs(const char* w, int ahead = 0) const { return tok(ahead).is(w); }
     bool accept(const char* w)
     {
@@ -77,12 +103,31 @@ private:
     {
         if (!peekIs(w))
             throw ParseError { QStringLiteral("expected '%1' at '%2'").arg(QLatin1String(w), tok().text) };
-        return m_sig[m_pos++];
+        const int at = index();
+        ++m_pos;
+        return at;
     }
     bool isNameToken(const Token& t) const
     {
         return (t.kind == Token::Kind::Word && !isReserved(t)) || t.kind == Token::Kind::Quoted;
     }
+
+    // Counts one level of recursion for its lifetime; too deep a statement, or too
+    // little stack left, stops the parse with SQL Server's own message.
+    class Level {
+    public:
+        explicit Level(Parser& p) : m_p(p)
+        {
+            if (++m_p.m_depth > kMaxNesting || stackLeft() < kStackReserve)
+                throw NestingError {};
+        }
+        ~Level() { --m_p.m_depth; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+
+    private:
+        Parser& m_p;
+    };
 
     Node* make(Node::Kind kind, int first)
     {
@@ -114,6 +159,7 @@ private:
     // --- queries ---
     Node* queryExpression()
     {
+        const Level level(*this);
         Node* first = selectOrParen();
         if (!peekIs("UNION"))
             return first;
@@ -151,8 +197,10 @@ private:
             n->topFirst = index();
             ++m_pos;
             const bool paren = accept("(");
+            if (tok().kind != Token::Kind::Number)
+                throw ParseError { QStringLiteral("expected a number after TOP") };
             n->topCount = tok().text;
-            ++m_pos;
+            advance();
             if (paren)
                 expect(")");
             n->topPercent = accept("PERCENT");
@@ -166,7 +214,9 @@ private:
         if (peekIs("GROUP")) {
             m_pos += 1;
             expect("BY");
-            exprList(n);
+            do
+                n->groupBy.push_back(addKid(n, expression()));
+            while (accept(","));
         }
         if (accept("HAVING"))
             addKid(n, expression());
@@ -174,7 +224,7 @@ private:
             m_pos += 1;
             expect("BY");
             do {
-                addKid(n, expression());
+                n->orderBy.push_back(addKid(n, expression()));
                 if (!accept("ASC"))
                     accept("DESC");
             } while (accept(","));
@@ -187,13 +237,6 @@ private:
     {
         parent->kids.push_back(kid);
         return kid;
-    }
-
-    void exprList(Node* n)
-    {
-        do
-            addKid(n, expression());
-        while (accept(","));
     }
 
     void selectItems(Node* n)
@@ -211,7 +254,10 @@ private:
                     const Token& alias = tok();
                     if (!isNameToken(alias) && alias.kind != Token::Kind::String)
                         throw ParseError { QStringLiteral("expected an alias") };
+                    item.alias = alias.kind == Token::Kind::String ? alias.stringValue() : alias.name();
                     ++m_pos;
+                } else if (item.expr->kind == Node::Kind::Name) {
+                    item.alias = item.expr->parts.last();
                 }
             }
             n->items.push_back(item);
@@ -358,7 +404,11 @@ private:
         return n;
     }
 
-    Node* expression() { return orExpr(); }
+    Node* expression()
+    {
+        const Level level(*this);
+        return orExpr();
+    }
 
     Node* orExpr()
     {
@@ -385,6 +435,7 @@ private:
     Node* notExpr()
     {
         if (peekIs("NOT") && !peekIs("EXISTS", 1)) {
+            const Level level(*this);
             Node* n = make(Node::Kind::Unary, index());
             n->op = QStringLiteral("NOT");
             n->opToken = index();
@@ -497,6 +548,7 @@ private:
     Node* unary()
     {
         if (peekIs("-") || peekIs("+") || peekIs("~")) {
+            const Level level(*this);
             Node* n = make(Node::Kind::Unary, index());
             n->op = tok().text;
             n->opToken = index();
@@ -668,7 +720,24 @@ private:
     ParsedStatement& m_st;
     std::vector<int> m_sig;
     int m_pos = 0;
+    int m_depth = 0;
 };
+
+// The depth of the tree, counted without recursion: a flat chain of 14,000 terms
+// makes a tree as deep as 14,000 parentheses, and every later step walks it.
+int treeDepth(const Node* root)
+{
+    std::vector<std::pair<const Node*, int>> open { { root, 1 } };
+    int deepest = 0;
+    while (!open.empty()) {
+        const auto [n, depth] = open.back();
+        open.pop_back();
+        deepest = std::max(deepest, depth);
+        for (const Node* kid : n->kids)
+            open.emplace_back(kid, depth + 1);
+    }
+    return deepest;
+}
 
 } // namespace
 
@@ -685,44 +754,17 @@ ParsedStatement parseStatement(const QString& sql)
     try {
         Parser parser(st);
         st.root = parser.statement();
+        if (treeDepth(st.root) > kMaxNesting)
+            throw NestingError {};
     } catch (const ParseError& e) {
         st.root = nullptr;
         st.error = e.what;
+    } catch (const NestingError&) {
+        st.root = nullptr;
+        st.tooDeep = true;
+        st.error = QString::fromLatin1(kNestedTooDeeply);
     }
     return st;
-}
-
-QStringList splitStatements(const QString& sql)
-{
-    QStringList out;
-    QString current;
-    int depth = 0;
-    bool create = false;   // the statement began with CREATE: a trigger body may follow
-    bool started = false;
-    for (const Token& t : tokenize(sql)) {
-        if (!t.isTrivia() && !started) {
-            started = true;
-            create = t.is("CREATE");
-        }
-        // A trigger body (BEGIN ... END) keeps its ';'. CASE ... END is counted too, so
-        // that its END does not close the BEGIN.
-        if (t.is("(") || (create && (t.is("BEGIN") || t.is("CASE")))) {
-            ++depth;
-        } else if (t.is(")") || (create && t.is("END"))) {
-            --depth;
-        } else if (t.is(";") && depth <= 0) {
-            if (!current.trimmed().isEmpty())
-                out << current;
-            current.clear();
-            started = false;
-            depth = 0;
-            continue;
-        }
-        current += t.text;
-    }
-    if (!current.trimmed().isEmpty())
-        out << current;
-    return out;
 }
 
 } // namespace knjige::tsql

@@ -1,5 +1,7 @@
 #include "session/TSqlTokenizer.h"
 
+#include <QStringList>
+
 namespace knjige::tsql {
 
 bool Token::is(const char* word) const
@@ -143,6 +145,39 @@ QVector<Token> tokenize(const QString& s)
         out.push_back(Token { kind, s.mid(i, end - i) });
         i = end;
     }
+    return out;
+}
+
+QStringList splitStatements(const QString& sql)
+{
+    QStringList out;
+    QString current;
+    int depth = 0;
+    bool create = false;   // the statement began with CREATE: a trigger body may follow
+    bool started = false;
+    for (const Token& t : tokenize(sql)) {
+        if (!t.isTrivia() && !started) {
+            started = true;
+            create = t.is("CREATE");
+        }
+        // A trigger body (BEGIN ... END) keeps its ';'. CASE ... END is counted too, so
+        // that its END does not close the BEGIN.
+        if (t.is("(") || (create && (t.is("BEGIN") || t.is("CASE")))) {
+            ++depth;
+        } else if (t.is(")") || (create && t.is("END"))) {
+            --depth;
+        } else if (t.is(";") && depth <= 0) {
+            if (!current.trimmed().isEmpty())
+                out << current;
+            current.clear();
+            started = false;
+            depth = 0;
+            continue;
+        }
+        current += t.text;
+    }
+    if (!current.trimmed().isEmpty())
+        out << current;
     return out;
 }
 

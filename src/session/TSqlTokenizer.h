@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 namespace knjige::tsql {
@@ -34,6 +35,9 @@ struct Token {
 // Splits the text into tokens that, joined, give the text back unchanged. An
 // unterminated literal, bracket or comment runs to the end of the text.
 QVector<Token> tokenize(const QString& sql);
+
+// Splits a text into its statements at the ';' outside literals and parentheses.
+QStringList splitStatements(const QString& sql);
 
 // 'text' with every ' doubled.
 QString quoteString(const QString& value);

@@ -25,13 +25,18 @@ struct Translation {
         // when it could not (the backend then types columns from their values).
         QVector<SqlType> columnTypes;
         bool changesSchema = false;   // CREATE, DROP, ALTER: the catalog must be re-read
+        // Why the statement must not run, in SQL Server's words (nested too deeply, a
+        // date literal that is no date); the backend reports it instead of running it.
+        QString error;
     };
     QVector<Statement> statements;
 };
 
 // Translates one statement (no ';' separators) for the embedded database, using the
 // catalog for the column types. A statement the parser cannot read is passed on with
-// the plain token rewrites only, so the engine reports its own error for it.
+// the plain token rewrites only, so the engine reports its own error for it; one that
+// nests deeper than the parser allows (or than the thread's stack holds) gets an error.
+// Never reads outside the text, whatever it holds.
 Translation::Statement translateStatement(const QString& tsql, const Catalog& catalog);
 
 // The table a T-SQL CREATE TABLE statement defines, with its columns' types and text

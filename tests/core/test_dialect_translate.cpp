@@ -84,10 +84,10 @@ TEST(TSqlTranslate, FunctionsSqliteLacks)
 {
     EXPECT_EQ(out(QStringLiteral("SELECT ISNULL(MAX(RBroj),0) AS BROJ, left(K.Opis,20) AS L, "
                                  "ROUND(K.Iznos,2) AS R FROM dbo.KnjPrihRashFBiH K LEFT JOIN dbo.Komitent R ON 1=1")),
-              "SELECT IFNULL(MAX(RBroj),0) AS BROJ, SUBSTR(K.Opis,1,20) AS L, tsql_round(K.Iznos,2) AS R "
+              "SELECT IFNULL(MAX(RBroj),0) AS BROJ, SUBSTR(K.Opis,1,20) AS L, tsql_roundm(K.Iznos,2) AS R "
               "FROM KnjPrihRashFBiH K LEFT JOIN Komitent R ON 1=1");
     EXPECT_EQ(out(QStringLiteral("SELECT cast(100.0/K.VijekTr as money) as S FROM KnjPopListaDugImovFBiH K")),
-              "SELECT tsql_money(tsql_div(100.0, K.VijekTr)) as S FROM KnjPopListaDugImovFBiH K");
+              "SELECT tsql_money(tsql_div(100.0, K.VijekTr), 'numeric') as S FROM KnjPopListaDugImovFBiH K");
 }
 
 TEST(TSqlTranslate, TopBecomesLimitAndTopHundredPercentGoes)
@@ -112,7 +112,7 @@ TEST(TSqlTranslate, MonthFirstDatesBecomeIsoOnlyAgainstDateColumns)
                                  "K.Datum<='12.31.2016' AND K.Isprava='03.15.2016' AND K.Datum BETWEEN '1.1.2016' "
                                  "AND '1.31.2016' AND K.Datum IN ('2.29.2016')")),
               "SELECT K.RBroj FROM KnjPrometaFBiH K WHERE K.Datum>='2016-03-15' AND K.Datum<='2016-12-31' AND "
-              "K.Isprava='03.15.2016' AND K.Datum BETWEEN '2016-01-01' AND '2016-01-31' AND K.Datum IN ('2016-02-29')");
+              "K.Isprava COLLATE tsql_ci_as='03.15.2016' AND K.Datum BETWEEN '2016-01-01' AND '2016-01-31' AND K.Datum IN ('2016-02-29')");
     EXPECT_EQ(out(QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "
                                  "VALUES(1,4,'1.1.2016',2016,'1.1.2016',11)")),
               "INSERT INTO KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "

@@ -113,8 +113,13 @@ TEST(RenumberingCrash, AKilledRenumberingLeavesEveryNumberOldOrEveryNumberNew)
         if (afterFirstWrite < 0) {
             ASSERT_TRUE(child.waitForFinished(20000));
         } else {
-            // The rollback journal appears with the transaction's first write.
-            for (int waited = 0; QFile(path + QStringLiteral("-journal")).size() == 0; ++waited) {
+            // The write-ahead log (or a rollback journal) takes the transaction's first
+            // written pages.
+            const auto writing = [&path] {
+                return QFile(path + QStringLiteral("-wal")).size() > 0
+                    || QFile(path + QStringLiteral("-journal")).size() > 0;
+            };
+            for (int waited = 0; !writing(); ++waited) {
                 ASSERT_LT(waited, 20000) << "the child never began to write";
                 QThread::msleep(1);
             }

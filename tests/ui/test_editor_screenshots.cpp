@@ -51,24 +51,11 @@ protected:
         if (mode == 1)
             w->NoviZapis();
         else if (mode == 3)
-            filterEditor(book);
+            w->PostaviFilter();
         else
             w->IzmjenaZapisa(mode);
         script->onDialog = nullptr;
         EXPECT_EQ(shown, 1) << book << " mode " << mode;
-    }
-
-    // The search form as the browser's filter command prepares it: no ordinal number,
-    // and in the RS receivables no link to edit.
-    static void filterEditor(int book)
-    {
-        std::unique_ptr<RecordEditor> e = createEditor(book);
-        e->setTipSifarnika(book);
-        e->setTipRada(3);
-        e->ubRBroj->setVisible(false);
-        if (book == Knjiga::EvidPotObvRS)
-            e->control(QStringLiteral("ubKPR"))->setEnabled(false);
-        e->Prikaži(1);
     }
 
     QString m_out = qEnvironmentVariable("KNJIGE_EDITOR_SCREENSHOTS");

@@ -78,6 +78,15 @@ TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
     EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--year"), QStringLiteral("dvije") }), 2);
     EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--level"), QStringLiteral("12") }), 2);
     EXPECT_EQ(host::runChooser({ QStringLiteral("--nepoznato") }), 2);
+    // A period that is no period, or not of the year; a sales point of a book without one.
+    for (const char* period : { "31.03.2016-01.03.2016", "1.3.2016", "01.03.2015-31.03.2015" })
+        EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--year=2016"), QStringLiteral("--db"), missing,
+                      QStringLiteral("--period"), QString::fromLatin1(period) }),
+            2)
+            << period;
+    EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--prod"), QStringLiteral("501") }), 2);
+    EXPECT_EQ(host::runOpen({ QStringLiteral("125"), QStringLiteral("--prod"), QStringLiteral("-1") }), 2);
+    EXPECT_EQ(host::runChooser({ QStringLiteral("--period"), QStringLiteral("01.03.2016-31.03.2016") }), 2);
     EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--db"), missing }), 1);
     EXPECT_EQ(host::runChooser({ QStringLiteral("--db"), missing, QStringLiteral("--conn"), missing }), 2);
     EXPECT_FALSE(QFileInfo::exists(missing));

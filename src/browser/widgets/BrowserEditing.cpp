@@ -33,19 +33,6 @@ std::optional<qint32> nextNumber(int tip)
     return qint32(next);
 }
 
-// What the browser sets on every editor it opens on an entry, whatever the mode: the
-// RS turnover book books its second amount to an account, and the RS records have no
-// income and expense book to link to.
-void pripremiEditor(RecordEditor& e, int tip)
-{
-    if (tip == Knjiga::PrometaRS)
-        if (auto* label = qobject_cast<QLabel*>(e.control(QStringLiteral("lblČekovi"))))
-            label->setText(QStringLiteral("Račun:"));
-    if (tip == Knjiga::EvidPotObvRS)
-        if (QWidget* kpr = e.control(QStringLiteral("ubKPR")))
-            kpr->setEnabled(false);
-}
-
 } // namespace
 
 void frmSifarnikKnj::NoviZapis()

@@ -15,21 +15,7 @@ void frmSifarnikKnj::nijeJošDostupno(const QString& what)
            Icon::Information);
 }
 
-// Without the editors' filter mode the filter can only start over: the whole working
-// year, no description, and a reload with the WHERE clause in force.
-void frmSifarnikKnj::PostaviFilter()
-{
-    OpisFiltera.clear();
-    m_txtFilter->setText(OpisFiltera);
-    DatumOd = browser::periodStart(session().RadnaGodina);
-    DatumDo = browser::periodEnd(session().RadnaGodina);
-    OsvjeziZapise();
-}
-
 void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
 void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
-
-// The running totals panel lvStanje stays hidden until its sums are built.
-void frmSifarnikKnj::OsvjeziStanje() {}
 
 } // namespace knjige

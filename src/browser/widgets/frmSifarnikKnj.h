@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/BookModel.h"
+#include "browser/FilterClause.h"
 
 #include <QDate>
 #include <QDialog>
@@ -69,7 +70,13 @@ public:
     void IstaStavka();
     // Deletes every entry the list shows (mnuBrisPrikPod).
     void BrisanjePrikazanihPodataka();
+    // Asks for the filter in the book's editor (filter mode) and, when confirmed,
+    // replaces the whole filter and reloads. Cancelled, the rows and the WHERE clause
+    // stay, but the description and the period are back to the whole year.
     void PostaviFilter();
+    // Puts a filter in force (WHERE clause, conditions, description, period, and the
+    // sales point when it names one) and reloads.
+    void applyFilter(const browser::FilterState& filter);
     void IspišiZapise();
     void ProvjeraNumeracije();
     void ReNumeracijaPoDatumu();

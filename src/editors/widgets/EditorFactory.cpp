@@ -38,4 +38,14 @@ std::unique_ptr<RecordEditor> createEditor(int bookKind, QWidget* parent)
     }
 }
 
+void pripremiEditor(RecordEditor& e, int bookKind)
+{
+    if (bookKind == Knjiga::PrometaRS)
+        if (auto* label = qobject_cast<QLabel*>(e.control(QStringLiteral("lblČekovi"))))
+            label->setText(QStringLiteral("Račun:"));
+    if (bookKind == Knjiga::EvidPotObvRS)
+        if (QWidget* kpr = e.control(QStringLiteral("ubKPR")))
+            kpr->setEnabled(false);
+}
+
 } // namespace knjige

@@ -262,6 +262,9 @@ void RecordEditor::onDateChanged()
 void RecordEditor::Prikaži(int)
 {
     prepare();
+    // The filter hides the ordinal number; its caption goes with it.
+    if (QLabel* label = labelFor(ubRBroj))
+        label->setVisible(!ubRBroj->isHidden());
     if (m_tipRada == Pretrazivanje) {
         lblDatumDo->setVisible(true);
         dpDatumDo->setVisible(true);

@@ -1,0 +1,170 @@
+// The running totals panel on a book of 100,000 entries: what its rebuild adds to a
+// refresh, against a plain fetch of the browser's rows through SQLite's own C API.
+//
+// Counters: "ratio" = panel time / plain fetch time, both measured in the same
+// iterations. Aim: at most 0.3. Argument: 0 the whole year (one part), 1 March (the
+// months before it and March, two parts).
+#include "books/BookKind.h"
+#include "books/Schema.h"
+#include "browser/BrowserRules.h"
+#include "browser/widgets/TotalsPanelView.h"
+#include "session/Session.h"
+#include "session/TSqlFunctions.h"
+#include "session/TSqlTranslator.h"
+
+#include <QApplication>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <sqlite3.h>
+
+using namespace knjige;
+
+namespace
+{
+
+constexpr int kEntries = 100000;
+constexpr int kYear = 2016;
+
+struct PanelBook {
+    QTemporaryDir dir;
+    QString path;
+    QByteArray plainSql; // the browser's opening query as the embedded database runs it
+};
+
+void fill(const QString& path)
+{
+    const QString name = QStringLiteral("bench_panel_fill");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        db.open();
+        db.transaction();
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
+                                 "Iznos,IznosPDV) VALUES (1,?,?,?,?,?,?,?,?)"));
+        const int kinds[] = { 11, 12, 13, 16, 17, 18, 19 };
+        for (int i = 1; i <= kEntries; ++i) {
+            const double iznos = double((i * 7919) % 1000000) / 100.0;
+            q.addBindValue(i);
+            q.addBindValue(QDate(kYear, 1, 1).addDays(i % 365).toString(Qt::ISODate));
+            q.addBindValue(kYear);
+            q.addBindValue(QStringLiteral("R-%1").arg((i * 7) % kEntries));
+            q.addBindValue(QStringLiteral("Stavka %1").arg((i * 31) % kEntries));
+            q.addBindValue(kinds[i % 7]);
+            q.addBindValue(iznos);
+            q.addBindValue(iznos * 17.0 / 117.0);
+            if (!q.exec())
+                std::fprintf(stderr, "fill: %s\n", qPrintable(q.lastError().text()));
+        }
+        db.commit();
+    }
+    QSqlDatabase::removeDatabase(name);
+}
+
+PanelBook& book()
+{
+    static std::unique_ptr<PanelBook> file = [] {
+        auto f = std::make_unique<PanelBook>();
+        f->path = f->dir.filePath(QStringLiteral("panel.db"));
+        QString error;
+        if (!createEmbeddedDatabase(f->path, &error))
+            std::fprintf(stderr, "schema: %s\n", qPrintable(error));
+        fill(f->path);
+        tsql::Catalog catalog;
+        for (const QString& statement : schemaStatements())
+            if (auto table = tsql::parseCreateTable(statement))
+                catalog.add(*table);
+        const QString tsql = findBook(Knjiga::PrihRashFBiH)->selectSql
+            + browser::openingWhere(browser::periodStart(kYear), kYear, 1) + browser::orderBy();
+        f->plainSql = tsql::translateStatement(tsql, catalog).sql.toUtf8();
+        return f;
+    }();
+    // Other benchmarks of the program point the session at books of their own.
+    Session& s = session();
+    s.ConnString = file->path;
+    s.BrojPoduzeca = 1;
+    s.RadnaGodina = kYear;
+    return *file;
+}
+
+double seconds(std::chrono::steady_clock::time_point since)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
+
+// Every column of every row of the opening query read once in its stored type.
+int plainFetch(sqlite3* db, const QByteArray& sql)
+{
+    sqlite3_stmt* st = nullptr;
+    if (sqlite3_prepare_v2(db, sql.constData(), int(sql.size()), &st, nullptr) != SQLITE_OK)
+        return 0;
+    const int columns = sqlite3_column_count(st);
+    int rows = 0;
+    qint64 seen = 0;
+    while (sqlite3_step(st) == SQLITE_ROW) {
+        for (int c = 0; c < columns; ++c) {
+            switch (sqlite3_column_type(st, c)) {
+            case SQLITE_INTEGER:
+                seen += sqlite3_column_int64(st, c);
+                break;
+            case SQLITE_FLOAT:
+                seen += qint64(sqlite3_column_double(st, c));
+                break;
+            case SQLITE_TEXT:
+                benchmark::DoNotOptimize(sqlite3_column_text(st, c));
+                seen += sqlite3_column_bytes(st, c);
+                break;
+            default:
+                break;
+            }
+        }
+        ++rows;
+    }
+    sqlite3_finalize(st);
+    benchmark::DoNotOptimize(seen);
+    return rows;
+}
+
+void BM_TotalsPanelAgainstPlainFetch(benchmark::State& state)
+{
+    PanelBook& b = book();
+    sqlite3* plain = nullptr;
+    if (sqlite3_open_v2(b.path.toUtf8().constData(), &plain, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK
+        || !tsql::registerFunctions(plain))
+        state.SkipWithError("the plain connection failed");
+    const bool march = state.range(0) == 1;
+    const QDate from = march ? QDate(kYear, 3, 1) : QDate(kYear, 1, 1);
+    const QDate to = march ? QDate(kYear, 3, 31) : QDate(kYear, 12, 31);
+    QTreeWidget lvStanje;
+    double plainTime = 0;
+    double panelTime = 0;
+    int rows = 0;
+    for (auto _ : state) {
+        auto t0 = std::chrono::steady_clock::now();
+        rows = plainFetch(plain, b.plainSql);
+        plainTime += seconds(t0);
+        t0 = std::chrono::steady_clock::now();
+        if (!osvjeziPanel(lvStanje, Knjiga::PrihRashFBiH, 0, from, to))
+            state.SkipWithError("the panel's read failed");
+        QApplication::processEvents();
+        panelTime += seconds(t0);
+    }
+    sqlite3_close(plain);
+    if (lvStanje.topLevelItemCount() != (march ? 3 : 2))
+        state.SkipWithError("the panel lacks rows");
+    const double n = double(state.iterations());
+    state.counters["rows"] = rows;
+    state.counters["plain_ms"] = plainTime * 1000 / n;
+    state.counters["panel_ms"] = panelTime * 1000 / n;
+    state.counters["ratio"] = plainTime > 0 ? panelTime / plainTime : 0;
+}
+BENCHMARK(BM_TotalsPanelAgainstPlainFetch)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+} // namespace

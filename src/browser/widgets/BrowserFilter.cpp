@@ -1,0 +1,134 @@
+// The filter: the book's own editor in its filter mode collects what to look for, the
+// core turns it into the WHERE clause, the description and the period.
+#include "books/BookKind.h"
+#include "browser/BrowserRules.h"
+#include "browser/FilterClause.h"
+#include "browser/widgets/frmSifarnikKnj.h"
+#include "editors/widgets/EditorFactory.h"
+#include "editors/widgets/MoneyBox.h"
+#include "editors/widgets/frmKnjEvidPotObvFBiH.h"
+#include "editors/widgets/frmKnjTrgovacke.h"
+#include "session/HostServices.h"
+#include "session/Session.h"
+
+#include <QLineEdit>
+
+namespace knjige
+{
+namespace
+{
+
+QString text(const RecordEditor& e, const QString& name)
+{
+    const auto* edit = qobject_cast<const QLineEdit*>(e.control(name));
+    return edit ? edit->text() : QString();
+}
+
+Money amount(const RecordEditor& e, const QString& name)
+{
+    const auto* box = qobject_cast<const MoneyBox*>(e.control(name));
+    return box ? box->value() : Money();
+}
+
+QString kindText(const RecordEditor& e)
+{
+    for (const QString& name : { QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta") })
+        if (const auto* combo = qobject_cast<const QComboBox*>(e.control(name)))
+            return combo->currentText();
+    return {};
+}
+
+// The name the picker shows for a code; looked up when the picker has not caught up
+// with a code typed just before the dialog was confirmed.
+QString nameOf(const Partner& shown, qint32 code, PartnerRegister& reg)
+{
+    if (code == 0)
+        return {};
+    if (shown.SifKomit == code && !shown.ImeKomit1.isEmpty())
+        return shown.ImeKomit1;
+    const std::optional<Partner> found = reg.find(code);
+    return found ? found->ImeKomit1 : QString();
+}
+
+browser::FilterInput filterInput(const RecordEditor& e)
+{
+    browser::FilterInput in;
+    in.chkPoDatumima = e.chkPoDatumima->isChecked();
+    in.dpDatum = e.dpDatum->date();
+    in.dpDatumDo = e.dpDatumDo->date();
+    in.txtIsprava = text(e, QStringLiteral("txtIsprava"));
+    in.txtOpis = text(e, QStringLiteral("txtOpis"));
+    in.vrsta = kindText(e);
+    in.txtKomitent = text(e, QStringLiteral("txtKomitent"));
+    in.txtNazivSredstva = text(e, QStringLiteral("txtNazivSredstva"));
+    in.txtNaziv = text(e, QStringLiteral("txtNaziv"));
+    in.txtBrojDokumenta = text(e, QStringLiteral("txtBrojDokumenta"));
+    in.ubIznos = amount(e, QStringLiteral("ubIznos"));
+    in.ubIznosPDV = amount(e, QStringLiteral("ubIznosPDV"));
+    in.ubKPR = amount(e, QStringLiteral("ubKPR"));
+    in.ubGotovina = amount(e, QStringLiteral("ubGotovina"));
+    in.ubCek = amount(e, QStringLiteral("ubCek"));
+    in.ubNabavna = amount(e, QStringLiteral("ubNabavna"));
+    in.ubKnjigovodstvena = amount(e, QStringLiteral("ubKnjigovodstvena"));
+    in.ubVijekTrajanja = amount(e, QStringLiteral("ubVijekTrajanja"));
+    in.ubZaduženje = amount(e, QStringLiteral("ubZaduženje"));
+    in.ubRazduženje = amount(e, QStringLiteral("ubRazduženje"));
+    if (e.TipSifarnika() == Knjiga::EvidPotObvRS) {
+        if (const auto* evid = qobject_cast<const frmKnjEvidPotObvFBiH*>(&e))
+            in.imeKomitenta = nameOf(evid->cKomit(), in.txtKomitent.trimmed().toInt(), *hostServices().partners);
+    }
+    if (const auto* trg = qobject_cast<const TrgKnjigaEditor*>(&e)) {
+        in.prodavnica = trg->cSkladište().SifKomit;
+        in.imeProdavnice = nameOf(trg->cSkladište(), in.prodavnica, *hostServices().shops);
+    }
+    return in;
+}
+
+} // namespace
+
+void frmSifarnikKnj::PostaviFilter()
+{
+    // The description and the period start over before the dialog, so a cancelled
+    // dialog leaves them reset while the rows and the WHERE clause stay.
+    const Session& s = session();
+    OpisFiltera.clear();
+    DatumOd = browser::periodStart(s.RadnaGodina);
+    DatumDo = browser::periodEnd(s.RadnaGodina);
+    m_txtFilter->setText(browser::filterLine(OpisFiltera));
+    std::unique_ptr<RecordEditor> e = browser::isFilterable(m_tip) ? createEditor(m_tip, this) : nullptr;
+    if (!e) {
+        OsvjeziZapise();
+        return;
+    }
+    e->setTipSifarnika(m_tip);
+    e->setTipRada(editors::Pretrazivanje);
+    e->ubRBroj->setVisible(false);
+    pripremiEditor(*e, m_tip);
+    // A trade book filtered again offers the sales point it already shows.
+    if (isTradeBook(m_tip) && BrojProd != 0)
+        e->setSkladište(BrojProd);
+    e->Prikaži(1);
+    if (e->IzišaoSaPrekidom()) {
+        // A book asked for its filter before its first load has no rows to keep: it
+        // shows what its opening clause lists rather than an empty window.
+        if (rsStavke().fieldCount() == 0)
+            OsvjeziZapise();
+        return;
+    }
+    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, filterInput(*e)));
+}
+
+void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
+{
+    WhereUvjet = filter.where;
+    UvjetiFiltera = filter.conditions;
+    OpisFiltera = filter.description;
+    DatumOd = filter.periodStart;
+    DatumDo = filter.periodEnd;
+    if (filter.salesPoint != 0)
+        BrojProd = filter.salesPoint;
+    m_txtFilter->setText(browser::filterLine(OpisFiltera));
+    OsvjeziZapise();
+}
+
+} // namespace knjige

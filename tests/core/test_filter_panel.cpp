@@ -1,0 +1,200 @@
+// The filter's clause and description for every book, the period option's reading, and
+// the running totals panel: its statements as the server gets them and its rows.
+#include "browser/FilterClause.h"
+#include "browser/TotalsPanel.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <tuple>
+
+using namespace knjige;
+using namespace knjige::browser;
+using knjige::test::money;
+
+namespace {
+
+const QString kDatum = QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' "
+                                      "AND K.GodinaKnj=2016");
+const QString kPeriod = QStringLiteral("Period od 01.03.16 do 31.03.16");
+
+FilterInput march()
+{
+    FilterInput in;
+    in.chkPoDatumima = true;
+    in.dpDatum = QDate(2016, 3, 1);
+    in.dpDatumDo = QDate(2016, 3, 31);
+    return in;
+}
+
+} // namespace
+
+TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
+{
+    struct Case {
+        int kind;
+        std::function<void(FilterInput&)> fill;
+        QString where;         // after the period condition
+        QString description;   // after the period piece
+    };
+    const QList<Case> cases = {
+        {96, [](FilterInput& i) { i.txtIsprava = " R-1 "; i.txtOpis = "O'Brien"; i.vrsta = "11 - Prihod - Gotovina";
+                                  i.ubIznos = Money::fromUnits(125000); i.ubIznosPDV = Money::fromWhole(-3); },
+         " AND  K.Isprava LIKE 'R-1%' AND  K.Opis LIKE 'O''Brien%' AND  K.Vrsta LIKE '11%' AND  K.Iznos= 12.5 AND "
+         " K.IznosPDV=-3",
+         ",Isprava: R-1...',Opis: O'Brien...',Vrsta: 11...',Iznos: 12.50,PDV: -3.00"},
+        {109, [](FilterInput& i) { i.vrsta = " 5 - Prihod - Gotovina"; i.ubIznos = Money::fromWhole(1234567); },
+         " AND  K.Vrsta LIKE '5%' AND  K.Iznos= 1234567", ",Vrsta: 5...',Iznos: 1,234,567.00"},
+        {97, [](FilterInput& i) { i.txtKomitent = " 007x"; i.imeKomitenta = "Alfa"; i.vrsta = "21 - Primljeni racuni";
+                                  i.ubKPR = Money::fromWhole(7); i.ubIznos = Money::fromWhole(5); },
+         " AND  K.SifKomit=7 AND  K.Vrsta LIKE '21%' AND  K.RBrojKPR= 7 AND  K.Iznos= 5",
+         ",Šifra komitenta: 7,Vrsta: 21...',Br. Knjige p. i r.: 7,iznos: 5.00"},
+        {102, [](FilterInput& i) { i.txtIsprava = "%5_"; i.txtKomitent = "abc"; i.imeKomitenta = "Alfa"; },
+         " AND  K.Isprava LIKE '%5_%' AND  K.SifKomit=0", ",Isprava: %5_...',Šifra komitenta: 0 Alfa"},
+        {98, [](FilterInput& i) { i.txtOpis = "Utržak"; i.ubCek = Money::fromUnits(5); },
+         " AND  K.Opis LIKE 'Utržak%' AND  K.IznosCek= 0.0005", ",Opis: Utržak...',Cek: 0.00"},
+        {99, [](FilterInput& i) { i.vrsta = "4 - Prihod - Proizvoda i materijala"; i.ubIznosPDV = Money::fromWhole(2); },
+         " AND  K.Vrsta LIKE '4%' AND  K.IznosPDV= 2", ",Vrsta: 4...',PDV: 2.00"},
+        // The RS list takes the name pattern from the hidden box, the FBiH list from its own.
+        {101, [](FilterInput& i) { i.txtNazivSredstva = "Auto"; i.txtBrojDokumenta = "12.50"; },
+         " AND  K.Naziv LIKE '%' AND  K.Isprava=12.5", ",Naziv: ...',Isprava: 12.5"},
+        {105, [](FilterInput& i) { i.txtNazivSredstva = "Auto"; i.txtNaziv = "X"; i.ubVijekTrajanja = Money::fromWhole(5);
+                                   i.ubNabavna = Money::fromWhole(900); },
+         " AND  K.Naziv LIKE 'Auto%' AND  K.NabVrijednost= 900 AND  K.VijekTr= 5",
+         ",Naziv: Auto...',Nabavna: 900.00,Vijek trajanja: 5"},
+        {125, [](FilterInput& i) { i.prodavnica = 3; i.imeProdavnice = "Market"; i.ubIznos = Money::fromWhole(1); },
+         " AND  K.BrojProd=3 AND  K.Iznos= 1", ",Broj prod.: 3 Market,Iznos naknade: 1.00"},
+        {126, [](FilterInput& i) { i.txtOpis = "a'"; i.ubRazduženje = Money::fromWhole(4); },
+         " AND  K.Opis LIKE 'a''%' AND  K.Razduzenje= 4", ",Opis: a'...',Iznos razduzenja: 4.00"},
+    };
+    for (const Case& c : cases) {
+        FilterInput in = march();
+        c.fill(in);
+        const FilterState s = buildFilter(c.kind, 1, 2016, in, QLocale::c());
+        EXPECT_EQ(s.where, kDatum + c.where) << c.kind;
+        EXPECT_EQ(s.conditions, s.where.mid(QStringLiteral(" WHERE K.BrojPoduzeca=1 AND ").size())) << c.kind;
+        EXPECT_EQ(s.description, kPeriod + c.description) << c.kind;
+        EXPECT_EQ(s.periodStart, QDate(2016, 3, 1));
+        EXPECT_EQ(s.periodEnd, QDate(2016, 3, 31));
+        EXPECT_EQ(s.salesPoint, c.kind == 125 ? 3 : 0);
+    }
+    // Nothing filled and no date range: the year from its first day, with no upper
+    // bound; an amount of 0 is never a condition.
+    const FilterState empty = buildFilter(96, 4, 2016, FilterInput{}, QLocale::c());
+    EXPECT_EQ(empty.where, " WHERE K.BrojPoduzeca=4 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016");
+    EXPECT_EQ(empty.description, "Period od 01.01.16");
+    EXPECT_EQ(empty.periodEnd, QDate(2016, 12, 31));
+    // The period option is the same filter as a dialog with only its dates.
+    FilterInput shop = march();
+    shop.prodavnica = 2;
+    EXPECT_EQ(periodFilter(126, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where,
+              buildFilter(126, 1, 2016, shop).where);
+    EXPECT_EQ(periodFilter(96, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where, kDatum);
+    EXPECT_EQ(filterLine({}), "Filter: Svi");
+    EXPECT_EQ(filterLine(kPeriod), "Filter : " + kPeriod);
+}
+
+TEST(FilterClause, PeriodTextIsReadOrRefusedWithAReason)
+{
+    const auto ok = parsePeriod(" 1.3.2026 - 31.03.2026 ", 2026);
+    ASSERT_TRUE(ok);
+    EXPECT_EQ(ok->first, QDate(2026, 3, 1));
+    EXPECT_EQ(ok->second, QDate(2026, 3, 31));
+    const QList<std::pair<QString, QString>> bad = {
+        {"01.03.2026", "dd.mm.gggg-dd.mm.gggg"},     {"31.02.2026-31.03.2026", "Neispravan početni datum"},
+        {"01.03.2026-32.03.2026", "završni datum"},  {"31.03.2026-01.03.2026", "je iza završnog"},
+        {"01.03.2025-31.03.2025", "nije u radnoj godini 2026"}, {"'; DROP TABLE x", "dd.mm.gggg-dd.mm.gggg"},
+    };
+    for (const auto& [text, reason] : bad) {
+        QString error;
+        EXPECT_FALSE(parsePeriod(text, 2026, &error)) << text.toStdString();
+        EXPECT_TRUE(error.contains(reason)) << error.toStdString();
+    }
+}
+
+TEST(TotalsPanel, StatementsAreTheSystemsOwnTexts)
+{
+    const QString fbihSums = QStringLiteral(
+        "sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,sum(case when P.Vrsta=12 then P.Iznos else 0 end) "
+        "as P12,sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,sum(case when P.Vrsta>=11 and P.Vrsta<=13 "
+        "then P.IznosPDV else 0 end) as P14,sum(case when P.Vrsta>=11 and P.Vrsta<=13 then P.Iznos-P.IznosPDV else 0 "
+        "end) as P15,sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P16,sum(case when P.Vrsta=17 then P.Iznos "
+        "else 0 end) as P17,sum(case when P.Vrsta=18 then P.Iznos else 0 end) as P18,sum(case when P.Vrsta=19 then "
+        "P.Iznos else 0 end) as P19,sum(case when P.Vrsta>=16 and P.Vrsta<=19 then P.IznosPDV else 0 end) as P20,"
+        "sum(case when P.Vrsta>=16 and P.Vrsta<=19 then P.Iznos-P.IznosPDV else 0 end) as P21 ");
+    const QDate mar1(2016, 3, 1), mar31(2016, 3, 31), jan1(2016, 1, 1), dec31(2016, 12, 31);
+    EXPECT_EQ(totalsPanelSql(96, 1, 2016, 0, mar1, mar31),
+              "SELECT 'Promet do 29.02.16' AS Opis," + fbihSums
+                  + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='01.01.2016' AND P.Datum<='02.29.2016' and "
+                    "P.brojpoduzeca=1 AND P.GodinaKnj=2016 UNION SELECT 'Pr.od 01.03.16 do 03.31.16' AS Opis,"
+                  + fbihSums
+                  + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='03.01.2016' AND P.Datum<='03.31.2016' and "
+                    "P.brojpoduzeca=1 AND P.GodinaKnj=2016");
+    EXPECT_EQ(totalsPanelSql(109, 2, 2016, 9, jan1, dec31),
+              "SELECT 'Pr.od 01.01.16 do 12.31.16' AS Opis,sum(case when P.Vrsta=5 then P.Iznos else 0 end) as P5,"
+              "sum(case when P.Vrsta=6 then P.Iznos else 0 end) as P6,sum(case when P.Vrsta=7 then P.Iznos else 0 "
+              "end) as P7,sum(case when P.Vrsta>=5 and P.Vrsta<=7 then P.Iznos else 0 end) as P8,sum(case when "
+              "P.Vrsta=9 then P.Iznos else 0 end) as P9,sum(case when P.Vrsta=10 then P.Iznos else 0 end) as P10,"
+              "sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,sum(case when P.Vrsta=12 then P.Iznos else 0 "
+              "end) as P12,sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,sum(case when P.Vrsta=14 then "
+              "P.Iznos else 0 end) as P14,sum(case when P.Vrsta=15 then P.Iznos else 0 end) as P15,sum(case when "
+              "P.Vrsta=16 then P.Iznos else 0 end) as P16,sum(case when P.Vrsta>=9 and P.Vrsta<=15 then P.Iznos else 0 "
+              "end)-sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P17 FROM dbo.KnjPrihRashDB P where "
+              "P.Datum>='01.01.2016' AND P.Datum<='12.31.2016' and P.brojpoduzeca=2 AND P.GodinaKnj=2016");
+    EXPECT_EQ(totalsPanelSql(98, 1, 2016, 0, mar1, mar31),
+              "SELECT 'Promet do 29.02.16' AS Opis, SUM(K.IznosGot) As Gotovina,SUM(K.IznosCek) AS Cek FROM "
+              "KnjPrometaFBiH K where K.Datum>='01.01.2016' AND K.Datum<='02.29.2016' and K.brojpoduzeca=1 AND "
+              "K.GodinaKnj=2016 UNION SELECT 'Promet od 01.03.16 do 03.31.16' AS Opis,SUM(K.IznosGot) AS gotovina,"
+              "SUM(K.IznosCek) As Cek FROM KnjPrometaFBiH K where K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' "
+              "and K.brojpoduzeca=1 AND K.GodinaKnj=2016");
+    EXPECT_EQ(totalsPanelSql(125, 1, 2016, 3, QDate(2016, 1, 2), mar31),
+              "SELECT 'Promet do 01.01.16' AS Opis, SUM(K.Iznos) As Iznos FROM dbo.TrgKnjUsluga K where "
+              "K.Datum>='01.01.2016' AND K.Datum<='01.01.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND "
+              "K.BrojProd=3 UNION SELECT 'Promet od 02.01.16 do 03.31.16' AS Opis,SUM(K.Iznos) AS Iznos FROM "
+              "dbo.TrgKnjUsluga K where K.Datum>='01.02.2016' AND K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND "
+              "K.GodinaKnj=2016 AND K.BrojProd=3");
+    EXPECT_EQ(totalsPanelSql(126, 1, 2016, 3, jan1, mar31),
+              "SELECT 'Promet od 01.01.16 do 03.31.16' AS Opis,ISNULL(SUM(K.Zaduzenje),0) As Zaduzenje,"
+              "ISNULL(SUM(K.Razduzenje),0) As Razduzenje FROM dbo.TrgKnjKomisiona K where K.Datum>='01.01.2016' AND "
+              "K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND K.BrojProd=3");
+    for (int kind : {97, 99, 100, 101, 102, 105, 106}) {
+        EXPECT_TRUE(totalsPanelSql(kind, 1, 2016, 0, mar1, mar31).isEmpty()) << kind;
+        EXPECT_TRUE(totalsPanelRows(kind, ResultSet{}).rows.isEmpty()) << kind;
+    }
+}
+
+// The statements on the embedded database against plain sums over the same rows.
+TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
+{
+    test::TestDatabase t;
+    const QList<std::tuple<int, QDate, int, double>> db = {   // RBroj, date, kind, amount
+        {1, {2016, 1, 5}, 5, 100},  {2, {2016, 2, 10}, 9, 40}, {3, {2016, 3, 3}, 16, 15},
+        {4, {2016, 3, 9}, 14, 7.25}, {5, {2016, 3, 31}, 6, 3},  {6, {2016, 4, 1}, 5, 999},
+    };
+    for (const auto& [r, d, v, a] : db)
+        t.insert("dbo.KnjPrihRashDB", {{"BrojPoduzeca", 1}, {"RBroj", r}, {"Datum", d}, {"GodinaKnj", 2016},
+                                       {"Vrsta", v}, {"Iznos", money(a)}});
+    const TotalsPanelRows dbRows =
+        totalsPanelRows(109, t.query(totalsPanelSql(109, 1, 2016, 0, QDate(2016, 3, 1), QDate(2016, 3, 31))));
+    ASSERT_EQ(dbRows.rows.size(), 3);
+    EXPECT_EQ(dbRows.rows[0].label + dbRows.rows[1].label, "Promet do 29.02.16Pr.od 01.03.16 do 03.31.16");
+    const PanelRow& total = dbRows.rows[2];
+    EXPECT_EQ(total.label, "Ukupno:");
+    EXPECT_FALSE(total.labelBold || total.bold.contains(true));
+    // P5 100, P6 3, P8 103, P9 40, P14 7.25, P16 15, P17 = 40 + 7.25 - 15.
+    const QVector<double> expected = {100, 3, 0, 103, 40, 0, 0, 0, 0, 7.25, 0, 15, 32.25};
+    for (int c = 0; c < expected.size(); ++c)
+        EXPECT_EQ(total.values[c], Money::fromDouble(expected[c])) << c;
+    EXPECT_EQ(dbRows.rows[1].values[12], Money::fromDouble(-7.75));
+
+    // The services book with no entries: SUM is NULL, shown as 0; the label and the
+    // first column bold, as in the turnover book, whose second column is not.
+    const TotalsPanelRows usl =
+        totalsPanelRows(125, t.query(totalsPanelSql(125, 1, 2016, 4, QDate(2016, 3, 1), QDate(2016, 3, 31))));
+    ASSERT_EQ(usl.rows.size(), 3);
+    EXPECT_EQ(usl.rows[2].values, QVector<Money>{Money()});
+    EXPECT_TRUE(usl.rows[2].labelBold && usl.rows[2].bold[0]);
+    EXPECT_EQ(totalsPanelHeaders(98), (QStringList{"11. Gotovina", "12. Čekovi"}));
+    EXPECT_EQ(totalsPanelRows(98, ResultSet{}).rows[0].bold, (QVector<bool>{true, false}));
+}
