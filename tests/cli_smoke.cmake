@@ -1,4 +1,4 @@
-# End-to-end check of the command-line tool: knjige init and knjige query.
+# End-to-end check of the command-line tool: knjige init, knjige query and knjige print.
 # Called with -DKNJIGE=<the program> -DWORK=<a folder it may wipe>.
 
 if(NOT KNJIGE OR NOT WORK)
@@ -58,7 +58,7 @@ set(db "${WORK}/knjige.db")
 # --- help lists every command ---------------------------------------------------------
 knjige(help --help)
 expect_ok(help "knjige --help")
-foreach(command "knjige init" "knjige query")
+foreach(command "knjige init" "knjige query" "knjige print")
   string(FIND "${help_out}" "${command}" at)
   if(at LESS 0)
     message(FATAL_ERROR "knjige --help does not list ${command}:\n${help_out}")
@@ -183,5 +183,31 @@ endif()
 # The demo's own invoice table (the generator's source) replaced the one made above.
 knjige(replaced query --db "${db}" "SELECT COUNT(Napomena) AS Broj FROM dbo.Ifakture")
 expect_refusal(replaced "the replaced database still has the old table" "Napomena")
+
+# --- print: the demo books into PDF files; bad books, periods and databases refused -------
+string(TIMESTAMP year "%Y")
+set(common --company 1 --year ${year})
+knjige(print print 96 --db "${db}" ${common} --pdf "${WORK}/knjiga96.pdf")
+expect_ok(print "print of the demo income and expense book")
+file(READ "${WORK}/knjiga96.pdf" head LIMIT 5 HEX)
+expect_equal("${head}" "255044462d" "print writes a PDF file (%PDF-)")
+knjige(shop print clsTrgKnjKomisiona --db "${db}" ${common} --prod 501 --period "01.01.${year}-31.12.${year}"
+  --pdf "${WORK}/knjiga126.pdf")
+expect_ok(shop "print of one shop's commission book for a period")
+knjige(badbook print 95 --db "${db}" ${common} --pdf "${WORK}/x.pdf")
+expect_refusal(badbook "print of an unknown book" "Nepoznata knjiga: 95")
+knjige(badperiod print 96 --db "${db}" ${common} --period "31.02.${year}-01.03.${year}" --pdf "${WORK}/x.pdf")
+expect_refusal(badperiod "print with an impossible period" "Neispravan početni datum perioda: 31.02.${year}")
+knjige(backwards print 96 --db "${db}" ${common} --period "01.03.${year}-01.02.${year}" --pdf "${WORK}/x.pdf")
+expect_refusal(backwards "print with a period that ends before it starts" "je iza završnog")
+knjige(nodb print 96 --db "${WORK}/nema.db" ${common} --pdf "${WORK}/x.pdf")
+expect_refusal(nodb "print from a missing database" "nema.db")
+knjige(notdb print 96 --db "${WORK}/knjiga96.pdf" ${common} --pdf "${WORK}/x.pdf")
+expect_refusal(notdb "print from a file that is no database" "Spajanje na bazu nije uspjelo")
+knjige(nopdf print 96 --db "${db}" ${common})
+expect_refusal(nopdf "print without an output file" "--pdf")
+knjige(shop96 print 96 --db "${db}" ${common} --prod 501 --pdf "${WORK}/x.pdf")
+expect_refusal(shop96 "a sales point for a book without one" "--prod")
+expect_missing("${WORK}/x.pdf" "a refused print")
 
 message(STATUS "cli_smoke: all checks passed")

@@ -6,6 +6,7 @@
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
 #include "host/HostWindows.h"
+#include "host/PrintCommand.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -28,6 +29,7 @@ const Command commands[] = {
     {"init", false, knjige::cli::runInit, knjige::cli::initUsage},
     {"query", false, knjige::cli::runQuery, knjige::cli::queryUsage},
     {"open", true, knjige::host::runOpen, knjige::host::openUsage},
+    {"print", true, knjige::host::runPrint, knjige::host::printUsage},
     {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
 };
 
@@ -75,6 +77,9 @@ int main(int argc, char** argv)
         command = &chooser;
         skip = 1;
     }
+    // Printing draws pages, never windows: it needs fonts but no screen.
+    if (command && std::strcmp(command->name, "print") == 0 && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     if (command && command->windows) {
         QStringList rest;
         for (int i = skip; i < argc; ++i)

@@ -243,14 +243,6 @@ TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsTo
     EXPECT_FALSE(w->isVisible());
 }
 
-TEST_F(BrowserGridTest, PrintingSaysItIsNotAvailableYet)
-{
-    auto w = open(96);
-    w->mnu_Click(6);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.contains(QStringLiteral("još nije dostupna")));
-}
-
 TEST_F(BrowserGridTest, TheGridDumpGoesToTheHomeFolderWhereThereIsNoDriveC)
 {
     fillFive();

@@ -15,7 +15,4 @@ void frmSifarnikKnj::nijeJošDostupno(const QString& what)
            Icon::Information);
 }
 
-void frmSifarnikKnj::IspišiZapise() { nijeJošDostupno(QStringLiteral("Ispis knjige")); }
-void frmSifarnikKnj::Rekapitulacija() { nijeJošDostupno(QStringLiteral("Rekapitulacija")); }
-
 } // namespace knjige

@@ -147,6 +147,8 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
         inform(QStringLiteral("Nemate pravo pristupa !"));
         return;
     }
+    // The company's name and configuration row head every printed report.
+    DefVarijabli::CitajKonfiguraciju(true);
     vratiPoziciju();
     if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || isTradeBook(m_tip))
         PostaviFilter();

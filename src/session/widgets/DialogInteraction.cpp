@@ -1,5 +1,7 @@
 #include "session/widgets/DialogInteraction.h"
 
+#include "output/widgets/frmPrikazTeksta.h"
+
 #include <QApplication>
 #include <QDialog>
 #include <QFileDialog>
@@ -60,10 +62,41 @@ QString qtFilter(const QString& filter)
     return bar < 0 ? filter : filter.left(bar);
 }
 
+// A message box grows with its text until it leaves the screen; past this a text goes to
+// the text viewer, which scrolls and can save it.
+bool isLongText(const QString& text)
+{
+    return text.size() > 700 || text.count(u'\n') > 18;
+}
+
+// The viewer for a long message; for a question the last line, when there are several,
+// stands as the question under the text.
+Answer showInViewer(const Message& message)
+{
+    frmPrikazTeksta viewer(QApplication::activeWindow());
+    const bool ask = message.buttons == Buttons::YesNo;
+    QString text = message.text;
+    QString question;
+    if (ask) {
+        const QString trimmed = text.trimmed();
+        const qsizetype lastBreak = trimmed.lastIndexOf(u'\n');
+        if (lastBreak > 0) {
+            question = trimmed.mid(lastBreak + 1).trimmed();
+            text = trimmed.left(lastBreak).trimmed();
+        }
+    }
+    viewer.Prikaži(message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, text, ask, question);
+    if (!ask)
+        return Answer::Ok;
+    return viewer.Odgovor() ? Answer::Yes : Answer::No;
+}
+
 } // namespace
 
 Answer DialogInteraction::show(const Message& message)
 {
+    if (isLongText(message.text) && (message.buttons == Buttons::Ok || message.buttons == Buttons::YesNo))
+        return showInViewer(message);
     QMessageBox box(boxIcon(message.icon),
                     message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
                     boxButtons(message.buttons), QApplication::activeWindow());

@@ -1,0 +1,121 @@
+// Printing the 100,000-entry FBiH income and expense book into a PDF file.
+//
+// BM_PrintCommand runs `knjige print` as a nightly job would, in a process of its own,
+// and reports its wall time and peak resident memory (aims: at most 10 s and 300 MB).
+// BM_PrintInProcess splits the same work: reading the rows, and laying out and
+// writing the pages.
+#include "bench_book.h"
+#include "books/BookKind.h"
+#include "browser/BrowserRules.h"
+#include "output/ReportHeader.h"
+#include "output/ReportLayout.h"
+#include "output/widgets/ReportPrinter.h"
+#include "session/Session.h"
+
+#include <QDate>
+#include <QFileInfo>
+#include <QProcess>
+#include <benchmark/benchmark.h>
+#include <chrono>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
+
+using namespace knjige;
+
+namespace
+{
+
+QString pdfPath()
+{
+    return bench::book().dir.filePath(QStringLiteral("knjiga.pdf"));
+}
+
+double seconds(std::chrono::steady_clock::time_point since)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
+
+#ifdef Q_OS_UNIX
+double childCpuSeconds()
+{
+    rusage usage {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+#endif
+
+// Peak memory is that of the largest child process waited for in the run: run this
+// benchmark alone (--benchmark_filter=BM_PrintCommand) for the print's own figure.
+void BM_PrintCommand(benchmark::State& state)
+{
+    const QString db = bench::book().path;
+    const QString pdf = pdfPath();
+    double total = 0;
+#ifdef Q_OS_UNIX
+    const double cpuBefore = childCpuSeconds();
+#endif
+    for (auto _ : state) {
+        const auto t0 = std::chrono::steady_clock::now();
+        QProcess knjige;
+        knjige.start(QStringLiteral(KNJIGE_PROGRAM),
+            { QStringLiteral("print"), QStringLiteral("96"), QStringLiteral("--db"), db, QStringLiteral("--company"),
+                QStringLiteral("1"), QStringLiteral("--year"), QString::number(bench::kYear), QStringLiteral("--pdf"),
+                pdf });
+        if (!knjige.waitForFinished(120000) || knjige.exitCode() != 0) {
+            state.SkipWithError(knjige.readAllStandardError().constData());
+            return;
+        }
+        total += seconds(t0);
+    }
+    const double n = double(state.iterations());
+    state.counters["seconds"] = total / n;
+    state.counters["pdf_mb"] = double(QFileInfo(pdf).size()) / (1024.0 * 1024.0);
+#ifdef Q_OS_UNIX
+    state.counters["cpu_seconds"] = (childCpuSeconds() - cpuBefore) / n;
+    rusage usage {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    state.counters["peak_rss_mb"] = double(usage.ru_maxrss) / 1024.0;
+#endif
+}
+BENCHMARK(BM_PrintCommand)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_PrintInProcess(benchmark::State& state)
+{
+    const QString sql = bench::book().tsql;
+    const QString pdf = pdfPath();
+    Session& s = session();
+    const int kYear = bench::kYear;
+    double read = 0;
+    double write = 0;
+    int pages = 0;
+    for (auto _ : state) {
+        auto t0 = std::chrono::steady_clock::now();
+        ResultSet rows;
+        if (!s.db().open(sql, rows)) {
+            state.SkipWithError("the query failed");
+            return;
+        }
+        read += seconds(t0);
+        t0 = std::chrono::steady_clock::now();
+        const report::BookFilter filter { {}, browser::periodStart(kYear), browser::periodEnd(kYear), 0 };
+        ReportPrinter printer(
+            report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(Knjiga::PrihRashFBiH, filter, rows), rows);
+        QString error;
+        if (!printer.writePdf(pdf, &error)) {
+            state.SkipWithError(qPrintable(error));
+            return;
+        }
+        write += seconds(t0);
+        pages = int(printer.pages().size());
+    }
+    const double n = double(state.iterations());
+    state.counters["pages"] = pages;
+    state.counters["read_ms"] = read * 1000 / n;
+    state.counters["layout_and_pdf_ms"] = write * 1000 / n;
+}
+BENCHMARK(BM_PrintInProcess)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+} // namespace

@@ -1,0 +1,240 @@
+#include "host/PrintCommand.h"
+
+#include "books/BookKind.h"
+#include "browser/BrowserRules.h"
+#include "output/ReportHeader.h"
+#include "output/ReportLayout.h"
+#include "output/ReportQueries.h"
+#include "output/widgets/ReportPrinter.h"
+#include "session/ConnectionString.h"
+#include "session/Session.h"
+
+#include <QFileInfo>
+#include <QMap>
+#include <QTextStream>
+
+namespace knjige::host
+{
+namespace
+{
+
+enum Exit { Done = 0, Failed = 1, Usage = 2 };
+
+int complain(const QString& message, int code = Failed)
+{
+    QTextStream(stderr) << message << '\n';
+    return code;
+}
+
+int usageError(const QString& message)
+{
+    return complain(message + u'\n' + printUsage(), Usage);
+}
+
+struct Options {
+    QMap<QString, QString> values;
+    QStringList positional;
+    bool help = false;
+    QString error;
+};
+
+Options parse(const QStringList& args)
+{
+    static const QStringList valueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"),
+        QStringLiteral("--company"), QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
+        QStringLiteral("--pdf"), QStringLiteral("--operator") };
+    Options o;
+    for (int i = 0; i < args.size() && o.error.isEmpty(); ++i) {
+        const QString& a = args[i];
+        const QString name = a.section(u'=', 0, 0);
+        if (valueOptions.contains(name)) {
+            if (a.contains(u'='))
+                o.values[name] = a.section(u'=', 1);
+            else if (i + 1 < args.size())
+                o.values[name] = args[++i];
+            else
+                o.error = QStringLiteral("Opcija %1 traži vrijednost.").arg(name);
+        } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
+            o.help = true;
+        } else if (a.startsWith(u'-') && a.size() > 1) {
+            o.error = QStringLiteral("Nepoznata opcija: %1").arg(a);
+        } else {
+            o.positional << a;
+        }
+    }
+    return o;
+}
+
+// "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH"; 0 for none.
+int bookCode(const QString& text)
+{
+    bool number = false;
+    const int code = text.toInt(&number);
+    if (number)
+        return findBook(code) ? code : 0;
+    const BookKind* b = findBookByClass(text.section(u'.', -1));
+    return b ? b->code : 0;
+}
+
+bool number(const Options& o, const char* option, int least, int most, int* value)
+{
+    bool ok = false;
+    *value = o.values.value(QString::fromLatin1(option)).trimmed().toInt(&ok);
+    return ok && *value >= least && *value <= most;
+}
+
+// The connection string of --db or --conn; empty with the problem printed.
+QString connection(const Options& o, int* code)
+{
+    const bool db = o.values.contains(QStringLiteral("--db"));
+    if (db == o.values.contains(QStringLiteral("--conn"))) {
+        *code = usageError(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga)."));
+        return {};
+    }
+    QString conn = db ? QStringLiteral("sqlite:") + QFileInfo(o.values.value(QStringLiteral("--db"))).absoluteFilePath()
+                      : o.values.value(QStringLiteral("--conn"));
+    const ConnectionTarget target = parseConnectionString(conn);
+    if (target.kind == ConnectionTarget::Kind::Invalid) {
+        *code = complain(target.error);
+        return {};
+    }
+    if (target.kind == ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
+        *code = complain(QStringLiteral("Datoteka baze %1 ne postoji.").arg(target.sqlitePath));
+        return {};
+    }
+    return conn;
+}
+
+struct Request {
+    int kind = 0;
+    qint16 company = 0;
+    qint16 year = 0;
+    std::optional<std::pair<QDate, QDate>> period;
+    qint32 shop = 0;
+    QString pdf;
+    QString conn;
+};
+
+// Everything the command line says, checked before the database is touched.
+bool request(const Options& o, Request* r, int* code)
+{
+    if (o.positional.size() != 1) {
+        *code = usageError(QStringLiteral("Zadajte jednu knjigu."));
+        return false;
+    }
+    r->kind = bookCode(o.positional.first());
+    if (!r->kind) {
+        *code = usageError(QStringLiteral("Nepoznata knjiga: %1").arg(o.positional.first()));
+        return false;
+    }
+    r->pdf = o.values.value(QStringLiteral("--pdf")).trimmed();
+    int company = 0;
+    int year = 0;
+    QString problem;
+    if (r->pdf.isEmpty())
+        problem = QStringLiteral("Zadajte datoteku ispisa: --pdf DATOTEKA.pdf");
+    else if (!QFileInfo(QFileInfo(r->pdf).absolutePath()).isDir())
+        problem = QStringLiteral("Mapa %1 ne postoji.").arg(QFileInfo(r->pdf).absolutePath());
+    else if (!number(o, "--company", 1, 32767, &company))
+        problem = QStringLiteral("Zadajte broj firme: --company BROJ (1 do 32767).");
+    else if (!number(o, "--year", 1900, 2100, &year))
+        problem = QStringLiteral("Zadajte radnu godinu: --year GODINA (1900 do 2100).");
+    if (problem.isEmpty() && o.values.contains(QStringLiteral("--period")))
+        r->period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), year, &problem);
+    if (problem.isEmpty() && o.values.contains(QStringLiteral("--prod"))) {
+        int shop = 0;
+        if (!isTradeBook(r->kind))
+            problem = QStringLiteral("Prodajno mjesto (--prod) imaju samo trgovačke knjige (125, 126).");
+        else if (!number(o, "--prod", 1, 2147483647, &shop))
+            problem = QStringLiteral("Neispravno prodajno mjesto: %1").arg(o.values.value(QStringLiteral("--prod")));
+        r->shop = shop;
+    }
+    if (!problem.isEmpty()) {
+        *code = usageError(problem);
+        return false;
+    }
+    r->company = qint16(company);
+    r->year = qint16(year);
+    r->conn = connection(o, code);
+    return !r->conn.isEmpty();
+}
+
+QString shopName(qint32 shop, bool* found)
+{
+    ResultSet rs;
+    *found = session().db().open(
+                 QStringLiteral("SELECT ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(shop), rs)
+        && !rs.isEmpty();
+    return *found ? rs.text(0, 0) : QString();
+}
+
+int print(const Request& r)
+{
+    Session& s = session();
+    s.ConnString = r.conn;
+    s.BrojPoduzeca = r.company;
+    s.RadnaGodina = r.year;
+    Database& db = s.db();
+    if (!db.isConnected())
+        return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    QString name;
+    if (r.shop) {
+        bool found = false;
+        name = shopName(r.shop, &found);
+        if (!found)
+            return complain(QStringLiteral("Prodajno mjesto %1 nije među komitentima baze.").arg(r.shop));
+    }
+    const browser::FilterState sel = report::bookSelection(r.kind, r.company, r.year, r.period, r.shop, name);
+    ResultSet rows;
+    if (!db.open(findBook(r.kind)->selectSql + sel.where + browser::orderBy(), rows))
+        return complain(QStringLiteral("Knjigu nije moguće pročitati: ") + db.errorDescription());
+    DefVarijabli::CitajKonfiguraciju(true);
+    if (s.NazivFirme.isEmpty())
+        QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
+    const report::BookFilter filter { sel.description, sel.periodStart, sel.periodEnd, sel.salesPoint };
+    ReportPrinter printer(report::bookLayout(r.kind, sel.salesPoint), report::bookHeader(r.kind, filter, rows), rows);
+    QString error;
+    if (!printer.writePdf(r.pdf, &error))
+        return complain(QStringLiteral("Ispis nije uspio: ") + error);
+    QTextStream(stdout) << QStringLiteral("Ispis spremljen: %1 (stranica: %2, stavki: %3)\n")
+                               .arg(r.pdf)
+                               .arg(printer.pages().size())
+                               .arg(rows.rowCount());
+    return Done;
+}
+
+} // namespace
+
+QString printUsage()
+{
+    return QStringLiteral(
+        "knjige print KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company BROJ --year GODINA\n"
+        "             [--period dd.mm.gggg-dd.mm.gggg] [--prod BROJ] [--operator IME] --pdf IZLAZ.pdf\n"
+        "  Ispiše knjigu u PDF datoteku, kao naredba Ispis u prozoru knjige (bez zaslona).\n"
+        "  KNJIGA je šifra (96, 97, ..., 126) ili naziv klase knjige.\n"
+        "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
+        "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
+        "  --operator ime operatera u podnožju ispisa\n"
+        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n");
+}
+
+int runPrint(const QStringList& args)
+{
+    const Options o = parse(args);
+    if (!o.error.isEmpty())
+        return usageError(o.error);
+    if (o.help) {
+        QTextStream(stdout) << printUsage();
+        return Done;
+    }
+    Request r;
+    int code = Done;
+    if (!request(o, &r, &code))
+        return code;
+    session().ImeOperatera = o.values.value(QStringLiteral("--operator"));
+    const int result = print(r);
+    session().db().disconnect();
+    return result;
+}
+
+} // namespace knjige::host

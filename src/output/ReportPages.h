@@ -1,0 +1,57 @@
+#pragma once
+
+#include "session/Money.h"
+
+#include <QVector>
+
+namespace knjige::report
+{
+
+// One printed page of a book: rows [firstRow, endRow) and the sums of its summed
+// columns. `brought` is what the page brings forward ("Prenos"): the sum of the rows
+// of every earlier page, zero on the first page. `carried` is what it hands on: on
+// every page but the last the page's "Za prenos", on the last the book's totals.
+struct Page {
+    int firstRow = 0;
+    int endRow = 0;
+    QVector<Money> brought;
+    QVector<Money> carried;
+};
+
+// Decides which rows fall on which page, from the rows' heights alone, so the same
+// rows always give the same pages. Rows are added in print order, one pass, and kept
+// by index only: a long book is not held a second time.
+//
+// Heights are in body lines. Every page keeps one line at its foot for "Za prenos" or,
+// on the last page, the totals, and every page after the first one line at its head
+// for "Prenos". A row never splits across pages; a row taller than a whole page gets a
+// page of its own.
+class Paginator
+{
+public:
+    // `firstPageLines` and `otherPageLines`: the body lines of the first page (below
+    // the book's heading) and of the others, summary lines included. `sums`: the
+    // number of summed columns.
+    Paginator(int firstPageLines, int otherPageLines, int sums);
+
+    // The next row: its height in lines and the values of its summed columns.
+    void add(int lines, const QVector<Money>& values);
+    // The pages; one empty page when no row was added.
+    QVector<Page> finish();
+
+    // Body lines left for rows on a page, summary lines taken off.
+    int rowLines(int pageIndex) const;
+
+private:
+    void startPage();
+
+    int m_firstLines;
+    int m_otherLines;
+    int m_sums;
+    int m_row = 0;
+    int m_used = 0;
+    QVector<Money> m_running;
+    QVector<Page> m_pages;
+};
+
+} // namespace knjige::report

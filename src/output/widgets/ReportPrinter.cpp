@@ -1,0 +1,405 @@
+#include "output/widgets/ReportPrinter.h"
+
+#include "browser/BookModel.h"
+#include "output/widgets/ReportText.h"
+#include "session/Interaction.h"
+
+#include <QFontMetricsF>
+#include <QLocale>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QSaveFile>
+#include <algorithm>
+
+namespace knjige
+{
+namespace
+{
+
+constexpr qreal kBodyPoints = 8.0;
+constexpr qreal kLeastBodyPoints = 5.0;
+constexpr qreal kMarginMm = 10.0;
+constexpr int kMostLinesPerRow = 3;
+
+QFont font(qreal points, bool bold = false)
+{
+    QFont f;
+    // Arial where there is one (Windows); its metric twin or a narrow sans elsewhere,
+    // so the wide books keep a readable size.
+    f.setFamilies({ QStringLiteral("Arial"), QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans Condensed"),
+        QStringLiteral("DejaVu Sans") });
+    f.setStyleHint(QFont::SansSerif);
+    f.setPointSizeF(points);
+    f.setBold(bold);
+    return f;
+}
+
+} // namespace
+
+struct ReportPrinter::Metrics {
+    QPaintDevice* device = nullptr;
+    QRectF page;
+    QFont body, small, company, title;
+    GlyphText text, bold, heading, number, foot;
+    QVector<qreal> x; // left edge of each column; the last is the table's right edge
+    qreal pad = 0;
+    qreal line = 0;
+    qreal headingsHeight = 0;
+    QVector<QStringList> headingLines;
+    QLocale locale;
+
+    qreal width(int column) const { return x[column + 1] - x[column] - 2 * pad; }
+};
+
+ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, const ResultSet& rows)
+    : m_layout(std::move(layout))
+    , m_header(std::move(header))
+    , m_rows(rows)
+{
+    m_bound = report::BoundLayout::bind(m_layout, m_rows, &m_error);
+    if (!m_layout.isValid())
+        m_error = QStringLiteral("knjiga nema izgleda za ispis");
+}
+
+ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, ResultSet&& rows)
+    : m_layout(std::move(layout))
+    , m_header(std::move(header))
+    , m_ownRows(std::move(rows))
+    , m_rows(*m_ownRows)
+{
+    m_bound = report::BoundLayout::bind(m_layout, m_rows, &m_error);
+    if (!m_layout.isValid())
+        m_error = QStringLiteral("knjiga nema izgleda za ispis");
+}
+
+ReportPrinter::~ReportPrinter() = default;
+
+bool ReportPrinter::isReady(QString* error) const
+{
+    const bool ready = m_bound && m_layout.isValid();
+    if (!ready && error)
+        *error = m_error;
+    return ready;
+}
+
+void ReportPrinter::setUpPage(QPrinter& printer) const
+{
+    printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+        m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+        QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
+}
+
+// Fonts and columns for the device's page: the body font shrinks until the columns'
+// least widths fit, and the width left over goes to the long texts.
+void ReportPrinter::measure(QPagedPaintDevice& device)
+{
+    auto m = std::make_unique<Metrics>();
+    m->device = &device;
+    m->page = QRectF(0, 0, device.width(), device.height());
+    const auto& columns = m_layout.columns;
+    qreal points = kBodyPoints;
+    const auto least = [&](const GlyphText& body) {
+        const qreal digit = body.width(u"0");
+        qreal w = 0;
+        for (const report::Column& c : columns)
+            w += (c.width + 1.2) * digit;
+        return w;
+    };
+    if (const qreal need = least(GlyphText(font(points), device)); need > m->page.width())
+        points = std::max(kLeastBodyPoints, points * m->page.width() / need * 0.98);
+    m->body = font(points);
+    m->small = font(std::max(points * 0.9, 6.5));
+    m->company = font(11, true);
+    m->title = font(13, true);
+    m->text = GlyphText(m->body, device);
+    m->bold = GlyphText(font(points, true), device);
+    m->heading = GlyphText(font(points * 0.95, true), device);
+    m->number = GlyphText(font(points * 0.85), device);
+    m->foot = GlyphText(m->small, device);
+    m->locale = QLocale();
+
+    const qreal digit = m->text.width(u"0");
+    m->pad = digit * 0.6;
+    m->line = m->text.lineSpacing() * 1.12;
+    QVector<qreal> widths;
+    int stretch = 0;
+    qreal used = 0;
+    for (const report::Column& c : columns) {
+        widths << c.width * digit + 2 * m->pad;
+        used += widths.last();
+        stretch += c.stretch;
+    }
+    const qreal spare = std::max<qreal>(0, m->page.width() - used);
+    for (int i = 0; i < columns.size(); ++i)
+        widths[i] += stretch > 0 ? spare * columns[i].stretch / stretch : spare / columns.size();
+    m->x = { 0 };
+    for (qreal w : widths)
+        m->x << m->x.last() + w;
+
+    m->headingLines.clear();
+    int most = 1;
+    for (int i = 0; i < columns.size(); ++i) {
+        QStringList lines;
+        for (const QString& part : columns[i].heading.split(u'\n'))
+            lines += wrapText(part, widths[i] - 2 * m->pad, m->heading, 3);
+        m->headingLines << lines;
+        most = std::max(most, int(lines.size()));
+    }
+    m->headingsHeight = most * m->heading.lineSpacing() + m->number.lineSpacing() + 3 * m->pad;
+    m_m = std::move(m);
+}
+
+int ReportPrinter::rowLines(int row, QVector<QStringList>* cells) const
+{
+    const Metrics& m = *m_m;
+    int lines = 1;
+    if (cells)
+        cells->resize(m_layout.columns.size());
+    for (int c = 0; c < m_layout.columns.size(); ++c) {
+        const bool isText = m_layout.columns[c].format == report::Format::Text;
+        // Only texts wrap: measuring a row reads nothing else.
+        if (!isText && !cells)
+            continue;
+        const QString text = m_bound->text(m_rows, row, c, m.locale);
+        if (!isText || text.isEmpty()) {
+            if (cells)
+                (*cells)[c] = text.isEmpty() ? QStringList() : QStringList { text };
+            continue;
+        }
+        const QStringList wrapped = wrapText(text, m.width(c), m.text, kMostLinesPerRow);
+        lines = std::max(lines, int(wrapped.size()));
+        if (cells)
+            (*cells)[c] = wrapped;
+    }
+    return lines;
+}
+
+QVector<report::Page> ReportPrinter::paginate() const
+{
+    const Metrics& m = *m_m;
+    const qreal foot = m.page.bottom() - m.foot.lineSpacing() * 1.5;
+    const auto linesBelow = [&](qreal top) { return int((foot - top - m.headingsHeight) / m.line); };
+    const QVector<int>& summed = m_bound->summed();
+    report::Paginator paginator(
+        linesBelow(paintHead(nullptr, 0)), linesBelow(paintHead(nullptr, 1)), int(summed.size()));
+    QVector<Money> values(summed.size());
+    for (int r = 0; r < m_rows.rowCount(); ++r) {
+        for (int i = 0; i < summed.size(); ++i)
+            values[i] = m_bound->money(m_rows, r, summed[i]);
+        paginator.add(rowLines(r, nullptr), values);
+    }
+    return paginator.finish();
+}
+
+int ReportPrinter::paint(QPagedPaintDevice& device)
+{
+    m_pages.clear();
+    if (!isReady())
+        return 0;
+    measure(device);
+    m_pages = paginate();
+    QPainter p;
+    if (!p.begin(&device))
+        return 0;
+    p.setPen(QPen(Qt::black, 0));
+    for (int i = 0; i < m_pages.size(); ++i) {
+        if (i > 0)
+            device.newPage();
+        paintPage(p, i);
+    }
+    p.end();
+    return int(m_pages.size());
+}
+
+void ReportPrinter::paintPage(QPainter& p, int index) const
+{
+    const Metrics& m = *m_m;
+    const report::Page& page = m_pages[index];
+    const qreal top = paintHead(&p, index);
+    const qreal headingsBottom = paintHeadings(p, top);
+    qreal y = headingsBottom;
+    if (index > 0) {
+        paintSums(p, QStringLiteral("Prenos:"), page.brought, y);
+        y += m.line;
+    }
+    const qreal rowsTop = y;
+    QVector<QStringList> cells;
+    for (int r = page.firstRow; r < page.endRow; ++r) {
+        const int lines = rowLines(r, &cells);
+        for (int c = 0; c < cells.size(); ++c) {
+            const bool right = m_layout.columns[c].format == report::Format::Money
+                || m_layout.columns[c].format == report::Format::Whole;
+            for (int l = 0; l < cells[c].size(); ++l)
+                paintCell(p, m.text, cells[c][l], c, right, y + l * m.line);
+        }
+        y += lines * m.line;
+    }
+    const bool last = index == m_pages.size() - 1;
+    paintSums(p, last ? QStringLiteral("Ukupno:") : QStringLiteral("Za prenos:"), page.carried, y);
+    paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
+    paintFoot(p, index);
+}
+
+// One line of a cell, its top at `y`. Texts were wrapped to fit; a number wider than
+// its column is drawn narrower, never into the next column.
+void ReportPrinter::paintCell(
+    QPainter& p, const GlyphText& font, const QString& text, int column, bool right, qreal y) const
+{
+    const Metrics& m = *m_m;
+    const qreal baseline = y + (m.line - font.lineSpacing()) / 2 + font.ascent();
+    const qreal room = m.width(column);
+    const qreal w = font.width(text);
+    if (!right || w <= room) {
+        font.draw(p, QPointF(right ? m.x[column + 1] - m.pad - w : m.x[column] + m.pad, baseline), text);
+        return;
+    }
+    p.save();
+    p.translate(m.x[column] + m.pad, baseline);
+    p.scale(room / w, 1);
+    font.draw(p, QPointF(0, 0), text);
+    p.restore();
+}
+
+// The head of a page; with no painter only its height. The first page carries the
+// whole heading of the book, the others a line naming it.
+qreal ReportPrinter::paintHead(QPainter* p, int index) const
+{
+    const Metrics& m = *m_m;
+    const qreal width = m.page.width();
+    qreal y = 0;
+    auto line = [&](const QString& text, const QFont& f, Qt::Alignment align, const QString& right = {}) {
+        const qreal h = QFontMetricsF(f, m.device).lineSpacing();
+        if (p && (!text.isEmpty() || !right.isEmpty())) {
+            p->setFont(f);
+            p->drawText(QRectF(0, y, width, h), align | Qt::AlignVCenter, text);
+            if (!right.isEmpty()) {
+                p->setFont(m.small);
+                p->drawText(QRectF(0, y, width, h), Qt::AlignRight | Qt::AlignVCenter, right);
+            }
+        }
+        y += h;
+    };
+    const QString pageText = report::pageLine(index + 1, std::max<int>(1, int(m_pages.size())));
+    if (index > 0) {
+        line(m_header.company + QStringLiteral("  —  ") + m_header.title, m.small, Qt::AlignLeft, pageText);
+        return y + m.pad;
+    }
+    line(m_header.company, m.company, Qt::AlignLeft, pageText);
+    for (const QString& l : m_header.companyLines)
+        line(l, m.small, Qt::AlignLeft);
+    y += m.line * 0.5;
+    line(m_header.title, m.title, Qt::AlignHCenter);
+    if (!m_header.period.isEmpty())
+        line(m_header.period, m.body, Qt::AlignHCenter);
+    line(m_header.filter, m.small, Qt::AlignLeft, m_header.salesPoint);
+    return y + m.pad;
+}
+
+qreal ReportPrinter::paintHeadings(QPainter& p, qreal y) const
+{
+    const Metrics& m = *m_m;
+    const qreal numbersTop = y + m.headingsHeight - m.number.lineSpacing() - m.pad;
+    p.drawLine(QPointF(m.x.first(), y), QPointF(m.x.last(), y));
+    for (int c = 0; c < m_layout.columns.size(); ++c) {
+        const QStringList& lines = m.headingLines[c];
+        qreal top = numbersTop - m.pad - lines.size() * m.heading.lineSpacing();
+        for (const QString& l : lines) {
+            const qreal x = (m.x[c] + m.x[c + 1] - m.heading.width(l)) / 2;
+            m.heading.draw(p, QPointF(x, top + m.heading.ascent()), l);
+            top += m.heading.lineSpacing();
+        }
+        const QString& n = m_layout.columns[c].number;
+        m.number.draw(p, QPointF((m.x[c] + m.x[c + 1] - m.number.width(n)) / 2, numbersTop + m.number.ascent()), n);
+    }
+    p.drawLine(QPointF(m.x.first(), numbersTop), QPointF(m.x.last(), numbersTop));
+    const qreal bottom = y + m.headingsHeight;
+    p.drawLine(QPointF(m.x.first(), bottom), QPointF(m.x.last(), bottom));
+    return bottom;
+}
+
+void ReportPrinter::paintSums(QPainter& p, const QString& label, const QVector<Money>& sums, qreal y) const
+{
+    const Metrics& m = *m_m;
+    const QVector<int>& summed = m_bound->summed();
+    p.drawLine(QPointF(m.x.first(), y), QPointF(m.x.last(), y));
+    m.bold.draw(p, QPointF(m.x[0] + m.pad, y + (m.line - m.bold.lineSpacing()) / 2 + m.bold.ascent()), label);
+    for (int i = 0; i < summed.size() && i < sums.size(); ++i)
+        paintCell(p, m.bold, formatMoney(sums[i], m.locale), summed[i], true, y);
+    p.drawLine(QPointF(m.x.first(), y + m.line), QPointF(m.x.last(), y + m.line));
+}
+
+// The columns' rules, from the headings down to the page's last line. The labels of
+// the summary lines run across the columns before the first sum, so those columns'
+// rules stop at the summary lines.
+void ReportPrinter::paintRules(QPainter& p, const Rules& at) const
+{
+    const Metrics& m = *m_m;
+    const QVector<int>& summed = m_bound->summed();
+    const int labelEnd = summed.isEmpty() ? int(m.x.size()) - 1 : summed.first();
+    for (int i = 0; i < m.x.size(); ++i) {
+        const QPointF top(m.x[i], at.top);
+        if (i == 0 || i >= labelEnd) {
+            p.drawLine(top, QPointF(m.x[i], at.bottom));
+            continue;
+        }
+        p.drawLine(top, QPointF(m.x[i], at.headingsBottom));
+        p.drawLine(QPointF(m.x[i], at.rowsTop), QPointF(m.x[i], at.rowsBottom));
+    }
+}
+
+void ReportPrinter::paintFoot(QPainter& p, int index) const
+{
+    const Metrics& m = *m_m;
+    const qreal baseline = m.page.bottom() - m.foot.lineSpacing() + m.foot.ascent();
+    m.foot.draw(p, QPointF(0, baseline), report::printedLine(m_header.printed, m_header.operatorName));
+    const QString page = report::pageLine(index + 1, int(m_pages.size()));
+    m.foot.draw(p, QPointF(m.page.width() - m.foot.width(page), baseline), page);
+}
+
+bool ReportPrinter::writePdf(const QString& path, QString* error)
+{
+    if (!isReady(error))
+        return false;
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        *error = QStringLiteral("datoteku %1 nije moguće napraviti: %2").arg(path, file.errorString());
+        return false;
+    }
+    {
+        QPdfWriter writer(&file);
+        writer.setCreator(QStringLiteral("Knjige"));
+        writer.setTitle(m_header.title);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+            m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+            QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
+        if (paint(writer) == 0) {
+            *error = QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
+            file.cancelWriting();
+            return false;
+        }
+    }
+    if (!file.commit()) {
+        *error = QStringLiteral("datoteku %1 nije moguće spremiti: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+void ReportPrinter::preview(QWidget* parent)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    setUpPage(printer);
+    printer.setDocName(m_header.title);
+    QPrintPreviewDialog dialog(&printer, parent);
+    dialog.setObjectName(QStringLiteral("frmPregledIspisa"));
+    dialog.setWindowTitle(m_header.title);
+    dialog.resize(1000, 760);
+    QObject::connect(
+        &dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) { paint(*target); });
+    interaction().exec(dialog);
+}
+
+} // namespace knjige

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "output/ReportHeader.h"
+#include "output/ReportLayout.h"
+#include "output/ReportPages.h"
+
+#include <QFont>
+#include <QString>
+#include <QVector>
+#include <memory>
+#include <optional>
+
+class QPagedPaintDevice;
+class QPainter;
+class QPrinter;
+class QWidget;
+
+namespace knjige
+{
+
+class GlyphText;
+
+// Prints one report on paper or into a PDF file: the header, the numbered column
+// headings on every page, the rows wrapped into their columns, "Prenos" at the head of
+// every page after the first, "Za prenos" at the foot of every page but the last and
+// the totals at the end.
+//
+// Two passes over the rows: the first measures them and decides the pages (only page
+// boundaries and sums are kept), the second paints page after page, so a PDF writer
+// hands each page on as it is done. The rows are read, never copied; rows given by
+// reference must outlive the printer.
+class ReportPrinter
+{
+public:
+    ReportPrinter(report::Layout layout, report::Header header, const ResultSet& rows);
+    // The same over rows of its own (a report read just for printing).
+    ReportPrinter(report::Layout layout, report::Header header, ResultSet&& rows);
+    ~ReportPrinter();
+    ReportPrinter(const ReportPrinter&) = delete;
+    ReportPrinter& operator=(const ReportPrinter&) = delete;
+
+    // False, with *error naming the missing field, when the rows do not fit the layout.
+    bool isReady(QString* error = nullptr) const;
+
+    // Paints every page on the device as its page layout stands. Returns the number of
+    // pages, 0 when nothing could be painted.
+    int paint(QPagedPaintDevice& device);
+    // A4 in the layout's orientation, written to `path` (overwritten).
+    bool writePdf(const QString& path, QString* error);
+    // The print preview with its print and page set-up buttons, run as a modal dialog
+    // through the interaction seam.
+    void preview(QWidget* parent);
+    // Sets A4, the layout's orientation and the margins on a printer.
+    void setUpPage(QPrinter& printer) const;
+
+    // The pages of the last paint.
+    const QVector<report::Page>& pages() const { return m_pages; }
+
+private:
+    struct Metrics;
+    void measure(QPagedPaintDevice& device);
+    QVector<report::Page> paginate() const;
+    int rowLines(int row, QVector<QStringList>* cells) const;
+    void paintPage(QPainter& p, int index) const;
+    qreal paintHead(QPainter* p, int index) const;
+    qreal paintHeadings(QPainter& p, qreal y) const;
+    void paintCell(QPainter& p, const GlyphText& font, const QString& text, int column, bool right, qreal y) const;
+    void paintSums(QPainter& p, const QString& label, const QVector<Money>& sums, qreal y) const;
+    struct Rules {
+        qreal top, headingsBottom, rowsTop, rowsBottom, bottom;
+    };
+    void paintRules(QPainter& p, const Rules& at) const;
+    void paintFoot(QPainter& p, int index) const;
+
+    report::Layout m_layout;
+    report::Header m_header;
+    std::optional<ResultSet> m_ownRows;
+    const ResultSet& m_rows;
+    std::optional<report::BoundLayout> m_bound;
+    QString m_error;
+    std::unique_ptr<Metrics> m_m;
+    QVector<report::Page> m_pages;
+};
+
+} // namespace knjige

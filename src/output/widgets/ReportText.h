@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QRawFont>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+class QFont;
+class QPainter;
+class QPaintDevice;
+class QPointF;
+
+namespace knjige
+{
+
+// Text set straight from a font's glyph table, without shaping: the cells of a long
+// book are hundreds of thousands of short Latin texts and numbers, and shaping each
+// would take most of a print's time. Widths and drawing use the same advances, so a
+// text measured to fit a column is drawn inside it.
+class GlyphText
+{
+public:
+    GlyphText() = default;
+    // The font at its size on `device`, in the device's units.
+    GlyphText(const QFont& font, const QPaintDevice& device);
+
+    qreal width(QStringView text) const;
+    qreal ascent() const { return m_raw.ascent(); }
+    qreal lineSpacing() const { return m_raw.ascent() + m_raw.descent() + m_raw.leading(); }
+    // Draws `text` with its left end at origin.x() and its baseline at origin.y().
+    void draw(QPainter& painter, const QPointF& origin, QStringView text) const;
+
+private:
+    struct Glyph {
+        quint32 index = 0;
+        qreal advance = -1; // -1: not looked up yet
+    };
+    const Glyph& glyph(char16_t c) const;
+
+    QRawFont m_raw;
+    mutable std::vector<Glyph> m_glyphs; // by UTF-16 code unit
+};
+
+// Lines of `text` (blanks and line breaks simplified) no wider than `width`: broken at
+// blanks, a word wider than the column broken where it must be; past `maxLines` the
+// last line is cut and ends in an ellipsis.
+QStringList wrapText(const QString& text, qreal width, const GlyphText& font, int maxLines);
+
+} // namespace knjige

@@ -1,0 +1,165 @@
+// The report layer without a painter: pages and carried sums, the values of the
+// statutory forms' columns, and the selection a printed book is read with.
+#include "books/BookKind.h"
+#include "output/ReportHeader.h"
+#include "output/ReportLayout.h"
+#include "output/ReportPages.h"
+#include "output/ReportQueries.h"
+
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using namespace knjige::report;
+
+namespace
+{
+
+Money m(qint64 whole)
+{
+    return Money::fromWhole(whole);
+}
+
+} // namespace
+
+TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
+{
+    struct Case {
+        const char* what;
+        int firstLines, otherLines;
+        QVector<int> heights;
+        QVector<int> pageStarts; // first row of each page
+    };
+    // The first page keeps one line for "Za prenos"; later pages also one for "Prenos".
+    const Case cases[] = {
+        { "no rows: one empty page", 5, 6, {}, { 0 } },
+        { "four rows fill the first page", 5, 6, { 1, 1, 1, 1 }, { 0 } },
+        { "a fifth row opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { 0, 4 } },
+        { "later pages hold four", 5, 6, { 1, 1, 1, 1, 1, 1, 1, 1, 1 }, { 0, 4, 8 } },
+        { "a wrapped row that does not fit moves on whole", 5, 6, { 1, 1, 3, 1 }, { 0, 2 } },
+        { "a row taller than a page stands alone", 5, 6, { 1, 9, 1 }, { 0, 1, 2 } },
+    };
+    for (const Case& c : cases) {
+        Paginator p(c.firstLines, c.otherLines, 2);
+        QVector<QVector<Money>> values;
+        for (int r = 0; r < c.heights.size(); ++r) {
+            values.push_back({ m(r + 1), m(-10 * (r + 1)) });
+            p.add(c.heights[r], values.last());
+        }
+        const QVector<Page> pages = p.finish();
+        QVector<int> starts;
+        for (const Page& page : pages)
+            starts << page.firstRow;
+        EXPECT_EQ(starts, c.pageStarts) << c.what;
+        QVector<Money> sum = { m(0), m(0) };
+        for (int i = 0; i < pages.size(); ++i) {
+            EXPECT_EQ(pages[i].brought, sum) << c.what << " page " << i;
+            for (int r = pages[i].firstRow; r < pages[i].endRow; ++r)
+                for (int k = 0; k < 2; ++k)
+                    sum[k] += values[r][k];
+            EXPECT_EQ(pages[i].carried, sum) << c.what << " page " << i;
+            EXPECT_EQ(pages[i].endRow, i + 1 < pages.size() ? pages[i + 1].firstRow : int(c.heights.size())) << c.what;
+        }
+    }
+}
+
+// Each column of the two income and expense forms takes exactly its entry kinds.
+TEST(ReportLayouts, FormColumnsTakeTheirEntryKinds)
+{
+    struct Case {
+        int book;
+        int vrsta;
+        QVector<QString> fields; // field values after Vrsta
+        QMap<QString, qint64> expected; // column number -> whole amount; the others blank
+    };
+    const Case cases[] = {
+        { 96, 12, { "Prihodi=117", "PDVPrihodi=17" }, { { "12", 117 }, { "14", 17 }, { "15", 100 } } },
+        { 96, 13, { "Prihodi=50" }, { { "13", 50 }, { "15", 50 } } },
+        { 96, 17, { "Rashodi=400", "PDVRashodi=0" }, { { "17", 400 }, { "21", 400 } } },
+        { 96, 19, { "Rashodi=234", "PDVRashodi=34" }, { { "19", 234 }, { "20", 34 }, { "21", 200 } } },
+        { 96, 14, {}, {} },
+        { 109, 6, { "Iznos=80", "Prihodi=80" }, { { "6", 80 }, { "8", 80 } } },
+        { 109, 12, { "Iznos=30", "Rashodi=30" }, { { "12", 30 }, { "17", 30 } } },
+        { 109, 16, { "Iznos=25", "RashPPDOH=25" }, { { "16", 25 }, { "17", -25 } } },
+    };
+    for (const Case& c : cases) {
+        const Layout layout = bookLayout(c.book);
+        QVector<Field> fields = { { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date },
+            { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "Vrsta", FieldType::Integer } };
+        for (const char* f : { "Prihodi", "PDVPrihodi", "Rashodi", "PDVRashodi", "Iznos", "RashPPDOH" })
+            fields.push_back({ f, FieldType::Currency });
+        ResultSet rs(fields);
+        rs.appendRow();
+        rs.setInteger(4, c.vrsta);
+        for (const QString& v : c.fields)
+            rs.setMoney(rs.indexOf(v.section(u'=', 0, 0)), m(v.section(u'=', 1).toLongLong()));
+        QString error;
+        const auto bound = BoundLayout::bind(layout, rs, &error);
+        ASSERT_TRUE(bound) << error.toStdString();
+        for (int col = 0; col < layout.columns.size(); ++col) {
+            if (layout.columns[col].format != Format::Money)
+                continue;
+            const QString number = layout.columns[col].number;
+            EXPECT_EQ(bound->money(rs, 0, col), m(c.expected.value(number)))
+                << "book " << c.book << " kind " << c.vrsta << " column " << number.toStdString();
+            EXPECT_EQ(bound->text(rs, 0, col, QLocale::c()).isEmpty(), !c.expected.contains(number));
+        }
+    }
+    // The forms' numbering, and a field the rows lack named in the refusal.
+    QStringList numbers;
+    for (const Column& c : bookLayout(96).columns)
+        numbers << c.number;
+    EXPECT_EQ(numbers.join(u','), QStringLiteral("1,2,3,4,11,12,13,14,15,16,17,18,19,20,21"));
+    QString error;
+    EXPECT_FALSE(BoundLayout::bind(bookLayout(98), ResultSet({ { "RBroj", FieldType::Integer } }), &error));
+    EXPECT_EQ(error, QStringLiteral("u podacima knjige nema polja Datum"));
+    EXPECT_FALSE(bookLayout(103).isValid());
+}
+
+// Without a period or a shop a printed book is the book as it opens; with either, the
+// filter the operator would set, the whole year standing in for a missing period.
+TEST(ReportQueries, SelectionsOfAPrintedBook)
+{
+    const auto march = std::make_pair(QDate(2016, 3, 1), QDate(2016, 3, 31));
+    struct Case {
+        int book;
+        std::optional<std::pair<QDate, QDate>> period;
+        qint32 shop;
+        const char* where;
+        const char* description;
+    };
+    const Case cases[] = {
+        { 96, std::nullopt, 0, " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3", "" },
+        { 125, std::nullopt, 0, " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3", "" },
+        { 98, march, 0,
+            " WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016",
+            "Period od 01.03.16 do 31.03.16" },
+        { 126, std::nullopt, 502,
+            " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.Datum<='12.31.2016' AND K.GodinaKnj=2016 AND  "
+            "K.BrojProd=502",
+            "Period od 01.01.16 do 31.12.16,Broj prod.: 502 Maloprodaja" },
+    };
+    for (const Case& c : cases) {
+        const browser::FilterState s = bookSelection(c.book, 3, 2016, c.period, c.shop, QStringLiteral("Maloprodaja"));
+        EXPECT_EQ(s.where, QString::fromUtf8(c.where)) << c.book;
+        EXPECT_EQ(s.description, QString::fromUtf8(c.description)) << c.book;
+        EXPECT_EQ(s.periodStart, c.period ? c.period->first : QDate(2016, 1, 1));
+        EXPECT_EQ(s.periodEnd, c.period ? c.period->second : QDate(2016, 12, 31));
+    }
+}
+
+TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
+{
+    ResultSet full({ { "NazivFirme", FieldType::Text }, { "Adresa", FieldType::Text }, { "PostBroj", FieldType::Text },
+        { "Mjesto", FieldType::Text }, { "IdBroj", FieldType::Text }, { "PDVBroj", FieldType::Text },
+        { "Telefon", FieldType::Text } });
+    full.appendRow();
+    const char* values[] = { "Obrt", "Titova 3", "71000", "Sarajevo", "4200000000001", "", "033 111 222" };
+    for (int c = 0; c < 7; ++c)
+        full.setText(c, QString::fromUtf8(values[c]));
+    EXPECT_EQ(companyLines(full),
+        QStringList({ QStringLiteral("Titova 3, 71000 Sarajevo"), QStringLiteral("ID broj: 4200000000001"),
+            QStringLiteral("Tel: 033 111 222") }));
+    ResultSet nameOnly({ { "NazivFirme", FieldType::Text } });
+    EXPECT_TRUE(companyLines(nameOnly).isEmpty());
+    EXPECT_EQ(salesPointLine(0, {}), QStringLiteral("Prodajno mjesto: sva"));
+}
