@@ -100,8 +100,13 @@ GO
 CREATE INDEX IX_KnjEvidPotrIObvFBiH_RBrojKPR ON dbo.KnjEvidPotrIObvFBiH (BrojPoduzeca, GodinaKnj, RBrojKPR)
 GO
 
--- Long-term asset lists of both entities (101, 105). A row inserted without RBroj (the
--- opening state of a new year) takes the next number of its company and year.
+-- Long-term asset lists of both entities (101, 105). A row inserted without RBroj takes
+-- the next number of its company and year. The opening state of a new year inserts
+-- its rows without numbers all at once: they continue after the highest number already
+-- in the new year, in the order of the numbers of the assets they were carried from
+-- (each new row is matched to an asset of the year before with its name, values and
+-- life, an asset used once; alike rows match alike assets, and which of them takes
+-- which number cannot be told apart). Rows that match nothing come last.
 CREATE TABLE dbo.KnjPopListaDugImovFBiH (
     BrojPoduzeca smallint NOT NULL,
     GodinaKnj smallint NOT NULL,
@@ -119,16 +124,41 @@ GO
 CREATE TRIGGER dbo.trgKnjPopListaDugImovFBiH_RBroj ON dbo.KnjPopListaDugImovFBiH AFTER INSERT AS
 BEGIN
     SET NOCOUNT ON;
-    DECLARE @Poduzece smallint, @Godina smallint, @Zadnji int;
-    WHILE EXISTS (SELECT 1 FROM inserted I WHERE I.RBroj IS NULL)
-          AND EXISTS (SELECT 1 FROM dbo.KnjPopListaDugImovFBiH K WHERE K.RBroj IS NULL)
+    IF NOT EXISTS (SELECT 1 FROM inserted I WHERE I.RBroj IS NULL)
+        RETURN;
+    DECLARE @Iskoristeni TABLE (BrojPoduzeca smallint NOT NULL, GodinaKnj smallint NOT NULL, RBroj int NOT NULL);
+    DECLARE @Poduzece smallint, @Godina smallint, @Naziv nvarchar(100), @Datum datetime, @Isprava nvarchar(20),
+            @Nabavna money, @Knjigovodstvena money, @Vijek smallint, @Izvor int, @Zadnji int;
+    WHILE EXISTS (SELECT 1 FROM dbo.KnjPopListaDugImovFBiH K WHERE K.RBroj IS NULL)
     BEGIN
-        SELECT TOP (1) @Poduzece = K.BrojPoduzeca, @Godina = K.GodinaKnj
-            FROM dbo.KnjPopListaDugImovFBiH K WHERE K.RBroj IS NULL;
+        SELECT TOP (1) @Poduzece = K.BrojPoduzeca, @Godina = K.GodinaKnj, @Naziv = K.Naziv, @Datum = K.Datum,
+               @Isprava = K.Isprava, @Nabavna = K.NabVrijednost, @Knjigovodstvena = K.KnjigVrijednost,
+               @Vijek = K.VijekTr, @Izvor = Z.RBroj
+        FROM dbo.KnjPopListaDugImovFBiH K
+        OUTER APPLY (
+            SELECT MIN(S.RBroj) AS RBroj FROM dbo.KnjPopListaDugImovFBiH S
+            WHERE S.BrojPoduzeca = K.BrojPoduzeca AND S.GodinaKnj = K.GodinaKnj - 1 AND S.RBroj IS NOT NULL
+              AND K.Isprava LIKE N'Po_.stanje iz ' + CAST(K.GodinaKnj - 1 AS nvarchar(6))
+              AND S.Naziv = K.Naziv AND S.NabVrijednost = K.NabVrijednost AND S.VijekTr = K.VijekTr
+              AND S.KnjigVrijednost > 0
+              AND ROUND(S.KnjigVrijednost - 100 / NULLIF(S.VijekTr, 0) * S.NabVrijednost / 100, 2) = K.KnjigVrijednost
+              AND NOT EXISTS (SELECT 1 FROM @Iskoristeni U WHERE U.BrojPoduzeca = S.BrojPoduzeca
+                              AND U.GodinaKnj = S.GodinaKnj AND U.RBroj = S.RBroj)
+        ) Z
+        WHERE K.RBroj IS NULL
+        ORDER BY K.BrojPoduzeca, K.GodinaKnj, CASE WHEN Z.RBroj IS NULL THEN 1 ELSE 0 END, Z.RBroj;
+        IF @Izvor IS NOT NULL
+            INSERT INTO @Iskoristeni (BrojPoduzeca, GodinaKnj, RBroj) VALUES (@Poduzece, @Godina - 1, @Izvor);
         SELECT @Zadnji = ISNULL(MAX(K.RBroj), 0) FROM dbo.KnjPopListaDugImovFBiH K
             WHERE K.BrojPoduzeca = @Poduzece AND K.GodinaKnj = @Godina;
         UPDATE TOP (1) dbo.KnjPopListaDugImovFBiH SET RBroj = @Zadnji + 1
-            WHERE RBroj IS NULL AND BrojPoduzeca = @Poduzece AND GodinaKnj = @Godina;
+            WHERE RBroj IS NULL AND BrojPoduzeca = @Poduzece AND GodinaKnj = @Godina
+              AND (Naziv = @Naziv OR (Naziv IS NULL AND @Naziv IS NULL))
+              AND (Datum = @Datum OR (Datum IS NULL AND @Datum IS NULL))
+              AND (Isprava = @Isprava OR (Isprava IS NULL AND @Isprava IS NULL))
+              AND (NabVrijednost = @Nabavna OR (NabVrijednost IS NULL AND @Nabavna IS NULL))
+              AND (KnjigVrijednost = @Knjigovodstvena OR (KnjigVrijednost IS NULL AND @Knjigovodstvena IS NULL))
+              AND (VijekTr = @Vijek OR (VijekTr IS NULL AND @Vijek IS NULL));
     END
 END
 GO

@@ -8,6 +8,7 @@
 #include "host/Cli.h"
 #include "host/HostRights.h"
 #include "host/PartnerPicker.h"
+#include "session/Clock.h"
 #include "session/ConnectionString.h"
 #include "session/Dates.h"
 #include "session/HostServices.h"
@@ -188,7 +189,7 @@ QString connectionFor(const Options& o, bool* isDemo, int* code)
 bool valuesFor(const Options& o, BookRequest* r, int* code)
 {
     bool ok = true;
-    r->year = qint16(QDate::currentDate().year());
+    r->year = qint16(clock::today().year());
     if (o.values.contains(QStringLiteral("--year"))) {
         const int year = o.values.value(QStringLiteral("--year")).toInt(&ok);
         if (!ok || year < 1900 || year > 2100)

@@ -64,6 +64,7 @@ bool Database::open(const QString& sql, ResultSet& result)
     m_lastSql = sql;
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     ResultSet fresh;
     if (!m_backend->select(sql, fresh, &error))
@@ -86,6 +87,7 @@ bool Database::execute(const QString& sql, int* rowsAffected)
     m_lastSql = sql;
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     if (!m_backend->execute(sql, rowsAffected, &error))
         return fail(error);
@@ -97,6 +99,7 @@ bool Database::beginTransaction()
 {
     if (!ensureConnected())
         return false;
+    ++m_requests;
     QString error;
     if (!m_backend->begin(&error))
         return fail(error);
@@ -108,6 +111,7 @@ bool Database::commit()
 {
     if (!m_backend)
         return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    ++m_requests;
     QString error;
     m_inTransaction = false;
     if (!m_backend->commit(&error))
@@ -119,6 +123,7 @@ bool Database::rollback()
 {
     if (!m_backend)
         return fail(QStringLiteral("Nema otvorene veze prema bazi podataka."));
+    ++m_requests;
     QString error;
     m_inTransaction = false;
     if (!m_backend->rollback(&error))
@@ -132,6 +137,7 @@ bool Database::writeRow(const RowChange& change)
         return false;
     const BoundStatement st = rowStatement(change, m_backend->dialect());
     m_lastSql = st.sql;
+    ++m_requests;
     QString error;
     int affected = 0;
     if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
@@ -165,6 +171,7 @@ bool Database::insertUnderFreeNumber(const RowChange& change, const NumberSlot& 
         m_lastSql = st.sql;
         QString error;
         int affected = 0;
+        ++m_requests;
         if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
             return fail(error);
         if (affected > 0) {
@@ -184,6 +191,19 @@ bool Database::insertUnderFreeNumber(const RowChange& change, const NumberSlot& 
     }
     return fail(QStringLiteral("Slobodan redni broj nije pronađen: drugi korisnici upravo upisuju u istu knjigu. "
                                "Pokušajte ponovo."));
+}
+
+bool Database::executeNative(const QString& sql, int* rowsAffected)
+{
+    m_lastSql = sql;
+    if (!ensureConnected())
+        return false;
+    ++m_requests;
+    QString error;
+    if (!m_backend->executeNative(sql, rowsAffected, &error))
+        return fail(error);
+    m_error.clear();
+    return true;
 }
 
 } // namespace knjige

@@ -74,6 +74,15 @@ public:
     // *number receives the number the entry was saved under.
     bool insertUnderFreeNumber(const RowChange& change, const NumberSlot& slot, qint64* number);
 
+    // A statement the component writes itself in the engine's own dialect (never a
+    // system text): it goes to the engine unchanged. Used where the engines differ in
+    // form, such as temporary tables for changes of many rows at once.
+    bool executeNative(const QString& sql, int* rowsAffected = nullptr);
+
+    // How many requests went to the database engine so far: statements, rows written,
+    // and the start and end of transactions. On a server each is a round trip.
+    quint64 requestCount() const { return m_requests; }
+
     QString errorDescription() const { return m_error; }
     QString lastSql() const { return m_lastSql; }
 
@@ -86,6 +95,7 @@ private:
     QString m_error;
     QString m_lastSql;
     bool m_inTransaction = false;
+    quint64 m_requests = 0;
 };
 
 // Commits on commit(); rolls back when it goes out of scope uncommitted.

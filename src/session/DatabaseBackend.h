@@ -22,6 +22,9 @@ public:
     // system text), run with the values bound in order.
     virtual bool executeBound(const QString& sql, const QVariantList& values, int* rowsAffected,
                               QString* error) = 0;
+    // A statement in the engine's own dialect, run directly (not prepared: a temporary
+    // table made by a prepared statement on SQL Server ends with it).
+    virtual bool executeNative(const QString& sql, int* rowsAffected, QString* error) = 0;
     virtual bool begin(QString* error) = 0;
     virtual bool commit(QString* error) = 0;
     virtual bool rollback(QString* error) = 0;

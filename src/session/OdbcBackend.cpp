@@ -83,6 +83,10 @@ public:
     bool select(const QString& tsql, ResultSet& result, QString* error) override;
     bool execute(const QString& tsql, int* rowsAffected, QString* error) override;
     bool executeBound(const QString& sql, const QVariantList& values, int* rowsAffected, QString* error) override;
+    bool executeNative(const QString& sql, int* rowsAffected, QString* error) override
+    {
+        return execute(sql, rowsAffected, error);
+    }
     bool begin(QString* error) override { return m_db.transaction() || fail(error, m_db.lastError()); }
     bool commit(QString* error) override { return m_db.commit() || fail(error, m_db.lastError()); }
     bool rollback(QString* error) override { return m_db.rollback() || fail(error, m_db.lastError()); }

@@ -204,6 +204,11 @@ public:
         return true;
     }
 
+    bool executeNative(const QString& sql, int* rowsAffected, QString* error) override
+    {
+        return executeBound(sql, {}, rowsAffected, error);
+    }
+
     // A transaction takes the write lock at its start, waiting for another writer
     // as long as the busy timeout allows: a deferred one that read first could not
     // wait for the lock later and would fail at once.

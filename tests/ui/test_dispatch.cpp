@@ -1,6 +1,7 @@
 #include "browser/widgets/BookGrid.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/RecordEditor.h"
+#include "session/Clock.h"
 #include "session/Session.h"
 #include "test_browser_fixture.h"
 
@@ -115,13 +116,16 @@ TEST_F(Dispatch, NewEntryInAnEmptyBookProposesOneAndTheLastDayOfAPastYear)
 
 TEST_F(Dispatch, NewEntryInTheCurrentYearProposesToday)
 {
+    // Today as the component's clock has it, not the system's.
+    clock::setToday(QDate(2019, 7, 14));
     db.reset();
-    db = std::make_unique<TestDatabase>(1, qint16(QDate::currentDate().year()));
+    db = std::make_unique<TestDatabase>(1, qint16(2019));
     auto w = open(98);
     onEditor([](RecordEditor& e) { e.cmdPrekid->click(); });
     key(*w, Qt::Key_F9);
+    clock::setToday({});
     ASSERT_EQ(shown.size(), 1);
-    EXPECT_EQ(shown[0].date, QDate::currentDate());
+    EXPECT_EQ(shown[0].date, QDate(2019, 7, 14));
 }
 
 TEST_F(Dispatch, CancelLeavesTheListUnreloaded)

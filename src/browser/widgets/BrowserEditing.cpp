@@ -5,6 +5,7 @@
 #include "editors/EditorRules.h"
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
+#include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -51,7 +52,7 @@ void frmSifarnikKnj::NoviZapis()
     e->sRedniBroj = 0;
     if (isTradeBook(m_tip))
         e->setSkladište(BrojProd);
-    e->dpDatum->setDate(editors::newEntryDate(QDate::currentDate(), session().RadnaGodina));
+    e->dpDatum->setDate(editors::newEntryDate(clock::today(), session().RadnaGodina));
     pripremiEditor(*e, m_tip);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {

@@ -15,9 +15,4 @@ void frmSifarnikKnj::nijeJošDostupno(const QString& what)
            Icon::Information);
 }
 
-void frmSifarnikKnj::ProvjeraNumeracije() { nijeJošDostupno(QStringLiteral("Renumeracija")); }
-void frmSifarnikKnj::ReNumeracijaPoDatumu() { nijeJošDostupno(QStringLiteral("Renumeracija po datumu")); }
-void frmSifarnikKnj::UbaciZapis() { nijeJošDostupno(QStringLiteral("Ubacivanje zapisa")); }
-void frmSifarnikKnj::PočetnoStanje() { nijeJošDostupno(QStringLiteral("Početno stanje")); }
-
 } // namespace knjige

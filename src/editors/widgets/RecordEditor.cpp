@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
 #include "editors/widgets/MoneyBox.h"
+#include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/widgets/SelectWholeText.h"
@@ -33,7 +34,7 @@ QDateEdit* makeDateEdit(QWidget* parent, const QString& name)
     edit->setObjectName(name);
     edit->setCalendarPopup(true);
     edit->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
-    edit->setDate(QDate::currentDate());
+    edit->setDate(clock::today());
     return edit;
 }
 
@@ -246,7 +247,7 @@ void RecordEditor::SetEdit(bool enabled)
 
 void RecordEditor::setSearchDates()
 {
-    const auto [from, to] = searchPeriod(QDate::currentDate(), session().RadnaGodina);
+    const auto [from, to] = searchPeriod(clock::today(), session().RadnaGodina);
     m_quietDates = true;
     dpDatumDo->setDate(to);
     dpDatum->setDate(from);

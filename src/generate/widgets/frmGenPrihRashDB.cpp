@@ -1,6 +1,7 @@
 #include "generate/widgets/frmGenPrihRashDB.h"
 
 #include "generate/widgets/KeychainStore.h"
+#include "session/Clock.h"
 #include "session/HostServices.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -83,7 +84,7 @@ void frmGenPrihRashDB::napraviKontrole()
 
     auto* grid = new QGridLayout;
     grid->setColumnStretch(3, 1);
-    const QDate danas = QDate::currentDate();
+    const QDate danas = clock::today();
     dpDatum = dateEdit(this, QStringLiteral("dpDatum"), danas.addDays(-7));
     dpDatum1 = dateEdit(this, QStringLiteral("dpDatum1"), danas);
     auto* razdoblje = new QHBoxLayout;

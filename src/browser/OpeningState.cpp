@@ -1,0 +1,84 @@
+#include "browser/OpeningState.h"
+
+#include "session/Clock.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+
+namespace knjige::openingstate
+{
+namespace
+{
+
+// The highest number of the asset list in `year`, read by the shared routine, which
+// reads the session's working year.
+qint32 highestNumberIn(int tip, qint16 year)
+{
+    Session& s = session();
+    const qint16 working = s.RadnaGodina;
+    s.RadnaGodina = year;
+    const qint32 highest = DefVarijabli::ZadnjiRBroj(tip);
+    s.RadnaGodina = working;
+    return highest;
+}
+
+bool run(const QString& sql, QString* error)
+{
+    Database& db = session().db();
+    TransactionGuard tx(db);
+    if (!tx.isActive() || !db.execute(sql)) {
+        *error = db.errorDescription();
+        return false;
+    }
+    if (!tx.commit()) {
+        *error = db.errorDescription();
+        db.rollback();
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+QString insertSql(qint16 company, qint16 year)
+{
+    const QString y = QString::number(year);
+    const QString next = QString::number(year + 1);
+    return QStringLiteral(
+               "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
+               "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,")
+        + next + QStringLiteral(",Naziv,'") + QStringLiteral("01.01.") + next + QStringLiteral("','Poč.stanje iz ") + y
+        + QStringLiteral("',NabVrijednost,round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2),VijekTr FROM "
+                         "KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
+        + y + QStringLiteral(" AND BROJPODUZECA=") + QString::number(company)
+        + QStringLiteral(" AND KnjigVrijednost>0 AND round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2)>0");
+}
+
+bool generate(int tip)
+{
+    const Session& s = session();
+    const qint16 year = s.RadnaGodina;
+    const int next = year + 1;
+    if (next > clock::today().year()) {
+        warn(QStringLiteral("Nije moguće generirati početna stanja za ") + QString::number(next)
+            + QStringLiteral(" jer ona još nije nastupila!"));
+        return false;
+    }
+    QString question;
+    if (highestNumberIn(tip, qint16(next)) > 0)
+        question = QStringLiteral("Već postoji knjiženje za godinu: ") + QString::number(next) + QStringLiteral(" ! ");
+    question += QStringLiteral("Želite li zaista generirati početna stanja za ") + QString::number(next)
+        + QStringLiteral(" na osnovu stanja u godini: ") + QString::number(year) + QStringLiteral("?") + u'\n'
+        + QStringLiteral("Pažljivo, moguće dupliranje podataka!");
+    if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::Yes }) != Answer::Yes)
+        return false;
+    QString error;
+    if (!run(insertSql(s.BrojPoduzeca, year), &error)) {
+        warn(QStringLiteral("Desila se greška: ") + QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: ")
+            + error);
+        return false;
+    }
+    inform(QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information);
+    return true;
+}
+
+} // namespace knjige::openingstate

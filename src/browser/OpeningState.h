@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+namespace knjige::openingstate
+{
+
+// The one statement that carries the assets of `year` into the next year, each written
+// down by one year's straight-line depreciation (100 / life per cent of the purchase
+// value, the division as the column types make it). Assets that would reach zero or
+// below are not carried. The new rows give no number: the table numbers them after the
+// highest of the new year, in the order of their old numbers.
+QString insertSql(qint16 company, qint16 year);
+
+// Makes the opening state of the year after the session's working year for the asset
+// list `tip`: refuses a year that has not begun yet (by clock::today()), warns when the
+// year already holds rows, asks, runs the statement in one transaction and reports.
+// True when rows were made.
+bool generate(int tip);
+
+} // namespace knjige::openingstate

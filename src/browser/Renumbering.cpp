@@ -1,0 +1,390 @@
+#include "browser/Renumbering.h"
+
+#include "books/BookKind.h"
+#include "session/BulkNumbers.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
+
+#include <QHash>
+#include <optional>
+#include <set>
+#include <unordered_map>
+#include <vector>
+
+namespace knjige::renumber
+{
+namespace
+{
+
+const QString kGreska = QStringLiteral("Desila se greška: ");
+const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+
+QString num(qint64 v)
+{
+    return QString::number(v);
+}
+
+QString tableOf(int tip)
+{
+    const BookKind* book = findBook(tip);
+    return book ? book->table : QString();
+}
+
+// The rows a book's SELECT reads, as conditions on the table's own columns.
+QString bookScope(const Book& b)
+{
+    QString scope = QStringLiteral("GodinaKnj=") + num(b.year) + QStringLiteral(" AND BrojPoduzeca=") + num(b.company);
+    if (isTradeBook(b.tip))
+        scope += QStringLiteral(" AND BrojProd=") + num(b.brojProd);
+    return scope;
+}
+
+QString receivablesScope(const Book& b)
+{
+    return QStringLiteral("GodinaKnj=") + num(b.year) + QStringLiteral(" AND BrojPoduzeca=") + num(b.company);
+}
+
+std::vector<qint64> numbersOf(const ResultSet& rows)
+{
+    const int c = rows.indexOf(QStringLiteral("RBroj"));
+    std::vector<qint64> out(size_t(rows.rowCount()));
+    for (int r = 0; r < rows.rowCount(); ++r)
+        out[size_t(r)] = rows.integer(r, c);
+    return out;
+}
+
+// The first row whose number is not its place counted from 0, or -1. A book numbered
+// from 1 stops at its first row, so the question is always asked there.
+int firstOutOfPlace(const std::vector<qint64>& numbers)
+{
+    for (size_t i = 0; i < numbers.size(); ++i)
+        if (numbers[i] != qint64(i))
+            return int(i);
+    return -1;
+}
+
+// From `from` on, each row whose number is not its place counted from 1 takes it.
+std::vector<std::optional<qint64>> ordinalNumbers(const std::vector<qint64>& numbers, int from)
+{
+    std::vector<std::optional<qint64>> out(numbers.size());
+    for (size_t i = size_t(from); i < numbers.size(); ++i)
+        if (numbers[i] != qint64(i + 1))
+            out[i] = qint64(i + 1);
+    return out;
+}
+
+// For each changed number, in the order of the book, the first receivables row (in
+// its own order) whose link holds the old number at that moment takes the new one. A
+// link moved once can be moved again by a later change, as the rows are walked.
+std::vector<std::optional<qint64>> followFirstLinks(
+    const std::vector<qint64>& numbers, const std::vector<std::optional<qint64>>& changes, const ResultSet& links)
+{
+    const int c = links.indexOf(QStringLiteral("RBrojKPR"));
+    std::vector<qint64> value(size_t(links.rowCount()));
+    std::unordered_map<qint64, std::set<int>> rowsWith;
+    for (int r = 0; r < links.rowCount(); ++r) {
+        value[size_t(r)] = links.integer(r, c);
+        rowsWith[value[size_t(r)]].insert(r);
+    }
+    for (size_t i = 0; i < numbers.size(); ++i) {
+        if (!changes[i])
+            continue;
+        const auto it = rowsWith.find(numbers[i]);
+        if (it == rowsWith.end() || it->second.empty())
+            continue;
+        const int r = *it->second.begin();
+        it->second.erase(it->second.begin());
+        value[size_t(r)] = *changes[i];
+        rowsWith[*changes[i]].insert(r);
+    }
+    std::vector<std::optional<qint64>> out(value.size());
+    for (int r = 0; r < links.rowCount(); ++r)
+        if (value[size_t(r)] != links.integer(r, c))
+            out[size_t(r)] = value[size_t(r)];
+    return out;
+}
+
+// Where each link value ends when the rows are walked twice: first every link equal
+// to a row's number moves up by the offset, then every link equal to a row's lifted
+// number takes the row's new place. All links of one value move together, and a value
+// equal to no number stays. Gives the values that change.
+std::unordered_map<qint64, qint64> followAllLinks(
+    const std::vector<qint64>& numbers, const std::vector<qint64>& linkValues)
+{
+    std::unordered_map<qint64, std::vector<qint64>> at; // value now -> values at the start
+    for (qint64 v : linkValues)
+        at[v].push_back(v);
+    const auto move = [&at](qint64 from, qint64 to) {
+        const auto it = at.find(from);
+        if (from == to || it == at.end())
+            return;
+        std::vector<qint64> moving = std::move(it->second);
+        at.erase(it);
+        std::vector<qint64>& there = at[to];
+        if (there.size() < moving.size())
+            there.swap(moving);
+        there.insert(there.end(), moving.begin(), moving.end());
+    };
+    for (qint64 n : numbers)
+        move(n, n + kOffset);
+    for (size_t i = 0; i < numbers.size(); ++i)
+        move(numbers[i] + kOffset, qint64(i + 1));
+    std::unordered_map<qint64, qint64> out;
+    for (const auto& [now, starts] : at)
+        for (qint64 start : starts)
+            if (start != now)
+                out.emplace(start, now);
+    return out;
+}
+
+bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
+    const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
+{
+    TransactionGuard tx(db);
+    if (!tx.isActive()) {
+        *error = db.errorDescription();
+        return false;
+    }
+    const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
+    const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
+        receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
+    if (!rewriteNumbers(db, rowsTarget, rows, book, error)
+        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error)))
+        return false;
+    if (!tx.commit()) {
+        *error = db.errorDescription();
+        db.rollback();
+        return false;
+    }
+    return true;
+}
+
+// The link values of the receivables rows of the year, with how many rows hold each.
+bool readLinkValues(Database& db, const Book& b, std::vector<qint64>& values, QHash<qint64, qint64>& counts)
+{
+    ResultSet rs;
+    const QString sql = QStringLiteral("SELECT RBrojKPR,COUNT(*) AS Broj FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=")
+        + num(b.year) + QStringLiteral(" AND BROJPODUZECA=") + num(b.company)
+        + QStringLiteral(" AND RBrojKPR IS NOT NULL GROUP BY RBrojKPR");
+    if (!db.open(sql, rs))
+        return false;
+    for (int r = 0; r < rs.rowCount(); ++r) {
+        values.push_back(rs.integer(r, 0));
+        counts.insert(rs.integer(r, 0), rs.integer(r, 1));
+    }
+    return true;
+}
+
+bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* error)
+{
+    std::vector<qint64> values;
+    QHash<qint64, qint64> counts;
+    if (!readLinkValues(db, b, values, counts)) {
+        *error = db.errorDescription();
+        return false;
+    }
+    const std::unordered_map<qint64, qint64> moved = followAllLinks(numbers, values);
+    std::vector<std::pair<qint64, qint64>> pairs(moved.begin(), moved.end());
+    qint64 rowsMoved = 0;
+    for (const auto& [from, to] : pairs)
+        rowsMoved += counts.value(from);
+    const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
+        receivablesScope(b) };
+    return remapNumbers(db, target, pairs, rowsMoved, error);
+}
+
+// The step of a renumbering by date that failed, if any.
+enum class DateStep { Done, Begin, Read, Write };
+
+// The whole renumbering by date in one transaction, rolled back on any failure. The
+// rows come in the server's order, equal dates as the server returns them, and each
+// takes its place in that order.
+DateStep renumberByDate(Database& db, const Book& b, QString* error)
+{
+    TransactionGuard tx(db);
+    if (!tx.isActive()) {
+        *error = db.errorDescription();
+        return DateStep::Begin;
+    }
+    ResultSet rows;
+    if (!db.open(rowsSql(b, dateOrder(b.tip)), rows)) {
+        *error = db.errorDescription();
+        return DateStep::Read;
+    }
+    const std::vector<qint64> numbers = numbersOf(rows);
+    const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
+    if (!rewriteNumbers(db, target, rows, ordinalNumbers(numbers, 0), error)
+        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, error)))
+        return DateStep::Write;
+    if (!tx.commit()) {
+        *error = db.errorDescription();
+        db.rollback();
+        return DateStep::Write;
+    }
+    return DateStep::Done;
+}
+
+} // namespace
+
+Book sessionBook(int tip, qint32 brojProd)
+{
+    const Session& s = session();
+    return Book { tip, s.BrojPoduzeca, s.RadnaGodina, brojProd };
+}
+
+bool takesPart(int tip)
+{
+    return findBook(tip) && !isAssetList(tip);
+}
+
+QString shiftSql(const Book& b, qint32 n)
+{
+    return QStringLiteral("UPDATE ") + tableOf(b.tip) + QStringLiteral(" SET RBROJ=RBROJ+1 WHERE GODINAKNJ=")
+        + num(b.year) + QStringLiteral(" AND BROJPODUZECA=") + num(b.company) + QStringLiteral(" AND RBroj>=") + num(n);
+}
+
+QString blankEntrySql(const Book& b, qint32 n)
+{
+    const QString c = num(b.company);
+    const QString y = num(b.year);
+    // Company, number, date and year; the trade books put the sales point second.
+    const QString keys = c + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y;
+    switch (b.tip) {
+    case Knjiga::PrihRashFBiH:
+        return QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,ISPRAVA,OPIS,VRSTA) "
+                              "VALUES(")
+            + keys + QStringLiteral(",'','',11)");
+    case Knjiga::PrihRashDB:
+        return QStringLiteral("INSERT INTO dbo.KnjPrihRashDB (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,ISPRAVA,OPIS,VRSTA) "
+                              "VALUES(")
+            + keys + QStringLiteral(",'','',11)");
+    case Knjiga::EvidPotObvFBiH:
+    case Knjiga::EvidPotObvRS:
+        return QStringLiteral("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,SIFKOMIT,VRSTA,"
+                              "OPIS,ISPRAVA,IZNOS,RBROJKPR) VALUES(")
+            + keys + QStringLiteral(",0,0,'','',0,0)");
+    case Knjiga::PrometaFBiH:
+    case Knjiga::PrometaRS:
+        return QStringLiteral(
+                   "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,"
+                   "IZNOSCEK) VALUES(")
+            + keys + QStringLiteral(",'','',0,0 )");
+    case Knjiga::PrihodaRS:
+        return QStringLiteral("INSERT INTO dbo.KnjPrihodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
+            + keys + QStringLiteral(",'',11)");
+    case Knjiga::RashodaRS:
+        return QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
+            + keys + QStringLiteral(",'',11)");
+    case Knjiga::TrgUsluga:
+        return QStringLiteral("INSERT INTO dbo.TrgKnjUsluga (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,OPIS,IZNOS) "
+                              "VALUES(")
+            + c + u',' + num(b.brojProd) + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
+            + QStringLiteral(",'',0)");
+    case Knjiga::TrgKomisiona:
+        return QStringLiteral("INSERT INTO dbo.TrgKnjKomisiona (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,OPIS,"
+                              "Zaduzenje,Razduzenje) VALUES(")
+            + c + u',' + num(b.brojProd) + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
+            + QStringLiteral(",'',0,0)");
+    default:
+        return {};
+    }
+}
+
+QString rowsSql(const Book& b, const QString& order)
+{
+    QString sql = QStringLiteral("SELECT * FROM ") + tableOf(b.tip) + QStringLiteral(" WHERE GODINAKNJ=") + num(b.year)
+        + QStringLiteral(" AND BROJPODUZECA=") + num(b.company);
+    if (isTradeBook(b.tip))
+        sql += QStringLiteral(" AND BrojProd=") + num(b.brojProd);
+    return sql + order;
+}
+
+QString dateOrder(int tip)
+{
+    switch (tip) {
+    case Knjiga::PrometaFBiH:
+    case Knjiga::PrometaRS:
+    case Knjiga::TrgUsluga:
+    case Knjiga::TrgKomisiona:
+        return QStringLiteral(" order by Datum");
+    default:
+        return QStringLiteral(" order by Datum,Vrsta");
+    }
+}
+
+QString linkedReceivablesSql(const Book& b)
+{
+    return QStringLiteral("SELECT * FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=") + num(b.year)
+        + QStringLiteral(" AND BROJPODUZECA=") + num(b.company) + QStringLiteral(" AND RBrojKPR<>0 order by RBroj");
+}
+
+bool insertAt(const Book& b, qint32 n)
+{
+    // A trade book without a chosen sales point would get a blank entry of none.
+    if (n == 0 || !takesPart(b.tip) || (isTradeBook(b.tip) && b.brojProd == 0))
+        return false;
+    Database& db = session().db();
+    TransactionGuard tx(db);
+    return tx.isActive() && db.execute(shiftSql(b, n)) && db.execute(blankEntrySql(b, n)) && tx.commit();
+}
+
+After byOrdinal(const Book& b)
+{
+    if (!takesPart(b.tip))
+        return After::Stay;
+    Database& db = session().db();
+    ResultSet links;
+    if (b.tip == Knjiga::PrihRashFBiH && !db.open(linkedReceivablesSql(b), links)) {
+        warn(kGreska + QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza ") + db.errorDescription());
+        return After::Stay;
+    }
+    ResultSet rows;
+    if (!db.open(rowsSql(b, QStringLiteral(" order by RBroj")), rows)) {
+        warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + db.errorDescription());
+        return After::Stay;
+    }
+    const std::vector<qint64> numbers = numbersOf(rows);
+    const int from = firstOutOfPlace(numbers);
+    if (from < 0)
+        return After::Stay;
+    if (interaction().show({ QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"),
+            QStringLiteral("Renumeracija"), Icon::Question, Buttons::YesNo, Answer::Yes })
+        != Answer::Yes)
+        return After::Reload;
+    const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
+    const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
+    QString error;
+    if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
+        inform(kGreska + QStringLiteral("u spremanju renumeriranih zapisa. Ponovite! ") + error, {}, Icon::Critical);
+    return After::Reload;
+}
+
+After byDate(const Book& b)
+{
+    if (!takesPart(b.tip))
+        return After::Stay;
+    const QString question = QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po datumima "
+                                            "dokumenata?")
+        + u'\n' + QStringLiteral("Pažljivo. Svi redni brojevi se mijenjaju!");
+    if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
+        return After::Stay;
+
+    QString error;
+    // Each message comes after the rollback, so no lock is held while it is read.
+    switch (renumberByDate(session().db(), b, &error)) {
+    case DateStep::Done:
+        return After::Reload;
+    case DateStep::Begin:
+        warn(kGreska + QStringLiteral(" u otvaranju konekcije: ") + error);
+        return After::Stay;
+    case DateStep::Read:
+        warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + error);
+        return After::Stay;
+    case DateStep::Write:
+        break;
+    }
+    inform(kGreska + QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: ") + error, {}, Icon::Critical);
+    return After::Reload;
+}
+
+} // namespace knjige::renumber

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QString>
+
+namespace knjige::renumber
+{
+
+// The numbers an operation rewrites: one book of a company and year and, in the trade
+// books, one sales point.
+struct Book {
+    int tip = 0;
+    qint16 company = 0;
+    qint16 year = 0;
+    qint32 brojProd = 0;
+};
+
+// The book of the session's company and year.
+Book sessionBook(int tip, qint32 brojProd = 0);
+
+// Every book takes part in insertion and renumbering except the asset lists.
+bool takesPart(int tip);
+
+// The offset that lifts every number (and every link to it) out of the way during a
+// renumbering by date; a book is taken to hold fewer entries.
+constexpr qint64 kOffset = 100000;
+
+// --- The statements, as the system writes them -----------------------------------
+// Shifts the numbers from n up by one; in the trade books those of every sales point.
+QString shiftSql(const Book& b, qint32 n);
+// The blank entry numbered n, dated 1 January of the year.
+QString blankEntrySql(const Book& b, qint32 n);
+// The book's rows, whole, with `order` (" order by RBroj") appended; the trade books
+// are read for their sales point.
+QString rowsSql(const Book& b, const QString& order);
+// " order by Datum,Vrsta", or " order by Datum" for the books without entry kinds.
+QString dateOrder(int tip);
+// The receivables rows that link to an entry of the income and expense book FBiH.
+QString linkedReceivablesSql(const Book& b);
+
+// --- The operations ---------------------------------------------------------------
+// Each runs in one transaction: it changes every number it should or, on any failure,
+// none. They speak to the operator through the interaction seam.
+
+// Opens a gap at number n and puts a blank entry into it. No question and no message:
+// false when nothing changed (n is 0, the book takes no part, or a statement failed).
+bool insertAt(const Book& b, qint32 n);
+
+// Whether the browser re-reads the book afterwards.
+enum class After { Stay, Reload };
+
+// Closes gaps and duplicates in the order of the numbers, after asking. In the income
+// and expense book FBiH the first receivables row linked to a changed number follows it.
+After byOrdinal(const Book& b);
+
+// Numbers the book 1, 2, 3, ... in the order of the dates, after asking. In the income
+// and expense book FBiH every receivables link follows its entry.
+After byDate(const Book& b);
+
+} // namespace knjige::renumber

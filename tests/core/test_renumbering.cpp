@@ -1,0 +1,209 @@
+// Insertion at a position and both renumberings on the embedded database, driven
+// through the interaction seam: numbers, receivables links, questions, messages, and
+// all-or-nothing when a write fails.
+#include "books/BookKind.h"
+#include "browser/Renumbering.h"
+#include "session/Session.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <QMap>
+#include <algorithm>
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using namespace knjige::test;
+using renumber::sessionBook;
+
+namespace
+{
+
+const QString kBook = QStringLiteral("dbo.KnjPrihRashFBiH");
+const QString kEvid = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+const QString kKpr = QStringLiteral("RBrojKPR");
+
+// Entries and receivables rows are told apart by their label, kept in Opis.
+void entry(
+    TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
+{
+    RowChange::Values v { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
+        { "Opis", QString::number(label) } };
+    if (table.contains(QStringLiteral("Trg")))
+        v.append({ "BrojProd", prod });
+    else if (!table.contains(QStringLiteral("Prometa")))
+        v.append({ "Vrsta", vrsta });
+    t.insert(table, v);
+}
+
+void link(TestDatabase& t, int rbroj, int kpr, int label)
+{
+    t.insert(kEvid,
+        { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", QDate(2016, 5, 5) }, { "GodinaKnj", 2016 },
+            { "SifKomit", 1 }, { "Vrsta", 11 }, { "Opis", QString::number(label) }, { "RBrojKPR", kpr } });
+}
+
+// label -> the column's value.
+QMap<int, qint64> byLabel(TestDatabase& t, const QString& table, const QString& column = QStringLiteral("RBroj"))
+{
+    QMap<int, qint64> out;
+    const ResultSet rs = t.query(QStringLiteral("SELECT Opis,") + column + QStringLiteral(" FROM ") + table);
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out.insert(rs.text(r, 0).toInt(), rs.integer(r, 1));
+    return out;
+}
+
+} // namespace
+
+TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
+{
+    TestDatabase t;
+    for (const BookKind& book : allBooks()) {
+        if (!renumber::takesPart(book.code) || book.code == Knjiga::EvidPotObvRS || book.code == Knjiga::PrometaRS)
+            continue; // one kind per table
+        t.db().beginTransaction();
+        for (int n = 1; n <= 10; ++n) {
+            entry(t, book.table, n, QDate(2016, 3, n), n, 3);
+            if (isTradeBook(book.code))
+                entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8); // another sales point
+        }
+        t.db().commit();
+        EXPECT_FALSE(renumber::insertAt(sessionBook(book.code, 3), 0));
+        ASSERT_TRUE(renumber::insertAt(sessionBook(book.code, 3), 5)) << book.code;
+        const QMap<int, qint64> after = byLabel(t, book.table);
+        for (int label : after.keys()) // the blank entry's label is 0
+            EXPECT_EQ(after[label], label == 0 ? 5 : label % 100 < 5 ? label % 100 : label % 100 + 1) << book.code;
+        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table + " WHERE RBroj=5 AND Opis=''");
+        ASSERT_EQ(blank.rowCount(), 1) << book.code;
+        EXPECT_EQ(blank.value(0, QStringLiteral("Datum")).toDate(), QDate(2016, 1, 1));
+        EXPECT_TRUE(!isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
+    }
+    EXPECT_EQ(renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
+        "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
+        "VALUES(2,7,'1.1.2017',2017,'','',0,0 )");
+    EXPECT_EQ(renumber::shiftSql({ 125, 2, 2017, 4 }, 7).toStdString(),
+        "UPDATE dbo.TrgKnjUsluga SET RBROJ=RBROJ+1 WHERE GODINAKNJ=2017 AND BROJPODUZECA=2 AND RBroj>=7");
+}
+
+TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
+{
+    TestDatabase t;
+    ScopedScript script;
+    for (int n = 1; n <= 3; ++n)
+        entry(t, kBook, n, QDate(2016, 2, n), n);
+    EXPECT_EQ(renumber::byOrdinal(sessionBook(96)), renumber::After::Reload);
+    ASSERT_EQ(script->messages.size(), 1) << "a book numbered from 1 is always asked about";
+    EXPECT_EQ(script->messages[0].text, QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"));
+    EXPECT_EQ(script->messages[0].title, QStringLiteral("Renumeracija"));
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 3 }));
+
+    // 1,2,2,3 -> 1,2,3,4. Each change moves the first link holding the old number at
+    // that moment: the link moved to 3 moves on to 4, and the one of old 3 stays.
+    entry(t, kBook, 2, QDate(2016, 2, 9), 4);
+    link(t, 1, 2, 1);
+    link(t, 2, 2, 2);
+    link(t, 3, 3, 3);
+    script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
+    renumber::byOrdinal(sessionBook(96));
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 3, 2 }));
+    renumber::byOrdinal(sessionBook(96));
+    EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 4, 3 }));
+    EXPECT_EQ(byLabel(t, kEvid, kKpr).values(), (QList<qint64> { 4, 2, 3 }));
+}
+
+TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
+{
+    TestDatabase t;
+    ScopedScript script;
+    // Duplicates, a 0, gaps, equal dates and kinds; links to numbers, to lifted
+    // numbers, to nothing, and 0.
+    unsigned seed = 7;
+    const auto next = [&seed](unsigned m) { return (seed = seed * 1103515245u + 12345u) / 65536u % m; };
+    t.db().beginTransaction();
+    for (int i = 0; i < 400; ++i)
+        entry(t, kBook, int(next(300)), QDate(2016, 1 + int(next(3)), 1 + int(next(5))), i, 0, 11 + int(next(2)));
+    for (int i = 0; i < 150; ++i)
+        link(t, i, int(next(4) == 0 ? renumber::kOffset + next(300) : next(320)), i);
+    t.db().commit();
+    // The walk of the rows as the server orders them: links equal to a number move up
+    // by the offset, then links equal to a lifted number take the row's place.
+    const ResultSet order = t.query(renumber::rowsSql(sessionBook(96), renumber::dateOrder(96)));
+    const int rb = order.indexOf(QStringLiteral("RBroj"));
+    QMap<int, qint64> places;
+    QList<qint64> links = byLabel(t, kEvid, kKpr).values();
+    for (int r = 0; r < order.rowCount(); ++r) {
+        places.insert(order.value(r, "Opis").toInt(), r + 1);
+        std::replace(links.begin(), links.end(), order.integer(r, rb), order.integer(r, rb) + renumber::kOffset);
+    }
+    for (int r = 0; r < order.rowCount(); ++r)
+        std::replace(links.begin(), links.end(), order.integer(r, rb) + renumber::kOffset, qint64(r + 1));
+    const qint64 shared = t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashFBiH K WHERE (SELECT COUNT(*) "
+                                                 "FROM dbo.KnjPrihRashFBiH D WHERE D.RBroj=K.RBroj)>1"))
+                              .integer(0, 0);
+
+    script->answers.enqueue(Answer::Yes);
+    const quint64 before = t.db().requestCount();
+    EXPECT_EQ(renumber::byDate(sessionBook(96)), renumber::After::Reload);
+    // One statement per row only for the rows that share their number.
+    EXPECT_LE(t.db().requestCount() - before, quint64(20 + shared));
+    EXPECT_EQ(byLabel(t, kBook), places);
+    EXPECT_EQ(byLabel(t, kEvid, kKpr).values(), links);
+    ASSERT_EQ(script->messages.size(), 1) << script->texts().join(u'\n').toStdString();
+    EXPECT_EQ(script->messages[0].text,
+        QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po "
+                       "datumima dokumenata?\nPažljivo. Svi redni brojevi se mijenjaju!"));
+    EXPECT_EQ(script->messages[0].defaultAnswer, Answer::No);
+}
+
+TEST(Renumbering, ByDateInATradeBookTouchesOnlyItsSalesPoint)
+{
+    TestDatabase t;
+    ScopedScript script;
+    const QString usluge = QStringLiteral("dbo.TrgKnjUsluga");
+    for (int prod : { 3, 8 }) {
+        entry(t, usluge, 1, QDate(2016, 4, 1), prod * 10 + 1, prod);
+        entry(t, usluge, 2, QDate(2016, 2, 1), prod * 10 + 2, prod);
+    }
+    script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
+    EXPECT_EQ(renumber::byDate(sessionBook(125, 3)), renumber::After::Stay);
+    EXPECT_EQ(byLabel(t, usluge), (QMap<int, qint64> { { 31, 1 }, { 32, 2 }, { 81, 1 }, { 82, 2 } }));
+    renumber::byDate(sessionBook(125, 3));
+    EXPECT_EQ(byLabel(t, usluge), (QMap<int, qint64> { { 31, 2 }, { 32, 1 }, { 81, 1 }, { 82, 2 } }));
+}
+
+// A write that fails on one row, at each step: every number and link stays as it was,
+// and the operator reads the step and the engine's own words.
+TEST(Renumbering, AFailureAtAnyRowChangesNothing)
+{
+    const QString byDate = QStringLiteral("Desila se greška:  u ažuriranju broja knjige prihoda i rashoda: Namjerno");
+    const QString byOrdinal = QStringLiteral("Desila se greška: u spremanju renumeriranih zapisa. Ponovite! Namjerno");
+    const QList<std::pair<const char*, bool>> cases = {
+        { "KnjPrihRashFBiH WHEN NEW.RBroj = 40", true },
+        { "KnjEvidPotrIObvFBiH", true },
+        { "KnjPrihRashFBiH WHEN NEW.RBroj = 50", false },
+        { "KnjEvidPotrIObvFBiH", false },
+    };
+    TestDatabase t;
+    t.db().beginTransaction();
+    for (int i = 1; i <= 60; ++i)
+        entry(t, kBook, i * 2 - (i == 20 ? 1 : 0), QDate(2016, 1 + i % 12, 1), i);
+    entry(t, kBook, 2, QDate(2016, 9, 9), 99); // shares its number
+    for (int i = 1; i <= 20; ++i)
+        link(t, i, i * 2, i);
+    t.db().commit();
+    const QMap<int, qint64> rows = byLabel(t, kBook), links = byLabel(t, kEvid, kKpr);
+    for (const auto& [trigger, date] : cases) {
+        ScopedScript script;
+        ASSERT_TRUE(t.db().executeNative(
+            QStringLiteral("CREATE TRIGGER kvar BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")
+                .arg(QLatin1String(trigger))));
+        script->answers.enqueue(Answer::Yes);
+        EXPECT_EQ(
+            date ? renumber::byDate(sessionBook(96)) : renumber::byOrdinal(sessionBook(96)), renumber::After::Reload);
+        EXPECT_EQ(byLabel(t, kBook), rows) << trigger;
+        EXPECT_EQ(byLabel(t, kEvid, kKpr), links) << trigger;
+        ASSERT_EQ(script->messages.size(), 2) << trigger;
+        EXPECT_EQ(script->messages[1].text, date ? byDate : byOrdinal);
+        EXPECT_EQ(script->messages[1].icon, Icon::Critical);
+        ASSERT_TRUE(t.db().executeNative(QStringLiteral("DROP TRIGGER kvar")));
+    }
+}
