@@ -1,6 +1,7 @@
 #include "books/DemoData.h"
 
 #include "books/DemoBooks.h"
+#include "session/Clock.h"
 #include "session/Database.h"
 
 #include <QHash>
@@ -222,7 +223,7 @@ bool fillDemoData(Database& db, int year, QString* error)
 
 bool fillDemoData(Database& db, QString* error)
 {
-    return fillDemoData(db, QDate::currentDate().year(), error);
+    return fillDemoData(db, clock::today().year(), error);
 }
 
 } // namespace knjige

@@ -6,6 +6,7 @@
 #include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "host/HostRights.h"
+#include "session/Clock.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
 #include "session/TSqlTokenizer.h"
@@ -131,7 +132,7 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     // since the generator works under the system user name.
     if (demo
         && (!createSourceTables(db, &error)
-            || !fillDemoSources(db, QDate::currentDate().year(), {gen::imeOperateraSustava()}, &error))) {
+            || !fillDemoSources(db, clock::today().year(), {gen::imeOperateraSustava()}, &error))) {
         *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
         return false;
     }
