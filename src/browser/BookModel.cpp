@@ -360,7 +360,7 @@ QVariant BookModel::totalsData(int column, int role) const
     case Qt::DisplayRole:
         if (!sum)
             return {};
-        return type == FieldType::Integer ? formatWhole(sum->units() / Money::Scale, m_locale)
+        return type == FieldType::Integer && !sum->isOutOfRange() ? formatWhole(sum->units() / Money::Scale, m_locale)
                                           : formatMoney(*sum, m_locale);
     case ValueRole: return sum ? QVariant(sum->toDouble()) : QVariant();
     case FormatRole: return sum ? QVariant(formatOf(type == FieldType::Integer ? type : FieldType::Currency)) : QVariant();

@@ -42,6 +42,10 @@ void appendInteger(QString& line, qint64 value)
 // Money's plain text form ("1234.5", "-7", "0.0125") with the chosen decimal mark.
 void appendMoney(QString& line, Money value, QChar mark)
 {
+    if (value.isOutOfRange()) {
+        line += QString::fromUtf8(Money::OutOfRangeText);
+        return;
+    }
     const qint64 units = value.units();
     const quint64 a = units < 0 ? 0 - quint64(units) : quint64(units);
     if (units < 0)

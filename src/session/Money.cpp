@@ -26,7 +26,16 @@ qint64 roundHalfEven(double value)
 
 Money Money::fromDouble(double value)
 {
-    return Money(roundHalfEven(value * Scale));
+    // 2^63 is the first double past the range; NaN fails the test too.
+    const double scaled = value * Scale;
+    if (!(std::abs(scaled) < 9223372036854775808.0))
+        return outOfRange();
+    return Money::fromUnits(roundHalfEven(scaled));
+}
+
+double Money::toDouble() const
+{
+    return isOutOfRange() ? std::numeric_limits<double>::quiet_NaN() : double(m_units) / Scale;
 }
 
 std::optional<Money> Money::parse(const QString& text)
@@ -68,6 +77,8 @@ std::optional<Money> Money::parse(const QString& text)
 
 QString Money::toString() const
 {
+    if (isOutOfRange())
+        return QString::fromUtf8(OutOfRangeText);
     const qint64 a = m_units < 0 ? -m_units : m_units;
     return QStringLiteral("%1%2.%3")
         .arg(m_units < 0 ? QStringLiteral("-") : QString())
@@ -88,6 +99,8 @@ QString Money::toPlainString() const
 Money Money::rounded(int decimals) const
 {
     decimals = std::clamp(decimals, 0, 4);
+    if (isOutOfRange())
+        return *this;
     qint64 step = 1;
     for (int i = decimals; i < 4; ++i)
         step *= 10;
@@ -99,13 +112,14 @@ Money Money::rounded(int decimals) const
     qint64 result = q;
     if (twice > step || (twice == step && q % 2 != 0))
         result += (m_units < 0 ? -1 : 1);
-    return Money(result * step);
+    return Money::fromUnits(result) * step;
 }
 
 QString Money::toDisplayString(QChar groupSeparator, QChar decimalMark) const
 {
-    // Half away from zero on the magnitude; the smallest value has no positive twin,
-    // so the magnitude is taken without overflow as an unsigned number.
+    if (isOutOfRange())
+        return QString::fromUtf8(OutOfRangeText);
+    // Half away from zero on the magnitude.
     const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
     const quint64 a = (magnitude / 100 + (magnitude % 100 >= 50 ? 1 : 0));
     const bool negative = m_units < 0 && a != 0;
@@ -121,6 +135,8 @@ Money Money::fraction(qint64 numerator, qint64 denominator) const
 {
     // units * n / d as (q * d + r) * n / d = q * n + r * n / d: q * n is below |units|
     // and r * n below d * d, so nothing overflows.
+    if (isOutOfRange())
+        return *this;
     const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
     const quint64 n = quint64(numerator);
     const quint64 d = quint64(denominator);
@@ -135,7 +151,7 @@ Money Money::fraction(qint64 numerator, qint64 denominator) const
 
 Money Money::dividedBy(double divisor) const
 {
-    return fromDouble(double(m_units) / divisor / Scale);
+    return fromDouble(toDouble() / divisor);
 }
 
 } // namespace knjige

@@ -1,0 +1,69 @@
+// Faults found by using the product end to end, each pinned where it was fixed.
+
+#include "browser/BookModel.h"
+#include "output/ReportPages.h"
+#include "session/Money.h"
+
+#include <QLocale>
+
+#include <gtest/gtest.h>
+
+using namespace knjige;
+
+namespace {
+
+Money amount(const char* text) { return Money::parse(QString::fromLatin1(text)).value(); }
+
+const QString outOfRange = QString::fromUtf8(Money::OutOfRangeText);
+
+} // namespace
+
+// A thousand entries of the largest amount an editor takes sum past the money type's
+// range; the sum used to wrap around to a negative total in the grid and the printout.
+TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
+{
+    const Money big = Money::fromWhole(500000000000000);
+    struct Case {
+        Money value;
+        const char* shown;
+    };
+    const Case cases[] = {
+        {big + big, nullptr},
+        {-big - big, nullptr},
+        {big + big - big, nullptr}, // stays out of range, as the server's error would
+        {big * 2, nullptr},
+        {Money::fromWhole(1000000000000000), nullptr},
+        {Money::fromDouble(1e300), nullptr},
+        {big + Money::fromUnits(4000000000000001200), "900,000,000,000,000.12"},
+        {-big - Money::fromUnits(4223372036854775807), "-922,337,203,685,477.58"},
+    };
+    for (const Case& c : cases) {
+        if (c.shown) {
+            EXPECT_EQ(c.value.toDisplayString(), QString::fromLatin1(c.shown));
+        } else {
+            EXPECT_TRUE(c.value.isOutOfRange()) << c.value.toString().toStdString();
+            EXPECT_EQ(c.value.toDisplayString(), outOfRange);
+        }
+    }
+
+    ResultSet rs({{"RBroj", FieldType::Integer}, {"GodinaKnj", FieldType::Integer}, {"Datum", FieldType::Date},
+                  {"Isprava", FieldType::Text},  {"Opis", FieldType::Text},        {"IznosGot", FieldType::Currency},
+                  {"IznosCek", FieldType::Currency}, {"I", FieldType::Text}});
+    report::Paginator pages(60, 60, 2);
+    for (int r = 0; r < 2; ++r) {
+        rs.appendRow();
+        rs.setInteger(0, r + 1);
+        rs.setMoney(5, big);
+        rs.setMoney(6, amount("1.25"));
+        pages.add(1, {big, amount("1.25")});
+    }
+    BookModel model;
+    model.setBookKind(98);
+    model.setLocale(QLocale::c());
+    model.setResultSet(rs);
+    EXPECT_EQ(model.displayText(0, 5), outOfRange);
+    EXPECT_EQ(model.displayText(0, 6), QStringLiteral("2.50"));
+    const QVector<report::Page> printed = pages.finish();
+    EXPECT_TRUE(printed.back().carried.value(0).isOutOfRange());
+    EXPECT_EQ(printed.back().carried.value(1), amount("2.5"));
+}
