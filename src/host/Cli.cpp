@@ -163,6 +163,14 @@ int createDatabase(const QString& path, bool demo, bool force)
         return complain(error);
     if (target.exists() && !QFile::remove(path))
         return complain(QStringLiteral("Postojeću datoteku %1 nije moguće zamijeniti.").arg(path));
+    // The old file's side files go with it: SQLite would replay a write-ahead log left
+    // beside the name (by a crash, or by a program that still has the old file open)
+    // into the new database.
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+        const QString side = path + QLatin1String(suffix);
+        if (QFileInfo::exists(side) && !QFile::remove(side))
+            return complain(QStringLiteral("Datoteku %1 stare baze nije moguće obrisati.").arg(side));
+    }
     if (!QFile::rename(fresh, path))
         return complain(QStringLiteral("Novu bazu nije moguće spremiti kao %1.").arg(path));
     pending.keep();
