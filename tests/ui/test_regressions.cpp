@@ -1,9 +1,16 @@
 // Faults found by using the product end to end, each pinned where it was fixed.
 
+#include "editors/widgets/EditorFactory.h"
+#include "editors/widgets/MoneyBox.h"
 #include "host/Cli.h"
 #include "session/Database.h"
 #include "session/ResultSet.h"
 #include "support/Sandbox.h"
+#include "test_editor_fixture.h"
+
+#include <QApplication>
+#include <QDateEdit>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -38,4 +45,37 @@ TEST(Regression, InitForceStartsFromAFreshFileWhateverTheOldOneLeftBeside)
     Database fresh;
     ASSERT_TRUE(fresh.connect(QStringLiteral("sqlite:") + path));
     EXPECT_EQ(partners(fresh), demoPartners);
+}
+
+using RegressionEditor = test::EditorTest;
+
+// Every editor selects a field's whole text when it gains the focus; in a date picker
+// that made the first digit typed a refused date. And a separator typed after a full
+// day or month skipped the next part, so "15.03.2016" could not be typed either.
+TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
+{
+    struct Case {
+        int book;
+        const char* typed;
+        QDate date;
+    };
+    const Case cases[] = {
+        {98, "15.03.2016", {2016, 3, 15}},
+        {105, "31.12.2016", {2016, 12, 31}},
+        {96, "01.01.2016", {2016, 1, 1}},
+        {109, "1.3.2016", {2016, 3, 1}},
+        {125, "31122016", {2016, 12, 31}},
+    };
+    for (const Case& c : cases) {
+        std::unique_ptr<RecordEditor> e = createEditor(c.book);
+        e->setTipRada(1);
+        run(*e, [&] {
+            e->dpDatum->setDate(QDate(2016, 3, 20));
+            e->ubRBroj->setFocus();
+            e->dpDatum->setFocus();
+            QApplication::processEvents();
+            QTest::keyClicks(e->dpDatum, QString::fromLatin1(c.typed));
+            EXPECT_EQ(e->dpDatum->date(), c.date) << c.book << " " << c.typed;
+        });
+    }
 }

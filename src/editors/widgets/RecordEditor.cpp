@@ -6,6 +6,7 @@
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/widgets/DateTyping.h"
 #include "session/widgets/SelectWholeText.h"
 
 #include <QCheckBox>
@@ -35,6 +36,7 @@ QDateEdit* makeDateEdit(QWidget* parent, const QString& name)
     edit->setCalendarPopup(true);
     edit->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
     edit->setDate(clock::today());
+    typeDatesAsWritten(edit);
     return edit;
 }
 

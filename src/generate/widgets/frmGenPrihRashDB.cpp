@@ -6,6 +6,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "session/widgets/DateTyping.h"
 #include "session/widgets/SelectWholeText.h"
 
 #include <QDateEdit>
@@ -45,6 +46,7 @@ QDateEdit* dateEdit(QWidget* parent, const QString& name, const QDate& date)
     d->setObjectName(name);
     d->setCalendarPopup(true);
     d->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    typeDatesAsWritten(d);
     return d;
 }
 

@@ -1,6 +1,7 @@
 #include "session/widgets/SelectWholeText.h"
 
 #include <QAbstractSpinBox>
+#include <QDateTimeEdit>
 #include <QEvent>
 #include <QLineEdit>
 #include <QTimer>
@@ -26,6 +27,10 @@ protected:
             // After the focus event the widget places its own cursor; select once it has.
             if (auto* edit = qobject_cast<QLineEdit*>(watched))
                 QTimer::singleShot(0, edit, [edit] { SelektirajTekst(edit); });
+            // A date picker refuses a digit typed over its whole text: its first part
+            // is what typing replaces, and the separators lead on to the next parts.
+            else if (auto* date = qobject_cast<QDateTimeEdit*>(watched))
+                QTimer::singleShot(0, date, [date] { date->setSelectedSection(date->sectionAt(0)); });
             else if (auto* spin = qobject_cast<QAbstractSpinBox*>(watched))
                 QTimer::singleShot(0, spin, [spin] { spin->selectAll(); });
         }
