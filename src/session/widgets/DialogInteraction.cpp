@@ -2,6 +2,7 @@
 
 #include "output/widgets/frmPrikazTeksta.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QFileDialog>
@@ -91,6 +92,16 @@ Answer showInViewer(const Message& message)
     return viewer.Odgovor() ? Answer::Yes : Answer::No;
 }
 
+// The buttons speak the program's language whatever translations the toolkit has.
+void nameButtons(QMessageBox& box)
+{
+    const std::pair<QMessageBox::StandardButton, const char*> names[] = {
+        {QMessageBox::Yes, "&Da"}, {QMessageBox::No, "&Ne"}, {QMessageBox::Cancel, "&Odustani"}};
+    for (const auto& [button, name] : names)
+        if (QAbstractButton* b = box.button(button))
+            b->setText(QString::fromUtf8(name));
+}
+
 } // namespace
 
 Answer DialogInteraction::show(const Message& message)
@@ -101,6 +112,7 @@ Answer DialogInteraction::show(const Message& message)
                     message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
                     boxButtons(message.buttons), QApplication::activeWindow());
     box.setDefaultButton(boxButton(message.buttons == Buttons::Ok ? Answer::Ok : message.defaultAnswer));
+    nameButtons(box);
     const int button = box.exec();
     if (button == QMessageBox::Escape || button == 0)
         return message.buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
