@@ -1,11 +1,11 @@
 #include "output/OfficeExport.h"
 
 #include "output/CodePage.h"
+#include "output/OutputFile.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QIODevice>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace knjige::output {
@@ -310,19 +310,17 @@ ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& optio
 
 ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, const QString& path)
 {
-    QSaveFile file(path);
-    // Where the folder takes no new files but the file itself may be rewritten.
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly)) {
+    OutputFile file(path);
+    if (!file.open()) {
         ExportResult failed;
         failed.error = QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(path, file.errorString());
         return failed;
     }
-    ExportResult result = writeOfficeExport(rows, options, file);
+    ExportResult result = writeOfficeExport(rows, options, file.device());
     if (result.ok() && !file.commit())
         result.error = file.errorString();
     if (!result.ok()) {
-        file.cancelWriting();
+        file.cancel();
         result.error = QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(path, result.error);
     }
     return result;

@@ -1,12 +1,22 @@
 // Faults found by using the product end to end, each pinned where it was fixed.
 
 #include "browser/BookModel.h"
+#include "output/OfficeExport.h"
 #include "output/ReportPages.h"
 #include "session/Money.h"
+#include "support/Sandbox.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 
 #include <gtest/gtest.h>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 using namespace knjige;
 
@@ -67,3 +77,31 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
     EXPECT_TRUE(printed.back().carried.value(0).isOutOfRange());
     EXPECT_EQ(printed.back().carried.value(1), amount("2.5"));
 }
+
+#ifdef Q_OS_UNIX
+// The export wrote into a new file beside the name and renamed it over whatever stood
+// there: a named pipe another program reads (or, for root, /dev/null) became a regular
+// file and the reader got nothing.
+TEST(Regression, AnExportIntoANamedPipeReachesTheReader)
+{
+    const QString pipe = test::scratchDir() + QStringLiteral("/izvoz.csv");
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    ResultSet rs({{"RBroj", FieldType::Integer}, {"Opis", FieldType::Text}});
+    rs.appendRow();
+    rs.setInteger(0, 1);
+    rs.setText(1, QStringLiteral("Pazar"));
+    // The reader is there before the export and never waits: the few bytes fit into
+    // the pipe.
+    const int reader = ::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    const output::ExportResult result = output::exportToFile(rs, {}, pipe);
+    QByteArray received;
+    char buffer[256];
+    for (ssize_t n; (n = ::read(reader, buffer, sizeof buffer)) > 0;)
+        received.append(buffer, n);
+    ::close(reader);
+    EXPECT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(received, QByteArray("\"RBroj\";\"Opis\"\r\n1;\"Pazar\"\r\n"));
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
+}
+#endif

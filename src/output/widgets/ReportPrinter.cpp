@@ -1,6 +1,7 @@
 #include "output/widgets/ReportPrinter.h"
 
 #include "browser/BookModel.h"
+#include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
 #include "session/Interaction.h"
 
@@ -11,7 +12,6 @@
 #include <QPdfWriter>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
-#include <QSaveFile>
 #include <algorithm>
 
 namespace knjige
@@ -363,13 +363,13 @@ bool ReportPrinter::writePdf(const QString& path, QString* error)
 {
     if (!isReady(error))
         return false;
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    output::OutputFile file(path);
+    if (!file.open()) {
         *error = QStringLiteral("datoteku %1 nije moguće napraviti: %2").arg(path, file.errorString());
         return false;
     }
     {
-        QPdfWriter writer(&file);
+        QPdfWriter writer(&file.device());
         writer.setCreator(QStringLiteral("Knjige"));
         writer.setTitle(m_header.title);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
@@ -377,7 +377,7 @@ bool ReportPrinter::writePdf(const QString& path, QString* error)
             QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
         if (paint(writer) == 0) {
             *error = QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
-            file.cancelWriting();
+            file.cancel();
             return false;
         }
     }
