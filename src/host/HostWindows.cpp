@@ -221,11 +221,17 @@ bool requestFor(const Options& o, BookRequest* r, int* code)
     r->connString = connectionFor(o, &isDemo, code);
     if (r->connString.isEmpty())
         return false;
+    // A file that is no database (or a server that does not answer) is named as such,
+    // not taken for an operator without rights once a book is opened.
+    Database db;
+    if (!db.connect(r->connString)) {
+        *code = complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+        return false;
+    }
     if (!o.values.contains(QStringLiteral("--company")) && !isDemo) {
-        Database db;
         ResultSet rs;
-        if (db.connect(r->connString) && db.open(QStringLiteral("SELECT MIN(BrojPoduzeca) AS B FROM dbo.CONFIG"), rs)
-            && !rs.isEmpty() && !rs.isNull(0, 0))
+        if (db.open(QStringLiteral("SELECT MIN(BrojPoduzeca) AS B FROM dbo.CONFIG"), rs) && !rs.isEmpty()
+            && !rs.isNull(0, 0))
             r->company = qint16(rs.integer(0, 0));
     }
     return true;
