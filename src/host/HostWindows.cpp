@@ -367,7 +367,7 @@ QString chooserUsage()
     return QStringLiteral("knjige [opcije]\n"
                           "  Izbor knjige: dvanaest knjiga, firma, radna godina, operater; \"Otvori\" otvara\n"
                           "  knjigu kao što to čini glavni program.\n")
-        + commonOptions();
+        + commonOptions() + QStringLiteral("  Primjer: knjige --db knjige.db --operator Ana\n");
 }
 
 QString openUsage()
@@ -376,7 +376,8 @@ QString openUsage()
                           "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
         + bookList() + commonOptions()
         + QStringLiteral("  --period OD-DO    samo period, kao filter po datumima (01.03.2026-31.03.2026)\n"
-                         "  --prod BROJ       trgovačke knjige: prodavnica (inače ona iz pitanja pri otvaranju)\n");
+                         "  --prod BROJ       trgovačke knjige: prodavnica (inače ona iz pitanja pri otvaranju)\n"
+                         "  Primjer: knjige open 96 --db knjige.db --period 01.03.2026-31.03.2026\n");
 }
 
 int runChooser(const QStringList& args)

@@ -215,7 +215,8 @@ QString printUsage()
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa\n"
-        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n");
+        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n"
+        "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
 }
 
 int runPrint(const QStringList& args)
