@@ -362,7 +362,8 @@ QVariant BookModel::totalsData(int column, int role) const
             return {};
         return type == FieldType::Integer && !sum->isOutOfRange() ? formatWhole(sum->units() / Money::Scale, m_locale)
                                           : formatMoney(*sum, m_locale);
-    case ValueRole: return sum ? QVariant(sum->toDouble()) : QVariant();
+    // A sum out of the money's range has no number; its text says so.
+    case ValueRole: return sum && !sum->isOutOfRange() ? QVariant(sum->toDouble()) : QVariant();
     case FormatRole: return sum ? QVariant(formatOf(type == FieldType::Integer ? type : FieldType::Currency)) : QVariant();
     case Qt::TextAlignmentRole: return QVariant::fromValue(alignmentOf(sum ? FieldType::Currency : type));
     case BoldRole: return bool(m_totalsBold[column]);
