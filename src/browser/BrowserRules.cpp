@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
 
 namespace knjige::browser {
@@ -75,6 +76,17 @@ bool levelSkipsRightsService(const QString& nivoPristupa)
 
 int twipsToPixels(int twips, int dpi) { return int(std::lround(double(twips) * dpi / 1440.0)); }
 int pixelsToTwips(int pixels, int dpi) { return int(std::lround(double(pixels) * 1440.0 / dpi)); }
+
+QRect onScreen(const QRect& window, const QRect& available)
+{
+    if (available.isEmpty())
+        return window;
+    const int width = std::clamp(window.width(), 1, available.width());
+    const int height = std::clamp(window.height(), 1, available.height());
+    const int left = std::clamp(window.left(), available.left(), available.right() + 1 - width);
+    const int top = std::clamp(window.top(), available.top(), available.bottom() + 1 - height);
+    return QRect(left, top, width, height);
+}
 
 QString gridDumpPath()
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QRect>
 #include <QString>
 
 namespace knjige::browser {
@@ -47,6 +48,10 @@ bool levelSkipsRightsService(const QString& nivoPristupa);
 // Window positions are kept in twips, the unit the settings have always used.
 int twipsToPixels(int twips, int dpi);
 int pixelsToTwips(int pixels, int dpi);
+// The remembered window as it can be shown on a screen of the given free area: no
+// larger than the area and wholly inside it, moved as little as it takes. A window
+// remembered on a monitor that is gone, or with a mangled setting, still appears.
+QRect onScreen(const QRect& window, const QRect& available);
 
 // Settings of the browser. The window's own keys live under an application named
 // after the window caption, so each book remembers its own; the display options are

@@ -1,6 +1,7 @@
 // Faults found by using the product end to end, each pinned where it was fixed.
 
 #include "browser/BookModel.h"
+#include "browser/BrowserRules.h"
 #include "output/OfficeExport.h"
 #include "output/ReportPages.h"
 #include "session/Money.h"
@@ -105,3 +106,22 @@ TEST(Regression, AnExportIntoANamedPipeReachesTheReader)
     EXPECT_FALSE(QFileInfo(pipe).isFile());
 }
 #endif
+
+// A window remembered on a monitor that is no longer there, or under mangled settings,
+// used to open off the screen where nobody could see or close it.
+TEST(Regression, ARememberedWindowAlwaysOpensOnTheScreen)
+{
+    const QRect screen(0, 0, 1280, 1024);
+    const struct {
+        QRect remembered;
+        QRect shown;
+    } cases[] = {
+        {{40, 30, 643, 387}, {40, 30, 643, 387}},         // fits: unchanged
+        {{2000, 100, 643, 387}, {637, 100, 643, 387}},    // a second monitor to the right, gone
+        {{-5000, -3333, 643, 387}, {0, 0, 643, 387}},
+        {{900, 900, 643, 387}, {637, 637, 643, 387}},     // half off: moved in, not shrunk
+        {{10, 10, 5000, 4000}, {0, 0, 1280, 1024}},        // larger than the screen
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(browser::onScreen(c.remembered, screen), c.shown) << c.remembered.x() << "," << c.remembered.y();
+}

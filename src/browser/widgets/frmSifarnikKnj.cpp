@@ -9,9 +9,11 @@
 #include "session/SettingsStore.h"
 
 #include <QAction>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -239,8 +241,16 @@ void frmSifarnikKnj::vratiPoziciju()
     const int top = settings::number(app, sec, browser::keys::mainTop(), browser::kDefaultTop);
     const int width = settings::number(app, sec, browser::keys::mainWidth(), browser::kDefaultWidth);
     const int height = settings::number(app, sec, browser::keys::mainHeight(), browser::kDefaultHeight);
-    move(browser::twipsToPixels(left, dpiX), browser::twipsToPixels(top, dpiY));
-    resize(browser::twipsToPixels(width, dpiX), browser::twipsToPixels(height, dpiY));
+    QRect window(browser::twipsToPixels(left, dpiX), browser::twipsToPixels(top, dpiY),
+        browser::twipsToPixels(width, dpiX), browser::twipsToPixels(height, dpiY));
+    const QScreen* monitor = QGuiApplication::screenAt(window.center());
+    if (!monitor)
+        monitor = screen();
+    window.setSize(window.size().expandedTo(minimumSizeHint()));
+    if (monitor)
+        window = browser::onScreen(window, monitor->availableGeometry());
+    move(window.topLeft());
+    resize(window.size());
 }
 
 void frmSifarnikKnj::spremiPoziciju()
