@@ -1,0 +1,203 @@
+// The session's shared pieces: result sets, one-row statements, the interaction seam,
+// settings and registry, the next ordinal number of every book and the company's
+// configuration, each with its failure told in the one message form.
+#include "books/BookKind.h"
+#include "session/DatabaseBackend.h"
+#include "session/Registry.h"
+#include "session/Session.h"
+#include "session/SettingsStore.h"
+#include "support/Sandbox.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using knjige::test::ScopedScript;
+using knjige::test::TestDatabase;
+
+TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
+{
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
+        { "Opis", FieldType::Text }, { "Stopa", FieldType::Decimal } });
+    rs.appendRow();
+    rs.set(0, 7);
+    rs.set(1, QVariant::fromValue(Money::fromUnits(145299)));
+    rs.set(2, QDate(2016, 3, 15));
+    rs.set(3, QStringLiteral("Nabavka robe"));
+    rs.set(4, 33.3333333);
+    rs.appendRow(); // all NULL
+    rs.appendRow();
+    rs.setText(1, QStringLiteral("100"));
+    rs.setText(2, QStringLiteral("2016-12-31 00:00:00"));
+
+    ASSERT_EQ(rs.rowCount(), 3);
+    EXPECT_EQ(rs.indexOf(QStringLiteral("iznos")), 1);
+    EXPECT_EQ(rs.indexOf(QStringLiteral("nema")), -1);
+    EXPECT_EQ(rs.value(0, QStringLiteral("RBROJ")).toLongLong(), 7);
+    EXPECT_EQ(rs.money(0, 1).toString(), QStringLiteral("14.5299"));
+    EXPECT_EQ(rs.date(0, 2), QDate(2016, 3, 15));
+    EXPECT_EQ(rs.text(0, 3), QStringLiteral("Nabavka robe"));
+    EXPECT_EQ(rs.money(0, 4).toString(), QStringLiteral("33.3333"));
+    for (int c = 0; c < rs.fieldCount(); ++c)
+        EXPECT_TRUE(rs.isNull(1, c) && !rs.value(1, c).isValid()) << c;
+    EXPECT_EQ(rs.money(1, 1), Money());
+    EXPECT_EQ(rs.money(2, 1), Money::fromWhole(100));
+    EXPECT_EQ(rs.date(2, 2), QDate(2016, 12, 31));
+
+    // Rows 0,1,2 become 2,0,1 in every column, NULLs included.
+    rs.permute({ 2, 0, 1 });
+    EXPECT_EQ(rs.money(0, 1), Money::fromWhole(100));
+    EXPECT_EQ(rs.integer(1, 0), 7);
+    EXPECT_EQ(rs.text(1, 3), QStringLiteral("Nabavka robe"));
+    EXPECT_TRUE(rs.isNull(2, 3));
+    EXPECT_TRUE(rs.isNull(0, 0));
+}
+
+TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
+{
+    RowChange change;
+    change.kind = RowChange::Kind::Update;
+    change.table = QStringLiteral("dbo.KnjPrometaFBiH");
+    change.values = { { "RBroj", 3 }, { "Opis", QStringLiteral("Pazar") } };
+    change.original = { { "RBroj", 2 }, { "Opis", QVariant() } };
+
+    const BoundStatement server = rowStatement(change, SqlDialect::SqlServer);
+    EXPECT_EQ(server.sql,
+        QStringLiteral("UPDATE TOP (1) dbo.KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE RBroj = ? AND Opis IS NULL"));
+    EXPECT_EQ(server.values, (QVariantList { 3, QStringLiteral("Pazar"), 2 }));
+    EXPECT_EQ(rowStatement(change, SqlDialect::Sqlite).sql,
+        QStringLiteral("UPDATE KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE rowid IN "
+                       "(SELECT rowid FROM KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL LIMIT 1)"));
+
+    change.kind = RowChange::Kind::Delete;
+    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).sql,
+        QStringLiteral("DELETE TOP (1) FROM dbo.KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL"));
+    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).values, (QVariantList { 2 }));
+
+    change.kind = RowChange::Kind::Insert;
+    const BoundStatement insert = rowStatement(change, SqlDialect::SqlServer);
+    EXPECT_EQ(insert.sql, QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (RBroj,Opis) VALUES (?,?)"));
+    EXPECT_EQ(insert.values, (QVariantList { 3, QStringLiteral("Pazar") }));
+}
+
+TEST(Interaction, ScriptRecordsMessagesAndAnswersQuestionsInTurn)
+{
+    ScopedScript script;
+    script->answers.enqueue(Answer::No);
+    warn(QStringLiteral("Mora se upisati isprava !"));
+    EXPECT_FALSE(askYesNo(QStringLiteral("Želite li?"), QStringLiteral("Renumeracija")));
+    // With the script run dry the question takes its default button.
+    EXPECT_FALSE(askYesNo(QStringLiteral("Obrisati?"), {}, Answer::No));
+    EXPECT_TRUE(askYesNo(QStringLiteral("Nastaviti?")));
+
+    ASSERT_EQ(script->messages.size(), 4);
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(script->messages[0].buttons, Buttons::Ok);
+    EXPECT_EQ(script->messages[1].title, QStringLiteral("Renumeracija"));
+    EXPECT_EQ(script->messages[1].icon, Icon::Question);
+    EXPECT_EQ(script->messages[1].buttons, Buttons::YesNo);
+    EXPECT_EQ(script->texts().last(), QStringLiteral("Nastaviti?"));
+}
+
+TEST(Settings, FlagsAreTrueFalseTextsEachApplicationKeepsItsOwnAndTheRegistryCutsLongValues)
+{
+    test::clearSettings();
+    const QString book = QStringLiteral("Knjiga prometa za FBiH"), s = settings::section();
+    const QString key = QStringLiteral("OpisiNaTipkama");
+    EXPECT_TRUE(settings::flag(book, s, key, true));
+    settings::setFlag(book, s, key, false);
+    EXPECT_EQ(settings::text(book, s, key), QStringLiteral("False"));
+    EXPECT_FALSE(settings::flag(book, s, key, true));
+    EXPECT_TRUE(settings::flag(QStringLiteral("Knjiga prometa za RS"), s, key, true));
+    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 9645);
+    settings::setNumber(book, s, QStringLiteral("MainWidth"), 12000);
+    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 12000);
+
+    const QString knjige = QStringLiteral("Software\\Arbosa\\Knjige");
+    EXPECT_EQ(registryText(QStringLiteral("Software\\Arbosa\\Nema"), QStringLiteral("Server")), QString());
+    ASSERT_TRUE(setRegistryText(knjige, QStringLiteral("Server"), QStringLiteral("SRV01")));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Server")), QStringLiteral("SRV01"));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Nema")), QString());
+    ASSERT_TRUE(setRegistryText(knjige, QStringLiteral("Dugo"), QString(1500, u'x')));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Dugo")).size(), 1023);
+}
+
+// Both SQL forms of every book; only the company, year and sales point count; an
+// unknown kind asks nothing; a failure is told and gives 0.
+TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
+{
+    TestDatabase t;
+    ScopedScript script;
+    for (const BookKind& book : allBooks()) {
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 0) << book.code;
+        const QString sql = DefVarijabli::ZadnjiRBrojSql(book.code, 1, 2016, 3);
+        const ResultSet rs = t.query(sql);
+        ASSERT_EQ(rs.rowCount(), 1);
+        EXPECT_EQ(rs.field(0).type, FieldType::Integer);
+        // The ISNULL form gives 0, the plain MAX form NULL: the routine treats both as 0.
+        EXPECT_EQ(!rs.isNull(0, 0), sql.contains(QStringLiteral("ISNULL"))) << book.code;
+    }
+    for (const BookKind& book : allBooks()) {
+        if (t.count(book.table) > 0)
+            continue; // shared tables are filled once
+        // Other company, other year, other sales point.
+        for (const auto& [company, year, rbroj, prod] :
+            { std::array { 1, 2016, 4, 3 }, { 1, 2016, 9, 3 }, { 2, 2016, 50, 3 }, { 1, 2015, 60, 3 }, { 1, 2016, 70, 8 } }) {
+            RowChange::Values v { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj },
+                { "Datum", QDate(year, 1, 1) } };
+            if (isTradeBook(book.code))
+                v.push_back({ "BrojProd", prod });
+            else if (prod == 8)
+                continue;
+            t.insert(book.table, v);
+        }
+    }
+    for (const BookKind& book : allBooks())
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 9) << book.code;
+    EXPECT_TRUE(DefVarijabli::ZadnjiRBrojSql(103, 1, 2016).isEmpty());
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(103), 0);
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(0), 0);
+    EXPECT_TRUE(script->messages.isEmpty());
+
+    t.exec(QStringLiteral("DROP TABLE dbo.KnjPrometaFBiH"));
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(98), 0);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: ")));
+    EXPECT_TRUE(script->messages[0].text.contains(QStringLiteral("KnjPrometaFBiH"), Qt::CaseInsensitive))
+        << script->messages[0].text.toStdString();
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(t.db().lastSql(),
+        QStringLiteral(
+            "SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrometaFBiH WHERE BROJPODUZECA=1 AND GODINAKNJ=2016"));
+
+    // A connection string the data layer cannot use is told, not crashed on.
+    session().reset();
+    session().ConnString = QStringLiteral("Provider=SQLOLEDB.1;Data Source=srv;User ID=sa");
+    script->clear();
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(96), 0);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: Neispravan connection string")))
+        << script->messages[0].text.toStdString();
+}
+
+TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
+{
+    TestDatabase t;
+    t.insert("dbo.CONFIG",
+        { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") }, { "Napomena", QString(5000, u'x') } });
+    DefVarijabli::CitajKonfiguraciju(true);
+    EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
+    const ResultSet& cfg = session().Konfiguracija;
+    ASSERT_EQ(cfg.rowCount(), 1);
+    EXPECT_EQ(cfg.text(0, cfg.indexOf("Napomena")).size(), 5000);
+
+    t.exec(QStringLiteral("DROP TABLE dbo.CONFIG"));
+    ScopedScript script;
+    DefVarijabli::CitajKonfiguraciju(false);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(script->messages[0].text, QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
+    EXPECT_EQ(t.db().lastSql(), QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
+}
