@@ -23,6 +23,23 @@ namespace
 
 const QString kNone = QStringLiteral("/nema/takve/mape/izvor.db");
 
+// A run over March 2016 for company 1, reading the embedded database at `path`.
+Parametri march(int vrsta, const QString& path)
+{
+    Parametri p;
+    p.vrsta = vrsta;
+    p.od = QDate(2016, 3, 1);
+    p.doDatuma = QDate(2016, 3, 31);
+    p.brojPoduzeca = 1;
+    p.godina = 2016;
+    p.orgJed = QStringLiteral("1");
+    p.dobavljač = QString::number(demo::DobavljačKompenzacija);
+    p.prima = QString::number(demo::Primatelj);
+    p.operater = QStringLiteral("ana");
+    p.izvor = QStringLiteral("sqlite:") + path;
+    return p;
+}
+
 class Generation : public ::testing::Test
 {
 protected:
@@ -34,21 +51,7 @@ protected:
         ASSERT_TRUE(fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
     }
 
-    Parametri march(int vrsta) const
-    {
-        Parametri p;
-        p.vrsta = vrsta;
-        p.od = QDate(2016, 3, 1);
-        p.doDatuma = QDate(2016, 3, 31);
-        p.brojPoduzeca = 1;
-        p.godina = 2016;
-        p.orgJed = QStringLiteral("1");
-        p.dobavljač = QString::number(demo::DobavljačKompenzacija);
-        p.prima = QString::number(demo::Primatelj);
-        p.operater = QStringLiteral("ana");
-        p.izvor = QStringLiteral("sqlite:") + t.path();
-        return p;
-    }
+    Parametri march(int vrsta) const { return ::march(vrsta, t.path()); }
 
     qint64 lastNumber()
     {
@@ -311,4 +314,64 @@ TEST(GenerationTexts, SourceConnection)
     EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
     EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
     EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
+}
+
+// Each kind's source statement on hand-made source rows: texts built with + and casts
+// and cut to 20 and 30 characters, the joins, the rights subquery, the types.
+TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
+{
+    TestDatabase t;
+    QString error;
+    ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
+    for (const char* sql : {
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
+             "INSERT INTO Ifakture VALUES (1,2016,'VP',3,1,'03.15.2016',0,1)",
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12347,'04.16.2016',0,100)", // after the range
+             "INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',0,10)",
+             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)",
+             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'DGP','03.20.2016','X',1)", // no invoice
+             "INSERT INTO KUF VALUES (1,2016,'KUF',2,77,500,'03.02.2016',99.99)",
+             "INSERT INTO KUF VALUES (1,2016,'KUF',2,78,600,'03.03.2016',10)",
+             "INSERT INTO KUFUplate VALUES (1,77,2016,2,'KUF','03.10.2016','UPL-1',50)",
+             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,4,15,900,'03.01.2016',100,17)",
+             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,5,16,900,'03.02.2016',50,8.5)", // no right
+             "INSERT INTO dbo.RIntOtprem VALUES (1,2016,5,3,900,'03.05.2016',12.3456)",
+             "INSERT INTO PRAVA VALUES ('ana','SKLADIŠTE','4')", "INSERT INTO PRAVA VALUES ('ana','MALOPROBJEKT','5')" })
+        t.exec(QString::fromUtf8(sql));
+    const QString columns = QStringLiteral("integer,integer,date,text,text,currency");
+    const struct {
+        int vrsta;
+        const char *orgJed, *dobavljač;
+        QString types;
+        QStringList rows; // the fields of each row joined with |
+    } cases[] = {
+        { DgpRacuni, "3", "", columns,
+            { "1|2016|2016-03-15|Pazar 3|DGP-3-12345/2016|250.5", "1|2016|2016-03-16|Pazar 3|DGP-3-12346/2016|100" } },
+        { UplateIzlaznih, "1234567", "", columns,
+            { "1|2016|2016-03-20|Uplata 1234567 d:IZV|VELEPRODAJ-1234567-2000000001/|7.5" } },
+        { UlazniRacuni, "2", "500", columns, { "1|2016|2016-03-02|KUF 2|KUF-2-77/2016|99.99" } },
+        { UplateUlaznih, "2", "600", "integer,integer,date,text,text,text,currency",
+            { "1|2016|2016-03-10|UPL-1|KUF 2|KUF-2-77/2016|50" } },
+        { MatOtpremnice, "", "", columns + ",currency", { "1|2016|2016-03-01|M.Int.otp. 900|4-15/2016|117|17" } },
+        { PosOtpremnice, "", "", columns, { "1|2016|2016-03-05|P.Int.otp. 900|5-3/2016|12.3456" } },
+    };
+    for (const auto& c : cases) {
+        Parametri p = march(c.vrsta, t.path());
+        p.orgJed = QString::fromLatin1(c.orgJed);
+        p.dobavljač = QString::fromLatin1(c.dobavljač);
+        p.prima = QStringLiteral("900");
+        const ResultSet rs = t.query(izvorniUpit(p));
+        QStringList types, rows;
+        for (const Field& f : rs.fields())
+            types << fieldTypeName(f.type);
+        for (int r = 0; r < rs.rowCount(); ++r) {
+            QStringList cells;
+            for (int col = 0; col < rs.fieldCount(); ++col)
+                cells << (rs.isNull(r, col) ? QStringLiteral("<null>") : rs.text(r, col));
+            rows << cells.join(u'|');
+        }
+        EXPECT_EQ(types.join(u','), c.types) << c.vrsta;
+        EXPECT_EQ(rows, c.rows) << c.vrsta;
+    }
 }
