@@ -52,6 +52,8 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
     asset(t, 1, 2016, 2, "Računar", 300, 300, 3); // 100/3 is 33: 300 - 99
     asset(t, 1, 2016, 4, "Otpisano", 500, 0, 5); // nothing left: dropped
     asset(t, 1, 2016, 5, "Sto", 100, 100, 4); // 100 - 25
+    asset(t, 1, 2016, 6, "Nula", 1000, 200, 5); // 200 - 200: nothing left, dropped
+    asset(t, 1, 2016, 7, "Alat", 999.99, 900.01, 8); // 100/8 is 12: 900.01 - 119.9988, to cents
     asset(t, 2, 2016, 1, "Tuđe", 100, 100, 4); // another company
     asset(t, 1, 2015, 9, "Staro", 100, 100, 4); // another year
     asset(t, 1, 2017, 7, "Već upisano", 10, 10, 1);
@@ -68,7 +70,7 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
     EXPECT_EQ(script->messages.value(1).icon, Icon::Information);
     EXPECT_EQ(rows2017(t, 7),
         "8 Računar 2017-01-01 Poč.stanje iz 2016 201|9 Kombi 2017-01-01 Poč.stanje iz 2016 800|"
-        "10 Sto 2017-01-01 Poč.stanje iz 2016 75");
+        "10 Sto 2017-01-01 Poč.stanje iz 2016 75|11 Alat 2017-01-01 Poč.stanje iz 2016 780.01");
     EXPECT_EQ(openingstate::insertSql(3, 2020).toStdString(),
         "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
         "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,2021,Naziv,'01.01.2021','Poč.stanje iz 2020',NabVrijednost,"

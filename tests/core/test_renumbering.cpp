@@ -23,10 +23,10 @@ const QString kEvid = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kKpr = QStringLiteral("RBrojKPR");
 
 // Entries and receivables rows are told apart by their label, kept in Opis.
-void entry(
-    TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
+void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0,
+    int vrsta = 11, int company = 1)
 {
-    RowChange::Values v { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
+    RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
         { "Opis", QString::number(label) } };
     if (table.contains(QStringLiteral("Trg")))
         v.append({ "BrojProd", prod });
@@ -66,15 +66,25 @@ TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
             if (isTradeBook(book.code))
                 entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8); // another sales point
         }
+        entry(t, book.table, 7, QDate(2016, 3, 7), 1007, 3, 11, 2); // another company: stays
         t.db().commit();
         EXPECT_FALSE(renumber::insertAt(sessionBook(book.code, 3), 0));
         ASSERT_TRUE(renumber::insertAt(sessionBook(book.code, 3), 5)) << book.code;
         const QMap<int, qint64> after = byLabel(t, book.table);
-        for (int label : after.keys()) // the blank entry's label is 0
-            EXPECT_EQ(after[label], label == 0 ? 5 : label % 100 < 5 ? label % 100 : label % 100 + 1) << book.code;
-        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table + " WHERE RBroj=5 AND Opis=''");
+        for (int label : after.keys()) { // the blank entry's label is 0
+            const int n = label % 100;
+            EXPECT_EQ(after[label], label == 0 ? 5 : label > 1000 ? 7 : n < 5 ? n : n + 1) << book.code;
+        }
+        // The blank entry is found by the book's opening clause (its date went in as a
+        // date) and an amount it does not name takes the column's default.
+        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table
+            + " K WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.RBroj=5 AND K.Opis=''");
         ASSERT_EQ(blank.rowCount(), 1) << book.code;
         EXPECT_EQ(blank.value(0, QStringLiteral("Datum")).toDate(), QDate(2016, 1, 1));
+        if (const int iznos = blank.indexOf(QStringLiteral("Iznos")); iznos >= 0) {
+            EXPECT_EQ(blank.field(iznos).type, FieldType::Currency);
+            EXPECT_TRUE(!blank.isNull(0, iznos) && blank.money(0, iznos) == Money()) << book.code;
+        }
         EXPECT_TRUE(!isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
     }
     EXPECT_EQ(renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
