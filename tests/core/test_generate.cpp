@@ -1,6 +1,7 @@
 // Generation of the DB book from the demo company's documents: every kind against
 // the demo source (entries, numbers, kinds, amounts, cut texts), the checks and their
 // order, the questions, and the failures with their messages.
+#include "ResultText.h"
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
 #include "generate/Generation.h"
@@ -339,12 +340,12 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
              "INSERT INTO dbo.RIntOtprem VALUES (1,2016,5,3,900,'03.05.2016',12.3456)",
              "INSERT INTO PRAVA VALUES ('ana','SKLADIŠTE','4')", "INSERT INTO PRAVA VALUES ('ana','MALOPROBJEKT','5')" })
         t.exec(QString::fromUtf8(sql));
-    const QString columns = QStringLiteral("integer,integer,date,text,text,currency");
+    const std::string columns = "integer,integer,date,text,text,currency";
     const struct {
         int vrsta;
         const char *orgJed, *dobavljač;
-        QString types;
-        QStringList rows; // the fields of each row joined with |
+        std::string types;
+        std::vector<std::string> rows;
     } cases[] = {
         { DgpRacuni, "3", "", columns,
             { "1|2016|2016-03-15|Pazar 3|DGP-3-12345/2016|250.5", "1|2016|2016-03-16|Pazar 3|DGP-3-12346/2016|100" } },
@@ -362,16 +363,10 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
         p.dobavljač = QString::fromLatin1(c.dobavljač);
         p.prima = QStringLiteral("900");
         const ResultSet rs = t.query(izvorniUpit(p));
-        QStringList types, rows;
-        for (const Field& f : rs.fields())
-            types << fieldTypeName(f.type);
-        for (int r = 0; r < rs.rowCount(); ++r) {
-            QStringList cells;
-            for (int col = 0; col < rs.fieldCount(); ++col)
-                cells << (rs.isNull(r, col) ? QStringLiteral("<null>") : rs.text(r, col));
-            rows << cells.join(u'|');
-        }
-        EXPECT_EQ(types.join(u','), c.types) << c.vrsta;
+        std::vector<std::string> rows;
+        for (int r = 0; r < rs.rowCount(); ++r)
+            rows.push_back(test::rowText(rs, r));
+        EXPECT_EQ(test::fieldTypes(rs), c.types) << c.vrsta;
         EXPECT_EQ(rows, c.rows) << c.vrsta;
     }
 }

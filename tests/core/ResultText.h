@@ -1,0 +1,54 @@
+#pragma once
+
+// Result sets as short texts, so that one comparison checks a whole header, row or
+// column: a wrong, missing or extra value shows in the message as it is (UTF-8).
+#include "session/ResultSet.h"
+
+#include <QStringList>
+
+#include <string>
+
+namespace knjige::test {
+
+// The fields' names, or the names of their types, joined with commas.
+inline std::string fieldNames(const ResultSet& rs)
+{
+    QStringList out;
+    for (const Field& f : rs.fields())
+        out << f.name;
+    return out.join(u',').toStdString();
+}
+
+inline std::string fieldTypes(const ResultSet& rs)
+{
+    QStringList out;
+    for (const Field& f : rs.fields())
+        out << fieldTypeName(f.type);
+    return out.join(u',').toStdString();
+}
+
+inline QString cellText(const ResultSet& rs, int row, int c)
+{
+    return rs.isNull(row, c) ? QStringLiteral("<null>") : rs.text(row, c);
+}
+
+// One row's values joined with '|'; "<null>" stands for NULL.
+inline std::string rowText(const ResultSet& rs, int row)
+{
+    QStringList out;
+    for (int c = 0; c < rs.fieldCount(); ++c)
+        out << cellText(rs, row, c);
+    return out.join(u'|').toStdString();
+}
+
+// One column's values, top to bottom, joined with '|'.
+inline std::string columnText(const ResultSet& rs, const QString& name)
+{
+    QStringList out;
+    const int c = rs.indexOf(name);
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out << (c < 0 ? QStringLiteral("<no field>") : cellText(rs, r, c));
+    return out.join(u'|').toStdString();
+}
+
+} // namespace knjige::test
