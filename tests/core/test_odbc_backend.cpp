@@ -64,17 +64,14 @@ protected:
 
 } // namespace
 
-TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpAndSpeaksTheServersDialect)
+TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpOrReportsTheDriverManagersText)
 {
     // The SET statements of a SQL Server session would be refused here; the backend
     // recognised the engine and ran none.
     EXPECT_TRUE(m_db.isConnected());
     EXPECT_EQ(m_db.dialect(), SqlDialect::Sqlite);
     EXPECT_TRUE(QFileInfo(m_path).isFile());
-}
 
-TEST_F(OdbcBackendTest, AFailedConnectionReportsTheDriverManagersText)
-{
     Database other;
     EXPECT_FALSE(other.connect(QStringLiteral("DRIVER={Knjige Nepostojeci Driver};Database=/tmp/x.db")));
     EXPECT_TRUE(other.errorDescription().contains(QLatin1String("Knjige Nepostojeci Driver")))
@@ -90,7 +87,7 @@ TEST_F(OdbcBackendTest, AFailedConnectionReportsTheDriverManagersText)
     EXPECT_TRUE(other.errorDescription().contains(QLatin1String("not found"))) << other.errorDescription().toStdString();
 }
 
-TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptions)
+TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesArriveIntact)
 {
     ASSERT_TRUE(m_db.execute(QStringLiteral("INSERT INTO Stavke (RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki) "
                                             "VALUES (7, 3, 1234567.8901, '2016-03-15 00:00:00', 'Nabavka', 1, 0.17, "
@@ -115,10 +112,9 @@ TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptions)
     EXPECT_EQ(rs.value(0, 5).toBool(), true);
     EXPECT_DOUBLE_EQ(rs.real(0, 6), 0.17);
     EXPECT_EQ(rs.integer(0, 7), 9000000000LL);
-}
 
-TEST_F(OdbcBackendTest, BoundValuesArriveIntactWhateverTheyContain)
-{
+    // Bound values arrive intact whatever they contain.
+    ASSERT_TRUE(m_db.execute(QStringLiteral("DELETE FROM Stavke")));
     const QString awkward = QStringLiteral("O'Brien; DROP TABLE Stavke -- čćžšđ ČĆŽŠĐ");
     RowChange c = insert(1, awkward, QVariant::fromValue(Money::parse(QStringLiteral("-0.0001")).value()));
     c.values.push_back({"Datum", QDate(2016, 12, 31)});
@@ -126,17 +122,17 @@ TEST_F(OdbcBackendTest, BoundValuesArriveIntactWhateverTheyContain)
     c.values.push_back({"Stopa", QVariant()});
     ASSERT_TRUE(m_db.writeRow(c)) << m_db.errorDescription().toStdString();
 
-    const ResultSet rs = rows(QStringLiteral("SELECT Opis, Iznos, Datum, Placeno, Stopa FROM Stavke"));
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.text(0, 0), awkward);
-    EXPECT_EQ(rs.money(0, 1), Money::fromUnits(-1));
-    EXPECT_EQ(rs.date(0, 2), QDate(2016, 12, 31));
-    EXPECT_FALSE(rs.isNull(0, 3));
-    EXPECT_EQ(rs.value(0, 3).toBool(), false);
-    EXPECT_TRUE(rs.isNull(0, 4));
+    const ResultSet bound = rows(QStringLiteral("SELECT Opis, Iznos, Datum, Placeno, Stopa FROM Stavke"));
+    ASSERT_EQ(bound.rowCount(), 1);
+    EXPECT_EQ(bound.text(0, 0), awkward);
+    EXPECT_EQ(bound.money(0, 1), Money::fromUnits(-1));
+    EXPECT_EQ(bound.date(0, 2), QDate(2016, 12, 31));
+    EXPECT_FALSE(bound.isNull(0, 3));
+    EXPECT_EQ(bound.value(0, 3).toBool(), false);
+    EXPECT_TRUE(bound.isNull(0, 4));
 }
 
-TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRows)
+TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndReportCounts)
 {
     const QVariant iznos = QVariant::fromValue(Money::parse(QStringLiteral("100.5")).value());
     ASSERT_TRUE(m_db.writeRow(insert(5, QStringLiteral("isto"), iznos)));
@@ -174,15 +170,13 @@ TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRows)
               "Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik.");
     EXPECT_FALSE(m_db.writeRow(change));
     EXPECT_EQ(count(), 1);
-}
 
-TEST_F(OdbcBackendTest, StatementsReportTheirRowCounts)
-{
+    // Statements report their row counts.
     for (int i = 0; i < 3; ++i)
         ASSERT_TRUE(m_db.writeRow(insert(i, QStringLiteral("x"), QVariant())));
     int affected = -1;
     ASSERT_TRUE(m_db.execute(QStringLiteral("UPDATE Stavke SET Opis = 'y' WHERE RBroj >= 1"), &affected));
-    EXPECT_EQ(affected, 2);
+    EXPECT_EQ(affected, 3);
     ASSERT_TRUE(m_db.execute(QStringLiteral("DELETE FROM Stavke WHERE RBroj = 99"), &affected));
     EXPECT_EQ(affected, 0);
 }
@@ -216,7 +210,7 @@ TEST_F(OdbcBackendTest, TransactionsCommitAndRollBack)
     EXPECT_EQ(rs.text(0, 0), QStringLiteral("zadržano"));
 }
 
-TEST_F(OdbcBackendTest, ARejectedStatementGivesTheServersTextAndTheConnectionGoesOn)
+TEST_F(OdbcBackendTest, RejectedStatementsAndLargeResultsLeaveTheConnectionUsable)
 {
     ResultSet rs;
     EXPECT_FALSE(m_db.open(QStringLiteral("SELEC RBroj FROM Stavke"), rs));
@@ -233,10 +227,9 @@ TEST_F(OdbcBackendTest, ARejectedStatementGivesTheServersTextAndTheConnectionGoe
 
     ASSERT_TRUE(m_db.writeRow(insert(1, QStringLiteral("x"), QVariant())));
     EXPECT_EQ(count(), 1);
-}
 
-TEST_F(OdbcBackendTest, EachResultIsFinishedBeforeTheNextStatement)
-{
+    // Each result is finished before the next statement.
+    ASSERT_TRUE(m_db.execute(QStringLiteral("DELETE FROM Stavke")));
     TransactionGuard filling(m_db);
     for (int i = 0; i < 300; ++i)
         ASSERT_TRUE(m_db.writeRow(insert(i, QStringLiteral("red %1").arg(i), QVariant::fromValue(Money::fromUnits(i)))));
