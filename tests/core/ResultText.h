@@ -27,28 +27,24 @@ inline std::string fieldTypes(const ResultSet& rs)
     return out.join(u',').toStdString();
 }
 
-inline QString cellText(const ResultSet& rs, int row, int c)
-{
-    return rs.isNull(row, c) ? QStringLiteral("<null>") : rs.text(row, c);
-}
-
-// One row's values joined with '|'; "<null>" stands for NULL.
-inline std::string rowText(const ResultSet& rs, int row)
+// One row's values, or one column's values top to bottom, joined with '|'; "<null>"
+// stands for NULL.
+inline std::string rowText(const ResultSet& rs, int row, int onlyColumn = -1)
 {
     QStringList out;
     for (int c = 0; c < rs.fieldCount(); ++c)
-        out << cellText(rs, row, c);
+        if (onlyColumn < 0 || c == onlyColumn)
+            out << (rs.isNull(row, c) ? QStringLiteral("<null>") : rs.text(row, c));
     return out.join(u'|').toStdString();
 }
 
-// One column's values, top to bottom, joined with '|'.
 inline std::string columnText(const ResultSet& rs, const QString& name)
 {
-    QStringList out;
+    std::string out;
     const int c = rs.indexOf(name);
     for (int r = 0; r < rs.rowCount(); ++r)
-        out << (c < 0 ? QStringLiteral("<no field>") : cellText(rs, r, c));
-    return out.join(u'|').toStdString();
+        out += (r ? "|" : "") + (c < 0 ? std::string("<no field>") : rowText(rs, r, c));
+    return out;
 }
 
 } // namespace knjige::test
