@@ -1,0 +1,429 @@
+// The T-SQL adapter of the embedded database: the SQLite text and column types each
+// rewrite gives, and the engine answering as SQL Server would where the adapter used to
+// crash or answer wrongly: malformed and deeply nested statements, money and int
+// overflow, date literals wherever they stand, the case-insensitive collation, two
+// writers.
+#include "books/Schema.h"
+#include "session/Session.h"
+#include "session/TSqlAst.h"
+#include "session/TSqlCollation.h"
+#include "session/TSqlFunctions.h"
+#include "session/TSqlTokenizer.h"
+#include "session/TSqlTranslator.h"
+#include "support/TestDatabase.h"
+
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <sqlite3.h>
+#include <thread>
+
+using namespace knjige;
+using namespace knjige::tsql;
+using knjige::test::TestDatabase;
+
+namespace {
+
+const Catalog& schemaCatalog()
+{
+    static const Catalog catalog = [] {
+        Catalog c;
+        for (const QString& statement : schemaStatements())
+            if (auto table = parseCreateTable(statement))
+                c.add(*table);
+        return c;
+    }();
+    return catalog;
+}
+
+Translation::Statement tr(const QString& sql) { return translateStatement(sql, schemaCatalog()); }
+
+} // namespace
+
+TEST(TSqlTokenizer, KeepsTextAndSeparatesLiteralsCommentsAndNames)
+{
+    const QString sql = QStringLiteral("SELECT N'a''b', [x y]/* c */--d\n.5,1e3 FROM \"T\" WHERE a<>?");
+    const QVector<Token> tokens = tokenize(sql);
+    QString joined;
+    for (const Token& t : tokens)
+        joined += t.text;
+    EXPECT_EQ(joined, sql);
+    using K = Token::Kind;
+    QVector<K> kinds;
+    for (const Token& t : tokens)
+        if (!t.isTrivia())
+            kinds << t.kind;
+    const QVector<K> expected { K::Word, K::NString, K::Symbol, K::Quoted, K::Number, K::Symbol, K::Number, K::Word,
+        K::Quoted, K::Word, K::Word, K::Symbol, K::Param };
+    EXPECT_EQ(kinds, expected);
+    EXPECT_EQ(tokens[2].stringValue(), QStringLiteral("a'b"));
+    EXPECT_EQ(tokens[5].name(), QStringLiteral("x y"));
+}
+
+TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
+{
+    const QString literal = QStringLiteral("'dbo.X + ISNULL(a,b) / 2, LEFT(c,3) TOP 100 PERCENT ''03.15.2016'''");
+    const std::pair<QString, QString> cases[] = {
+        // String literals are never rewritten.
+        { "SELECT " + literal + " AS T, K.Opis+" + literal + " AS U FROM dbo.KnjPrihRashDB K",
+            "SELECT " + literal + " AS T, K.Opis||" + literal + " AS U FROM KnjPrihRashDB K" },
+        // + joins only character data.
+        { "SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+          "rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E FROM dbo.KnjPrihRashFBiH K",
+            "SELECT K.Isprava||'-'||K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+            "rtrim(CAST(K.Vrsta AS TEXT))||'x' AS E FROM KnjPrihRashFBiH K" },
+        // Every division goes through the registered function; a money quotient keeps four decimals.
+        { "SELECT 100.0/K.VijekTr/12*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K",
+            "SELECT tsql_div(tsql_div(100.0, K.VijekTr), 12)*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K" },
+        { "SELECT K.NabVrijednost/3 AS X FROM KnjPopListaDugImovFBiH K",
+            "SELECT tsql_divm(K.NabVrijednost, 3) AS X FROM KnjPopListaDugImovFBiH K" },
+        // Functions SQLite lacks.
+        { "SELECT ISNULL(MAX(RBroj),0) AS BROJ, left(K.Opis,20) AS L, ROUND(K.Iznos,2) AS R FROM dbo.KnjPrihRashFBiH K "
+          "LEFT JOIN dbo.Komitent R ON 1=1",
+            "SELECT IFNULL(MAX(RBroj),0) AS BROJ, SUBSTR(K.Opis,1,20) AS L, tsql_roundm(K.Iznos,2) AS R "
+            "FROM KnjPrihRashFBiH K LEFT JOIN Komitent R ON 1=1" },
+        { "SELECT cast(100.0/K.VijekTr as money) as S FROM KnjPopListaDugImovFBiH K",
+            "SELECT tsql_money(tsql_div(100.0, K.VijekTr), 'numeric') as S FROM KnjPopListaDugImovFBiH K" },
+        // TOP becomes LIMIT; TOP 100 PERCENT goes.
+        { "SELECT TOP 100 PERCENT K.Vrsta FROM dbo.KnjPrihRashFBiH K ORDER BY K.Vrsta",
+            "SELECT K.Vrsta FROM KnjPrihRashFBiH K ORDER BY K.Vrsta" },
+        { "SELECT TOP (5) K.Vrsta FROM dbo.KnjPrihRashFBiH K ORDER BY K.Vrsta",
+            "SELECT K.Vrsta FROM KnjPrihRashFBiH K ORDER BY K.Vrsta LIMIT 5" },
+        // DELETE with an alias takes the SQLite form.
+        { "DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K WHERE K.BrojPoduzeca=1 AND K.Datum>='01.01.2016'",
+            "DELETE FROM KnjPrihRashDB AS K WHERE K.BrojPoduzeca=1 AND K.Datum>='2016-01-01'" },
+        { "DELETE FROM dbo.KnjPrihRashDB WHERE RBroj=3", "DELETE FROM KnjPrihRashDB WHERE RBroj=3" },
+        // Month-first dates become ISO only against date columns.
+        { "SELECT K.RBroj FROM KnjPrometaFBiH K WHERE K.Datum>='03.15.2016' AND K.Datum<='12.31.2016' AND "
+          "K.Isprava='03.15.2016' AND K.Datum BETWEEN '1.1.2016' AND '1.31.2016' AND K.Datum IN ('2.29.2016')",
+            "SELECT K.RBroj FROM KnjPrometaFBiH K WHERE K.Datum>='2016-03-15' AND K.Datum<='2016-12-31' AND "
+            "K.Isprava COLLATE tsql_ci_as='03.15.2016' AND K.Datum BETWEEN '2016-01-01' AND '2016-01-31' AND "
+            "K.Datum IN ('2016-02-29')" },
+        { "INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "
+          "VALUES(1,4,'1.1.2016',2016,'1.1.2016',11)",
+            "INSERT INTO KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) "
+            "VALUES(1,4,'2016-01-01',2016,'1.1.2016',11)" },
+        { "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum) "
+          "SELECT BrojPoduzeca,2017,Naziv,'01.01.2017' FROM KnjPopListaDugImovFBiH",
+            "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum) "
+            "SELECT BrojPoduzeca,2017,Naziv,'2017-01-01' FROM KnjPopListaDugImovFBiH" },
+        { "UPDATE dbo.TrgKnjUsluga SET Datum='12.31.2016', Opis='12.31.2016' WHERE RBroj=1",
+            "UPDATE TrgKnjUsluga SET Datum='2016-12-31', Opis='12.31.2016' WHERE RBroj=1" },
+        // Comments and N strings pass through; a text the parser cannot read keeps its
+        // words, for the engine to report.
+        { "SELECT N'Žiro' AS A -- dbo.X / 2\nFROM dbo.KnjPrihRashDB", "SELECT 'Žiro' AS A -- dbo.X / 2\nFROM KnjPrihRashDB" },
+        { "SELECT FROM WHERE dbo.X", "SELECT FROM WHERE X" },
+        // The trade books read an entry with the year and AND written together.
+        { "SELECT * FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=1",
+            "SELECT * FROM TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016 AND BrojProd=2 AND RBroj=1" },
+        { "CREATE TABLE dbo.X (A smallint NOT NULL, B money NULL DEFAULT (0), C datetime, D nvarchar(25) NULL, "
+          "E int IDENTITY(1,1), CONSTRAINT PK_X PRIMARY KEY CLUSTERED (A))",
+            "CREATE TABLE X (A INTEGER NOT NULL, B MONEY_REAL NULL DEFAULT (0), C DATETIME_TEXT, D NVARCHAR(25) NULL, "
+            "E INTEGER (1,1), CONSTRAINT PK_X PRIMARY KEY  (A))" },
+    };
+    for (const auto& [tsql, sqlite] : cases)
+        EXPECT_EQ(tr(tsql).sql.toStdString(), sqlite.toStdString());
+    EXPECT_TRUE(tr(QStringLiteral("SELECT FROM WHERE dbo.X")).columnTypes.isEmpty());
+    EXPECT_EQ(tr(QStringLiteral("SET TEXTSIZE 1000000")).kind, Translation::Kind::NoOp);
+    EXPECT_EQ(tr(QStringLiteral("set dateformat mdy")).kind, Translation::Kind::NoOp);
+    EXPECT_EQ(tr(QStringLiteral("UPDATE dbo.KnjPrihRashDB SET RBROJ=RBROJ+1 WHERE RBroj>=3")).kind,
+        Translation::Kind::Command);
+}
+
+TEST(TSqlTranslate, ResultTypesFollowSqlServerPrecedence)
+{
+    using T = SqlType;
+    const std::pair<QString, QVector<SqlType>> cases[] = {
+        { "SELECT CASE WHEN K.Vrsta=1 THEN K.Iznos ELSE 0 END AS A, CASE WHEN K.Vrsta=1 THEN 'x' END AS B, "
+          "SUM(K.Iznos) AS C, MAX(K.RBroj) AS D, ISNULL(SUM(K.Iznos),0) AS E, K.Datum, 100/K.Vrsta AS F, "
+          "100.0/K.Vrsta AS G, CASE WHEN K.Vrsta=1 THEN ROUND(K.Iznos-100.0/K.Vrsta,2) ELSE K.Iznos END AS H, "
+          "-K.Iznos AS I, COUNT(*) AS J FROM dbo.KnjPrihRashDB K",
+            { T::Money, T::Text, T::Money, T::Int, T::Money, T::Date, T::Int, T::Decimal, T::Decimal, T::Money,
+                T::Int } },
+        { "SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+          "rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E FROM dbo.KnjPrihRashFBiH K",
+            { T::Text, T::Money, T::Int, T::Int, T::Text } },
+        // A star expands to the table's columns.
+        { "SELECT *,'' As I FROM KnjPrometaFBiH K",
+            { T::Int, T::Int, T::Date, T::Int, T::Text, T::Text, T::Money, T::Money, T::Text } },
+        // A UNION takes the higher type of each column.
+        { "SELECT 'a' AS Opis, 0 AS X FROM KnjPrometaFBiH K UNION SELECT 'b' AS Opis, SUM(K.IznosGot) AS X FROM "
+          "KnjPrometaFBiH K",
+            { T::Text, T::Money } },
+    };
+    for (const auto& [sql, types] : cases)
+        EXPECT_EQ(tr(sql).columnTypes, types) << sql.toStdString();
+}
+
+TEST(TSqlTranslate, CreateTableSplittingAndDecimalRounding)
+{
+    const auto table = parseCreateTable(QStringLiteral("CREATE TABLE dbo.X (A smallint NOT NULL, B money NULL DEFAULT "
+                                                       "(0), C datetime, D nvarchar(25) NULL, E int IDENTITY(1,1), "
+                                                       "CONSTRAINT PK_X PRIMARY KEY CLUSTERED (A))"));
+    ASSERT_TRUE(table);
+    EXPECT_EQ(table->name, QStringLiteral("X"));
+    ASSERT_EQ(table->columns.size(), 5);
+    EXPECT_EQ(table->columns[1].type, SqlType::Money);
+    EXPECT_EQ(table->columns[3].width, 25);
+    EXPECT_EQ(typeFromSqliteDeclared(QStringLiteral("MONEY_REAL")), SqlType::Money);
+    EXPECT_EQ(typeFromSqliteDeclared(QStringLiteral("DATETIME_TEXT")), SqlType::Date);
+
+    // Statements split outside literals and trigger bodies.
+    const QStringList parts = splitStatements(QStringLiteral("SELECT ';' AS A; UPDATE X SET A=1;CREATE TRIGGER T AFTER "
+                                                             "INSERT ON X BEGIN UPDATE X SET A=CASE WHEN 1=1 THEN 2 "
+                                                             "END; END;"));
+    ASSERT_EQ(parts.size(), 3);
+    EXPECT_EQ(parts[0], QStringLiteral("SELECT ';' AS A"));
+    EXPECT_TRUE(parts[2].endsWith(QStringLiteral("END; END")));
+
+    // ROUND of a decimal value: half away from zero.
+    const std::tuple<double, int, double> rounds[] = { { 2.675, 2, 2.68 }, { -2.675, 2, -2.68 }, { 1.005, 2, 1.01 },
+        { 2.5, 0, 3.0 }, { 2.4999, 0, 2.0 }, { 1234.5, -1, 1230.0 }, { 1235, -1, 1240.0 }, { 0.0004, 2, 0.0 },
+        { 83.333333333333, 2, 83.33 } };
+    for (const auto& [value, digits, rounded] : rounds)
+        EXPECT_DOUBLE_EQ(roundDecimal(value, digits), rounded) << value << " " << digits;
+}
+
+namespace {
+
+const std::string kTooDeep = tsql::kNestedTooDeeply;
+
+QString nested(int depth) { return QStringLiteral("SELECT ") + QString(depth, u'(') + u'1' + QString(depth, u')'); }
+QString terms(int count) { return QStringLiteral("SELECT 1") + QStringLiteral("+1").repeated(count - 1); }
+
+// The error of a statement run through the helper; empty when it ran.
+std::string errorOf(TestDatabase& t, const QString& sql)
+{
+    ResultSet rs;
+    return t.db().open(sql, rs) ? std::string() : t.db().errorDescription().toStdString();
+}
+
+// The values of a column exactly as the file holds them, read past the adapter.
+QStringList stored(const QString& path, const char* sql)
+{
+    sqlite3* db = nullptr;
+    QStringList out;
+    sqlite3_open_v2(path.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_stmt* st = nullptr;
+    if (sqlite3_prepare_v2(db, sql, -1, &st, nullptr) == SQLITE_OK)
+        while (sqlite3_step(st) == SQLITE_ROW)
+            out << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)));
+    sqlite3_finalize(st);
+    sqlite3_close(db);
+    return out;
+}
+
+} // namespace
+
+TEST(DialectHardening, EveryMalformedOrTooDeepStatementIsAnErrorNotACrash)
+{
+    TestDatabase t;
+    for (const char* sql : { "CREATE TABLE K. --", "CREATE TABLE X (a int(", "SELECT TOP", "SELECT TOP (5",
+             "SELECT TOP x * FROM KOMITENT", "INSERT INTO", "UPDATE dbo.KOMITENT SET", "DELETE dbo.X FROM",
+             "SELECT CAST(1 AS", "SELECT CASE WHEN", "SELECT 'open", "SELECT [open", "SELECT 1 /* open",
+             "SELECT * FROM (SELECT", "CREATE TABLE", "SELECT N'", "SELECT .", "(" })
+        EXPECT_FALSE(errorOf(t, QString::fromLatin1(sql)).empty()) << sql;
+    const QString deep[] = { nested(10500), terms(14000), nested(1001), QStringLiteral("SELECT ") + QStringLiteral("- ").repeated(5000) + u'1',
+                             QStringLiteral("SELECT 1 WHERE ") + QStringLiteral("NOT ").repeated(3000) + QStringLiteral("1=1") };
+    for (const QString& sql : deep)
+        EXPECT_EQ(errorOf(t, sql), kTooDeep) << sql.left(40).toStdString();
+    // Nesting within the limit runs as far as the engine's own parser goes.
+    EXPECT_EQ(errorOf(t, nested(50)), "");
+    EXPECT_EQ(t.query(terms(900)).integer(0, 0), 900);
+}
+
+TEST(DialectHardening, DeepStatementsAreRefusedOnAOneMebibyteStack)
+{
+    tsql::Catalog catalog;
+    std::vector<std::string> errors;
+    QThread* thread = QThread::create([&] {
+        for (const QString& sql : { nested(10500), terms(14000), nested(900) })
+            errors.push_back(tsql::translateStatement(sql, catalog).error.toStdString());
+    });
+    thread->setStackSize(1024 * 1024);
+    thread->start();
+    ASSERT_TRUE(thread->wait(60000));
+    delete thread;
+    EXPECT_EQ(errors, (std::vector<std::string> { kTooDeep, kTooDeep, "" }));
+}
+
+TEST(DialectHardening, MoneyAndIntOverflowGiveTheServersErrorNeverAWrongSign)
+{
+    TestDatabase t;
+    const auto money = [](const char* source) {
+        return std::string("Arithmetic overflow error converting ") + source + " to data type money.";
+    };
+    const std::string intOverflow = "Arithmetic overflow error converting expression to data type int.";
+    struct Case {
+        const char* sql;
+        std::string error;
+        qint64 units;   // the money result in ten-thousandths when it runs
+    };
+    const qint64 max = std::numeric_limits<qint64>::max();
+    const Case cases[] = {
+        { "SELECT CAST(922337203685477.5807 AS money) AS M", {}, max },
+        { "SELECT CAST(-922337203685477.5808 AS money) AS M", {}, std::numeric_limits<qint64>::min() },
+        { "SELECT CAST(922337203685477.5808 AS money) AS M", money("numeric"), 0 },
+        { "SELECT CAST(-922337203685477.5809 AS money) AS M", money("numeric"), 0 },
+        { "SELECT CAST(1e16 AS money) AS M", money("float"), 0 },
+        { "SELECT CAST(12.34565 AS money) AS M", {}, 123457 },
+        { "SELECT ROUND(CAST(922337203685477.5807 AS money), 0) AS M", money("expression"), 0 },
+        { "SELECT CAST(922337203685477 AS money) + CAST(1 AS money) AS M", money("expression"), 0 },
+        { "SELECT CAST(900000000000000 AS money) * 2 AS M", money("expression"), 0 },
+        { "SELECT 2147483647 + 1 AS M", intOverflow, 0 },
+        { "SELECT ROUND(2147483647, -1) AS M", intOverflow, 0 },
+        { "SELECT -2147483647 - 1 AS M", {}, -2147483648LL * 10000 },
+    };
+    for (const Case& c : cases) {
+        ResultSet rs;
+        const bool ok = t.db().open(QString::fromLatin1(c.sql), rs);
+        EXPECT_EQ(ok ? std::string() : t.db().errorDescription().toStdString(), c.error) << c.sql;
+        if (ok && c.error.empty()) {
+            EXPECT_EQ(rs.money(0, 0).units(), c.units) << c.sql;
+        }
+    }
+    // Stored amounts: the edge goes in, what overflows changes nothing.
+    t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,1,2016,922337203685477.5807)");
+    const char* const refused[] = {
+        "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,2,2016,1e16)",
+        "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,2,2016,922337203685477.5808)",
+        "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos",
+        "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
+    };
+    for (const char* sql : refused)
+        EXPECT_EQ(errorOf(t, QString::fromLatin1(sql)).rfind("Arithmetic overflow error", 0), 0u) << sql;
+    const ResultSet rs = t.query("SELECT RBroj, Iznos FROM dbo.KnjPrihRashDB");
+    ASSERT_EQ(rs.rowCount(), 1);
+    EXPECT_EQ(rs.integer(0, 0), 1);
+    EXPECT_EQ(rs.money(0, 1).units(), max);
+}
+
+TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
+{
+    TestDatabase t;
+    const char* const insert = "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Opis,Datum) ";
+    const char* const writes[] = {
+        "VALUES (1,1,2016,'03.15.2016','03.15.2016')",
+        "VALUES (1,2,2016,'x','3.15.16')",
+        "VALUES (1,3,2016,'x','03.15.2016 10:30:00')",
+        "VALUES (1,4,2016,'x',CASE WHEN 1=1 THEN '1.2.2016' ELSE NULL END)",
+        "VALUES (1,5,2016,'x',ISNULL(NULL,'12.31.2016'))",
+        "SELECT 1,6,2016,'x',D.Dan FROM (SELECT '02/29/2016' AS Dan) D",
+        "SELECT 1,7,2016,'x','1.1.2016' UNION ALL SELECT 1,8,2016,'x',N'1-2-2016'",
+    };
+    for (const char* w : writes)
+        t.exec(QString::fromLatin1(insert) + QString::fromLatin1(w));
+    t.exec("UPDATE dbo.KnjPrihRashDB SET Datum=CASE WHEN RBroj=8 THEN '01.03.2016' ELSE Datum END");
+    EXPECT_EQ(stored(t.path(), "SELECT Datum FROM KnjPrihRashDB ORDER BY RBroj"),
+              (QStringList { "2016-03-15", "2016-03-15", "2016-03-15", "2016-01-02", "2016-12-31", "2016-02-29",
+                             "2016-01-01", "2016-01-03" }));
+    // The text column keeps the text that looks like a date.
+    EXPECT_EQ(stored(t.path(), "SELECT Opis FROM KnjPrihRashDB WHERE RBroj=1"), QStringList { "03.15.2016" });
+
+    struct Count {
+        const char* where;
+        int rows;
+    };
+    const Count reads[] = {
+        { "K.Datum=ISNULL(NULL,'3.15.2016')", 3 },
+        { "K.Datum IN (SELECT '03.15.16')", 3 },
+        { "CASE WHEN K.RBroj>0 THEN K.Datum END='03.15.2016'", 3 },
+        { "K.Datum<'03.15.2016 10:00'", 7 },
+        { "K.Datum='03.15.2016 10:00'", 0 },
+        { "K.Datum BETWEEN '1.1.16' AND '1.3.2016'", 3 },
+        { "K.Opis='03.15.2016'", 1 },
+        { "MONTH(K.Datum)=3", 3 },
+    };
+    for (const Count& r : reads)
+        EXPECT_EQ(t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE ") + QString::fromLatin1(r.where))
+                      .integer(0, 0),
+                  r.rows)
+            << r.where;
+
+    // An impossible date fails the statement, in the server's words, and stores nothing.
+    const auto outOfRange = [](const char* type) {
+        return std::string("The conversion of a ") + type
+            + " data type to a datetime data type resulted in an out-of-range value.";
+    };
+    EXPECT_EQ(errorOf(t, QString::fromLatin1(insert) + QStringLiteral("VALUES (1,9,2016,'x','15.03.2026')")),
+              outOfRange("varchar"));
+    EXPECT_EQ(errorOf(t, QStringLiteral("SELECT * FROM dbo.KnjPrihRashDB WHERE Datum>=N'02.30.2016'")),
+              outOfRange("nvarchar"));
+    EXPECT_EQ(errorOf(t, QStringLiteral("UPDATE dbo.KnjPrihRashDB SET Datum='danas'")),
+              "Conversion failed when converting date and/or time from character string.");
+    EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 8);
+}
+
+TEST(DialectHardening, TextComparesWithoutCaseButWithAccentsAndTrailingBlanks)
+{
+    TestDatabase t;
+    struct Case {
+        const char* predicate;
+        bool holds;
+    };
+    const Case cases[] = {
+        { "N'č'=N'Č'", true },          { "N'č'=N'c'", false },          { "'a'='a  '", true },
+        { "N'Šećer'=N'šEĆER'", true },   { "N'é'=N'e'", false },          { "N'ž'>N'z'", true },
+        { "N'ča'>N'cz'", true },          { "N'Đ'<N'e'", true },           { "'a' IN ('A ','b')", true },
+        { "N'Šećer' LIKE N'%šeć%'", true }, { "N'Šećer' LIKE 'sec%'", false }, { "'Dalmacija' LIKE '[A-M]%'", true },
+        { "N'Žito' LIKE '[A-M]%'", false }, { "N'Čelik' LIKE N'[a-c]%'", false }, { "'a_b' LIKE 'a[_]b'", true },
+        { "'axb' LIKE 'a[_]b'", false },   { "'bcd' LIKE '[^a]_D'", true },  { "'a ' LIKE 'a'", false },
+        { "'a%b' LIKE 'a!%b' ESCAPE '!'", true }, { "'ab' LIKE 'a!%b' ESCAPE '!'", false },
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(t.query(QStringLiteral("SELECT CASE WHEN ") + QString::fromUtf8(c.predicate)
+                          + QStringLiteral(" THEN 1 ELSE 0 END AS R"))
+                      .integer(0, 0),
+                  c.holds ? 1 : 0)
+            << c.predicate;
+    // A filter on a column finds the entries whatever their letter case.
+    for (const QString& opis : { QStringLiteral("Dnevni promet maloprodaje"), QStringLiteral("DNEVNI PROMET MALOPRODAJE "),
+                                 QStringLiteral("Dnevni promet maloprodaje č") })
+        t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 1 }, { "GodinaKnj", 2016 }, { "Opis", opis } });
+    EXPECT_EQ(t.query("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE K.Opis='dnevni promet maloprodaje'").integer(0, 0), 2);
+    EXPECT_EQ(t.query("SELECT K.Opis FROM dbo.KnjPrihRashDB K GROUP BY K.Opis").rowCount(), 2);
+}
+
+TEST(DialectHardening, WritersWaitForEachOtherAndReadersForNoOne)
+{
+    TestDatabase t;
+    t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,1,2016)");
+    EXPECT_EQ(stored(t.path(), "PRAGMA journal_mode"), QStringList { "wal" });
+    // Another process's writer holds the file for a moment.
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(t.path().toUtf8().constData(), &other), SQLITE_OK);
+    sqlite3_exec(other, "BEGIN IMMEDIATE; INSERT INTO KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,2,2016)",
+                 nullptr, nullptr, nullptr);
+    std::thread writer([other] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
+    });
+    EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 1); // the reader does not wait: it sees the last commit
+    {
+        TransactionGuard tx(t.db());   // waits for the other writer instead of failing
+        EXPECT_TRUE(tx.isActive()) << t.db().errorDescription().toStdString();
+        t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,3,2016)");
+        EXPECT_TRUE(tx.commit());
+    }
+    writer.join();
+    sqlite3_close(other);
+    EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 3);
+}
+
+TEST(DialectHardening, CollationOrdersTheAlphabetAsAWholeOrder)
+{
+    // Sorted as the collation must order them; every pair is checked both ways.
+    const char* const ordered[] = { "", "1", "a", "Ab", "C", "cz", "Ča", "čb", "Ća", "d", "Dz", "Đa", "e", "é",
+                                    "s", "Šx", "z", "Ža" };
+    const int n = int(std::size(ordered));
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            const int c = tsql::compareText(ordered[i], strlen(ordered[i]), ordered[j], strlen(ordered[j]));
+            EXPECT_EQ(c < 0 ? -1 : c > 0 ? 1 : 0, i < j ? -1 : i > j ? 1 : 0) << ordered[i] << " vs " << ordered[j];
+        }
+}
