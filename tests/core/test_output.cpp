@@ -22,13 +22,9 @@ using namespace knjige;
 using namespace knjige::report;
 using namespace knjige::output;
 
-namespace
-{
+namespace {
 
-Money m(qint64 whole)
-{
-    return Money::fromWhole(whole);
-}
+Money m(qint64 whole) { return Money::fromWhole(whole); }
 
 } // namespace
 

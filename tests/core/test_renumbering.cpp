@@ -1,6 +1,7 @@
 // Insertion at a position, both renumberings and the asset list's opening state on the
 // embedded database, driven through the interaction seam: numbers, receivables links,
 // book values carried, questions, messages, and all-or-nothing when a write fails.
+#include "ResultText.h"
 #include "books/BookKind.h"
 #include "browser/OpeningState.h"
 #include "browser/Renumbering.h"
@@ -62,19 +63,16 @@ void asset(TestDatabase& t, int company, int year, int rbroj, const char* naziv,
             { "KnjigVrijednost", money(knjig) }, { "VijekTr", vijek } });
 }
 
-// "RBroj Naziv Datum Isprava KnjigVrijednost" of each row of 2017 above `from`.
-std::string rows2017(TestDatabase& t, int from)
+// "RBroj|Naziv|Datum|Isprava|KnjigVrijednost" of each row of 2017 above `from`.
+std::vector<std::string> rows2017(TestDatabase& t, int from)
 {
     const ResultSet rs = t.query(QStringLiteral("SELECT RBroj,Naziv,Datum,Isprava,KnjigVrijednost FROM "
-                                                "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY "
-                                                "RBroj")
+                                                "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY RBroj")
                                      .arg(from));
-    QStringList out;
+    std::vector<std::string> out;
     for (int r = 0; r < rs.rowCount(); ++r)
-        out << QStringLiteral("%1 %2 %3 %4 %5")
-                   .arg(
-                       rs.text(r, 0), rs.text(r, 1), rs.date(r, 2).toString(Qt::ISODate), rs.text(r, 3), rs.text(r, 4));
-    return out.join(u'|').toStdString();
+        out.push_back(rowText(rs, r));
+    return out;
 }
 
 } // namespace
@@ -273,8 +271,8 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
             "Uspješno generirana početna stanja. Provjerite podatke!" }));
     EXPECT_EQ(script->messages.value(1).icon, Icon::Information);
     EXPECT_EQ(rows2017(t, 7),
-        "8 Računar 2017-01-01 Poč.stanje iz 2016 201|9 Kombi 2017-01-01 Poč.stanje iz 2016 800|"
-        "10 Sto 2017-01-01 Poč.stanje iz 2016 75|11 Alat 2017-01-01 Poč.stanje iz 2016 780.01");
+        (std::vector<std::string> { "8|Računar|2017-01-01|Poč.stanje iz 2016|201", "9|Kombi|2017-01-01|Poč.stanje iz 2016|800",
+            "10|Sto|2017-01-01|Poč.stanje iz 2016|75", "11|Alat|2017-01-01|Poč.stanje iz 2016|780.01" }));
     EXPECT_EQ(openingstate::insertSql(3, 2020).toStdString(),
         "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
         "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,2021,Naziv,'01.01.2021','Poč.stanje iz 2020',NabVrijednost,"
@@ -296,7 +294,7 @@ TEST(OpeningState, RefusesAFutureYearAndCreatesNothingOnAServerError)
     EXPECT_FALSE(openingstate::generate(Knjiga::PopListaRS));
     EXPECT_FALSE(openingstate::generate(Knjiga::PopListaRS));
     clock::setToday({});
-    EXPECT_EQ(rows2017(t, 0), "");
+    EXPECT_TRUE(rows2017(t, 0).empty());
     ASSERT_EQ(script->messages.size(), 4);
     EXPECT_EQ(script->messages[0].text,
         QStringLiteral("Nije moguće generirati početna stanja za 2017 jer ona još nije "
