@@ -202,10 +202,7 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
     // Grid column 5 is field 4, Opis; letter case is ignored.
-    const struct {
-        int gridColumn;
-        const char *expression, *opis;
-    } clicks[] = {
+    const struct { int gridColumn; const char *expression, *opis; } clicks[] = {
         { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
         { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
         { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },

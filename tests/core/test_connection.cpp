@@ -56,12 +56,7 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
     const QString instance = "Provider=SQLOLEDB.1;Data Source=srv\\SQLEXPRESS;Initial Catalog=db;User ID=sa;Password=x";
     const QString port = "Provider=SQLOLEDB.1;Data Source=tcp:10.0.0.5, 1500;Initial Catalog=db;User ID=sa;Password=x";
     // How the result must match: = whole, ^ its start, ~ a part of it, ! not a part of it.
-    const struct {
-        QString input;
-        bool microsoft;
-        char match;
-        QString odbc;
-    } cases[] = {
+    const struct { QString input; bool microsoft; char match; QString odbc; } cases[] = {
         // The generator's source connection, built by the system with an empty password.
         { "Provider=SQLOLEDB.1;Data Source=POSLOVNI;Initial Catalog=KIF2016;User ID=sa;Password=", false, '=',
             "DRIVER={FreeTDS};SERVER=POSLOVNI;PORT=1433;DATABASE=KIF2016;UID=sa;PWD=;TDS_Version=7.4;ClientCharset=UTF-8" },

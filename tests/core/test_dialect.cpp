@@ -325,10 +325,7 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
     // The text column keeps the text that looks like a date.
     EXPECT_EQ(stored(t.path(), "SELECT Opis FROM KnjPrihRashDB WHERE RBroj=1"), QStringList { "03.15.2016" });
 
-    struct Count {
-        const char* where;
-        int rows;
-    };
+    struct Count { const char* where; int rows; };
     const Count reads[] = {
         { "K.Datum=ISNULL(NULL,'3.15.2016')", 3 },
         { "K.Datum IN (SELECT '03.15.16')", 3 },
@@ -362,10 +359,7 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
 TEST(DialectHardening, TextComparesWithoutCaseButWithAccentsAndTrailingBlanks)
 {
     TestDatabase t;
-    struct Case {
-        const char* predicate;
-        bool holds;
-    };
+    struct Case { const char* predicate; bool holds; };
     const Case cases[] = {
         { "N'č'=N'Č'", true },          { "N'č'=N'c'", false },          { "'a'='a  '", true },
         { "N'Šećer'=N'šEĆER'", true },   { "N'é'=N'e'", false },          { "N'ž'>N'z'", true },

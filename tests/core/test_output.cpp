@@ -263,12 +263,7 @@ TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
 {
     const QString header = QStringLiteral("RBroj%1Datum%1Opis%1Iznos%1Stopa%1Zatvoreno%1I\r\n");
     const QString quotedHeader = QStringLiteral("\"RBroj\"%1\"Datum\"%1\"Opis\"%1\"Iznos\"%1\"Stopa\"%1\"Zatvoreno\"%1\"I\"\r\n");
-    struct Case {
-        const char* separator;
-        const char* decimal;
-        bool quote;
-        QString rows;
-    };
+    struct Case { const char* separator; const char* decimal; bool quote; QString rows; };
     const Case cases[] = {
         {";", ",", true,
          QStringLiteral("1234567;15.03.16;\"  Pazar; \"\"Centar\"\"  \";1234567,5;0,125;1;\r\n"
@@ -326,10 +321,7 @@ TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
 TEST(OfficeExport, ChecksComeInTheirOrderAndTheProgramOnlyWhenItIsStarted)
 {
     const QString program = QCoreApplication::applicationFilePath();
-    struct Case {
-        ExportFields fields;
-        const char* message;
-    };
+    struct Case { ExportFields fields; const char* message; };
     // The dialog's test runs every message in order; here what decides the program's checks.
     const Case cases[] = {
         {{"a.csv", ";", ",,", "", true}, "Znak za decimalnu točku za brojeve može biti točka ili zarez !"},

@@ -209,11 +209,7 @@ TEST(Money, ParsesStoresRoundsAndShows)
 {
     // How the parsed text comes back: s toString, r rounded(2), d display, p plain,
     // v the 17 % VAT contained (x * 17 / 117); "-" when the text is refused.
-    const struct {
-        const char* text;
-        char op;
-        const char* expected;
-    } cases[] = {
+    const struct { const char* text; char op; const char* expected; } cases[] = {
         { " 1234,5 ", 's', "1234.5000" }, { "-.25", 's', "-0.2500" }, { "", 's', "-" }, { "1.234,56", 's', "-" },
         { "12a", 's', "-" }, { "-", 's', "-" },
         // Half to even at the fifth decimal.
@@ -260,11 +256,7 @@ TEST(Dates, SqlLiteralsAreMonthFirstScreenDatesDayFirstStoredTextIso)
     EXPECT_EQ(dates::monthFirstShort(QDate(2016, 3, 31)), QStringLiteral("03.31.16"));
     EXPECT_EQ(dates::isoText(QDate(2016, 1, 5)), QStringLiteral("2016-01-05"));
     // Each reader against texts it takes and texts it refuses (an invalid date).
-    const struct {
-        QDate (*read)(const QString&);
-        const char* text;
-        QDate expected;
-    } reads[] = {
+    const struct { QDate (*read)(const QString&); const char* text; QDate expected; } reads[] = {
         { dates::parseDayFirst, "31.12.2015", { 2015, 12, 31 } }, { dates::parseDayFirst, "31.12.15", {} },
         { dates::parseMonthFirst, "1.1.2016", { 2016, 1, 1 } }, { dates::parseMonthFirst, "03.15.2016", d },
         { dates::parseMonthFirst, "15.03.2016", {} }, { dates::fromIsoText, "2016-03-15", d },
@@ -280,12 +272,7 @@ TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
 {
     const NumberConventions bs = NumberConventions::of(QLocale(QLocale::Bosnian));
     const NumberConventions en = NumberConventions::of(QLocale(QLocale::English));
-    const struct {
-        NumberConventions c;
-        const char* text;
-        State state;
-        qint64 units;
-    } cases[] = {
+    const struct { NumberConventions c; const char* text; State state; qint64 units; } cases[] = {
         { bs, "1.234,56", State::Exact, 12345600 },
         { bs, "12.500", State::Exact, 125000000 },
         { bs, "-0,5", State::Exact, -5000 },
