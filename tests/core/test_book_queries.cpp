@@ -7,8 +7,8 @@
 #include "ResultText.h"
 #include "books/BookKind.h"
 #include "books/Schema.h"
+#include "browser/BrowserRules.h"
 #include "session/DatabaseBackend.h"
-#include "session/Dates.h"
 #include "support/TestDatabase.h"
 
 #include <QFile>
@@ -135,8 +135,7 @@ namespace {
 // The grid's query for company 1, working year 2016, as the browser opens it.
 QString openingQuery(int book)
 {
-    return findBook(book)->selectSql + QStringLiteral(" WHERE  K.Datum>='") + dates::sqlLiteral(QDate(2016, 1, 1))
-        + QStringLiteral("' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=1") + QStringLiteral(" ORDER BY K.RBroj");
+    return findBook(book)->selectSql + browser::openingWhere(QDate(2016, 1, 1), 2016, 1) + browser::orderBy();
 }
 
 void incomeExpense(TestDatabase& t, const char* table, int company, int rbroj, QDate datum, int year, int vrsta,

@@ -4,6 +4,8 @@
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "books/Schema.h"
+#include "browser/BrowserRules.h"
+#include "browser/FilterClause.h"
 #include "session/Clock.h"
 #include "support/Sandbox.h"
 #include "support/TestDatabase.h"
@@ -16,16 +18,15 @@ using knjige::test::TestDatabase;
 
 namespace {
 
-// The browser's own opening query of a book for the demo company.
+// The browser's own query of a book for the demo company: as it opens, or for one shop
+// over the whole year.
 QString browserSql(const BookKind& book, int year, qint32 shop = 0)
 {
-    QString sql = book.selectSql
-        + QStringLiteral(" WHERE  K.Datum>='01.01.%1' AND K.GodinaKnj=%1 AND K.BrojPoduzeca=%2")
-              .arg(year)
-              .arg(demo::BrojPoduzeca);
-    if (shop)
-        sql += QStringLiteral(" AND K.BrojProd=%1").arg(shop);
-    return sql + QStringLiteral(" ORDER BY K.RBroj");
+    const QDate from(year, 1, 1), to(year, 12, 31);
+    return book.selectSql
+        + (shop ? browser::periodFilter(book.code, from, to, demo::BrojPoduzeca, year, shop).where
+                : browser::openingWhere(from, year, demo::BrojPoduzeca))
+        + browser::orderBy();
 }
 
 QSet<qint64> kindsIn(TestDatabase& t, const QString& table)
