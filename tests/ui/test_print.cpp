@@ -18,7 +18,6 @@
 #include <QPrintPreviewWidget>
 #include <QProcess>
 #include <QRegularExpression>
-#include <cmath>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -75,70 +74,15 @@ QString withoutPrintTime(const QStringList& pages)
     return pages.join(u'\f').remove(QRegularExpression(QStringLiteral("Ispisano: [^\\n]*")));
 }
 
-// Money of row i: varied, now and then zero.
-double amount(int i)
-{
-    return i % 9 == 0 ? 0 : double((i * 7919) % 100000) / 100.0 + 1;
-}
-
-// One row of a book: the marker S<book>-<i> opens its text so every row can be found
-// once in the printout; every tenth text is long enough to wrap.
-RowChange::Values rowOf(int book, int i)
-{
-    const QString text = QStringLiteral("S%1-%2").arg(book).arg(i)
-        + (i % 10 == 0 ? QStringLiteral(" dugački opis stavke koji se mora prelomiti u više redova ispisa")
-                       : QString());
-    const QVariant a = money(amount(i));
-    RowChange::Values v = { { "BrojPoduzeca", 1 }, { "RBroj", i }, { "Datum", QDate(2016, 1, 1).addDays(i % 360) },
-        { "GodinaKnj", 2016 } };
-    auto kindOf = [i](std::initializer_list<int> kinds) { return *(kinds.begin() + i % int(kinds.size())); };
-    switch (book) {
-    case 96:
-        return v << RowChange::Values { { "Isprava", QStringLiteral("D-%1").arg(i) }, { "Opis", text },
-            { "Vrsta", kindOf({ 11, 12, 13, 16, 17, 18, 19 }) }, { "Iznos", a },
-            { "IznosPDV", money(std::round(amount(i) * 17 / 1.17) / 100) } };
-    case 109:
-        return v << RowChange::Values { { "Isprava", QStringLiteral("D-%1").arg(i) }, { "Opis", text },
-            { "Vrsta", kindOf({ 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 }) }, { "Iznos", a } };
-    case 97:
-    case 102:
-        return v << RowChange::Values { { "SifKomit", 1001 }, { "Vrsta", kindOf({ 11, 12, 21, 22 }) }, { "Opis", text },
-            { "Isprava", QStringLiteral("R-%1").arg(i) }, { "Iznos", a }, { "RBrojKPR", i } };
-    case 98:
-    case 106:
-        return v << RowChange::Values { { "Opis", text }, { "Isprava", QStringLiteral("I-%1").arg(i) },
-            { "IznosGot", a }, { "IznosCek", money(amount(i + 3)) } };
-    case 99:
-    case 100:
-        return v << RowChange::Values { { "Opis", text }, { "Vrsta", kindOf({ 4, 5, 6, 7, 8 }) }, { "Iznos", a },
-            { "IznosPDV", money(amount(i) / 10) } };
-    case 101:
-    case 105:
-        return v << RowChange::Values { { "Naziv", text }, { "Isprava", QStringLiteral("%1").arg(i) },
-            { "NabVrijednost", money(amount(i) * 10) }, { "KnjigVrijednost", money(amount(i) * 8) },
-            { "VijekTr", 2 + i % 8 } };
-    case 125:
-        return v << RowChange::Values { { "BrojProd", 501 }, { "Opis", text }, { "Iznos", a } };
-    default:
-        return v << RowChange::Values { { "BrojProd", 501 }, { "Opis", text }, { "Zaduzenje", a },
-            { "Razduzenje", money(amount(i + 1)) } };
-    }
-}
-
 class PrintTest : public BrowserTest
 {
 protected:
     void fill(int book, int rows)
     {
-        db->insert("dbo.CONFIG",
-            { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") },
-                { "Adresa", QStringLiteral("Titova 3") }, { "PostBroj", QStringLiteral("71000") },
-                { "Mjesto", QStringLiteral("Sarajevo") }, { "IdBroj", QStringLiteral("4200000000001") } });
-        db->insert("dbo.Komitent", { { "SifKomit", 1001 }, { "ImeKomit1", QStringLiteral("Partner d.o.o.") } });
-        db->insert("dbo.Komitent", { { "SifKomit", 501 }, { "ImeKomit1", QStringLiteral("Maloprodaja Centar") } });
+        addCompany();
         TransactionGuard t(db->db());
         for (int i = 1; i <= rows; ++i)
-            db->insert(findBook(book)->table, rowOf(book, i));
+            add(book, i);
         t.commit();
     }
 };
@@ -280,7 +224,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
 TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
 {
-    db->insert("dbo.CONFIG", { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") } });
+    addCompany();
     addPrihRash(1, 2016, 1, { 2016, 1, 5 }, 11, 999, 145); // before the period
     addPrihRash(1, 2016, 2, { 2016, 2, 1 }, 17, 400);
     addPrihRash(1, 2016, 3, { 2016, 2, 10 }, 11, 117, 17);
