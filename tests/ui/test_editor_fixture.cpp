@@ -4,6 +4,7 @@
 #include "session/Session.h"
 
 #include <QApplication>
+#include <QTest>
 
 namespace knjige::test
 {
@@ -35,6 +36,15 @@ void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
     };
     editor.Prikaži(1);
     script->onDialog = nullptr;
+}
+
+void EditorTest::type(QLineEdit* box, const QString& text, bool leave)
+{
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, text);
+    if (leave)
+        QTest::keyClick(box, Qt::Key_Tab);
 }
 
 ResultSet EditorTest::rows(const QString& sql)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/RecordEditor.h"
 #include "session/ResultSet.h"
 #include "support/ScriptedInteraction.h"
@@ -24,6 +25,17 @@ protected:
     // Shows the editor through the seam; `inside` runs while it is "on screen". The
     // dialog is shown (offscreen) so that focus and keys behave as for a person.
     void run(RecordEditor& editor, const std::function<void()>& inside);
+    // The editor of `book` in `mode` on entry `redniBroj`, as the browser prepares it.
+    template <typename T = RecordEditor> static std::unique_ptr<T> editor(int book, int mode, qint32 redniBroj = 0)
+    {
+        auto e = std::unique_ptr<T>(dynamic_cast<T*>(createEditor(book).release()));
+        EXPECT_TRUE(e) << book;
+        e->setTipRada(mode);
+        e->sRedniBroj = redniBroj;
+        return e;
+    }
+    // Types `text` over the whole of `box` as a person does; `leave` then tabs away.
+    static void type(QLineEdit* box, const QString& text, bool leave = false);
     // The rows of a statement (T-SQL as the system writes it); fails the test on error.
     ResultSet rows(const QString& sql);
     void exec(const QString& sql);
