@@ -23,13 +23,12 @@ public:
     std::optional<Partner> choose() override
     {
         ++chosen;
-        return Partner { 2, QStringLiteral("Prodavnica Zapad") };
+        return Partner { 2, "Prodavnica Zapad" };
     }
     std::optional<Partner> find(qint32 code) override
     {
         if (code == 1 || code == 2)
-            return Partner { code,
-                code == 1 ? QStringLiteral("Prodavnica Centar") : QStringLiteral("Prodavnica Zapad") };
+            return Partner { code, code == 1 ? QStringLiteral("Prodavnica Centar") : "Prodavnica Zapad" };
         return std::nullopt;
     }
     int chosen = 0;
@@ -46,36 +45,20 @@ TEST_F(BookEditors, ReceivablesNeedAPartnerBeforeTheKindAndWarnOnAMissingLink)
     auto e = editor<frmKnjEvidPotObvFBiH>(97, 1);
     EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige evidencije Potraživanja i obveza");
     run(*e, [&] {
-        e->ubRBroj->setValue(Money::fromWhole(1));
-        e->dpDatum->setDate(QDate(2016, 4, 4));
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Mora se upisati šifra komitenta!");
-        EXPECT_EQ(focusOf(*e), "txtKomitent");
-
-        type(e->txtKomitent, "1", true);
+        save(*e,
+            { { "ubRBroj=1;dpDatum=2016-04-04", "Mora se upisati šifra komitenta!", "txtKomitent" },
+                { "txtKomitent=~1", "Mora se upisati šifra vrste!", "cboVrsta" } });
         EXPECT_EQ(e->lblKomit->text(), " Prodavnica Centar");
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Mora se upisati šifra vrste!");
-        EXPECT_EQ(focusOf(*e), "cboVrsta");
-
-        e->cboVrsta->setCurrentIndex(2);
-        e->txtIsprava->setText("UR-55");
-        e->txtOpis->setText("Primljeni račun");
-        e->ubIznos->setValue(Money::fromUnits(1234500));
-        e->cmdSpremi->click();
+        save(*e,
+            { { "cboVrsta=#2;txtIsprava=UR-55;txtOpis=Primljeni račun;ubIznos=123.45",
+                "Bilo bi poželjno da se upiše redni broj u knjizi prihoda i rashoda! Podatak će se spremiti, ali "
+                "pažljivo!",
+                {}, "Napomena" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(lastMessage().text,
-        "Bilo bi poželjno da se upiše redni broj u knjizi prihoda i rashoda! Podatak će se spremiti, ali pažljivo!");
-    EXPECT_EQ(lastMessage().title, "Napomena");
-    const ResultSet rs = rows("SELECT SifKomit,Vrsta,Datum,Isprava,Iznos,RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.integer(0, 0), 1);
-    EXPECT_EQ(rs.integer(0, 1), 21);
-    EXPECT_EQ(rs.date(0, 2), QDate(2016, 4, 4));
-    EXPECT_EQ(rs.text(0, 3), "UR-55");
-    EXPECT_EQ(rs.money(0, 4), Money::fromUnits(1234500));
-    EXPECT_EQ(rs.integer(0, 5), 0);
+    EXPECT_EQ(table("SELECT BrojPoduzeca,RBroj,SifKomit,Vrsta,Datum,GodinaKnj,Isprava,Opis,Iznos,RBrojKPR "
+                    "FROM dbo.KnjEvidPotrIObvFBiH"),
+        "1|1|1|21|2016-04-04|2016|UR-55|Primljeni račun|123.45|0");
 }
 
 TEST_F(BookEditors, ReceivablesPartnerChooserByButtonAndF2)
@@ -109,15 +92,9 @@ TEST_F(BookEditors, ReceivablesChangeReadsAndRewritesTheRow)
         EXPECT_EQ(e->lblKomit->text(), " Prodavnica Zapad");
         EXPECT_EQ(e->cboVrsta->currentText(), "12 - Uplate za izdate racune");
         EXPECT_EQ(e->ubKPR->integerValue(), 3);
-        e->ubIznos->setValue(Money::fromWhole(45));
-        e->cmdSpremi->click();
+        save(*e, { { "ubIznos=45" } });
     });
-    EXPECT_TRUE(texts().isEmpty()) << texts().join(u'|').toStdString();
-    const ResultSet rs = rows("SELECT RBroj,Iznos,RBrojKPR,SifKomit FROM dbo.KnjEvidPotrIObvFBiH");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.money(0, 1), Money::fromWhole(45));
-    EXPECT_EQ(rs.integer(0, 2), 3);
-    EXPECT_EQ(rs.integer(0, 3), 2);
+    EXPECT_EQ(table("SELECT RBroj,Iznos,RBrojKPR,SifKomit,Opis FROM dbo.KnjEvidPotrIObvFBiH"), "5|45|3|2|Uplata");
 }
 
 // ---- negative amounts, in every editor that warns of them as they are left ----
@@ -166,44 +143,27 @@ TEST_F(BookEditors, AssetListNeverWritesTheNumberAndChecksValues)
 {
     auto e = editor<frmPopListaDImovineFBiH>(105, 1);
     run(*e, [&] {
-        e->ubRBroj->setValue(Money::fromWhole(77));
-        e->dpDatum->setDate(QDate(2016, 2, 1));
-        e->txtBrojDokumenta->setText("15");
-        e->txtNazivSredstva->setText("Kombi vozilo");
-        e->ubVijekTrajanja->setValue(Money::fromWhole(5));
-        e->ubNabavna->setValue(Money::fromWhole(900));
-        e->ubKnjigovodstvena->setValue(Money::fromWhole(1000));
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Nabavna vrijednost mora biti veća ili jednaka od knjigovodstvene!");
-        EXPECT_EQ(focusOf(*e), "ubNabavna");
-        e->ubNabavna->setValue(Money::fromWhole(1000));
-        e->cmdSpremi->click();
+        save(*e,
+            { { "ubRBroj=77;dpDatum=2016-02-01;txtBrojDokumenta=15;txtNazivSredstva=Kombi vozilo;ubVijekTrajanja=5;"
+                "ubNabavna=900;ubKnjigovodstvena=1000",
+                  "Nabavna vrijednost mora biti veća ili jednaka od knjigovodstvene!", "ubNabavna" },
+                { "ubNabavna=1000" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    const ResultSet rs = rows("SELECT RBroj,Naziv,Isprava,VijekTr,KnjigVrijednost FROM dbo.KnjPopListaDugImovFBiH");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.integer(0, 0), 1); // numbered by the table, not the 77 typed
-    EXPECT_EQ(rs.text(0, 1), "Kombi vozilo");
-    EXPECT_EQ(rs.text(0, 2), "15");
-    EXPECT_EQ(rs.integer(0, 3), 5);
-    EXPECT_EQ(rs.money(0, 4), Money::fromWhole(1000));
+    // Numbered by the table, not the 77 typed.
+    const QString sql = "SELECT RBroj,Naziv,Isprava,VijekTr,NabVrijednost,KnjigVrijednost,GodinaKnj "
+                        "FROM dbo.KnjPopListaDugImovFBiH";
+    EXPECT_EQ(table(sql), "1|Kombi vozilo|15|5|1000|1000|2016");
 
     auto c = editor<frmPopListaDImovineFBiH>(105, 2, 1);
     run(*c, [&] {
         EXPECT_EQ(c->txtNazivSredstva->text(), "Kombi vozilo");
-        c->ubRBroj->setValue(Money::fromWhole(9));
-        c->ubKnjigovodstvena->setValue(Money());
-        c->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Unesena vrijednost je negativna ili 0 pažljivo !");
-        EXPECT_EQ(lastMessage().title, "Napomena");
-        EXPECT_EQ(focusOf(*c), "ubKnjigovodstvena");
-        c->ubKnjigovodstvena->setValue(Money::fromWhole(800));
-        c->cmdSpremi->click();
+        save(*c,
+            { { "ubRBroj=9;ubKnjigovodstvena=0", "Unesena vrijednost je negativna ili 0 pažljivo !",
+                  "ubKnjigovodstvena", "Napomena" },
+                { "ubKnjigovodstvena=800" } });
     });
-    const ResultSet after = rows("SELECT RBroj,KnjigVrijednost FROM dbo.KnjPopListaDugImovFBiH");
-    ASSERT_EQ(after.rowCount(), 1);
-    EXPECT_EQ(after.integer(0, 0), 1);
-    EXPECT_EQ(after.money(0, 1), Money::fromWhole(800));
+    EXPECT_EQ(table(sql), "1|Kombi vozilo|15|5|1000|800|2016");
 }
 
 TEST_F(BookEditors, AssetListRsUsesTheSharedTableAndRefusesNoLifeAndNoValue)
@@ -211,20 +171,10 @@ TEST_F(BookEditors, AssetListRsUsesTheSharedTableAndRefusesNoLifeAndNoValue)
     auto e = editor<frmPopListaDImovineFBiH>(101, 1);
     EXPECT_EQ(e->readSql().left(48), "SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE G");
     run(*e, [&] {
-        e->dpDatum->setDate(QDate(2016, 12, 1));
-        e->txtBrojDokumenta->setText("3");
-        e->ubVijekTrajanja->setValue(Money());
-        e->cmdSpremi->click();
-        EXPECT_EQ(texts(), QStringList { "Vijek trajanja ne može biti 0 ili manji!" });
-        e->ubVijekTrajanja->setValue(Money::fromWhole(5));
-        e->ubNabavna->setValue(Money());
-        e->ubKnjigovodstvena->setValue(Money());
-        e->cmdSpremi->click();
-        ASSERT_EQ(script->messages.size(), 2);
-        EXPECT_EQ(lastMessage().text, "Unesena vrijednost je negativna ili 0, pažljivo !");
-        EXPECT_EQ(lastMessage().title, "Napomena");
-        EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-        EXPECT_EQ(focusOf(*e), "ubNabavna");
+        save(*e,
+            { { "dpDatum=2016-12-01;txtBrojDokumenta=3;ubVijekTrajanja=0", "Vijek trajanja ne može biti 0 ili manji!" },
+                { "ubVijekTrajanja=5;ubNabavna=0;ubKnjigovodstvena=0",
+                    "Unesena vrijednost je negativna ili 0, pažljivo !", "ubNabavna", "Napomena" } });
     });
     EXPECT_TRUE(e->IzišaoSaPrekidom());
     EXPECT_EQ(count("dbo.KnjPopListaDugImovFBiH"), 0);
@@ -236,23 +186,12 @@ TEST_F(BookEditors, TurnoverAcceptsANegativeNumberButNotZeroOrNoAmount)
 {
     auto e = editor<frmKnjPrometa>(98, 1);
     run(*e, [&] {
-        e->ubRBroj->setValue(Money());
-        e->dpDatum->setDate(QDate(2016, 7, 7));
-        e->txtIsprava->setText("P-1");
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Morate upisati redni broj različit od 0!");
-        e->ubRBroj->setValue(-Money::fromWhole(3));
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Jedan od iznosa mora biti različit od nule !");
-        e->ubCek->setValue(Money::fromWhole(50));
-        e->cmdSpremi->click();
+        save(*e,
+            { { "ubRBroj=0;dpDatum=2016-07-07;txtIsprava=P-1", "Morate upisati redni broj različit od 0!" },
+                { "ubRBroj=-3", "Jedan od iznosa mora biti različit od nule !" }, { "ubCek=50" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    const ResultSet rs = rows("SELECT RBroj,IznosGot,IznosCek FROM dbo.KnjPrometaFBiH");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.integer(0, 0), -3);
-    EXPECT_TRUE(rs.money(0, 1).isZero());
-    EXPECT_EQ(rs.money(0, 2), Money::fromWhole(50));
+    EXPECT_EQ(table("SELECT RBroj,IznosGot,IznosCek,Isprava FROM dbo.KnjPrometaFBiH"), "-3|0|50|P-1");
 }
 
 TEST_F(BookEditors, TurnoverRsChangesTheSharedTableAndWarnsOnNegativeAmounts)
@@ -263,14 +202,9 @@ TEST_F(BookEditors, TurnoverRsChangesTheSharedTableAndWarnsOnNegativeAmounts)
     e->lblČekovi->setText("Račun:");
     run(*e, [&] {
         EXPECT_EQ(e->ubGotovina->value(), Money::fromWhole(100));
-        e->ubGotovina->setValue(-Money::fromWhole(10));
-        e->cmdSpremi->click();
+        save(*e, { { "ubGotovina=-10", "Unesena vrijednost je negativna, pažljivo !", {}, "Napomena" } });
     });
-    EXPECT_EQ(lastMessage().text, "Unesena vrijednost je negativna, pažljivo !");
-    EXPECT_EQ(lastMessage().title, "Napomena");
-    const ResultSet rs = rows("SELECT IznosGot FROM dbo.KnjPrometaFBiH");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.money(0, 0), -Money::fromWhole(10));
+    EXPECT_EQ(table("SELECT IznosGot FROM dbo.KnjPrometaFBiH"), "-10");
 }
 
 // ---- trade books ----
@@ -278,29 +212,16 @@ TEST_F(BookEditors, TurnoverRsChangesTheSharedTableAndWarnsOnNegativeAmounts)
 TEST_F(BookEditors, ServicesNumberPerShopAndRefuseAZeroAmount)
 {
     for (int shop : { 1, 2, 1 }) {
-        script->clear();
         auto e = editor<frmKnjUsluga>(125, 1);
         e->setSkladište(shop);
         run(*e, [&] {
-            e->dpDatum->setDate(QDate(2016, 8, 1));
-            e->txtOpis->setText("Usluga");
-            e->cmdSpremi->click();
-            EXPECT_EQ(texts(), QStringList { "Iznos mora biti različit od nule !" });
-            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-            EXPECT_EQ(lastMessage().title, QString());
-            EXPECT_EQ(focusOf(*e), "ubIznos");
-            EXPECT_TRUE(e->isVisible());
-            e->ubIznos->setValue(Money::fromWhole(10));
-            e->cmdSpremi->click();
+            save(*e,
+                { { "dpDatum=2016-08-01;txtOpis=Usluga", "Iznos mora biti različit od nule !", "ubIznos" },
+                    { "ubIznos=10" } });
         });
         EXPECT_FALSE(e->IzišaoSaPrekidom()) << texts().join(u'|').toStdString();
     }
-    const ResultSet rs = rows("SELECT BrojProd,RBroj FROM dbo.TrgKnjUsluga ORDER BY BrojProd,RBroj");
-    ASSERT_EQ(rs.rowCount(), 3);
-    EXPECT_EQ(rs.integer(0, 1), 1);
-    EXPECT_EQ(rs.integer(1, 1), 2);
-    EXPECT_EQ(rs.integer(2, 0), 2);
-    EXPECT_EQ(rs.integer(2, 1), 1);
+    EXPECT_EQ(table("SELECT BrojProd,RBroj FROM dbo.TrgKnjUsluga ORDER BY BrojProd,RBroj"), "1|1\n1|2\n2|1");
 }
 
 TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
@@ -308,17 +229,11 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     auto e = editor<frmKnjKomisiona>(126, 1);
     EXPECT_EQ(e->windowTitle(), "Upis nove stavke trg.knjige komisione robe");
     run(*e, [&] {
-        e->dpDatum->setDate(QDate(2016, 8, 1));
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Mora se upisati maloprodaja!");
-        EXPECT_EQ(focusOf(*e), "txtSkladište");
-        type(e->txtSkladište, "2", true);
+        save(*e, { { "dpDatum=2016-08-01", "Mora se upisati maloprodaja!", "txtSkladište" } });
+        set(*e, "txtSkladište=~2");
         EXPECT_EQ(e->lblSkladište->text(), " Prodavnica Zapad");
         EXPECT_EQ(e->ubRBroj->integerValue(), 1);
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, "Bar jedan iznos mora biti različit od nule !");
-        e->ubRazduženje->setValue(Money::fromWhole(120));
-        e->cmdSpremi->click();
+        save(*e, { { {}, "Bar jedan iznos mora biti različit od nule !" }, { "ubRazduženje=120" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
 
@@ -330,14 +245,10 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     run(*c, [&] {
         EXPECT_TRUE(texts().isEmpty()) << texts().join(u'|').toStdString();
         EXPECT_EQ(c->ubRazduženje->value(), Money::fromWhole(120));
-        c->ubZaduženje->setValue(Money::fromWhole(30));
-        c->cmdSpremi->click();
+        save(*c, { { "ubZaduženje=30" } });
     });
-    const ResultSet rs = rows("SELECT BrojProd,Zaduzenje,Razduzenje FROM dbo.TrgKnjKomisiona");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.integer(0, 0), 2);
-    EXPECT_EQ(rs.money(0, 1), Money::fromWhole(30));
-    EXPECT_EQ(rs.money(0, 2), Money::fromWhole(120));
+    EXPECT_EQ(table("SELECT BrojPoduzeca,BrojProd,RBroj,GodinaKnj,Zaduzenje,Razduzenje FROM dbo.TrgKnjKomisiona"),
+        "1|2|1|2016|30|120");
 }
 
 TEST_F(BookEditors, TradeBooksRefuseAShopUnknownToThePartners)
@@ -345,19 +256,11 @@ TEST_F(BookEditors, TradeBooksRefuseAShopUnknownToThePartners)
     for (int book : { 125, 126 }) {
         auto e = editor<TrgKnjigaEditor>(book, 1);
         run(*e, [&] {
-            script->clear();
-            type(e->txtSkladište, "77", true);
-            e->ubRBroj->setValue(Money::fromWhole(1));
-            e->dpDatum->setDate(QDate(2016, 8, 1));
-            e->txtOpis->setText("Nepostojeća");
-            for (const char* name : { "ubIznos", "ubZaduženje" })
-                if (auto* box = qobject_cast<MoneyBox*>(e->control(QString::fromUtf8(name))))
-                    box->setValue(Money::fromWhole(10));
-            e->cmdSpremi->click();
-            ASSERT_EQ(script->messages.size(), 1) << book;
-            EXPECT_EQ(lastMessage().text, "Maloprodaja sa šifrom 77 ne postoji!");
-            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-            EXPECT_EQ(focusOf(*e), "txtSkladište");
+            set(*e, "txtSkladište=~77");
+            set(*e, book == 125 ? "ubIznos=10" : "ubZaduženje=10");
+            save(*e,
+                { { "ubRBroj=1;dpDatum=2016-08-01;txtOpis=Nepostojeća", "Maloprodaja sa šifrom 77 ne postoji!",
+                    "txtSkladište" } });
             EXPECT_TRUE(e->isVisible());
         });
         EXPECT_TRUE(e->IzišaoSaPrekidom());
@@ -375,44 +278,25 @@ TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
         const char* naslov;
         const char* table;
         const char* vrsta;
-        int code;
+        const char* row;
     } books[] = {
-        { 99, "Knjiga prihoda RS", "dbo.KnjPrihodaRS", "5 - Prihod - Robe", 5 },
-        { 100, "Knjiga rashoda RS", "dbo.KnjRashodaRS", "10 - Rashod - Amortizacija", 10 },
+        { 99, "Knjiga prihoda RS", "dbo.KnjPrihodaRS", "5 - Prihod - Robe", "5|70|7" },
+        { 100, "Knjiga rashoda RS", "dbo.KnjRashodaRS", "10 - Rashod - Amortizacija", "10|70|7" },
     };
     for (const auto& b : books) {
-        script->clear();
         auto e = editor<frmKnjPrihodaRashodaRS>(b.book, 1);
         EXPECT_EQ(e->lblNaslov->text(), b.naslov);
         EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige prihoda");
         run(*e, [&] {
-            e->ubRBroj->setValue(Money());
-            e->dpDatum->setDate(QDate(2016, 9, 9));
-            e->cmdSpremi->click();
-            EXPECT_EQ(lastMessage().text, "Morate upisati redni broj različit od 0!");
-            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-            EXPECT_EQ(focusOf(*e), "ubRBroj");
-            e->ubRBroj->setValue(Money::fromWhole(1));
-            e->cmdSpremi->click();
-            EXPECT_EQ(lastMessage().text, "Mora se upisati šifra vrste!");
-            EXPECT_EQ(focusOf(*e), "cboVrsta");
-            e->cboVrsta->setCurrentText(b.vrsta);
-            e->cmdSpremi->click();
-            EXPECT_EQ(lastMessage().text, "Iznos mora biti različit od nule !");
-            EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-            EXPECT_EQ(focusOf(*e), "ubIznos");
+            save(*e,
+                { { "ubRBroj=0;dpDatum=2016-09-09", "Morate upisati redni broj različit od 0!", "ubRBroj" },
+                    { "ubRBroj=1", "Mora se upisati šifra vrste!", "cboVrsta" },
+                    { QStringLiteral("cboVrsta=") + b.vrsta, "Iznos mora biti različit od nule !", "ubIznos" } });
             EXPECT_EQ(count(b.table), 0);
-            e->ubIznos->setValue(Money::fromWhole(70));
-            e->ubIznosPDV->setValue(Money::fromWhole(7));
-            e->cmdSpremi->click();
+            save(*e, { { "ubIznos=70;ubIznosPDV=7" } });
         });
-        EXPECT_EQ(script->messages.size(), 3) << b.book;
         EXPECT_FALSE(e->IzišaoSaPrekidom());
-        const ResultSet rs = rows(QStringLiteral("SELECT Vrsta,Iznos,IznosPDV FROM ") + b.table);
-        ASSERT_EQ(rs.rowCount(), 1);
-        EXPECT_EQ(rs.integer(0, 0), b.code);
-        EXPECT_EQ(rs.money(0, 1), Money::fromWhole(70));
-        EXPECT_EQ(rs.money(0, 2), Money::fromWhole(7));
+        EXPECT_EQ(table(QStringLiteral("SELECT Vrsta,Iznos,IznosPDV FROM ") + b.table), b.row);
     }
 
     exec("INSERT INTO dbo.KnjRashodaRS (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Vrsta,Iznos,IznosPDV) "
@@ -420,7 +304,7 @@ TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
     auto d = editor<frmKnjPrihodaRashodaRS>(100, 4, 2);
     run(*d, [&] {
         EXPECT_EQ(d->cboVrsta->currentText(), "13 - Rashod - Rashodi koji se ne priznaju");
-        d->cmdSpremi->click();
+        save(*d, { {} });
     });
     EXPECT_EQ(count("dbo.KnjRashodaRS"), 1);
 }

@@ -1,5 +1,6 @@
 #include "test_editor_fixture.h"
 
+#include "editors/widgets/MoneyBox.h"
 #include "session/HostServices.h"
 #include "session/Session.h"
 
@@ -45,6 +46,53 @@ void EditorTest::type(QLineEdit* box, const QString& text, bool leave)
     QTest::keyClicks(box, text);
     if (leave)
         QTest::keyClick(box, Qt::Key_Tab);
+}
+
+void EditorTest::set(RecordEditor& editor, const QString& assignments)
+{
+    for (const QString& assignment : assignments.split(u';', Qt::SkipEmptyParts)) {
+        const QString name = assignment.section(u'=', 0, 0);
+        const QString value = assignment.section(u'=', 1);
+        QWidget* control = editor.control(name);
+        auto* text = qobject_cast<QLineEdit*>(control);
+        if (text && value.startsWith(u'~')) {
+            type(text, value.mid(1), true);
+        } else if (auto* box = qobject_cast<MoneyBox*>(control)) {
+            const auto amount = Money::parse(value);
+            ASSERT_TRUE(amount) << value.toStdString();
+            box->setValue(*amount);
+        } else if (auto* date = qobject_cast<QDateEdit*>(control)) {
+            date->setDate(QDate::fromString(value, Qt::ISODate));
+        } else if (auto* list = qobject_cast<QComboBox*>(control)) {
+            if (value.startsWith(u'#'))
+                list->setCurrentIndex(value.mid(1).toInt());
+            else
+                list->setCurrentText(value);
+        } else if (text) {
+            text->setText(value);
+        } else {
+            ADD_FAILURE() << "no control " << name.toStdString();
+        }
+    }
+}
+
+void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)
+{
+    for (const Try& t : tries) {
+        SCOPED_TRACE(t.set.toStdString());
+        set(editor, t.set);
+        const auto before = script->messages.size();
+        editor.cmdSpremi->click();
+        ASSERT_EQ(script->messages.size(), before + (t.message.isEmpty() ? 0 : 1)) << texts().join(u'|').toStdString();
+        if (!t.message.isEmpty()) {
+            EXPECT_EQ(lastMessage().text, t.message);
+            EXPECT_EQ(lastMessage().title, t.title);
+            EXPECT_EQ(lastMessage().icon, t.icon);
+        }
+        if (!t.focus.isEmpty()) {
+            EXPECT_EQ(focusOf(editor), t.focus);
+        }
+    }
 }
 
 ResultSet EditorTest::rows(const QString& sql)

@@ -5,6 +5,7 @@
 #include "session/ResultSet.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
+#include "test_rows.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -12,6 +13,24 @@
 
 namespace knjige::test
 {
+
+// One try of a person at an editor: the controls set, "name=value;..." (a MoneyBox takes
+// an amount, a date box an ISO date, a list "#index" or an item's text, a text box its
+// text, typed and left with Tab when the value starts with '~'), then cmdSpremi clicked;
+// the message that follows (none when empty) with its title and icon, and the control
+// that has the focus afterwards (not checked when empty).
+struct Try {
+    Try(QString set = {}, QString message = {}, QString focus = {}, QString title = {}, Icon icon = Icon::Exclamation)
+        : set(std::move(set))
+        , message(std::move(message))
+        , focus(std::move(focus))
+        , title(std::move(title))
+        , icon(icon)
+    {
+    }
+    QString set, message, focus, title;
+    Icon icon;
+};
 
 // A fresh embedded database with the books' schema for each test, the session on
 // company 1 and working year 2016, two partners (1 "Prodavnica Centar", 2 "Prodavnica
@@ -36,10 +55,15 @@ protected:
     }
     // Types `text` over the whole of `box` as a person does; `leave` then tabs away.
     static void type(QLineEdit* box, const QString& text, bool leave = false);
+    // Sets controls of `editor` as Try::set describes.
+    static void set(RecordEditor& editor, const QString& assignments);
+    // Makes each try in turn, checking what follows it.
+    void save(RecordEditor& editor, const QList<Try>& tries);
     // The rows of a statement (T-SQL as the system writes it); fails the test on error.
     ResultSet rows(const QString& sql);
     void exec(const QString& sql);
     int count(const QString& table);
+    QString table(const QString& sql) { return dump(rows(sql)); }
     // The texts of the messages shown so far, and the last one.
     QStringList texts() { return script->texts(); }
     Message lastMessage() { return script->messages.isEmpty() ? Message {} : script->messages.last(); }
