@@ -4,6 +4,7 @@
 #include "session/HostServices.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
+#include "test_rows.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -57,6 +58,8 @@ protected:
     void addCompany();
     // A browser for `kind`, opened (mode 0) with the access level.
     std::unique_ptr<frmSifarnikKnj> open(int kind, const QString& level = QStringLiteral("0"));
+    // The rows of a statement as text (see dump).
+    QString table(const QString& sql) { return dump(db->query(sql)); }
     // RBroj of the entries in grid order.
     static QList<qint64> rBrojevi(frmSifarnikKnj& w);
     std::shared_ptr<RecordingRights::Log> installRights(bool mayOpen, QList<OperatorRights::Group> denied = {});

@@ -39,7 +39,7 @@ void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
     script->onDialog = nullptr;
 }
 
-void EditorTest::type(QLineEdit* box, const QString& text, bool leave)
+void type(QLineEdit* box, const QString& text, bool leave)
 {
     box->setFocus();
     box->selectAll();
@@ -48,7 +48,7 @@ void EditorTest::type(QLineEdit* box, const QString& text, bool leave)
         QTest::keyClick(box, Qt::Key_Tab);
 }
 
-void EditorTest::set(RecordEditor& editor, const QString& assignments)
+void set(RecordEditor& editor, const QString& assignments)
 {
     for (const QString& assignment : assignments.split(u';', Qt::SkipEmptyParts)) {
         const QString name = assignment.section(u'=', 0, 0);
@@ -74,6 +74,27 @@ void EditorTest::set(RecordEditor& editor, const QString& assignments)
             ADD_FAILURE() << "no control " << name.toStdString();
         }
     }
+}
+
+QString values(RecordEditor& editor, const QString& names)
+{
+    QStringList out;
+    for (const QString& name : names.split(u';')) {
+        QWidget* control = editor.control(name);
+        if (auto* box = qobject_cast<MoneyBox*>(control))
+            out << box->value().toPlainString();
+        else if (auto* date = qobject_cast<QDateEdit*>(control))
+            out << date->date().toString(Qt::ISODate);
+        else if (auto* list = qobject_cast<QComboBox*>(control))
+            out << list->currentText();
+        else if (auto* text = qobject_cast<QLineEdit*>(control))
+            out << text->text();
+        else if (auto* label = qobject_cast<QLabel*>(control))
+            out << label->text();
+        else
+            ADD_FAILURE() << "no control " << name.toStdString();
+    }
+    return out.join(u'|');
 }
 
 void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)

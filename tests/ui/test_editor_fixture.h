@@ -32,6 +32,14 @@ struct Try {
     Icon icon;
 };
 
+// Types `text` over the whole of `box` as a person does; `leave` then tabs away.
+void type(QLineEdit* box, const QString& text, bool leave = false);
+// Sets controls of `editor` as Try::set describes.
+void set(RecordEditor& editor, const QString& assignments);
+// What the named controls ("name;name...") show, joined by '|': an amount in its plain
+// form, a date in ISO form, a list's current text.
+QString values(RecordEditor& editor, const QString& names);
+
 // A fresh embedded database with the books' schema for each test, the session on
 // company 1 and working year 2016, two partners (1 "Prodavnica Centar", 2 "Prodavnica
 // Zapad"), and a scripted person that records every message.
@@ -53,10 +61,6 @@ protected:
         e->sRedniBroj = redniBroj;
         return e;
     }
-    // Types `text` over the whole of `box` as a person does; `leave` then tabs away.
-    static void type(QLineEdit* box, const QString& text, bool leave = false);
-    // Sets controls of `editor` as Try::set describes.
-    static void set(RecordEditor& editor, const QString& assignments);
     // Makes each try in turn, checking what follows it.
     void save(RecordEditor& editor, const QList<Try>& tries);
     // The rows of a statement (T-SQL as the system writes it); fails the test on error.
