@@ -26,13 +26,11 @@ void BrowserTest::TearDown()
 void BrowserTest::addPrihRash(
     int company, int year, int rBroj, const QDate& datum, int vrsta, double iznos, double pdv, const QString& opis)
 {
-    db->insert(QStringLiteral("dbo.KnjPrihRashFBiH"),
-        { { QStringLiteral("BrojPoduzeca"), company }, { QStringLiteral("RBroj"), rBroj },
-            { QStringLiteral("Datum"), datum }, { QStringLiteral("GodinaKnj"), year },
-            { QStringLiteral("Isprava"), QStringLiteral("D-%1").arg(rBroj) },
-            { QStringLiteral("Opis"), opis.isEmpty() ? QStringLiteral("Stavka %1").arg(rBroj) : opis },
-            { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Iznos"), money(iznos) },
-            { QStringLiteral("IznosPDV"), money(pdv) } });
+    db->insert("dbo.KnjPrihRashFBiH",
+        { { "BrojPoduzeca", company }, { "RBroj", rBroj }, { "Datum", datum }, { "GodinaKnj", year },
+            { "Isprava", QStringLiteral("D-%1").arg(rBroj) },
+            { "Opis", opis.isEmpty() ? QStringLiteral("Stavka %1").arg(rBroj) : opis }, { "Vrsta", vrsta },
+            { "Iznos", money(iznos) }, { "IznosPDV", money(pdv) } });
 }
 
 namespace
@@ -107,23 +105,22 @@ void BrowserTest::add(int book, int i, const RowChange::Values& more)
 
 void BrowserTest::addPartner(int code, const QString& name)
 {
-    db->insert(QStringLiteral("dbo.Komitent"), { { "SifKomit", code }, { "ImeKomit1", name } });
+    db->insert("dbo.Komitent", { { "SifKomit", code }, { "ImeKomit1", name } });
 }
 
 void BrowserTest::addCompany()
 {
     db->insert("dbo.CONFIG",
-        { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") },
-            { "Adresa", QStringLiteral("Titova 3") }, { "PostBroj", QStringLiteral("71000") },
-            { "Mjesto", QStringLiteral("Sarajevo") }, { "IdBroj", QStringLiteral("4200000000001") } });
-    addPartner(1001, QStringLiteral("Partner d.o.o."));
-    addPartner(501, QStringLiteral("Maloprodaja Centar"));
+        { { "BrojPoduzeca", 1 }, { "NazivFirme", "Obrt Šimić" }, { "Adresa", "Titova 3" }, { "PostBroj", "71000" },
+            { "Mjesto", "Sarajevo" }, { "IdBroj", "4200000000001" } });
+    addPartner(1001, "Partner d.o.o.");
+    addPartner(501, "Maloprodaja Centar");
 }
 
 std::unique_ptr<frmSifarnikKnj> BrowserTest::open(int kind, const QString& level)
 {
     session().NivoPristupa = level;
-    session().ImeOperatera = QStringLiteral("Ana");
+    session().ImeOperatera = "Ana";
     auto w = std::make_unique<frmSifarnikKnj>();
     w->setTipSifarnika(kind);
     w->Prikaži(0, {});
@@ -134,7 +131,7 @@ QList<qint64> BrowserTest::rBrojevi(frmSifarnikKnj& w)
 {
     QList<qint64> out;
     const ResultSet& rs = w.rsStavke();
-    const int f = rs.indexOf(QStringLiteral("RBroj"));
+    const int f = rs.indexOf("RBroj");
     for (int r = 0; r < rs.rowCount(); ++r)
         out << rs.integer(r, f);
     return out;

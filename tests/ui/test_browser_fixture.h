@@ -57,7 +57,7 @@ protected:
     // The company's header and the partners the entries name.
     void addCompany();
     // A browser for `kind`, opened (mode 0) with the access level.
-    std::unique_ptr<frmSifarnikKnj> open(int kind, const QString& level = QStringLiteral("0"));
+    std::unique_ptr<frmSifarnikKnj> open(int kind, const QString& level = "0");
     // The rows of a statement as text (see dump).
     QString table(const QString& sql) { return dump(db->query(sql)); }
     // RBroj of the entries in grid order.

@@ -27,7 +27,7 @@ QStringList opisi(frmSifarnikKnj& w)
     QStringList out;
     const ResultSet& rs = w.rsStavke();
     for (int r = 0; r < rs.rowCount(); ++r)
-        out << rs.value(r, QStringLiteral("Opis")).toString();
+        out << rs.value(r, "Opis").toString();
     return out;
 }
 
@@ -39,14 +39,14 @@ TEST_F(BrowserTest, InsertAndRenumberFromTheMenusReloadTheGrid)
         addPrihRash(1, 2016, n, QDate(2016, 12 - n, 1), 11, n, 0, QStringLiteral("E%1").arg(n));
     auto w = open(Knjiga::PrihRashFBiH);
     w->postaviTrenutniRed(2);
-    w->menuItem(QStringLiteral("mnuUbaciZapis"))->trigger();
+    w->menuItem("mnuUbaciZapis")->trigger();
     EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 3, 4, 5, 6 }));
     EXPECT_EQ(opisi(*w), (QStringList { "E1", "E2", "", "E3", "E4", "E5" }));
     EXPECT_EQ(w->trenutniRBroj(), 3) << "the blank entry is current";
     EXPECT_TRUE(script->messages.isEmpty()) << "insertion asks nothing";
 
     script->answers.enqueue(Answer::Yes);
-    w->menuItem(QStringLiteral("mnuRenumeracijaPoDat"))->trigger();
+    w->menuItem("mnuRenumeracijaPoDat")->trigger();
     EXPECT_EQ(opisi(*w), (QStringList { "", "E5", "E4", "E3", "E2", "E1" }));
     EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 3, 4, 5, 6 }));
 
@@ -57,10 +57,10 @@ TEST_F(BrowserTest, InsertAndRenumberFromTheMenusReloadTheGrid)
     assets->UbaciZapis();
     clock::setToday(QDate(2017, 1, 1));
     script->answers.enqueue(Answer::No);
-    assets->menuItem(QStringLiteral("mnuPocetnoStanje"))->trigger();
+    assets->menuItem("mnuPocetnoStanje")->trigger();
     clock::setToday({});
     ASSERT_EQ(script->messages.size(), 2);
-    EXPECT_TRUE(script->messages[1].text.contains(QStringLiteral("početna stanja za 2017")));
+    EXPECT_TRUE(script->messages[1].text.contains("početna stanja za 2017"));
 }
 
 // Answers the next message box with `button` once it is drawn, after saving its picture.
@@ -82,9 +82,9 @@ TEST_F(BrowserTest, RenumberingScreenshots)
     QString error;
     ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
     // Documents entered late or with a mistyped date, as a book looks before renumbering.
-    db->exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.25.2016' WHERE GodinaKnj=2016 AND RBroj=2"));
-    db->exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.21.2016' WHERE GodinaKnj=2016 AND RBroj=4"));
-    db->exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.07.2016' WHERE GodinaKnj=2016 AND RBroj=9"));
+    db->exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.25.2016' WHERE GodinaKnj=2016 AND RBroj=2");
+    db->exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.21.2016' WHERE GodinaKnj=2016 AND RBroj=4");
+    db->exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.07.2016' WHERE GodinaKnj=2016 AND RBroj=9");
     auto scripted = setInteraction(std::make_unique<DialogInteraction>());
 
     auto w = open(Knjiga::PrihRashFBiH);
@@ -97,7 +97,7 @@ TEST_F(BrowserTest, RenumberingScreenshots)
     EXPECT_TRUE(w->grab().save(dir + QStringLiteral("/renumeracija-poslije.png")));
     w->close();
 
-    db->insert(QStringLiteral("dbo.KnjPopListaDugImovFBiH"),
+    db->insert("dbo.KnjPopListaDugImovFBiH",
         { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2017 }, { "RBroj", 1 }, { "Naziv", "Kombi" },
             { "Datum", QDate(2017, 1, 1) }, { "Isprava", "1" }, { "VijekTr", 5 } });
     clock::setToday(QDate(2017, 2, 1));

@@ -1,12 +1,11 @@
 // Pictures of every book's browser on the demonstration company, for the
 // documentation and for a look at column widths and totals. Runs only when
 // KNJIGE_SCREENSHOT_DIR names the folder to write to.
-#include "test_browser_fixture.h"
-
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "editors/widgets/RecordEditor.h"
 #include "session/Session.h"
+#include "test_browser_fixture.h"
 
 #include <QApplication>
 #include <QDir>
@@ -54,6 +53,6 @@ TEST_F(BrowserTest, ScreenshotsOfEveryBookOnDemoData)
     for (const BookKind& book : allBooks())
         shoot(book.code, QStringLiteral("browser-%1.png").arg(book.code));
     from = QDate(2016, 3, 1);
-    shoot(96, QStringLiteral("browser-96-filter.png"));
+    shoot(96, "browser-96-filter.png");
     EXPECT_TRUE(script->messages.isEmpty()) << script->texts().join(u'\n').toStdString();
 }

@@ -5,7 +5,6 @@
 #include "session/ResultSet.h"
 
 #include <QTextStream>
-
 #include <gtest/gtest.h>
 
 using namespace knjige;
@@ -24,55 +23,52 @@ TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
 
 TEST(CliOutput, EveryTypeHasOneTextForm)
 {
-    ResultSet rs({{"RBroj", FieldType::Integer},
-                  {"Iznos", FieldType::Currency},
-                  {"Stopa", FieldType::Float},
-                  {"Datum", FieldType::Date},
-                  {"Opis", FieldType::Text},
-                  {"Placeno", FieldType::Boolean}});
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
+        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } });
     rs.appendRow();
     rs.setInteger(0, -12);
-    rs.setMoney(1, Money::parse(QStringLiteral("1234567.5")).value());
+    rs.setMoney(1, Money::parse("1234567.5").value());
     rs.setReal(2, 0.1);
     rs.setDate(3, QDate(2016, 3, 5));
-    rs.setText(4, QStringLiteral("Račun 7, \"Centar\"\ndrugi red"));
+    rs.setText(4, "Račun 7, \"Centar\"\ndrugi red");
     rs.set(5, true);
-    rs.appendRow();   // all NULL
+    rs.appendRow(); // all NULL
 
     QString text;
     QTextStream out(&text);
     cli::writeCsv(rs, true, out);
-    EXPECT_EQ(text, "RBroj,Iznos,Stopa,Datum,Opis,Placeno\n"
-                    "integer,currency,float,date,text,boolean\n"
-                    "-12,1234567.5,0.1,2016-03-05,\"Račun 7, \"\"Centar\"\"\ndrugi red\",1\n"
-                    ",,,,,\n");
+    EXPECT_EQ(text,
+        "RBroj,Iznos,Stopa,Datum,Opis,Placeno\n"
+        "integer,currency,float,date,text,boolean\n"
+        "-12,1234567.5,0.1,2016-03-05,\"Račun 7, \"\"Centar\"\"\ndrugi red\",1\n"
+        ",,,,,\n");
 
     text.clear();
-    cli::writeCsv(ResultSet({{"a,b", FieldType::Text}}), false, out);
+    cli::writeCsv(ResultSet({ { "a,b", FieldType::Text } }), false, out);
     EXPECT_EQ(text, "\"a,b\"\n");
 }
 
 TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
 {
-    EXPECT_TRUE(cli::returnsRows(QStringLiteral("SELECT 1")));
-    EXPECT_TRUE(cli::returnsRows(QStringLiteral("  select * from dbo.CONFIG")));
-    EXPECT_TRUE(cli::returnsRows(QStringLiteral("-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)")));
-    EXPECT_TRUE(cli::returnsRows(QStringLiteral("WITH x AS (SELECT 1 AS a) SELECT a FROM x")));
-    EXPECT_TRUE(cli::returnsRows(QStringLiteral("EXEC sp_help")));
-    EXPECT_FALSE(cli::returnsRows(QStringLiteral("CREATE TABLE dbo.KUF (BrojKUFa int)")));
-    EXPECT_FALSE(cli::returnsRows(QStringLiteral("INSERT INTO T SELECT * FROM U")));
-    EXPECT_FALSE(cli::returnsRows(QStringLiteral("UPDATE T SET a = 1")));
-    EXPECT_FALSE(cli::returnsRows(QStringLiteral("SELECTIONS")));
-    EXPECT_FALSE(cli::returnsRows(QStringLiteral("-- samo komentar")));
+    EXPECT_TRUE(cli::returnsRows("SELECT 1"));
+    EXPECT_TRUE(cli::returnsRows("  select * from dbo.CONFIG"));
+    EXPECT_TRUE(cli::returnsRows("-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)"));
+    EXPECT_TRUE(cli::returnsRows("WITH x AS (SELECT 1 AS a) SELECT a FROM x"));
+    EXPECT_TRUE(cli::returnsRows("EXEC sp_help"));
+    EXPECT_FALSE(cli::returnsRows("CREATE TABLE dbo.KUF (BrojKUFa int)"));
+    EXPECT_FALSE(cli::returnsRows("INSERT INTO T SELECT * FROM U"));
+    EXPECT_FALSE(cli::returnsRows("UPDATE T SET a = 1"));
+    EXPECT_FALSE(cli::returnsRows("SELECTIONS"));
+    EXPECT_FALSE(cli::returnsRows("-- samo komentar"));
 }
 
 TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
 {
-    const QStringList parts = cli::batchStatements(
-        QStringLiteral("SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n"));
+    const QStringList parts
+        = cli::batchStatements("SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n");
     ASSERT_EQ(parts.size(), 3) << parts.join(u'|').toStdString();
-    EXPECT_EQ(parts[0], QStringLiteral("SELECT 'a;b' AS x"));
-    EXPECT_EQ(parts[1].trimmed(), QStringLiteral("/* ; */ VALUES (1)"));
-    EXPECT_EQ(parts[2].trimmed(), QStringLiteral("INSERT INTO T (a) VALUES (');')"));
-    EXPECT_TRUE(cli::batchStatements(QStringLiteral(" -- samo komentar; \n /* i ovo */ ;")).isEmpty());
+    EXPECT_EQ(parts[0], "SELECT 'a;b' AS x");
+    EXPECT_EQ(parts[1].trimmed(), "/* ; */ VALUES (1)");
+    EXPECT_EQ(parts[2].trimmed(), "INSERT INTO T (a) VALUES (');')");
+    EXPECT_TRUE(cli::batchStatements(" -- samo komentar; \n /* i ovo */ ;").isEmpty());
 }

@@ -48,7 +48,7 @@ TEST_P(EveryBook, CopyChangeAndDeleteFromTheBrowser)
         const int before = script->messages.size();
         e->cmdSpremi->click();
         for (int i = before; i < script->messages.size(); ++i)
-            if (script->messages[i].title != QStringLiteral("Napomena"))
+            if (script->messages[i].title != "Napomena")
                 problems << script->messages[i].text;
         d.hide();
         return d.result();

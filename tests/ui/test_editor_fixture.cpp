@@ -14,8 +14,8 @@ void EditorTest::SetUp()
 {
     m_db = std::make_unique<TestDatabase>(1, 2016);
     dbPath = m_db->path();
-    exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (1,'Prodavnica Centar')"));
-    exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (2,'Prodavnica Zapad')"));
+    exec("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (1,'Prodavnica Centar')");
+    exec("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (2,'Prodavnica Zapad')");
     installHostServices({});
 }
 

@@ -1,9 +1,8 @@
 // The public book classes: identifiers, properties with write-through, and Show.
-#include "test_browser_fixture.h"
-
 #include "books/BookKind.h"
 #include "entry/BookClasses.h"
 #include "session/Session.h"
+#include "test_browser_fixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,7 +12,8 @@
 using namespace knjige;
 using namespace knjige::test;
 
-namespace {
+namespace
+{
 
 frmSifarnikKnj* openBrowser()
 {
@@ -38,18 +38,18 @@ TEST(EntryIdentifiers, TwelveClassesUnderTheLibraryName)
 {
     const QStringList ids = bookObjectIds();
     ASSERT_EQ(ids.size(), 12);
-    EXPECT_EQ(ids.first(), QStringLiteral("ArbosaPOSKnjige17.clsKnjPrihRashFBiH"));
-    EXPECT_EQ(ids.last(), QStringLiteral("ArbosaPOSKnjige17.clsTrgKnjKomisiona"));
+    EXPECT_EQ(ids.first(), "ArbosaPOSKnjige17.clsKnjPrihRashFBiH");
+    EXPECT_EQ(ids.last(), "ArbosaPOSKnjige17.clsTrgKnjKomisiona");
     for (const BookKind& book : allBooks()) {
         auto object = createBookObject(programmaticId(book.className));
         ASSERT_TRUE(object) << book.className.toStdString();
         EXPECT_EQ(object->kodKnjige(), book.code);
         EXPECT_EQ(object->className(), book.className);
     }
-    EXPECT_EQ(createBookObject(QStringLiteral("arbosaposknjige17.CLSKNJPROMETARS"))->kodKnjige(), 106);
-    EXPECT_FALSE(createBookObject(QStringLiteral("ArbosaPOSKnjige17.clsNema")));
-    EXPECT_FALSE(createBookObject(QStringLiteral("clsKnjPrihRashFBiH")));
-    EXPECT_FALSE(createBookObject(QStringLiteral("Drugo.clsKnjPrihRashFBiH")));
+    EXPECT_EQ(createBookObject("arbosaposknjige17.CLSKNJPROMETARS")->kodKnjige(), 106);
+    EXPECT_FALSE(createBookObject("ArbosaPOSKnjige17.clsNema"));
+    EXPECT_FALSE(createBookObject("clsKnjPrihRashFBiH"));
+    EXPECT_FALSE(createBookObject("Drugo.clsKnjPrihRashFBiH"));
 }
 
 TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
@@ -64,17 +64,17 @@ TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
 
     a.setRadnaGodina(2016);
     a.setBrojPoduzeca(7);
-    a.setConnString(QStringLiteral("sqlite:/tmp/a.db"));
+    a.setConnString("sqlite:/tmp/a.db");
     a.setPozvan(true);
-    EXPECT_EQ(b.RadnaGodina(), 0);   // the other object's own value
+    EXPECT_EQ(b.RadnaGodina(), 0); // the other object's own value
     EXPECT_EQ(b.BrojPoduzeca(), 0);
     EXPECT_FALSE(b.Pozvan());
     EXPECT_EQ(session().RadnaGodina, 2016);
     EXPECT_EQ(session().BrojPoduzeca, 7);
-    EXPECT_EQ(session().ConnString, QStringLiteral("sqlite:/tmp/a.db"));
+    EXPECT_EQ(session().ConnString, "sqlite:/tmp/a.db");
 
     b.setRadnaGodina(2017);
-    EXPECT_EQ(a.RadnaGodina(), 2016);   // reading never looks at the session
+    EXPECT_EQ(a.RadnaGodina(), 2016); // reading never looks at the session
     EXPECT_EQ(session().RadnaGodina, 2017);
     session().reset();
 }
@@ -83,14 +83,14 @@ TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
 {
     // The fixture set company 1 and year 2016 directly in the session.
     clsKnjPrometaFBiH fresh;
-    fresh.Show(QStringLiteral("1"), QStringLiteral("Marko"));
+    fresh.Show("1", "Marko");
     frmSifarnikKnj* w = openBrowser();
     ASSERT_TRUE(w);
-    EXPECT_EQ(session().NivoPristupa, QStringLiteral("1"));
-    EXPECT_EQ(session().ImeOperatera, QStringLiteral("Marko"));
+    EXPECT_EQ(session().NivoPristupa, "1");
+    EXPECT_EQ(session().ImeOperatera, "Marko");
     EXPECT_EQ(w->TipSifarnika(), 98);
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("Knjiga prometa za FBiH"));
-    EXPECT_TRUE(w->WhereUvjet.endsWith(QStringLiteral("K.GodinaKnj=2016 AND K.BrojPoduzeca=1")));
+    EXPECT_EQ(w->windowTitle(), "Knjiga prometa za FBiH");
+    EXPECT_TRUE(w->WhereUvjet.endsWith("K.GodinaKnj=2016 AND K.BrojPoduzeca=1"));
     EXPECT_FALSE(w->toolbarButton(10)->isVisible());
     EXPECT_TRUE(w->testAttribute(Qt::WA_DeleteOnClose));
     QPointer<frmSifarnikKnj> guard(w);
@@ -113,9 +113,9 @@ TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
         buttonShown = seen->toolbarButton(10)->isVisible();
         seen->close();
     });
-    book.Show(QStringLiteral("0"), QStringLiteral("Ana"));
+    book.Show("0", "Ana");
     EXPECT_TRUE(buttonShown);
-    EXPECT_TRUE(seen.isNull());   // deleted by Show
+    EXPECT_TRUE(seen.isNull()); // deleted by Show
     EXPECT_FALSE(openBrowser());
 }
 
@@ -123,8 +123,8 @@ TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
 {
     installRights(false);
     clsKnjRashodaRS book;
-    book.Show(QStringLiteral("0"), QStringLiteral("Ana"));
-    EXPECT_EQ(script->texts(), QStringList{QStringLiteral("Nemate pravo pristupa !")});
+    book.Show("0", "Ana");
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Nemate pravo pristupa !") });
     EXPECT_FALSE(openBrowser());
     closeAll();
 }

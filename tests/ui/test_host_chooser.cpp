@@ -65,7 +65,7 @@ protected:
         r.connString = m_conn;
         r.company = demo::BrojPoduzeca;
         r.year = qint16(m_year);
-        r.operatorName = QStringLiteral("Amra");
+        r.operatorName = "Amra";
         return r;
     }
 
@@ -99,8 +99,8 @@ TEST_F(HostChooser, ListsTheTwelveBooksByCaptionUnderTheirEntities)
     auto* tree = child<QTreeWidget>(chooser, "tvKnjige");
     ASSERT_TRUE(tree);
     ASSERT_EQ(tree->topLevelItemCount(), 4);
-    EXPECT_EQ(tree->topLevelItem(0)->text(0), QStringLiteral("Federacija BiH"));
-    EXPECT_EQ(tree->topLevelItem(2)->child(0)->text(0), QStringLiteral("Knjiga prihoda i rashoda za DB"));
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "Federacija BiH");
+    EXPECT_EQ(tree->topLevelItem(2)->child(0)->text(0), "Knjiga prihoda i rashoda za DB");
     EXPECT_FALSE(chooser.selectBook(103));
     EXPECT_TRUE(chooser.selectBook(Knjiga::TrgKomisiona));
     EXPECT_EQ(chooser.selectedBook(), 126);
@@ -114,7 +114,7 @@ TEST_F(HostChooser, ShowsTheCompanyOfTheNumberEntered)
     ASSERT_TRUE(name && company);
     EXPECT_EQ(name->text(), demo::nazivFirme());
     company->setValue(7);
-    EXPECT_EQ(name->text(), QStringLiteral("(nema podataka o firmi)"));
+    EXPECT_EQ(name->text(), "(nema podataka o firmi)");
 }
 
 TEST_F(HostChooser, OpeningABookSetsTheSessionAndShowsItsBrowser)
@@ -123,7 +123,7 @@ TEST_F(HostChooser, OpeningABookSetsTheSessionAndShowsItsBrowser)
     chooser.show();
     ASSERT_TRUE(chooser.selectBook(Knjiga::PrometaFBiH));
     child<QSpinBox>(chooser, "txtGodina")->setValue(m_year - 1);
-    child<QLineEdit>(chooser, "txtOperater")->setText(QStringLiteral("  Edin "));
+    child<QLineEdit>(chooser, "txtOperater")->setText("  Edin ");
     child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(1);
 
     QTest::mouseClick(child<QPushButton>(chooser, "cmdOtvori"), Qt::LeftButton);
@@ -131,15 +131,15 @@ TEST_F(HostChooser, OpeningABookSetsTheSessionAndShowsItsBrowser)
     EXPECT_EQ(session().ConnString, m_conn);
     EXPECT_EQ(session().RadnaGodina, m_year - 1);
     EXPECT_EQ(session().BrojPoduzeca, demo::BrojPoduzeca);
-    EXPECT_EQ(session().ImeOperatera, QStringLiteral("Edin"));
-    EXPECT_EQ(session().NivoPristupa, QStringLiteral("1"));
+    EXPECT_EQ(session().ImeOperatera, "Edin");
+    EXPECT_EQ(session().NivoPristupa, "1");
     QWidget* browser = nullptr;
     for (QWidget* w : QApplication::topLevelWidgets())
         if (w != &chooser && w->isVisible())
             browser = w;
     ASSERT_TRUE(browser);
-    EXPECT_EQ(browser->objectName(), QStringLiteral("frmSifarnikKnj"));
-    EXPECT_EQ(browser->windowTitle(), QStringLiteral("Knjiga prometa za FBiH"));
+    EXPECT_EQ(browser->objectName(), "frmSifarnikKnj");
+    EXPECT_EQ(browser->windowTitle(), "Knjiga prometa za FBiH");
     EXPECT_TRUE(m_script->texts().isEmpty()) << m_script->texts().join(u'\n').toStdString();
 }
 
@@ -148,28 +148,25 @@ TEST_F(HostChooser, RemembersTheLastOpeningForTheNextStart)
     {
         BookChooser chooser(defaults());
         chooser.selectBook(Knjiga::PrihRashDB);
-        child<QLineEdit>(chooser, "txtOperater")->setText(QStringLiteral("Edin"));
+        child<QLineEdit>(chooser, "txtOperater")->setText("Edin");
         child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(2);
         ASSERT_TRUE(chooser.Otvori());
     }
     closeWindowsExcept(nullptr);
     const BookRequest again = BookChooser::remembered(defaults(), {});
-    EXPECT_EQ(again.operatorName, QStringLiteral("Edin"));
-    EXPECT_EQ(again.level, QStringLiteral("2"));
+    EXPECT_EQ(again.operatorName, "Edin");
+    EXPECT_EQ(again.level, "2");
     BookChooser next(again);
     EXPECT_EQ(next.selectedBook(), 109);
     // What the command line gives wins over what was remembered.
-    EXPECT_EQ(BookChooser::remembered(defaults(), { QStringLiteral("operator") }).operatorName, QStringLiteral("Amra"));
+    EXPECT_EQ(BookChooser::remembered(defaults(), { "operator" }).operatorName, "Amra");
 }
 
 // The rights kept in dbo.PRAVA reach the browser through the installed service.
 TEST_F(HostChooser, ABookTheOperatorMayNotOpenStaysClosed)
 {
     session().ConnString = m_conn;
-    m_db->insert(QStringLiteral("dbo.PRAVA"),
-        { { QStringLiteral("OPERATER"), QStringLiteral("Amra") },
-            { QStringLiteral("PROGRAM"), QStringLiteral("KNJIGE") },
-            { QStringLiteral("PRAVO"), QStringLiteral("98") } });
+    m_db->insert("dbo.PRAVA", { { "OPERATER", "Amra" }, { "PROGRAM", "KNJIGE" }, { "PRAVO", "98" } });
     session().reset();
     BookChooser chooser(defaults());
     chooser.selectBook(Knjiga::PrihRashFBiH);

@@ -57,9 +57,7 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
     test::ScopedScript script;
     const QString picture = test::scratchDir() + QStringLiteral("/knjiga.png");
 
-    EXPECT_EQ(
-        host::runOpen({ QStringLiteral("96"), QStringLiteral("--db"), path, QStringLiteral("--screenshot"), picture }),
-        0);
+    EXPECT_EQ(host::runOpen({ "96", "--db", path, "--screenshot", picture }), 0);
     const QImage image(picture);
     ASSERT_FALSE(image.isNull());
     EXPECT_GT(image.width(), 300);
@@ -67,30 +65,28 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
     EXPECT_EQ(session().ConnString, QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath());
 
     // The scripted person is still the one in charge.
-    warn(QStringLiteral("probna poruka"));
+    warn("probna poruka");
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("probna poruka") });
 }
 
 TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
 {
     const QString missing = test::scratchDir() + QStringLiteral("/nema.db");
-    EXPECT_EQ(host::runOpen({ QStringLiteral("104") }), 2);
-    EXPECT_EQ(host::runOpen({ QStringLiteral("clsNemaTakve") }), 2);
+    EXPECT_EQ(host::runOpen({ "104" }), 2);
+    EXPECT_EQ(host::runOpen({ "clsNemaTakve" }), 2);
     EXPECT_EQ(host::runOpen({}), 2);
-    EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--year"), QStringLiteral("dvije") }), 2);
-    EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--level"), QStringLiteral("12") }), 2);
-    EXPECT_EQ(host::runChooser({ QStringLiteral("--nepoznato") }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--year", "dvije" }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--level", "12" }), 2);
+    EXPECT_EQ(host::runChooser({ "--nepoznato" }), 2);
     // A period that is no period, or not of the year; a sales point of a book without one.
     for (const char* period : { "31.03.2016-01.03.2016", "1.3.2016", "01.03.2015-31.03.2015" })
-        EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--year=2016"), QStringLiteral("--db"), missing,
-                      QStringLiteral("--period"), QString::fromLatin1(period) }),
-            2)
+        EXPECT_EQ(host::runOpen({ "96", "--year=2016", "--db", missing, "--period", QString::fromLatin1(period) }), 2)
             << period;
-    EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--prod"), QStringLiteral("501") }), 2);
-    EXPECT_EQ(host::runOpen({ QStringLiteral("125"), QStringLiteral("--prod"), QStringLiteral("-1") }), 2);
-    EXPECT_EQ(host::runChooser({ QStringLiteral("--period"), QStringLiteral("01.03.2016-31.03.2016") }), 2);
-    EXPECT_EQ(host::runOpen({ QStringLiteral("96"), QStringLiteral("--db"), missing }), 1);
-    EXPECT_EQ(host::runChooser({ QStringLiteral("--db"), missing, QStringLiteral("--conn"), missing }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--prod", "501" }), 2);
+    EXPECT_EQ(host::runOpen({ "125", "--prod", "-1" }), 2);
+    EXPECT_EQ(host::runChooser({ "--period", "01.03.2016-31.03.2016" }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--db", missing }), 1);
+    EXPECT_EQ(host::runChooser({ "--db", missing, "--conn", missing }), 2);
     EXPECT_FALSE(QFileInfo::exists(missing));
 }
 
@@ -101,8 +97,8 @@ TEST(HostCommands, WithoutADisplayOnlyAPictureCanBeMade)
     Unset wayland("WAYLAND_DISPLAY");
     Unset platform("QT_QPA_PLATFORM");
     EXPECT_EQ(host::prepareWindowSystem({}), 1);
-    EXPECT_EQ(host::prepareWindowSystem({ QStringLiteral("open"), QStringLiteral("96") }), 1);
-    EXPECT_EQ(host::prepareWindowSystem({ QStringLiteral("--screenshot"), QStringLiteral("a.png") }), 0);
+    EXPECT_EQ(host::prepareWindowSystem({ "open", "96" }), 1);
+    EXPECT_EQ(host::prepareWindowSystem({ "--screenshot", "a.png" }), 0);
     EXPECT_EQ(qgetenv("QT_QPA_PLATFORM"), QByteArray("offscreen"));
 #else
     GTEST_SKIP() << "a display is always there";

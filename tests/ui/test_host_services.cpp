@@ -24,9 +24,7 @@ protected:
     void createTable() { m_db.exec(PravaRights::createSql()); }
     void grant(const QString& op, const QString& program, const QString& right)
     {
-        m_db.insert(QStringLiteral("dbo.PRAVA"),
-            { { QStringLiteral("OPERATER"), op }, { QStringLiteral("PROGRAM"), program },
-                { QStringLiteral("PRAVO"), right } });
+        m_db.insert("dbo.PRAVA", { { "OPERATER", op }, { "PROGRAM", program }, { "PRAVO", right } });
     }
     PravaRights rightsOf(const QString& op)
     {
@@ -44,16 +42,16 @@ protected:
 TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
 {
     test::ScopedScript script;
-    PravaRights missing = rightsOf(QStringLiteral("Amra"));      // no dbo.PRAVA
-    PravaRights unreachable = rightsOf(QStringLiteral("Amra"));
+    PravaRights missing = rightsOf("Amra"); // no dbo.PRAVA
+    PravaRights unreachable = rightsOf("Amra");
     unreachable.setConnectionString(m_db.path() + QStringLiteral(".nema"));
-    for (PravaRights* r : {&missing, &unreachable}) {
+    for (PravaRights* r : { &missing, &unreachable }) {
         script->messages.clear();
         EXPECT_FALSE(r->mayOpenBook(96));
         EXPECT_FALSE(r->hasRight(96, OperatorRights::Novi));
         ASSERT_EQ(script->messages.size(), 1);
         EXPECT_TRUE(script->messages[0].text.startsWith(
-            QStringLiteral("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n")));
+            "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n"));
         EXPECT_GT(script->messages[0].text.size(), 90) << "the data layer's reason follows";
         EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
     }
@@ -66,14 +64,14 @@ TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
 TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyName)
 {
     createTable();
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96"));
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96.1"));
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96.4"));
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("98"));
-    grant(QStringLiteral("Amra"), QStringLiteral("MALOPROBJEKT"), QStringLiteral("97"));
-    grant(QStringLiteral("Edin"), QStringLiteral("KNJIGE"), QStringLiteral("125"));
+    grant("Amra", "KNJIGE", "96");
+    grant("Amra", "KNJIGE", "96.1");
+    grant("Amra", "KNJIGE", "96.4");
+    grant("Amra", "KNJIGE", "98");
+    grant("Amra", "MALOPROBJEKT", "97");
+    grant("Edin", "KNJIGE", "125");
 
-    PravaRights amra = rightsOf(QStringLiteral(" amra "));
+    PravaRights amra = rightsOf(" amra ");
     EXPECT_TRUE(amra.mayOpenBook(96));
     EXPECT_TRUE(amra.hasRight(96, OperatorRights::Novi));
     EXPECT_FALSE(amra.hasRight(96, OperatorRights::Izmjena));
@@ -84,28 +82,28 @@ TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyName)
     EXPECT_TRUE(amra.hasRight(98, OperatorRights::Izvoz)) << "no group named: every group";
     EXPECT_FALSE(amra.hasRight(97, OperatorRights::Novi));
 
-    PravaRights other = rightsOf(QStringLiteral("Selma"));
+    PravaRights other = rightsOf("Selma");
     EXPECT_TRUE(other.mayOpenBook(97)) << "an operator without rows is not restricted";
 }
 
 TEST_F(HostRights, AChangeCountsFromTheNextBook)
 {
     createTable();
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("98"));
-    PravaRights r = rightsOf(QStringLiteral("Amra"));
+    grant("Amra", "KNJIGE", "98");
+    PravaRights r = rightsOf("Amra");
     EXPECT_FALSE(r.mayOpenBook(96));
-    grant(QStringLiteral("Amra"), QStringLiteral("KNJIGE"), QStringLiteral("96"));
+    grant("Amra", "KNJIGE", "96");
     EXPECT_TRUE(r.mayOpenBook(96));
 }
 
 TEST(HostRightsText, ReadsTheBooksRowsOfEveryOperator)
 {
-    EXPECT_EQ(PravaRights::sql(), QStringLiteral("SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'"));
+    EXPECT_EQ(PravaRights::sql(), "SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
 }
 
 TEST(HostSearch, IgnoresCaseAndAccents)
 {
-    EXPECT_EQ(searchForm(QStringLiteral("Ilidža ČAĐAVICA Šuće")), QStringLiteral("ilidza cadavica suce"));
+    EXPECT_EQ(searchForm("Ilidža ČAĐAVICA Šuće"), "ilidza cadavica suce");
 }
 
 namespace
@@ -137,14 +135,14 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
 {
     const auto all = KomitentRegister::readAll();
     ASSERT_TRUE(all);
-    PartnerPickerDialog dialog(QStringLiteral("Izbor komitenta"), *all);
+    PartnerPickerDialog dialog("Izbor komitenta", *all);
     EXPECT_EQ(dialog.visiblePartners().size(), all->size());
-    auto* search = dialog.findChild<QLineEdit*>(QStringLiteral("txtTrazi"));
+    auto* search = dialog.findChild<QLineEdit*>("txtTrazi");
     ASSERT_TRUE(search);
-    QTest::keyClicks(search, QStringLiteral("ilidza"));
+    QTest::keyClicks(search, "ilidza");
     EXPECT_EQ(names(dialog.visiblePartners()),
-        (QStringList { QStringLiteral("Elektro-Servis Ilidža d.o.o."), QStringLiteral("Maloprodaja 1 Ilidža") }));
-    search->setText(QStringLiteral("50"));
+        (QStringList { QStringLiteral("Elektro-Servis Ilidža d.o.o."), "Maloprodaja 1 Ilidža" }));
+    search->setText("50");
     ASSERT_EQ(dialog.visiblePartners().size(), 2);
     EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
     QTest::keyClick(search, Qt::Key_Down);
@@ -152,7 +150,7 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     ASSERT_TRUE(dialog.chosen());
     EXPECT_EQ(dialog.chosen()->SifKomit, demo::Maloprodaja2);
-    EXPECT_EQ(dialog.chosen()->ImeKomit1, QStringLiteral("Maloprodaja 2 Grbavica"));
+    EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
 }
 
 TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeam)
@@ -160,14 +158,14 @@ TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeam)
     QString title;
     m_script->onDialog = [&title](QDialog& d) {
         title = d.windowTitle();
-        auto* search = d.findChild<QLineEdit*>(QStringLiteral("txtTrazi"));
-        QTest::keyClicks(search, QStringLiteral("grbav"));
+        auto* search = d.findChild<QLineEdit*>("txtTrazi");
+        QTest::keyClicks(search, "grbav");
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
     KomitentRegister shops(KomitentRegister::Kind::Shops);
     const auto shop = shops.choose();
-    EXPECT_EQ(title, QStringLiteral("Izbor maloprodaje / skladišta"));
+    EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
     ASSERT_TRUE(shop);
     EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
 
@@ -180,19 +178,19 @@ TEST_F(HostPickers, FindLooksTheNameUp)
     KomitentRegister partners(KomitentRegister::Kind::Partners);
     const auto found = partners.find(101);
     ASSERT_TRUE(found);
-    EXPECT_EQ(found->ImeKomit1, QStringLiteral("Tehno-Mont d.o.o."));
+    EXPECT_EQ(found->ImeKomit1, "Tehno-Mont d.o.o.");
     EXPECT_FALSE(partners.find(9999));
 }
 
 TEST_F(HostPickers, AFailedReadIsReportedAndChoosesNothing)
 {
-    m_db.exec(QStringLiteral("DROP TABLE dbo.Komitent"));
+    m_db.exec("DROP TABLE dbo.Komitent");
     m_script->onDialog = [](QDialog&) -> int {
         ADD_FAILURE() << "no picker without partners";
         return QDialog::Rejected;
     };
     EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
     ASSERT_EQ(m_script->messages.size(), 1);
-    EXPECT_TRUE(m_script->messages.first().text.startsWith(QStringLiteral("Desila se greška: ")));
+    EXPECT_TRUE(m_script->messages.first().text.startsWith("Desila se greška: "));
     EXPECT_EQ(m_script->messages.first().icon, Icon::Exclamation);
 }

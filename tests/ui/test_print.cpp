@@ -31,7 +31,7 @@ constexpr int kRows = 140;
 QStringList pdfPages(const QString& pdf)
 {
     QProcess p;
-    p.start(QStringLiteral("pdftotext"), { QStringLiteral("-layout"), pdf, QStringLiteral("-") });
+    p.start("pdftotext", { "-layout", pdf, "-" });
     if (!p.waitForFinished(20000) || p.exitCode() != 0) {
         ADD_FAILURE() << "pdftotext (poppler-utils, scripts/setup) could not read " << pdf.toStdString();
         return {};
@@ -54,14 +54,14 @@ QVector<Money> printed(QVector<Money> sums)
 
 std::optional<QVector<Money>> sumsOn(const QString& page, const QString& label)
 {
-    static const QRegularExpression amount(QStringLiteral("-?\\d{1,3}(?:[.,\\x{a0}]\\d{3})*[.,]\\d{2}"));
+    static const QRegularExpression amount("-?\\d{1,3}(?:[.,\\x{a0}]\\d{3})*[.,]\\d{2}");
     for (const QString& line : page.split(u'\n')) {
         if (!line.trimmed().startsWith(label))
             continue;
         QVector<Money> out;
         for (const auto& m : amount.globalMatch(line.mid(line.indexOf(label) + label.size()))) {
             QString digits = m.captured(0);
-            digits.remove(QRegularExpression(QStringLiteral("[^-\\d]")));
+            digits.remove(QRegularExpression("[^-\\d]"));
             out << Money::fromUnits(digits.toLongLong() * 100);
         }
         return out;
@@ -71,7 +71,7 @@ std::optional<QVector<Money>> sumsOn(const QString& page, const QString& label)
 
 QString withoutPrintTime(const QStringList& pages)
 {
-    return pages.join(u'\f').remove(QRegularExpression(QStringLiteral("Ispisano: [^\\n]*")));
+    return pages.join(u'\f').remove(QRegularExpression("Ispisano: [^\\n]*"));
 }
 
 class PrintTest : public BrowserTest
@@ -125,8 +125,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
             period = std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31));
-        const browser::FilterState sel
-            = report::bookSelection(book.code, 1, 2016, period, shop, QStringLiteral("Maloprodaja Centar"));
+        const browser::FilterState sel = report::bookSelection(book.code, 1, 2016, period, shop, "Maloprodaja Centar");
         w->WhereUvjet = sel.where;
         w->OpisFiltera = sel.description;
         w->DatumOd = sel.periodStart;
@@ -145,17 +144,16 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
         // The head of the book and the page numbers.
         const QString& first = pages.first();
-        for (const QString& expected : { QStringLiteral("Obrt Šimić"), QStringLiteral("Titova 3, 71000 Sarajevo"),
-                 QStringLiteral("ID broj: 4200000000001"), book.caption,
-                 QStringLiteral("Period od 01.01.2016 do 31.12.2016"),
+        for (const QString& expected : QStringList { "Obrt Šimić", "Titova 3, 71000 Sarajevo", "ID broj: 4200000000001",
+                 book.caption, "Period od 01.01.2016 do 31.12.2016",
                  sel.description.isEmpty() ? QStringLiteral("Filter: Svi")
                                            : QStringLiteral("Filter : ") + sel.description })
             EXPECT_TRUE(first.contains(expected)) << expected.toStdString();
-        EXPECT_EQ(first.contains(QStringLiteral("Prodajno mjesto: 501 Maloprodaja Centar")), shop != 0);
+        EXPECT_EQ(first.contains("Prodajno mjesto: 501 Maloprodaja Centar"), shop != 0);
         for (int p = 0; p < pages.size(); ++p) {
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Strana %1 od %2").arg(p + 1).arg(pages.size()))) << p;
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Ispisano: ") + QDate::currentDate().toString("dd.MM.yyyy")));
-            EXPECT_TRUE(pages[p].contains(QStringLiteral("operater: Ana")));
+            EXPECT_TRUE(pages[p].contains("operater: Ana"));
         }
 
         // Every row once, and the page it is on.
@@ -175,21 +173,21 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         ASSERT_TRUE(bound);
         const QVector<int>& summed = bound->summed();
         QVector<Money> running(summed.size());
-        const int rbroj = rs.indexOf(QStringLiteral("RBroj"));
+        const int rbroj = rs.indexOf("RBroj");
         for (int p = 0; p < pages.size(); ++p) {
             const bool last = p + 1 == pages.size();
-            EXPECT_EQ(sumsOn(pages[p], QStringLiteral("Prenos:")),
-                p == 0 ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
+            EXPECT_EQ(
+                sumsOn(pages[p], "Prenos:"), p == 0 ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
                 << "page " << p + 1;
             for (int r = 0; r < rs.rowCount(); ++r)
                 if (pageOf.value(int(rs.integer(r, rbroj)), -1) == p)
                     for (int i = 0; i < summed.size(); ++i)
                         running[i] += bound->money(rs, r, summed[i]);
-            EXPECT_EQ(sumsOn(pages[p], QStringLiteral("Za prenos:")),
-                last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
+            EXPECT_EQ(
+                sumsOn(pages[p], "Za prenos:"), last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
                 << "page " << p + 1;
         }
-        const auto totals = sumsOn(pages.last(), QStringLiteral("Ukupno:"));
+        const auto totals = sumsOn(pages.last(), "Ukupno:");
         ASSERT_TRUE(totals);
         EXPECT_EQ(*totals, printed(running));
 
@@ -209,13 +207,13 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
         // The print command writes the same report as the window.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
-        QStringList args = { QString::number(book.code), QStringLiteral("--db"), db->path(),
-            QStringLiteral("--company"), QStringLiteral("1"), QStringLiteral("--year"), QStringLiteral("2016"),
-            QStringLiteral("--operator"), QStringLiteral("Ana"), QStringLiteral("--pdf"), cliPdf };
+        QStringList args = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
+            "--operator", "Ana", "--pdf", cliPdf };
         if (filtered)
-            args << QStringLiteral("--period") << QStringLiteral("01.01.2016-31.12.2016");
+            args << "--period"
+                 << "01.01.2016-31.12.2016";
         if (shop)
-            args << QStringLiteral("--prod") << QString::number(shop);
+            args << "--prod" << QString::number(shop);
         ASSERT_EQ(host::runPrint(args), 0);
         EXPECT_EQ(withoutPrintTime(pdfPages(cliPdf)), withoutPrintTime(pages));
     }
@@ -254,21 +252,20 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
         preview->reject();
         return 0;
     };
-    w->menuItem(QStringLiteral("mnuRekapKnjPrihRash"))->trigger();
+    w->menuItem("mnuRekapKnjPrihRash")->trigger();
     EXPECT_EQ(previews, 1);
-    EXPECT_EQ(previewTitle, QStringLiteral("REKAPITULACIJA KNJIGE PRIHODA I RASHODA"));
+    EXPECT_EQ(previewTitle, "REKAPITULACIJA KNJIGE PRIHODA I RASHODA");
     EXPECT_EQ(previewPages, 1);
     EXPECT_EQ(db->db().lastSql(),
-        QStringLiteral(
-            "SELECT TOP 100 PERCENT K.Vrsta,CASE K.Vrsta WHEN 11 THEN 'Prihod u gotovini' WHEN 12 THEN 'Prihodi "
-            "preko bank.računa' WHEN 13 THEN 'Prihod u stvarima i usl' WHEN 16 THEN 'Rashod za nabavku rob/mat' "
-            "WHEN 17 THEN 'Rashod za bruto plaće' WHEN 18 THEN 'Rashod za plaćene dop p.' WHEN 19 THEN 'Ostali "
-            "rashodi' END As Naziv,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.Iznos ELSE 0 END) AS "
-            "Prihod,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.IznosPDV ELSE 0 END) AS PDVPrihod,SUM(CASE "
-            "WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.Iznos ELSE 0 END) AS Rashod,SUM(CASE WHEN K.Vrsta>=16 AND "
-            "K.Vrsta<=19 THEN K.IznosPDV ELSE 0 END) AS PDVRashod FROM dbo.KnjPrihRashFBiH K  WHERE "
-            "K.BrojPoduzeca=1 AND  K.Datum>='02.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016 GROUP "
-            "BY K.Vrsta ORDER BY K.Vrsta"));
+        "SELECT TOP 100 PERCENT K.Vrsta,CASE K.Vrsta WHEN 11 THEN 'Prihod u gotovini' WHEN 12 THEN 'Prihodi "
+        "preko bank.računa' WHEN 13 THEN 'Prihod u stvarima i usl' WHEN 16 THEN 'Rashod za nabavku rob/mat' "
+        "WHEN 17 THEN 'Rashod za bruto plaće' WHEN 18 THEN 'Rashod za plaćene dop p.' WHEN 19 THEN 'Ostali "
+        "rashodi' END As Naziv,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.Iznos ELSE 0 END) AS "
+        "Prihod,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.IznosPDV ELSE 0 END) AS PDVPrihod,SUM(CASE "
+        "WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.Iznos ELSE 0 END) AS Rashod,SUM(CASE WHEN K.Vrsta>=16 AND "
+        "K.Vrsta<=19 THEN K.IznosPDV ELSE 0 END) AS PDVRashod FROM dbo.KnjPrihRashFBiH K  WHERE "
+        "K.BrojPoduzeca=1 AND  K.Datum>='02.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016 GROUP "
+        "BY K.Vrsta ORDER BY K.Vrsta");
 
     const QString pdf = scratchDir() + QStringLiteral("/rekapitulacija.pdf");
     QString error;
@@ -279,13 +276,13 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
         { "Obrt Šimić", "REKAPITULACIJA KNJIGE PRIHODA I RASHODA", "Filter : Period od 01.02.16 do 31.03.16" })
         EXPECT_TRUE(pages[0].contains(QString::fromUtf8(head))) << head;
     // Hand sums of February and March: kind 11 = 117 + 234 with VAT 17 + 34, and so on.
-    const QString names[] = { QStringLiteral("Prihod u gotovini"), QStringLiteral("Prihodi preko bank.računa"),
-        QStringLiteral("Rashod za bruto plaće"), QStringLiteral("Ostali rashodi"), QStringLiteral("Ukupno:") };
+    const QString names[]
+        = { "Prihod u gotovini", "Prihodi preko bank.računa", "Rashod za bruto plaće", "Ostali rashodi", "Ukupno:" };
     const QVector<Money> expected[] = { { Money::fromWhole(351), Money::fromWhole(51) }, { Money::fromWhole(50) },
         { Money::fromWhole(400) }, { Money::fromUnits(585000), Money::fromUnits(85000) },
         { Money::fromWhole(401), Money::fromWhole(51), Money::fromUnits(4585000), Money::fromUnits(85000) } };
     QString lines = pages[0];
-    lines.replace(QRegularExpression(QStringLiteral("(?m)^\\s*\\d+\\s+")), QString()); // the kind's code
+    lines.replace(QRegularExpression("(?m)^\\s*\\d+\\s+"), QString()); // the kind's code
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(sumsOn(lines, names[i]), std::optional<QVector<Money>>(expected[i])) << names[i].toStdString();
 
@@ -297,13 +294,12 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     EXPECT_EQ(previewPages, 1);
 
     // A condition the database refuses: the data layer's words, no preview.
-    w->WhereUvjet = QStringLiteral(" WHERE K.Nema=1");
+    w->WhereUvjet = " WHERE K.Nema=1";
     script->clear();
     w->Rekapitulacija();
     EXPECT_EQ(previews, 1);
     ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: ")))
-        << script->texts()[0].toStdString();
+    EXPECT_TRUE(script->messages[0].text.startsWith("Desila se greška: ")) << script->texts()[0].toStdString();
     EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
 }
 

@@ -30,7 +30,7 @@ QByteArray contents(const QString& path)
 TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
 {
     ScopedScript script;
-    const QString text = QStringLiteral("Prvi red: čćžšđ\r\nDrugi red: ČĆŽŠĐ");
+    const QString text = "Prvi red: čćžšđ\r\nDrugi red: ČĆŽŠĐ";
     const QString file = scratchDir() + QStringLiteral("/poruka.txt");
     struct Step {
         bool ask;
@@ -41,9 +41,9 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
              Step { true, nullptr, false }, Step { false, "OKButton", false } }) {
         frmPrikazTeksta viewer;
         script->onDialog = [&](QDialog& d) {
-            EXPECT_EQ(d.windowTitle(), QStringLiteral("Upozorenje"));
-            EXPECT_EQ(viewer.txtPoruka->toPlainText(), QStringLiteral("Prvi red: čćžšđ\nDrugi red: ČĆŽŠĐ"));
-            EXPECT_EQ(viewer.lblPitanje->text(), QStringLiteral("Nastaviti?"));
+            EXPECT_EQ(d.windowTitle(), "Upozorenje");
+            EXPECT_EQ(viewer.txtPoruka->toPlainText(), "Prvi red: čćžšđ\nDrugi red: ČĆŽŠĐ");
+            EXPECT_EQ(viewer.lblPitanje->text(), "Nastaviti?");
             EXPECT_EQ(viewer.cmdDa->isVisibleTo(&d), step.ask);
             EXPECT_EQ(viewer.OKButton->isVisibleTo(&d), !step.ask);
             if (step.button)
@@ -52,7 +52,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
                 d.reject();
             return d.result();
         };
-        viewer.Prikaži(QStringLiteral("Upozorenje"), text, step.ask, QStringLiteral("Nastaviti?"));
+        viewer.Prikaži("Upozorenje", text, step.ask, "Nastaviti?");
         EXPECT_EQ(viewer.Odgovor(), step.answer) << (step.button ? step.button : "close box");
 
         // Saving: a new file; over it answering No (kept); then Yes (replaced).
@@ -65,7 +65,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
 
     frmPrikazTeksta viewer;
     script->onDialog = [](QDialog&) { return 0; };
-    viewer.Prikaži(QStringLiteral("Prazno"), QString(), false, {});
+    viewer.Prikaži("Prazno", QString(), false, {});
     QFile old(file);
     ASSERT_TRUE(old.open(QIODevice::WriteOnly | QIODevice::Truncate));
     old.write("stari tekst");
@@ -74,7 +74,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
     script->answers.enqueue(Answer::No);
     viewer.mnuSpremiTekst->trigger();
     ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_EQ(script->messages[0].text, QStringLiteral("Datoteka sa tim imenom već postoji ! Želite li je prepisati?"));
+    EXPECT_EQ(script->messages[0].text, "Datoteka sa tim imenom već postoji ! Želite li je prepisati?");
     EXPECT_EQ(script->messages[0].icon, Icon::Question);
     EXPECT_EQ(script->messages[0].buttons, Buttons::YesNo);
     EXPECT_EQ(contents(file), QByteArray("stari tekst"));
@@ -115,10 +115,10 @@ TEST(TextViewer, TheRealSeamShowsLongTextsInTheViewer)
     QString text;
     for (int i = 1; i <= 40; ++i)
         text += QStringLiteral("Stavka %1 nije knjižena.\n").arg(i);
-    const bool yes = askYesNo(text + QStringLiteral("Želite li nastaviti?"), QStringLiteral("Provjera"));
+    const bool yes = askYesNo(text + QStringLiteral("Želite li nastaviti?"), "Provjera");
     setInteraction(std::move(previous));
     EXPECT_TRUE(yes);
-    EXPECT_EQ(question, QStringLiteral("Želite li nastaviti?"));
-    EXPECT_TRUE(body.startsWith(QStringLiteral("Stavka 1 nije knjižena.")));
-    EXPECT_TRUE(body.endsWith(QStringLiteral("Stavka 40 nije knjižena.")));
+    EXPECT_EQ(question, "Želite li nastaviti?");
+    EXPECT_TRUE(body.startsWith("Stavka 1 nije knjižena."));
+    EXPECT_TRUE(body.endsWith("Stavka 40 nije knjižena."));
 }
