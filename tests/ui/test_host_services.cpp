@@ -21,10 +21,13 @@ namespace
 class HostRights : public ::testing::Test
 {
 protected:
-    void createTable() { m_db.exec(PravaRights::createSql()); }
-    void grant(const QString& op, const QString& program, const QString& right)
+    // Rows "operator|program|right".
+    void grant(const QStringList& rows)
     {
-        m_db.insert("dbo.PRAVA", { { "OPERATER", op }, { "PROGRAM", program }, { "PRAVO", right } });
+        for (const QString& row : rows) {
+            const QStringList v = row.split(u'|');
+            m_db.insert("dbo.PRAVA", { { "OPERATER", v[0] }, { "PROGRAM", v[1] }, { "PRAVO", v[2] } });
+        }
     }
     PravaRights rightsOf(const QString& op)
     {
@@ -35,25 +38,25 @@ protected:
     }
 
     test::TestDatabase m_db;
+    test::ScopedScript m_script;
 };
 
 } // namespace
 
 TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
 {
-    test::ScopedScript script;
     PravaRights missing = rightsOf("Amra"); // no dbo.PRAVA
     PravaRights unreachable = rightsOf("Amra");
     unreachable.setConnectionString(m_db.path() + QStringLiteral(".nema"));
     for (PravaRights* r : { &missing, &unreachable }) {
-        script->messages.clear();
+        m_script->messages.clear();
         EXPECT_FALSE(r->mayOpenBook(96));
         EXPECT_FALSE(r->hasRight(96, OperatorRights::Novi));
-        ASSERT_EQ(script->messages.size(), 1);
-        EXPECT_TRUE(script->messages[0].text.startsWith(
+        ASSERT_EQ(m_script->messages.size(), 1);
+        EXPECT_TRUE(m_script->messages[0].text.startsWith(
             "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n"));
-        EXPECT_GT(script->messages[0].text.size(), 90) << "the data layer's reason follows";
-        EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+        EXPECT_GT(m_script->messages[0].text.size(), 90) << "the data layer's reason follows";
+        EXPECT_EQ(m_script->messages[0].icon, Icon::Exclamation);
     }
     // An empty table restricts nobody.
     m_db.exec(PravaRights::createSql());
@@ -61,49 +64,36 @@ TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
     EXPECT_TRUE(missing.hasRight(96, OperatorRights::Brisanje));
 }
 
-TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyName)
-{
-    createTable();
-    grant("Amra", "KNJIGE", "96");
-    grant("Amra", "KNJIGE", "96.1");
-    grant("Amra", "KNJIGE", "96.4");
-    grant("Amra", "KNJIGE", "98");
-    grant("Amra", "MALOPROBJEKT", "97");
-    grant("Edin", "KNJIGE", "125");
-
-    PravaRights amra = rightsOf(" amra ");
-    EXPECT_TRUE(amra.mayOpenBook(96));
-    EXPECT_TRUE(amra.hasRight(96, OperatorRights::Novi));
-    EXPECT_FALSE(amra.hasRight(96, OperatorRights::Izmjena));
-    EXPECT_FALSE(amra.hasRight(96, OperatorRights::Brisanje));
-    EXPECT_TRUE(amra.hasRight(96, OperatorRights::Ispis));
-    EXPECT_FALSE(amra.mayOpenBook(97)) << "a right of another program does not count";
-    EXPECT_TRUE(amra.mayOpenBook(98));
-    EXPECT_TRUE(amra.hasRight(98, OperatorRights::Izvoz)) << "no group named: every group";
-    EXPECT_FALSE(amra.hasRight(97, OperatorRights::Novi));
-
-    PravaRights other = rightsOf("Selma");
-    EXPECT_TRUE(other.mayOpenBook(97)) << "an operator without rows is not restricted";
-}
-
-TEST_F(HostRights, AChangeCountsFromTheNextBook)
-{
-    createTable();
-    grant("Amra", "KNJIGE", "98");
-    PravaRights r = rightsOf("Amra");
-    EXPECT_FALSE(r.mayOpenBook(96));
-    grant("Amra", "KNJIGE", "96");
-    EXPECT_TRUE(r.mayOpenBook(96));
-}
-
-TEST(HostRightsText, ReadsTheBooksRowsOfEveryOperator)
+TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyNameFromTheNextQuestionOn)
 {
     EXPECT_EQ(PravaRights::sql(), "SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
-}
-
-TEST(HostSearch, IgnoresCaseAndAccents)
-{
-    EXPECT_EQ(searchForm("Ilidža ČAĐAVICA Šuće"), "ilidza cadavica suce");
+    m_db.exec(PravaRights::createSql());
+    grant({ "Amra|KNJIGE|96", "Amra|KNJIGE|96.1", "Amra|KNJIGE|96.4", "Amra|KNJIGE|98", "Amra|MALOPROBJEKT|97",
+        "Edin|KNJIGE|125" });
+    PravaRights amra = rightsOf(" amra ");
+    const struct {
+        int book;
+        int group; // 0: may the book be opened
+        bool allowed;
+        const char* why;
+    } questions[] = {
+        { 96, 0, true, "named" },
+        { 96, OperatorRights::Novi, true, "named" },
+        { 96, OperatorRights::Izmjena, false, "not named" },
+        { 96, OperatorRights::Brisanje, false, "not named" },
+        { 96, OperatorRights::Ispis, true, "named" },
+        { 97, 0, false, "a right of another program does not count" },
+        { 97, OperatorRights::Novi, false, "a right of another program does not count" },
+        { 98, 0, true, "named" },
+        { 98, OperatorRights::Izvoz, true, "no group named: every group" },
+        { 106, 0, false, "not named" },
+    };
+    for (const auto& q : questions)
+        EXPECT_EQ(q.group ? amra.hasRight(q.book, OperatorRights::Group(q.group)) : amra.mayOpenBook(q.book), q.allowed)
+            << q.book << "." << q.group << ": " << q.why;
+    EXPECT_TRUE(rightsOf("Selma").mayOpenBook(97)) << "an operator without rows is not restricted";
+    grant({ "Amra|KNJIGE|106" });
+    EXPECT_TRUE(amra.mayOpenBook(106)) << "a change counts from the next question";
 }
 
 namespace
@@ -131,8 +121,9 @@ protected:
 
 } // namespace
 
-TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
+TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
 {
+    EXPECT_EQ(searchForm("Ilidža ČAĐAVICA Šuće"), "ilidza cadavica suce");
     const auto all = KomitentRegister::readAll();
     ASSERT_TRUE(all);
     PartnerPickerDialog dialog("Izbor komitenta", *all);
@@ -140,8 +131,7 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
     auto* search = dialog.findChild<QLineEdit*>("txtTrazi");
     ASSERT_TRUE(search);
     QTest::keyClicks(search, "ilidza");
-    EXPECT_EQ(names(dialog.visiblePartners()),
-        (QStringList { QStringLiteral("Elektro-Servis Ilidža d.o.o."), "Maloprodaja 1 Ilidža" }));
+    EXPECT_EQ(names(dialog.visiblePartners()), QStringList({ "Elektro-Servis Ilidža d.o.o.", "Maloprodaja 1 Ilidža" }));
     search->setText("50");
     ASSERT_EQ(dialog.visiblePartners().size(), 2);
     EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
@@ -153,7 +143,7 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypes)
     EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
 }
 
-TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeam)
+TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
 {
     QString title;
     m_script->onDialog = [&title](QDialog& d) {
@@ -163,19 +153,14 @@ TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeam)
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
-    KomitentRegister shops(KomitentRegister::Kind::Shops);
-    const auto shop = shops.choose();
+    const auto shop = KomitentRegister(KomitentRegister::Kind::Shops).choose();
     EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
     ASSERT_TRUE(shop);
     EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
 
-    m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };
-    EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
-}
-
-TEST_F(HostPickers, FindLooksTheNameUp)
-{
     KomitentRegister partners(KomitentRegister::Kind::Partners);
+    m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };
+    EXPECT_FALSE(partners.choose());
     const auto found = partners.find(101);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->ImeKomit1, "Tehno-Mont d.o.o.");
