@@ -1,8 +1,10 @@
 // Opening the browser: captions, the opening query, menus per book and access level,
-// the rights service, and the remembered window position.
+// the rights service, the remembered window position, and the insertion, renumbering
+// and opening-state commands as an operator reaches them.
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
+#include "session/Clock.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
 #include "test_browser_fixture.h"
@@ -226,4 +228,48 @@ TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettings)
     auto w = open(96);
     const int opis = w->rsStavke().indexOf("Opis");
     EXPECT_EQ(w->grid().columnWidth(opis), browser::twipsToPixels(4500, w->logicalDpiX()));
+}
+
+namespace
+{
+
+QStringList opisi(frmSifarnikKnj& w)
+{
+    QStringList out;
+    const ResultSet& rs = w.rsStavke();
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out << rs.value(r, "Opis").toString();
+    return out;
+}
+
+} // namespace
+
+TEST_F(BrowserTest, InsertAndRenumberFromTheMenusReloadTheGrid)
+{
+    for (int n = 1; n <= 5; ++n)
+        addPrihRash(1, 2016, n, QDate(2016, 12 - n, 1), 11, n, 0, QStringLiteral("E%1").arg(n));
+    auto w = open(Knjiga::PrihRashFBiH);
+    w->postaviTrenutniRed(2);
+    w->menuItem("mnuUbaciZapis")->trigger();
+    EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 3, 4, 5, 6 }));
+    EXPECT_EQ(opisi(*w), (QStringList { "E1", "E2", "", "E3", "E4", "E5" }));
+    EXPECT_EQ(w->trenutniRBroj(), 3) << "the blank entry is current";
+    EXPECT_TRUE(script->messages.isEmpty()) << "insertion asks nothing";
+
+    script->answers.enqueue(Answer::Yes);
+    w->menuItem("mnuRenumeracijaPoDat")->trigger();
+    EXPECT_EQ(opisi(*w), (QStringList { "", "E5", "E4", "E3", "E2", "E1" }));
+    EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 3, 4, 5, 6 }));
+
+    // The asset lists take no part even when reached directly; their own command asks.
+    auto assets = open(Knjiga::PopListaFBiH);
+    assets->ProvjeraNumeracije();
+    assets->ReNumeracijaPoDatumu();
+    assets->UbaciZapis();
+    clock::setToday(QDate(2017, 1, 1));
+    script->answers.enqueue(Answer::No);
+    assets->menuItem("mnuPocetnoStanje")->trigger();
+    clock::setToday({});
+    ASSERT_EQ(script->messages.size(), 2);
+    EXPECT_TRUE(script->messages[1].text.contains("početna stanja za 2017"));
 }

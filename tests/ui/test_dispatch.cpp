@@ -1,3 +1,6 @@
+// The browser hands its entries to the book's editor: new, change, copy, delete and
+// bulk delete through the keys and menus, in every book, and the rows that follow.
+#include "books/BookKind.h"
 #include "browser/widgets/BookGrid.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/RecordEditor.h"
@@ -340,3 +343,61 @@ TEST_F(Dispatch, ANewAssetIsFoundUnderTheNumberTheTableGaveIt)
         EXPECT_EQ(w->rsStavke().value(w->trenutniRed(), "Naziv").toString(), "Novo sredstvo");
     }
 }
+
+namespace
+{
+
+class EveryBook : public Dispatch, public ::testing::WithParamInterface<int>
+{
+};
+
+std::vector<int> everyBook()
+{
+    std::vector<int> out;
+    for (const BookKind& b : allBooks())
+        out.push_back(b.code);
+    return out;
+}
+
+} // namespace
+
+// Copy, change and delete of one entry through the browser's keys, in every book: each
+// confirmed editor writes exactly one row and the list follows.
+TEST_P(EveryBook, CopyChangeAndDeleteFromTheBrowser)
+{
+    const int kind = GetParam();
+    const QString entries = findBook(kind)->table;
+    addCompany();
+    add(kind, 1);
+    auto w = open(kind);
+    ASSERT_EQ(w->rsStavke().rowCount(), 1);
+    QStringList problems; // every message but a warning
+    onEditor([&](RecordEditor& e) {
+        if (e.TipRada() == 2)
+            set(e, "dpDatum=2016-07-01");
+        const auto before = script->messages.size();
+        e.cmdSpremi->click();
+        for (auto i = before; i < script->messages.size(); ++i)
+            if (script->messages[i].title != "Napomena")
+                problems << script->messages[i].text;
+    });
+    w->postaviTrenutniRed(0);
+    key(*w, Qt::Key_F4);
+    ASSERT_EQ(db->count(entries), 2) << problems.join(u'|').toStdString();
+    ASSERT_EQ(w->rsStavke().rowCount(), 2);
+    EXPECT_EQ(w->trenutniRBroj(), 2);
+
+    key(*w, Qt::Key_Return);
+    EXPECT_EQ(table("SELECT RBroj FROM " + entries + " WHERE Datum='07.01.2016'"), "2");
+    key(*w, Qt::Key_Delete);
+    EXPECT_EQ(db->count(entries), 1);
+    EXPECT_EQ(w->rsStavke().rowCount(), 1);
+    QList<int> modes;
+    for (const Shown& s : shown)
+        modes << s.mode;
+    EXPECT_EQ(modes, (QList<int> { 1, 2, 4 }));
+    EXPECT_TRUE(problems.isEmpty()) << problems.join(u'|').toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Dispatch, EveryBook, ::testing::ValuesIn(everyBook()),
+    [](const ::testing::TestParamInfo<int>& info) { return std::to_string(info.param); });
