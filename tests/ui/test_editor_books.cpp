@@ -1,17 +1,28 @@
+// Each book's record editor: its checks in order with their messages and focus, the
+// row it writes, the links it keeps, and the rules behind them (kind lists, read
+// statements, captions, search periods, the entry a list row stands for).
+#include "books/BookKind.h"
+#include "editors/EditorRules.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/frmKnjEvidPotObvFBiH.h"
+#include "editors/widgets/frmKnjPRashFBiHPregled.h"
 #include "editors/widgets/frmKnjPrihodaRashodaRS.h"
 #include "editors/widgets/frmKnjPrometa.h"
 #include "editors/widgets/frmKnjTrgovacke.h"
 #include "editors/widgets/frmPopListaDImovineFBiH.h"
 #include "session/HostServices.h"
 #include "session/Session.h"
+#include "session/SettingsStore.h"
+#include "support/Sandbox.h"
 #include "test_editor_fixture.h"
 
+#include <QMenuBar>
 #include <QTest>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::test;
+using namespace knjige::editors;
 
 namespace
 {
@@ -303,4 +314,289 @@ TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
         save(*d, { {} });
     });
     EXPECT_EQ(count("dbo.KnjRashodaRS"), 1);
+}
+
+namespace
+{
+
+class PrihRashEditor : public EditorTest
+{
+protected:
+    void SetUp() override
+    {
+        EditorTest::SetUp();
+        clearSettings();
+    }
+    static std::unique_ptr<frmKnjPRashFBiHPregled> prihRash(int book, int mode, qint32 redniBroj = 0)
+    {
+        return editor<frmKnjPRashFBiHPregled>(book, mode, redniBroj);
+    }
+    void insertFBiH(int rbroj, int vrsta, const QString& iznos, const QString& pdv)
+    {
+        exec(QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
+                            "Iznos,IznosPDV) VALUES (1,%1,'03.01.2016',2016,'D-%1','Stavka %1',%2,%3,%4)")
+                 .arg(rbroj)
+                 .arg(vrsta)
+                 .arg(iznos, pdv));
+    }
+    void insertLink(int rbroj, int kpr)
+    {
+        exec(QStringLiteral("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,SifKomit,Vrsta,"
+                            "Opis,Isprava,Iznos,RBrojKPR) VALUES (1,%1,'03.01.2016',2016,1,11,'Veza','R-%1',10,%2)")
+                 .arg(rbroj)
+                 .arg(kpr));
+    }
+};
+
+} // namespace
+
+TEST_F(PrihRashEditor, NewEntryWritesEveryColumnWithTheVatOfTheAmount)
+{
+    auto e = prihRash(96, 1);
+    EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige prihoda i rashoda");
+    EXPECT_EQ(e->cmdSpremi->text(), "Spremi");
+    run(*e, [&] {
+        set(*e, "ubRBroj=1;dpDatum=2016-03-15;txtIsprava=~KIF-12;txtOpis=~Dnevni pazar;cmbVrsta=#0");
+        type(e->ubIznos, "100,00");
+        EXPECT_EQ(e->ubIznosPDV->value(), Money::fromUnits(145299));
+        save(*e, { {} });
+    });
+    EXPECT_FALSE(e->IzišaoSaPrekidom());
+    EXPECT_TRUE(texts().isEmpty()) << texts().join(u'|').toStdString();
+    EXPECT_EQ(
+        table("SELECT BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,Iznos,IznosPDV FROM dbo.KnjPrihRashFBiH"),
+        "1|1|2016-03-15|2016|KIF-12|Dnevni pazar|11|100|14.5299");
+}
+
+TEST_F(PrihRashEditor, OptionNotToComputeVatLeavesItAndPersists)
+{
+    settings::setFlag("Arbosa", "Settings", "KnjNeIzrPDV", true);
+    auto e = prihRash(96, 1);
+    EXPECT_TRUE(e->mnuNeIzrPDV->isChecked());
+    e->ubIznosPDV->setValue(Money::fromWhole(3));
+    e->ubIznos->setValue(Money::fromWhole(100));
+    EXPECT_EQ(e->ubIznosPDV->value(), Money::fromWhole(3));
+    e->mnuNeIzrPDV->trigger();
+    EXPECT_FALSE(settings::flag("Arbosa", "Settings", "KnjNeIzrPDV", true));
+    e->ubIznos->setValue(Money::fromWhole(117));
+    EXPECT_EQ(e->ubIznosPDV->value(), Money::fromWhole(17));
+}
+
+TEST_F(PrihRashEditor, ChecksRunInOrderWithTheirMessagesAndFocus)
+{
+    auto e = prihRash(96, 1);
+    run(*e, [&] {
+        save(*e,
+            { { "ubRBroj=0;dpDatum=2015-12-31", "Morate upisati redni broj veći od 0!", "ubRBroj" },
+                { "ubRBroj=4", "Godina unesenog datuma ne odgovara tekućoj radnoj godini! Ispravite!", "dpDatum" },
+                { "dpDatum=2016-01-02;txtIsprava=   ", "Mora se upisati isprava !", "txtIsprava" },
+                { "txtIsprava=I-1", "Mora se upisati šifra vrste knj.promjene!", "cmbVrsta" },
+                { "cmbVrsta=#3", "Iznos mora biti različit od nule !", "ubIznos" } });
+        EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 0);
+        EXPECT_TRUE(e->isVisible());
+        save(*e,
+            { { "ubIznos=-20", "Unesena vrijednost je negativna, pažljivo! Podatak će se upisati!", {}, "Napomena" } });
+    });
+    EXPECT_EQ(table("SELECT RBroj,Vrsta,Iznos FROM dbo.KnjPrihRashFBiH"), "4|16|-20");
+}
+
+TEST_F(PrihRashEditor, ChangingTheNumberCarriesTheReceivablesLink)
+{
+    insertFBiH(7, 11, "50", "7.2650");
+    insertLink(1, 7);
+    exec("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,SifKomit,Vrsta,Opis,"
+         "Isprava,Iznos,RBrojKPR) VALUES (1,2,'03.01.2015',2015,1,11,'Druga godina','R',10,7)");
+    auto e = prihRash(96, 2, 7);
+    run(*e, [&] {
+        EXPECT_EQ(values(*e, "txtIsprava;cmbVrsta;ubIznosPDV"), "D-7|11 - Prihod - Gotovina|7.265");
+        save(*e, { { "ubRBroj=9" } });
+    });
+    EXPECT_FALSE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(session().db().lastSql(),
+        "UPDATE dbo.KnjEvidPotrIObvFBiH SET RBrojKPR=9 WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBrojKPR=7");
+    // Another year keeps its link.
+    EXPECT_EQ(table("SELECT GodinaKnj,RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH ORDER BY GodinaKnj"), "2015|7\n2016|9");
+    EXPECT_EQ(table("SELECT RBroj,Isprava FROM dbo.KnjPrihRashFBiH"), "9|D-7");
+}
+
+TEST_F(PrihRashEditor, ALinkedEntryCannotBeDeletedAnUnlinkedOneCanAndAnUncheckedOneIs)
+{
+    insertFBiH(3, 16, "80", "0");
+    insertFBiH(4, 12, "90", "0");
+    insertLink(1, 3);
+    auto e = prihRash(96, 4, 3);
+    run(*e, [&] {
+        EXPECT_FALSE(e->txtIsprava->isEnabled());
+        EXPECT_TRUE(e->cmdSpremi->isEnabled());
+        EXPECT_EQ(e->cmdSpremi->text(), "Obriši");
+        save(*e,
+            { { {},
+                "Postoji vezana stavka sa ovom stavkom u knjizi evidencije potraživanja i obveza (redni "
+                "broj).\nNije moguće izbrisati zapis u knjizi prihoda i rashoda, dok se ne obriše "
+                "odgovarajući zapis u knjizi evid.obv.i potraživanja!" } });
+        EXPECT_TRUE(e->isVisible());
+    });
+    EXPECT_TRUE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 2);
+
+    auto d = prihRash(96, 4, 4);
+    run(*d, [&] { save(*d, { {} }); });
+    EXPECT_FALSE(d->IzišaoSaPrekidom());
+    EXPECT_EQ(table("SELECT RBroj FROM dbo.KnjPrihRashFBiH"), "3");
+
+    // When the link cannot be checked the deletion goes on, after saying so.
+    exec("DROP TABLE dbo.KnjEvidPotrIObvFBiH");
+    auto u = prihRash(96, 4, 3);
+    run(*u, [&] { save(*u, { { {}, "Desila se greška: u čitanju stavke.", {}, {}, Icon::None } }); });
+    EXPECT_FALSE(u->IzišaoSaPrekidom());
+    EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 0);
+}
+
+TEST_F(PrihRashEditor, TheDbBookHasNoVatAndNeverComputesIt)
+{
+    settings::setFlag("Arbosa", "Settings", "KnjNeIzrPDV", false);
+    auto e = prihRash(109, 1);
+    run(*e, [&] {
+        EXPECT_FALSE(e->ubIznosPDV->isVisible());
+        EXPECT_FALSE(e->lblIznosPDV->isVisible());
+        EXPECT_FALSE(e->menuBar->isVisible());
+        EXPECT_EQ(e->cmbVrsta->count(), 11);
+        EXPECT_EQ(e->cmbVrsta->itemText(0), " 5 - Prihod - Gotovina");
+        set(*e, "ubRBroj=1;dpDatum=2016-06-01;txtIsprava=B-1;cmbVrsta=#10;ubIznos=~100");
+        EXPECT_TRUE(e->ubIznosPDV->value().isZero());
+        save(*e, { {} });
+    });
+    EXPECT_FALSE(e->IzišaoSaPrekidom());
+    const ResultSet rs = rows("SELECT * FROM dbo.KnjPrihRashDB");
+    EXPECT_EQ(rs.indexOf("IznosPDV"), -1);
+    EXPECT_EQ(dump(rs), "1|1|2016-06-01|2016|B-1||16|100");
+
+    // Kind 16 maps back to the last list position; the DB book skips the link check.
+    auto d = prihRash(109, 4, 1);
+    run(*d, [&] {
+        EXPECT_EQ(d->cmbVrsta->currentIndex(), 10);
+        d->cmdSpremi->click();
+    });
+    EXPECT_EQ(count("dbo.KnjPrihRashDB"), 0);
+}
+
+TEST(EditorRules, KindListsMapCodesToPositionsBothWays)
+{
+    for (int book : { 96, 109, 97, 102, 99, 100 }) {
+        const QStringList texts = vrstaTexts(book);
+        ASSERT_FALSE(texts.isEmpty()) << book;
+        for (int i = 0; i < texts.size(); ++i)
+            EXPECT_EQ(vrstaPosition(book, vrstaCode(texts[i])), i) << book << " " << texts[i].toStdString();
+    }
+    // The expense list RS jumps from 10 to 13; the DB list from 7 to 9.
+    EXPECT_EQ(vrstaCode(vrstaTexts(100).at(6)), 10);
+    EXPECT_EQ(vrstaCode(vrstaTexts(100).at(7)), 13);
+    EXPECT_EQ(vrstaPosition(100, 11), -1);
+    EXPECT_EQ(vrstaCode(" 5 - Prihod - Gotovina"), 5);
+    EXPECT_EQ(vrstaCode("4 - Rashod - Materijalni troškovi"), 4);
+    EXPECT_EQ(vrstaCode(QString()), 0);
+    EXPECT_EQ(vrstaTexts(96).at(2), "13 - Prihod - Stvari i usluge");
+    EXPECT_EQ(vrstaTexts(96).at(4), "17 - Rashod - Bruto plaće zaposlenika");
+    EXPECT_EQ(vrstaTexts(109).at(10), "16 - Rashod - Rashodi PPDOH");
+    EXPECT_EQ(vrstaTexts(100).at(3), "7 - Rashod - Sponzorstva i donacije do 2% primanja");
+    EXPECT_TRUE(vrstaTexts(98).isEmpty());
+}
+
+TEST(EditorRules, ReadStatementsAndCaptionsAreTheSystemsTexts)
+{
+    EXPECT_EQ(readEntrySql(96, 2016, 1, 7),
+        "SELECT * FROM dbo.KnjPrihRashFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=7");
+    EXPECT_EQ(readEntrySql(109, 2016, 1, 7),
+        "SELECT * FROM dbo.KnjPrihRashDB WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=7");
+    EXPECT_EQ(readEntrySql(102, 2016, 3, 2),
+        "SELECT * FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=3 AND RBroj=2");
+    EXPECT_EQ(readEntrySql(101, 2016, 1, 1), readEntrySql(105, 2016, 1, 1));
+    EXPECT_EQ(readEntrySql(106, 2016, 1, 1),
+        "SELECT * FROM dbo.KnjPrometaFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=1");
+    EXPECT_EQ(readEntrySql(100, 2016, 1, 4),
+        "SELECT * FROM dbo.KnjRashodaRS WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=4");
+    // The year and the keyword touch in the trade books.
+    EXPECT_EQ(readEntrySql(125, 2016, 1, 5, 2),
+        "SELECT * FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=5");
+    EXPECT_EQ(readEntrySql(126, 2016, 1, 5, 2),
+        "SELECT * FROM dbo.TrgKnjKomisiona WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=5");
+
+    // The editors' own tests see the captions of new entries, changes and deletions of
+    // the income and expense books; these are the rest.
+    EXPECT_EQ(modeCaption(2, 97), "Izmjena stavke knjige evidencije Potraživanja i obveza");
+    EXPECT_EQ(modeCaption(4, 105), "Brisanje stavke popisne liste dugotrajne imovine");
+    EXPECT_EQ(modeCaption(2, 126), "Izmjena stavke trg.knjige komisione robe");
+    EXPECT_EQ(modeCaption(3, 98), "Pretraživanje");
+    EXPECT_EQ(modeCaption(7, 98), QString());
+}
+
+TEST(EditorRules, VatSearchPeriodAndTheReceivablesWarningBeforeARefusal)
+{
+    EXPECT_EQ(vatContained(-Money::fromWhole(100)), -Money::fromUnits(145299));
+    const struct {
+        QDate today;
+        int year;
+        QDate from, to;
+    } periods[] = {
+        // 10 January of the working year: from 11 December of the year before, to today.
+        { { 2016, 1, 10 }, 2016, { 2015, 12, 11 }, { 2016, 1, 10 } },
+        // A past working year pulls both dates back into it.
+        { { 2017, 3, 15 }, 2016, { 2016, 1, 1 }, { 2016, 12, 31 } },
+        // Early January: the start stays in the working year, the end is pulled back.
+        { { 2017, 1, 5 }, 2016, { 2016, 12, 6 }, { 2016, 12, 31 } },
+        // A working year after today's is left as computed.
+        { { 2016, 6, 30 }, 2017, { 2016, 5, 31 }, { 2016, 6, 30 } },
+    };
+    for (const auto& p : periods)
+        EXPECT_EQ(searchPeriod(p.today, p.year), std::make_pair(p.from, p.to)) << p.today.toString().toStdString();
+
+    // The receivables warning on a missing link comes before the document check.
+    const Findings f
+        = checkEvid({ 1, QDate(2016, 2, 2), 1, "11 - Izdati racuni", 0, QString(), Money::fromWhole(1) }, 2016);
+    ASSERT_EQ(f.size(), 2);
+    EXPECT_TRUE(f[0].warning);
+    EXPECT_EQ(f[1].text, "Mora se upisati isprava !");
+    EXPECT_TRUE(refuses(f));
+}
+
+TEST(EditorRules, AnEntryReadByItsNumberIsTheOneTheListShows)
+{
+    ResultSet read({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
+        { "Iznos", FieldType::Currency }, { "Vrsta", FieldType::Integer } });
+    // The list names its kind column by text and shows the amount as an integer.
+    ResultSet list({ { "RBroj", FieldType::Integer }, { "Vrsta", FieldType::Text }, { "Datum", FieldType::Date },
+        { "Opis", FieldType::Text }, { "Iznos", FieldType::Integer }, { "Prihodi", FieldType::Currency } });
+    const QDate first(2016, 3, 1), second(2016, 3, 2);
+    for (const auto& [d, opis, iznos] :
+        { std::tuple(first, "Prva", 10), { second, "Druga", 20 }, { second, "Druga", 30 } }) {
+        read.appendRow();
+        read.setInteger(0, 5);
+        read.setDate(1, d);
+        read.setText(2, opis);
+        read.setMoney(3, Money::fromWhole(iznos));
+        read.setInteger(4, 5);
+    }
+    for (const auto& [d, opis, iznos] :
+        { std::tuple(second, "Druga", 30), { first, "Prva", 10 }, { second, "Druga", 20 } }) {
+        list.appendRow();
+        list.setInteger(0, 5);
+        list.setText(1, "Prihod - Robe");
+        list.setDate(2, d);
+        list.setText(3, opis);
+        list.setInteger(4, iznos);
+        list.setNull(5);
+    }
+    EXPECT_EQ(matchingRow(read, &list, 0), 2);
+    EXPECT_EQ(matchingRow(read, &list, 1), 0);
+    EXPECT_EQ(matchingRow(read, &list, 2), 1);
+    // Without a list row the first is taken; without candidates there is none.
+    EXPECT_EQ(matchingRow(read, nullptr, -1), 0);
+    EXPECT_EQ(matchingRow(read, &list, -1), 0);
+    EXPECT_EQ(matchingRow(ResultSet(read.fields()), &list, 0), -1);
+
+    const ResultSet one = singleRow(read, 2);
+    ASSERT_EQ(one.rowCount(), 1);
+    EXPECT_EQ(one.money(0, 3), Money::fromWhole(30));
+    EXPECT_EQ(one.text(0, 2), "Druga");
+    EXPECT_EQ(one.date(0, 1), second);
 }
