@@ -139,8 +139,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
 TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
 {
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
     answer([](RecordEditor& e) { return e.setSkladište(demo::Maloprodaja2), true; });
     for (int kind : { 125, 126, 125 }) {
         const int before = filters;
@@ -172,8 +171,7 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
 
 TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
 {
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
     const int partner = int(db->query("SELECT MIN(SifKomit) AS S FROM dbo.Komitent").integer(0, 0));
     const QList<std::tuple<int, QString, QString>> cases = {
         // kind, control, column

@@ -4,7 +4,7 @@
 #include "session/HostServices.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
-#include "test_rows.h"
+#include "test_helpers.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -5,7 +5,7 @@
 #include "session/ResultSet.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
-#include "test_rows.h"
+#include "test_helpers.h"
 
 #include <functional>
 #include <gtest/gtest.h>

@@ -48,8 +48,8 @@ protected:
     {
         BrowserTest::SetUp();
         previousStore = gen::setPasswordStore(std::make_unique<MemoryStore>());
+        ASSERT_TRUE(fillDemo(db->db(), 2016));
         QString error;
-        ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
         ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
         ASSERT_TRUE(fillDemoSources(db->db(), 2016, { gen::imeOperateraSustava() }, &error)) << error.toStdString();
     }

@@ -15,6 +15,7 @@
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
+#include "test_helpers.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -54,8 +55,7 @@ protected:
     {
         test::clearSettings();
         m_db = std::make_unique<test::TestDatabase>(demo::BrojPoduzeca, qint16(m_year));
-        QString error;
-        ASSERT_TRUE(fillDemoData(m_db->db(), m_year, &error)) << error.toStdString();
+        ASSERT_TRUE(test::fillDemo(m_db->db(), m_year));
         m_db->exec(host::PravaRights::createSql()); // a host's database has its rights table
         m_conn = session().ConnString;
         // The chooser is the host: the component's session starts empty.
@@ -275,11 +275,7 @@ namespace
 class HostPickers : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        QString error;
-        ASSERT_TRUE(fillDemoData(m_db.db(), 2024, &error)) << error.toStdString();
-    }
+    void SetUp() override { ASSERT_TRUE(test::fillDemo(m_db.db(), 2024)); }
     static QStringList names(const QVector<Partner>& list)
     {
         QStringList out;
@@ -389,8 +385,7 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
 {
     const int year = QDate::currentDate().year();
     test::TestDatabase db(demo::BrojPoduzeca, qint16(year));
-    QString error;
-    ASSERT_TRUE(fillDemoData(db.db(), year, &error)) << error.toStdString();
+    ASSERT_TRUE(test::fillDemo(db.db(), year));
     db.exec(host::PravaRights::createSql());
     const QString path = db.path();
     session().reset();

@@ -1,7 +1,6 @@
 // "Prebaci u Excel" from the browser: the dialog's checks and messages in order, the
 // overwrite question, the file as written, the program start, the remembered options,
 // and a filtered and sorted book writing only its rows in the order shown.
-#include "books/DemoData.h"
 #include "host/ExportCommand.h"
 #include "output/OfficeExport.h"
 #include "output/widgets/frmOfficeExportPost.h"
@@ -185,8 +184,7 @@ TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
     settings::setText("Arbosa", "Settings", "ExpNazivDat", "/home/amra/Dokumenti/Export.csv");
     auto w = open(96);
     exportFrom(*w, [&](frmOfficeExportPost& f) {

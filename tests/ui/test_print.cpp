@@ -2,7 +2,6 @@
 // the sums carried from page to page, the totals against the browser's "Ukupno:" row,
 // the print command's PDF against the window's, the recapitulation and the preview.
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "browser/widgets/BrowserPrint.h"
 #include "host/PrintCommand.h"
 #include "output/ReportLayout.h"
@@ -311,8 +310,7 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
     auto w = open(96);
     QString picture;
     script->onDialog = [&](QDialog& dialog) {
@@ -326,6 +324,7 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
     w->mnu_Click(6);
     picture = dir + QStringLiteral("/ispis-pregled-rekapitulacija.png");
     w->Rekapitulacija();
+    QString error;
     ASSERT_TRUE(recapitulationReport(*w)->writePdf(dir + QStringLiteral("/rekapitulacija.pdf"), &error));
     EXPECT_TRUE(script->messages.isEmpty()) << script->texts().join(u'\n').toStdString();
 }

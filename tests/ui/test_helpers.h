@@ -1,8 +1,10 @@
 #pragma once
 
+#include "books/DemoData.h"
 #include "session/ResultSet.h"
 
 #include <QStringList>
+#include <gtest/gtest.h>
 
 namespace knjige::test
 {
@@ -20,6 +22,16 @@ inline QString dump(const ResultSet& rs)
         rows << values.join(u'|');
     }
     return rows.join(u'\n');
+}
+
+// Fills `db` with the demonstration company's books of `year`; false (and a test
+// failure with the reason) when that fails.
+inline bool fillDemo(Database& db, int year)
+{
+    QString error;
+    const bool ok = fillDemoData(db, year, &error);
+    EXPECT_TRUE(ok) << error.toStdString();
+    return ok;
 }
 
 } // namespace knjige::test
