@@ -322,11 +322,6 @@ namespace
 class PrihRashEditor : public EditorTest
 {
 protected:
-    void SetUp() override
-    {
-        EditorTest::SetUp();
-        clearSettings();
-    }
     static std::unique_ptr<frmKnjPRashFBiHPregled> prihRash(int book, int mode, qint32 redniBroj = 0)
     {
         return editor<frmKnjPRashFBiHPregled>(book, mode, redniBroj);

@@ -1,7 +1,6 @@
 #include "test_editor_fixture.h"
 
 #include "editors/widgets/MoneyBox.h"
-#include "session/HostServices.h"
 #include "session/Session.h"
 
 #include <QApplication>
@@ -12,17 +11,9 @@ namespace knjige::test
 
 void EditorTest::SetUp()
 {
-    m_db = std::make_unique<TestDatabase>(1, 2016);
-    dbPath = m_db->path();
-    exec("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (1,'Prodavnica Centar')");
-    exec("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (2,'Prodavnica Zapad')");
-    installHostServices({});
-}
-
-void EditorTest::TearDown()
-{
-    installHostServices({});
-    m_db.reset();
+    BrowserTest::SetUp();
+    addPartner(1, "Prodavnica Centar");
+    addPartner(2, "Prodavnica Zapad");
 }
 
 void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
@@ -114,26 +105,6 @@ void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)
             EXPECT_EQ(focusOf(editor), t.focus);
         }
     }
-}
-
-ResultSet EditorTest::rows(const QString& sql)
-{
-    ResultSet rs;
-    const bool ok = session().db().open(sql, rs);
-    EXPECT_TRUE(ok) << sql.toStdString() << ": " << session().db().errorDescription().toStdString();
-    return rs;
-}
-
-void EditorTest::exec(const QString& sql)
-{
-    const bool ok = session().db().execute(sql);
-    ASSERT_TRUE(ok) << sql.toStdString() << ": " << session().db().errorDescription().toStdString();
-}
-
-int EditorTest::count(const QString& table)
-{
-    const ResultSet rs = rows(QStringLiteral("SELECT COUNT(*) AS N FROM ") + table);
-    return rs.isEmpty() ? -1 : int(rs.integer(0, 0));
 }
 
 QString EditorTest::focusOf(RecordEditor& editor)

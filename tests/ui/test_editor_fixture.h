@@ -2,14 +2,9 @@
 
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/RecordEditor.h"
-#include "session/ResultSet.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TestDatabase.h"
-#include "test_helpers.h"
+#include "test_browser_fixture.h"
 
 #include <functional>
-#include <gtest/gtest.h>
-#include <memory>
 
 namespace knjige::test
 {
@@ -40,14 +35,12 @@ void set(RecordEditor& editor, const QString& assignments);
 // form, a date in ISO form, a list's current text.
 QString values(RecordEditor& editor, const QString& names);
 
-// A fresh embedded database with the books' schema for each test, the session on
-// company 1 and working year 2016, two partners (1 "Prodavnica Centar", 2 "Prodavnica
-// Zapad"), and a scripted person that records every message.
-class EditorTest : public ::testing::Test
+// The browser's fixture with two partners (1 "Prodavnica Centar", 2 "Prodavnica Zapad")
+// for the editors to find.
+class EditorTest : public BrowserTest
 {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     // Shows the editor through the seam; `inside` runs while it is "on screen". The
     // dialog is shown (offscreen) so that focus and keys behave as for a person.
@@ -63,22 +56,15 @@ protected:
     }
     // Makes each try in turn, checking what follows it.
     void save(RecordEditor& editor, const QList<Try>& tries);
-    // The rows of a statement (T-SQL as the system writes it); fails the test on error.
-    ResultSet rows(const QString& sql);
-    void exec(const QString& sql);
-    int count(const QString& table);
-    QString table(const QString& sql) { return dump(rows(sql)); }
+    // Statements in T-SQL as the system writes it; a failure fails the test.
+    ResultSet rows(const QString& sql) { return db->query(sql); }
+    void exec(const QString& sql) { db->exec(sql); }
+    int count(const QString& table) { return db->count(table); }
     // The texts of the messages shown so far, and the last one.
     QStringList texts() { return script->texts(); }
     Message lastMessage() { return script->messages.isEmpty() ? Message {} : script->messages.last(); }
     // The objectName of the control that has (or will have, once shown) the focus.
     static QString focusOf(RecordEditor& editor);
-
-    QString dbPath;
-    ScopedScript script;
-
-private:
-    std::unique_ptr<TestDatabase> m_db;
 };
 
 } // namespace knjige::test

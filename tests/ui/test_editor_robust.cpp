@@ -93,7 +93,7 @@ TEST_F(RobustEditor, ARefusedOrFailedSaveKeepsTheInputAndASecondTrySaves)
             { { kFill + "Ostaje u dijalogu;dpDatum=2017-01-01",
                 "Godina unesenog datuma ne odgovara tekućoj radnoj godini! Ispravite!" } });
         set(*e, "dpDatum=2016-10-10");
-        session().ConnString = dbPath + QStringLiteral(".nema");
+        session().ConnString = db->path() + QStringLiteral(".nema");
         e->cmdSpremi->click();
         ASSERT_EQ(script->messages.size(), 2);
         EXPECT_TRUE(lastMessage().text.startsWith(kSaveFailed)) << lastMessage().text.toStdString();
@@ -101,7 +101,7 @@ TEST_F(RobustEditor, ARefusedOrFailedSaveKeepsTheInputAndASecondTrySaves)
         EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
         EXPECT_TRUE(e->isVisible());
         EXPECT_EQ(values(*e, "txtOpis;ubGotovina"), "Ostaje u dijalogu|12345.6789");
-        session().ConnString = dbPath;
+        session().ConnString = db->path();
         EXPECT_EQ(count("dbo.KnjPrometaFBiH"), 0);
         e->cmdSpremi->click();
     });
