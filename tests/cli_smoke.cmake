@@ -55,13 +55,18 @@ endfunction()
 
 set(db "${WORK}/knjige.db")
 
-# --- help lists every command ---------------------------------------------------------
+# --- help lists every command, and each command's help shows one example ----------------
 knjige(help --help)
 expect_ok(help "knjige --help")
-foreach(command "knjige init" "knjige query" "knjige print")
-  string(FIND "${help_out}" "${command}" at)
+foreach(command init query open print export)
+  string(FIND "${help_out}" "knjige ${command}" at)
   if(at LESS 0)
-    message(FATAL_ERROR "knjige --help does not list ${command}:\n${help_out}")
+    message(FATAL_ERROR "knjige --help does not list knjige ${command}:\n${help_out}")
+  endif()
+  knjige(one ${command} --help)
+  string(FIND "${one_out}" "Primjer: knjige ${command} " at)
+  if(NOT one_rc EQUAL 0 OR at LESS 0)
+    message(FATAL_ERROR "knjige ${command} --help shows no example:\n${one_out}${one_err}")
   endif()
 endforeach()
 

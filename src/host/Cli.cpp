@@ -292,7 +292,8 @@ QString initUsage()
         "  Pravi novu ugrađenu bazu knjiga (SQLite) s tablicama svih knjiga.\n"
         "  --db PUTANJA  datoteka nove baze (zadano: %1)\n"
         "  --demo        upiše i demo poduzeće s knjigama za tekuću godinu\n"
-        "  --force       zamijeni postojeću datoteku (bez toga postojeća ostaje netaknuta)\n")
+        "  --force       zamijeni postojeću datoteku (bez toga postojeća ostaje netaknuta)\n"
+        "  Primjer: knjige init --db knjige.db --demo\n")
         .arg(QDir::toNativeSeparators(defaultDatabasePath()));
 }
 
@@ -310,7 +311,8 @@ QString queryUsage()
         "  --conn TEKST    connection string: Provider=SQLOLEDB.1;Data Source=...;Initial Catalog=...,\n"
         "                  ODBC (Driver=...;... ili DSN=...) ili putanja do datoteke baze\n"
         "  --types         drugi red: vrsta podatka svakog polja (integer, currency, decimal,\n"
-        "                  float, date, text, boolean)\n");
+        "                  float, date, text, boolean)\n"
+        "  Primjer: knjige query --db knjige.db \"SELECT COUNT(*) AS N FROM dbo.KnjPrihRashFBiH\"\n");
 }
 
 QString defaultDatabasePath()

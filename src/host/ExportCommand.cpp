@@ -139,7 +139,8 @@ QString exportUsage()
         "  --decimal       znak za decimalnu točku u brojevima, . ili , (zadano ,)\n"
         "  --quote         nazivi i tekstovi u navodnicima\n"
         "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
-        "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n");
+        "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n"
+        "  Primjer: knjige export 96 --db knjige.db --company 1 --year 2026 --out knjiga-96.csv\n");
 }
 
 int runExport(const QStringList& args)

@@ -50,38 +50,14 @@ const QStringList kValueOptions = { QStringLiteral("--db"), QStringLiteral("--co
     QStringLiteral("--year"), QStringLiteral("--operator"), QStringLiteral("--level"), QStringLiteral("--screenshot"),
     QStringLiteral("--period"), QStringLiteral("--prod") };
 
-struct Options {
-    QMap<QString, QString> values;
-    QStringList positional;
-    bool help = false;
-    QString error;
-};
+using cli::Options;
 
 Options parseOptions(const QStringList& args)
 {
-    Options o;
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        const QString name = a.section(u'=', 0, 0);
-        if (kValueOptions.contains(name)) {
-            if (a.contains(u'='))
-                o.values[name] = a.section(u'=', 1);
-            else if (i + 1 < args.size())
-                o.values[name] = args[++i];
-            else
-                o.error = QStringLiteral("Opcija %1 traži vrijednost.").arg(name);
-        } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
-            o.help = true;
-        } else if (a.startsWith(u'-') && a.size() > 1) {
-            o.error = QStringLiteral("Nepoznata opcija: %1").arg(a);
-        } else {
-            o.positional << a;
-        }
-        if (!o.error.isEmpty())
-            break;
-    }
-    return o;
+    return cli::commandOptions(args, kValueOptions, {});
 }
+
+bool wantsHelp(const Options& o) { return o.flags.contains(QStringLiteral("--help")); }
 
 bool hasDisplay()
 {
@@ -367,7 +343,7 @@ QString chooserUsage()
     return QStringLiteral("knjige [opcije]\n"
                           "  Izbor knjige: dvanaest knjiga, firma, radna godina, operater; \"Otvori\" otvara\n"
                           "  knjigu kao što to čini glavni program.\n")
-        + commonOptions();
+        + commonOptions() + QStringLiteral("  Primjer: knjige --db knjige.db --operator Ana\n");
 }
 
 QString openUsage()
@@ -376,7 +352,8 @@ QString openUsage()
                           "  Otvori jednu knjigu kao glavni program. KNJIGA je šifra ili naziv klase:\n")
         + bookList() + commonOptions()
         + QStringLiteral("  --period OD-DO    samo period, kao filter po datumima (01.03.2026-31.03.2026)\n"
-                         "  --prod BROJ       trgovačke knjige: prodavnica (inače ona iz pitanja pri otvaranju)\n");
+                         "  --prod BROJ       trgovačke knjige: prodavnica (inače ona iz pitanja pri otvaranju)\n"
+                         "  Primjer: knjige open 96 --db knjige.db --period 01.03.2026-31.03.2026\n");
 }
 
 int runChooser(const QStringList& args)
@@ -384,7 +361,7 @@ int runChooser(const QStringList& args)
     const Options o = parseOptions(args);
     if (!o.error.isEmpty())
         return complain(o.error + u'\n' + chooserUsage(), Usage);
-    if (o.help) {
+    if (wantsHelp(o)) {
         QTextStream(stdout) << chooserUsage();
         return Done;
     }
@@ -415,7 +392,7 @@ int runOpen(const QStringList& args)
     const Options o = parseOptions(args);
     if (!o.error.isEmpty())
         return complain(o.error + u'\n' + openUsage(), Usage);
-    if (o.help) {
+    if (wantsHelp(o)) {
         QTextStream(stdout) << openUsage();
         return Done;
     }

@@ -1,16 +1,15 @@
 #include "host/PrintCommand.h"
 
 #include "books/BookKind.h"
+#include "host/Cli.h"
 #include "browser/BrowserRules.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
 #include "output/widgets/ReportPrinter.h"
-#include "session/ConnectionString.h"
 #include "session/Session.h"
 
 #include <QFileInfo>
-#include <QMap>
 #include <QTextStream>
 
 namespace knjige::host
@@ -31,39 +30,7 @@ int usageError(const QString& message)
     return complain(message + u'\n' + printUsage(), Usage);
 }
 
-struct Options {
-    QMap<QString, QString> values;
-    QStringList positional;
-    bool help = false;
-    QString error;
-};
-
-Options parse(const QStringList& args)
-{
-    static const QStringList valueOptions = { QStringLiteral("--db"), QStringLiteral("--conn"),
-        QStringLiteral("--company"), QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
-        QStringLiteral("--pdf"), QStringLiteral("--operator") };
-    Options o;
-    for (int i = 0; i < args.size() && o.error.isEmpty(); ++i) {
-        const QString& a = args[i];
-        const QString name = a.section(u'=', 0, 0);
-        if (valueOptions.contains(name)) {
-            if (a.contains(u'='))
-                o.values[name] = a.section(u'=', 1);
-            else if (i + 1 < args.size())
-                o.values[name] = args[++i];
-            else
-                o.error = QStringLiteral("Opcija %1 traži vrijednost.").arg(name);
-        } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
-            o.help = true;
-        } else if (a.startsWith(u'-') && a.size() > 1) {
-            o.error = QStringLiteral("Nepoznata opcija: %1").arg(a);
-        } else {
-            o.positional << a;
-        }
-    }
-    return o;
-}
+using cli::Options;
 
 // "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH"; 0 for none.
 int bookCode(const QString& text)
@@ -81,28 +48,6 @@ bool number(const Options& o, const char* option, int least, int most, int* valu
     bool ok = false;
     *value = o.values.value(QString::fromLatin1(option)).trimmed().toInt(&ok);
     return ok && *value >= least && *value <= most;
-}
-
-// The connection string of --db or --conn; empty with the problem printed.
-QString connection(const Options& o, int* code)
-{
-    const bool db = o.values.contains(QStringLiteral("--db"));
-    if (db == o.values.contains(QStringLiteral("--conn"))) {
-        *code = usageError(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga)."));
-        return {};
-    }
-    QString conn = db ? QStringLiteral("sqlite:") + QFileInfo(o.values.value(QStringLiteral("--db"))).absoluteFilePath()
-                      : o.values.value(QStringLiteral("--conn"));
-    const ConnectionTarget target = parseConnectionString(conn);
-    if (target.kind == ConnectionTarget::Kind::Invalid) {
-        *code = complain(target.error);
-        return {};
-    }
-    if (target.kind == ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
-        *code = complain(QStringLiteral("Datoteka baze %1 ne postoji.").arg(target.sqlitePath));
-        return {};
-    }
-    return conn;
 }
 
 struct Request {
@@ -155,7 +100,7 @@ bool request(const Options& o, Request* r, int* code)
     }
     r->company = qint16(company);
     r->year = qint16(year);
-    r->conn = connection(o, code);
+    r->conn = cli::commandConnection(o, printUsage(), code);
     return !r->conn.isEmpty();
 }
 
@@ -215,15 +160,19 @@ QString printUsage()
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa\n"
-        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n");
+        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n"
+        "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
 }
 
 int runPrint(const QStringList& args)
 {
-    const Options o = parse(args);
+    const Options o = cli::commandOptions(args,
+        { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"), QStringLiteral("--year"),
+            QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--pdf"), QStringLiteral("--operator") },
+        {});
     if (!o.error.isEmpty())
         return usageError(o.error);
-    if (o.help) {
+    if (o.flags.contains(QStringLiteral("--help"))) {
         QTextStream(stdout) << printUsage();
         return Done;
     }
