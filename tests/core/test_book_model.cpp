@@ -1,8 +1,16 @@
+// The browser's grid model and rules: totals rows, formats, sorting, finding rows, the
+// menu entries per kind and level, window geometry, and the grid as a workbook.
 #include "books/BookKind.h"
 #include "browser/BookModel.h"
+#include "browser/BrowserRules.h"
+#include "output/GridWorkbook.h"
+#include "support/Sandbox.h"
 
 #include <QAbstractItemModelTester>
+#include <QFile>
 #include <QLocale>
+#include <QProcess>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -12,33 +20,25 @@ namespace {
 
 Money money(const char* text) { return Money::parse(QString::fromLatin1(text)).value(); }
 
-// The fields of the FBiH income and expense book's SELECT, typed as the server types
-// them.
+// The fields of the FBiH income and expense book's SELECT, typed as the server types them.
 ResultSet incomeExpenseRows()
 {
-    ResultSet rs({{"RBroj", FieldType::Integer},     {"GodinaKnj", FieldType::Integer},
-                  {"Datum", FieldType::Date},        {"Isprava", FieldType::Text},
-                  {"Opis", FieldType::Text},         {"Vrsta", FieldType::Integer},
-                  {"NazivVrste", FieldType::Text},   {"Prihodi", FieldType::Currency},
-                  {"PDVPrihodi", FieldType::Currency}, {"Rashodi", FieldType::Currency},
-                  {"PDVRashodi", FieldType::Currency}, {"I", FieldType::Text}});
-    struct Row {
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
+        { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "Vrsta", FieldType::Integer },
+        { "NazivVrste", FieldType::Text }, { "Prihodi", FieldType::Currency }, { "PDVPrihodi", FieldType::Currency },
+        { "Rashodi", FieldType::Currency }, { "PDVRashodi", FieldType::Currency }, { "I", FieldType::Text } });
+    const struct {
         int rbroj;
         QDate datum;
-        const char* opis;
+        const char *opis, *prihodi, *pdvPrihodi, *rashodi, *pdvRashodi;
         int vrsta;
-        const char* prihodi;
-        const char* pdvPrihodi;
-        const char* rashodi;
-        const char* pdvRashodi;
+    } rows[] = {
+        { 1, { 2016, 1, 4 }, "Pazar", "1170.00", "170.00", "0", "0", 11 },
+        { 2, { 2016, 1, 9 }, "banka", "2340.50", "340.07", "0", "0", 12 },
+        { 3, { 2016, 2, 1 }, "Nabavka", "0", "0", "585.00", "85.00", 16 },
+        { 4, { 2016, 2, 1 }, "Amortizacija", "0", "0", "1000000.25", "0", 19 },
     };
-    const Row rows[] = {
-        {1, {2016, 1, 4}, "Pazar", 11, "1170.00", "170.00", "0", "0"},
-        {2, {2016, 1, 9}, "banka", 12, "2340.50", "340.07", "0", "0"},
-        {3, {2016, 2, 1}, "Nabavka", 16, "0", "0", "585.00", "85.00"},
-        {4, {2016, 2, 1}, "Amortizacija", 19, "0", "0", "1000000.25", "0"},
-    };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         rs.appendRow();
         rs.setInteger(0, r.rbroj);
         rs.setInteger(1, 2016);
@@ -47,10 +47,8 @@ ResultSet incomeExpenseRows()
         rs.setText(4, QString::fromLatin1(r.opis));
         rs.setInteger(5, r.vrsta);
         rs.setText(6, entryKindText(96, r.vrsta));
-        rs.setMoney(7, money(r.prihodi));
-        rs.setMoney(8, money(r.pdvPrihodi));
-        rs.setMoney(9, money(r.rashodi));
-        rs.setMoney(10, money(r.pdvRashodi));
+        for (const auto& [c, amount] : { std::pair { 7, r.prihodi }, { 8, r.pdvPrihodi }, { 9, r.rashodi }, { 10, r.pdvRashodi } })
+            rs.setMoney(c, money(amount));
         rs.setText(11, QString());
     }
     return rs;
@@ -58,13 +56,11 @@ ResultSet incomeExpenseRows()
 
 ResultSet assetRows()
 {
-    ResultSet rs({{"RBroj", FieldType::Integer},        {"Naziv", FieldType::Text},
-                  {"Datum", FieldType::Date},           {"Isprava", FieldType::Text},
-                  {"NabVrijednost", FieldType::Currency}, {"KnjigVrijednost", FieldType::Currency},
-                  {"VijekTr", FieldType::Integer},      {"StopaAm", FieldType::Currency},
-                  {"IznosAmort", FieldType::Decimal},   {"NovaKnjigVrij", FieldType::Decimal},
-                  {"I", FieldType::Text}});
-    const int vijek[] = {5, 8, 4};
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Naziv", FieldType::Text }, { "Datum", FieldType::Date },
+        { "Isprava", FieldType::Text }, { "NabVrijednost", FieldType::Currency },
+        { "KnjigVrijednost", FieldType::Currency }, { "VijekTr", FieldType::Integer }, { "StopaAm", FieldType::Currency },
+        { "IznosAmort", FieldType::Decimal }, { "NovaKnjigVrij", FieldType::Decimal }, { "I", FieldType::Text } });
+    const int vijek[] = { 5, 8, 4 };
     for (int i = 0; i < 3; ++i) {
         rs.appendRow();
         rs.setInteger(0, i + 1);
@@ -80,34 +76,44 @@ ResultSet assetRows()
     return rs;
 }
 
-QString rowHeader(const BookModel& m, int row) { return m.headerData(row, Qt::Vertical).toString(); }
+// One grid row as the person sees it: the row header, then every cell, each with a *
+// when it is bold.
+std::string shown(const BookModel& m, int row)
+{
+    const auto bold = [](const QVariant& v) { return v.toBool() ? QStringLiteral("*") : QString(); };
+    QStringList out { m.headerData(row, Qt::Vertical).toString()
+        + bold(m.headerData(row, Qt::Vertical, BookModel::BoldRole)) };
+    for (int c = 0; c < m.columnCount(); ++c)
+        out << m.displayText(row, c) + bold(m.data(m.index(row, c), BookModel::BoldRole));
+    return out.join(u'|').toStdString();
+}
+
+// One column of the entries, top to bottom.
+std::string column(const BookModel& m, int c)
+{
+    QStringList out;
+    for (int r = 0; r < m.rowCount(); ++r)
+        if (!m.isTotalsRow(r))
+            out << m.displayText(r, c);
+    return out.join(u',').toStdString();
+}
 
 } // namespace
 
 TEST(BookTotals, EachKindSumsItsOwnColumnsWithItsOwnBoldCells)
 {
-    auto layout = [](int kind) {
+    const std::pair<int, const char*> cases[] = { { 96, "8b 9 10 11" }, { 109, "8b 9 10 11" },
+        { 97, "8b 9b 10b 11b" }, { 102, "8b 9b 10b 11b" }, { 98, "6b 7b" }, { 106, "7b 8b" }, { 99, "5b 6" },
+        { 100, "5b 6" }, { 101, "5b 6 8 9 10" }, { 105, "5b 6 8 9 10" }, { 125, "5b" }, { 126, "5b 6b" }, { 103, "" } };
+    for (const auto& [kind, layout] : cases) {
         QStringList out;
         for (const TotalsColumn& c : totalsColumns(kind))
             out << QString::number(c.gridColumn) + (c.bold ? QStringLiteral("b") : QString());
-        return out.join(u' ');
-    };
-    EXPECT_EQ(layout(96), QStringLiteral("8b 9 10 11"));
-    EXPECT_EQ(layout(109), QStringLiteral("8b 9 10 11"));
-    EXPECT_EQ(layout(97), QStringLiteral("8b 9b 10b 11b"));
-    EXPECT_EQ(layout(102), QStringLiteral("8b 9b 10b 11b"));
-    EXPECT_EQ(layout(98), QStringLiteral("6b 7b"));
-    EXPECT_EQ(layout(106), QStringLiteral("7b 8b"));
-    EXPECT_EQ(layout(99), QStringLiteral("5b 6"));
-    EXPECT_EQ(layout(100), QStringLiteral("5b 6"));
-    EXPECT_EQ(layout(101), QStringLiteral("5b 6 8 9 10"));
-    EXPECT_EQ(layout(105), QStringLiteral("5b 6 8 9 10"));
-    EXPECT_EQ(layout(125), QStringLiteral("5b"));
-    EXPECT_EQ(layout(126), QStringLiteral("5b 6b"));
-    EXPECT_TRUE(totalsColumns(103).isEmpty());
+        EXPECT_EQ(out.join(u' ').toStdString(), layout) << kind;
+    }
 }
 
-TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntries)
+TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 {
     BookModel m;
     m.setLocale(QLocale::c());
@@ -115,22 +121,12 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntries)
     m.setResultSet(incomeExpenseRows());
     ASSERT_EQ(m.rowCount(), 6);
     EXPECT_EQ(m.columnCount(), 12);
-    for (int row : {0, 5}) {
+    // Grid columns 8 to 11 are model columns 7 to 10; only the first is bold.
+    for (int row : { 0, 5 }) {
         EXPECT_TRUE(m.isTotalsRow(row));
         EXPECT_EQ(m.dataRow(row), -1);
-        EXPECT_EQ(rowHeader(m, row), QStringLiteral("Ukupno:"));
-        EXPECT_TRUE(m.headerData(row, Qt::Vertical, BookModel::BoldRole).toBool());
-        // Grid columns 8 to 11 are model columns 7 to 10.
-        EXPECT_EQ(m.displayText(row, 7), QStringLiteral("3,510.50"));
-        EXPECT_EQ(m.displayText(row, 8), QStringLiteral("510.07"));
-        EXPECT_EQ(m.displayText(row, 9), QStringLiteral("1,000,585.25"));
-        EXPECT_EQ(m.displayText(row, 10), QStringLiteral("85.00"));
-        EXPECT_TRUE(m.data(m.index(row, 7), BookModel::BoldRole).toBool());
-        EXPECT_FALSE(m.data(m.index(row, 8), BookModel::BoldRole).toBool());
-        EXPECT_FALSE(m.data(m.index(row, 10), BookModel::BoldRole).toBool());
+        EXPECT_EQ(shown(m, row), "Ukupno:*||||||||3,510.50*|510.07|1,000,585.25|85.00|");
         EXPECT_TRUE(m.data(m.index(row, 3), BookModel::TotalsRowRole).toBool());
-        EXPECT_EQ(m.displayText(row, 0), QString());   // not summed
-        EXPECT_EQ(m.displayText(row, 4), QString());
     }
     EXPECT_EQ(m.total(8), money("3510.50"));
     EXPECT_FALSE(m.total(5).has_value());
@@ -138,41 +134,21 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntries)
     EXPECT_EQ(m.dataRow(1), 0);
     EXPECT_EQ(m.dataRow(4), 3);
     EXPECT_EQ(m.modelRow(3), 4);
-    EXPECT_EQ(rowHeader(m, 2), QString());
-    EXPECT_FALSE(m.data(m.index(2, 7), BookModel::BoldRole).toBool());
-    EXPECT_EQ(m.displayText(1, 4), QStringLiteral("Pazar"));
-}
+    EXPECT_EQ(shown(m, 1), "|1|2,016|04.01.16|D-1|Pazar|11|Prihod - Gotovina|1,170.00|170.00|0.00|0.00|");
 
-TEST(BookModel, AssetListTotalsIncludeTheRateColumn)
-{
-    BookModel m;
-    m.setLocale(QLocale::c());
+    // The asset list sums the rate column too: 100/5 + 100/8 + 100/4 = 20 + 12.5 + 25.
     m.setBookKind(105);
     m.setResultSet(assetRows());
     ASSERT_EQ(m.rowCount(), 5);
-    // 100/5 + 100/8 + 100/4 = 20 + 12.5 + 25
     EXPECT_EQ(m.total(8), money("57.5"));
-    EXPECT_EQ(m.displayText(0, 7), QStringLiteral("57.50"));
-    EXPECT_EQ(m.displayText(4, 4), QStringLiteral("3,000.00"));
-    EXPECT_EQ(m.displayText(4, 5), QStringLiteral("2,400.00"));
-    EXPECT_EQ(m.displayText(4, 8), QStringLiteral("597.00"));
-    EXPECT_EQ(m.displayText(4, 9), QStringLiteral("1,803.00"));
-    EXPECT_EQ(m.displayText(4, 6), QString());   // VijekTr is not summed
-    EXPECT_TRUE(m.data(m.index(0, 4), BookModel::BoldRole).toBool());
-    EXPECT_FALSE(m.data(m.index(0, 7), BookModel::BoldRole).toBool());
-}
+    EXPECT_EQ(shown(m, 4), "Ukupno:*|||||3,000.00*|2,400.00||57.50|597.00|1,803.00|");
 
-TEST(BookModel, NoTotalsRowsForAnEmptyBookOrAKindWithoutTotals)
-{
-    BookModel m;
+    // No totals rows for an empty book or a kind without totals.
     m.setBookKind(96);
-    ResultSet empty = incomeExpenseRows();
-    empty = ResultSet(empty.fields());
-    m.setResultSet(empty);
+    m.setResultSet(ResultSet(incomeExpenseRows().fields()));
     EXPECT_EQ(m.rowCount(), 0);
     EXPECT_EQ(m.columnCount(), 12);
     EXPECT_FALSE(m.hasTotalsRows());
-
     m.setBookKind(0);
     m.setResultSet(incomeExpenseRows());
     EXPECT_EQ(m.rowCount(), 4);
@@ -182,8 +158,8 @@ TEST(BookModel, NoTotalsRowsForAnEmptyBookOrAKindWithoutTotals)
 
 TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
 {
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"Iznos", FieldType::Currency}, {"Datum", FieldType::Date},
-                  {"Opis", FieldType::Text}, {"Kol", FieldType::Decimal}, {"Ok", FieldType::Boolean}});
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
+        { "Opis", FieldType::Text }, { "Kol", FieldType::Decimal }, { "Ok", FieldType::Boolean } });
     rs.appendRow();
     rs.setInteger(0, 1234567);
     rs.setMoney(1, money("-1234567.125"));
@@ -191,7 +167,7 @@ TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
     rs.setText(3, QStringLiteral("  tekst"));
     rs.setReal(4, 12.5);
     rs.setInteger(5, 1);
-    rs.appendRow();
+    rs.appendRow(); // NULL date, text and amount
     rs.setInteger(0, 7);
     rs.setMoney(1, Money::fromWhole(5));
     rs.setInteger(5, 0);
@@ -200,128 +176,66 @@ TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
     m.setBookKind(0);
     m.setLocale(QLocale::c());
     m.setResultSet(rs);
-    EXPECT_EQ(m.displayText(0, 0), QStringLiteral("1,234,567"));
-    EXPECT_EQ(m.displayText(0, 1), QStringLiteral("-1,234,567.13")) << "half away from zero, as ROUND does";
-    EXPECT_EQ(m.displayText(1, 1), QStringLiteral("5.00"));
-    EXPECT_EQ(m.displayText(0, 2), QStringLiteral("15.03.16"));
-    EXPECT_EQ(m.displayText(0, 3), QStringLiteral("  tekst"));
-    EXPECT_EQ(m.displayText(0, 4), QStringLiteral("12.50"));
-    EXPECT_EQ(m.displayText(1, 2), QString());   // NULL date
-    EXPECT_EQ(m.displayText(1, 0), QStringLiteral("7"));
-
+    // Money half away from zero, as ROUND does; a check box shows no text.
+    EXPECT_EQ(shown(m, 0), "|1,234,567|-1,234,567.13|15.03.16|  tekst|12.50|");
+    EXPECT_EQ(shown(m, 1), "|7|5.00||||");
     m.setLocale(QLocale(QLocale::German, QLocale::Germany));
-    EXPECT_EQ(m.displayText(0, 0), QStringLiteral("1.234.567"));
-    EXPECT_EQ(m.displayText(0, 1), QStringLiteral("-1.234.567,13"));
+    EXPECT_EQ(shown(m, 0), "|1.234.567|-1.234.567,13|15.03.16|  tekst|12,50|");
 
-    const auto align = [&](int c) { return m.data(m.index(0, c), Qt::TextAlignmentRole).value<Qt::Alignment>(); };
-    EXPECT_EQ(align(0), Qt::AlignRight | Qt::AlignVCenter);
-    EXPECT_EQ(align(1), Qt::AlignRight | Qt::AlignVCenter);
-    EXPECT_EQ(align(4), Qt::AlignRight | Qt::AlignVCenter);
-    EXPECT_EQ(align(2), Qt::AlignLeft | Qt::AlignVCenter);
-    EXPECT_EQ(align(3), Qt::AlignLeft | Qt::AlignVCenter);
-    EXPECT_EQ(align(5), Qt::Alignment(Qt::AlignCenter));
-
-    EXPECT_EQ(m.data(m.index(0, 5), Qt::CheckStateRole).toInt(), int(Qt::Checked));
-    EXPECT_EQ(m.data(m.index(1, 5), Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
-    EXPECT_EQ(m.displayText(0, 5), QString());
-    EXPECT_FALSE(m.data(m.index(0, 0), Qt::CheckStateRole).isValid());
-
-    EXPECT_EQ(m.data(m.index(0, 1), BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
-    EXPECT_EQ(m.data(m.index(0, 0), BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
-    EXPECT_EQ(m.data(m.index(0, 2), BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
+    const auto data = [&](int r, int c, int role) { return m.data(m.index(r, c), role); };
+    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter, left = Qt::AlignLeft | Qt::AlignVCenter;
+    const Qt::Alignment aligned[] = { right, right, left, left, right, Qt::AlignCenter };
+    for (int c = 0; c < 6; ++c)
+        EXPECT_EQ(data(0, c, Qt::TextAlignmentRole).value<Qt::Alignment>(), aligned[c]) << c;
+    EXPECT_EQ(data(0, 5, Qt::CheckStateRole).toInt(), int(Qt::Checked));
+    EXPECT_EQ(data(1, 5, Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+    EXPECT_FALSE(data(0, 0, Qt::CheckStateRole).isValid());
+    EXPECT_EQ(data(0, 1, BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
+    EXPECT_EQ(data(0, 0, BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
+    EXPECT_EQ(data(0, 2, BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
 }
 
-TEST(BookModel, HeaderClicksToggleAscendingDescendingAndTheSortSurvivesAReload)
-{
-    BookModel m;
-    m.setBookKind(96);
-    m.setResultSet(incomeExpenseRows());
-    auto opisOrder = [&] {
-        QStringList out;
-        for (int r = 1; r <= 4; ++r)
-            out << m.displayText(r, 4);
-        return out.join(u',');
-    };
-    // Grid column 5 is field 4, Opis.
-    EXPECT_EQ(m.headerSort(5), QStringLiteral("[Opis] ASC"));
-    EXPECT_EQ(opisOrder(), QStringLiteral("Amortizacija,banka,Nabavka,Pazar"));   // letter case ignored
-    EXPECT_EQ(m.sortOrderOf(5), Qt::AscendingOrder);
-    EXPECT_EQ(m.headerSort(5), QStringLiteral("[Opis] DESC"));
-    EXPECT_EQ(opisOrder(), QStringLiteral("Pazar,Nabavka,banka,Amortizacija"));
-    EXPECT_EQ(m.sortOrderOf(5), Qt::DescendingOrder);
-    EXPECT_FALSE(m.sortOrderOf(3).has_value());
-    EXPECT_EQ(m.headerSort(5), QStringLiteral("[Opis] ASC"));
-    EXPECT_EQ(opisOrder(), QStringLiteral("Amortizacija,banka,Nabavka,Pazar"));
-    // Another column starts ascending.
-    m.headerSort(5);
-    EXPECT_EQ(m.headerSort(3), QStringLiteral("[Datum] ASC"));
-
-    // Equal dates keep the query's order, whichever sorts came before.
-    EXPECT_EQ(opisOrder(), QStringLiteral("Pazar,banka,Nabavka,Amortizacija"));
-    EXPECT_EQ(m.headerSort(3), QStringLiteral("[Datum] DESC"));
-    EXPECT_EQ(opisOrder(), QStringLiteral("Nabavka,Amortizacija,banka,Pazar"));
-
-    // A fresh query keeps the expression; the totals stay where they are.
-    m.setResultSet(incomeExpenseRows());
-    EXPECT_EQ(m.sortExpression(), QStringLiteral("[Datum] DESC"));
-    EXPECT_EQ(opisOrder(), QStringLiteral("Nabavka,Amortizacija,banka,Pazar"));
-    EXPECT_EQ(m.displayText(0, 7), m.displayText(5, 7));
-    EXPECT_EQ(m.total(10), money("1000585.25"));
-
-    // Amounts sort as numbers, not as texts.
-    m.headerSort(10);
-    EXPECT_EQ(m.displayText(1, 9), QStringLiteral("0.00"));
-    EXPECT_EQ(m.displayText(3, 9), QStringLiteral("585.00"));
-    EXPECT_EQ(m.displayText(4, 9), QStringLiteral("1,000,000.25"));
-}
-
-TEST(BookModel, NullsSortFirstAscendingAndLastDescending)
-{
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"Datum", FieldType::Date}});
-    const QDate dates[] = {QDate(2016, 5, 1), QDate(), QDate(2016, 1, 1)};
-    for (int i = 0; i < 3; ++i) {
-        rs.appendRow();
-        rs.setInteger(0, i + 1);
-        rs.setDate(1, dates[i]);
-    }
-    BookModel m;
-    m.setResultSet(rs);
-    m.setSortExpression(QStringLiteral("[Datum] ASC"));
-    EXPECT_EQ(m.resultSet().integer(0, 0), 2);
-    EXPECT_EQ(m.resultSet().integer(1, 0), 3);
-    m.setSortExpression(QStringLiteral("[Datum] DESC"));
-    EXPECT_EQ(m.resultSet().integer(0, 0), 1);
-    EXPECT_EQ(m.resultSet().integer(2, 0), 2);
-    // A field the rows do not have: the query's order.
-    m.setSortExpression(QStringLiteral("[Nema] ASC"));
-    EXPECT_EQ(m.resultSet().integer(0, 0), 1);
-    EXPECT_EQ(m.resultSet().integer(2, 0), 3);
-}
-
-TEST(BookModel, FindsTheEntryToReturnToAndPlacesTheCurrentRowAfterAReload)
-{
-    BookModel m;
-    m.setBookKind(96);
-    m.setResultSet(incomeExpenseRows());
-    m.headerSort(5);
-    EXPECT_EQ(m.findRBroj(1), 3);   // "Pazar" sorts last
-    EXPECT_EQ(m.findRBroj(99), -1);
-
-    EXPECT_EQ(BookModel::rowAfterReload(-1, 4), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(2, 4), 2);
-    EXPECT_EQ(BookModel::rowAfterReload(4, 4), 3);    // the last entry was deleted
-    EXPECT_EQ(BookModel::rowAfterReload(10, 1), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(0, 0), -1);
-}
-
-TEST(BookModel, PassesTheItemModelTester)
+TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToReturnTo)
 {
     BookModel m;
     QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
-    m.headerSort(5);
-    m.headerSort(5);
+    // Grid column 5 is field 4, Opis; letter case is ignored.
+    const struct { int gridColumn; const char *expression, *opis; } clicks[] = {
+        { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
+        { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
+        { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
+        { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
+        // Another column starts ascending; equal dates keep the order of before.
+        { 3, "[Datum] ASC", "Pazar,banka,Nabavka,Amortizacija" },
+        { 3, "[Datum] DESC", "Nabavka,Amortizacija,banka,Pazar" },
+    };
+    for (const auto& c : clicks) {
+        EXPECT_EQ(m.headerSort(c.gridColumn).toStdString(), c.expression);
+        EXPECT_EQ(column(m, 4), c.opis) << c.expression;
+        EXPECT_EQ(m.sortOrderOf(c.gridColumn),
+            QByteArray(c.expression).endsWith("ASC") ? Qt::AscendingOrder : Qt::DescendingOrder);
+        EXPECT_FALSE(m.sortOrderOf(c.gridColumn == 5 ? 3 : 5).has_value());
+    }
+    // A fresh query keeps the expression; the totals stay where they are.
+    m.setResultSet(incomeExpenseRows());
+    EXPECT_EQ(m.sortExpression(), QStringLiteral("[Datum] DESC"));
+    EXPECT_EQ(column(m, 4), "Nabavka,Amortizacija,banka,Pazar");
+    EXPECT_EQ(shown(m, 0), shown(m, 5));
+    EXPECT_EQ(m.total(10), money("1000585.25"));
+    EXPECT_EQ(m.findRBroj(1), 3);
+    EXPECT_EQ(m.findRBroj(99), -1);
+    // Amounts sort as numbers, not as texts.
+    m.headerSort(10);
+    EXPECT_EQ(column(m, 9), "0.00,0.00,585.00,1,000,000.25");
+
+    EXPECT_EQ(BookModel::rowAfterReload(-1, 4), 0);
+    EXPECT_EQ(BookModel::rowAfterReload(2, 4), 2);
+    EXPECT_EQ(BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
+    EXPECT_EQ(BookModel::rowAfterReload(10, 1), 0);
+    EXPECT_EQ(BookModel::rowAfterReload(0, 0), -1);
+
     m.setResultSet(ResultSet(incomeExpenseRows().fields()));
     m.setBookKind(105);
     m.setResultSet(assetRows());
@@ -331,28 +245,119 @@ TEST(BookModel, PassesTheItemModelTester)
     EXPECT_EQ(m.rowCount(), 5);
 }
 
-TEST(BookModel, TextsSortInTheBosnianAlphabet)
+TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
 {
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text } });
     // Entered out of order, one in lower case: C < Č < Ć < D < Đ < S < Š < Z < Ž, and
     // letter case does not move a word out of its letter.
-    const char* entered[] = {"Žito", "Sol", "šećer", "Zebra", "Dalmacija", "Ćevapi", "Đurđa", "Cement", "Čelik"};
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"Opis", FieldType::Text}});
-    int rBroj = 0;
-    for (const char* opis : entered) {
+    const char* entered[] = { "Žito", "Sol", "šećer", "Zebra", "Dalmacija", "Ćevapi", "Đurđa", "Cement", "Čelik" };
+    const QDate dates[] = { QDate(2016, 5, 1), QDate(), QDate(2016, 1, 1) };
+    for (int i = 0; i < 9; ++i) {
         rs.appendRow();
-        rs.setInteger(0, ++rBroj);
-        rs.setText(1, QString::fromUtf8(opis));
+        rs.setInteger(0, i + 1);
+        rs.setDate(1, i < 3 ? dates[i] : QDate(2016, 6, 1));
+        rs.setText(2, QString::fromUtf8(entered[i]));
     }
     BookModel m;
     m.setResultSet(rs);
-    auto order = [&m] {
-        QStringList out;
-        for (int r = 0; r < m.entryCount(); ++r)
-            out << m.resultSet().text(r, 1);
-        return out.join(u',');
+    m.headerSort(3);
+    EXPECT_EQ(column(m, 2), "Cement,Čelik,Ćevapi,Dalmacija,Đurđa,Sol,šećer,Zebra,Žito");
+    m.headerSort(3);
+    EXPECT_EQ(column(m, 2), "Žito,Zebra,šećer,Sol,Đurđa,Dalmacija,Ćevapi,Čelik,Cement");
+    m.setSortExpression(QStringLiteral("[Datum] ASC"));
+    EXPECT_EQ(column(m, 0), "2,3,1,4,5,6,7,8,9");
+    m.setSortExpression(QStringLiteral("[Datum] DESC"));
+    EXPECT_EQ(column(m, 0), "4,5,6,7,8,9,1,3,2");
+    // A field the rows do not have: the query's order.
+    m.setSortExpression(QStringLiteral("[Nema] ASC"));
+    EXPECT_EQ(column(m, 0), "1,2,3,4,5,6,7,8,9");
+}
+
+TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
+{
+    EXPECT_EQ(browser::openingWhere(browser::periodStart(2016), 2016, 3) + browser::orderBy(),
+        QStringLiteral(" WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3 ORDER BY K.RBroj"));
+    const auto shownMenus = [](int kind, const char* level) {
+        const browser::MenuVisibility v = browser::menuVisibility(kind, QString::fromLatin1(level));
+        const std::pair<bool, const char*> entries[] = { { v.rekapitulacija, "rekap" }, { v.istaStavka, "ista" },
+            { v.renumeracija, "renum" }, { v.renumeracijaPoDat, "renumDat" }, { v.ubaciZapis, "ubaci" },
+            { v.pocetnoStanje, "pocetno" }, { v.generiranje, "gen" }, { v.uvozIzvozPod, "uvozIzvoz" },
+            { v.brisPrikPod, "brisPrik" } };
+        std::string out;
+        for (const auto& [on, name] : entries)
+            out += on ? std::string(out.empty() ? "" : " ") + name : "";
+        return out;
     };
-    m.headerSort(2);
-    EXPECT_EQ(order(), QStringLiteral("Cement,Čelik,Ćevapi,Dalmacija,Đurđa,Sol,šećer,Zebra,Žito"));
-    m.headerSort(2);
-    EXPECT_EQ(order(), QStringLiteral("Žito,Zebra,šećer,Sol,Đurđa,Dalmacija,Ćevapi,Čelik,Cement"));
+    for (int kind : { 97, 98, 99, 100, 102, 106, 125, 126 })
+        EXPECT_EQ(shownMenus(kind, "0"), "ista renum renumDat ubaci") << kind;
+    const std::tuple<int, const char*, const char*> menus[] = { { 96, "0", "rekap ista renum renumDat ubaci" },
+        { 96, "2", "rekap ista renum renumDat ubaci" }, { 101, "0", "ista pocetno" }, { 105, "0", "ista pocetno" },
+        { 109, "0", "ista renum renumDat ubaci gen" }, { 109, "2", "ista renum renumDat ubaci gen brisPrik" },
+        { 109, "3", "ista renum renumDat ubaci gen" } };
+    for (const auto& [kind, level, expected] : menus)
+        EXPECT_EQ(shownMenus(kind, level), expected) << kind << " " << level;
+
+    // Levels are compared as text: "10" is below "3". Restrictions not given: not checked.
+    for (const auto& [level, skips, restrictions] : { std::tuple { "0", false, "" }, { "", false, nullptr },
+             { "1", false, "ubaci ista" }, { "2", false, "ubaci ista rekap" }, { "3", true, nullptr },
+             { "5", true, "ubaci ista rekap" }, { "9", true, nullptr }, { "10", false, nullptr } }) {
+        EXPECT_EQ(browser::levelSkipsRightsService(QString::fromLatin1(level)), skips) << level;
+        const auto r = browser::levelRestrictions(QString::fromLatin1(level));
+        const std::string got = std::string(r.ubaciZapis ? "ubaci" : "") + (r.istaStavka ? " ista" : "")
+            + (r.rekapitulacija ? " rekap" : "");
+        EXPECT_TRUE(!restrictions || got == restrictions) << level << ": " << got;
+    }
+
+    for (const auto& [twips, dpi, pixels] : { std::array { 9645, 96, 643 }, { 5800, 96, 387 }, { 3500, 96, 233 },
+             { 1440, 120, 120 } })
+        EXPECT_EQ(browser::twipsToPixels(twips, dpi), pixels) << twips;
+    EXPECT_EQ(browser::pixelsToTwips(643, 96), 9645);
+    EXPECT_EQ(browser::pixelsToTwips(120, 120), 1440);
+}
+
+TEST(GridWorkbook, WritesTheWholeGridWithItsFixedCells)
+{
+    if (!GridWorkbook::available())
+        GTEST_SKIP() << "built without the workbook writer";
+    // The trade book of services: grid column 5 (Iznos) is summed.
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
+        { "Opis", FieldType::Text }, { "Iznos", FieldType::Currency }, { "I", FieldType::Text } });
+    for (int i = 1; i <= 2; ++i) {
+        rs.appendRow();
+        rs.setInteger(0, i);
+        rs.setInteger(1, 2016);
+        rs.setDate(2, QDate(2016, 3, i));
+        rs.setText(3, QStringLiteral("Usluga čišćenja %1").arg(i));
+        rs.setMoney(4, Money::fromWhole(1000 * i));
+    }
+    BookModel m;
+    m.setBookKind(125);
+    m.setResultSet(rs);
+    const QString path = test::scratchDir() + QStringLiteral("/PelunGrid.xls");
+    QFile::remove(path);
+    QString error;
+    ASSERT_TRUE(GridWorkbook::write(m, path, &error)) << error.toStdString();
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_EQ(f.read(2), QByteArray("PK"));
+    f.close();
+
+    if (QStandardPaths::findExecutable(QStringLiteral("unzip")).isEmpty())
+        return;
+    auto part = [&](const QString& name) {
+        QProcess unzip;
+        unzip.start(QStringLiteral("unzip"), { QStringLiteral("-p"), path, name });
+        unzip.waitForFinished();
+        return QString::fromUtf8(unzip.readAllStandardOutput());
+    };
+    const QString strings = part(QStringLiteral("xl/sharedStrings.xml"));
+    for (const char* text : { "Usluga čišćenja 2", ">Opis<", ">Ukupno:<" })
+        EXPECT_TRUE(strings.contains(QString::fromUtf8(text))) << text;
+    // Field names in row 1 from column B; the totals caption in the row-header column
+    // above (A2) and below (A5) the entries, which have no row header; amounts and the
+    // sum as numbers, not texts.
+    const QString sheet = part(QStringLiteral("xl/worksheets/sheet1.xml"));
+    for (const char* cell : { "r=\"B1\"", "r=\"A2\"", "r=\"A5\"", "<c r=\"F4\" s=\"", "<v>2000</v>", "<v>3000</v>" })
+        EXPECT_TRUE(sheet.contains(QString::fromLatin1(cell))) << cell;
+    EXPECT_FALSE(sheet.contains(QStringLiteral("r=\"A3\"")));
 }

@@ -1,6 +1,7 @@
 // Generation of the DB book from the demo company's documents: every kind against
 // the demo source (entries, numbers, kinds, amounts, cut texts), the checks and their
 // order, the questions, and the failures with their messages.
+#include "ResultText.h"
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
 #include "generate/Generation.h"
@@ -23,6 +24,23 @@ namespace
 
 const QString kNone = QStringLiteral("/nema/takve/mape/izvor.db");
 
+// A run over March 2016 for company 1, reading the embedded database at `path`.
+Parametri march(int vrsta, const QString& path)
+{
+    Parametri p;
+    p.vrsta = vrsta;
+    p.od = QDate(2016, 3, 1);
+    p.doDatuma = QDate(2016, 3, 31);
+    p.brojPoduzeca = 1;
+    p.godina = 2016;
+    p.orgJed = QStringLiteral("1");
+    p.dobavljač = QString::number(demo::DobavljačKompenzacija);
+    p.prima = QString::number(demo::Primatelj);
+    p.operater = QStringLiteral("ana");
+    p.izvor = QStringLiteral("sqlite:") + path;
+    return p;
+}
+
 class Generation : public ::testing::Test
 {
 protected:
@@ -34,21 +52,7 @@ protected:
         ASSERT_TRUE(fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
     }
 
-    Parametri march(int vrsta) const
-    {
-        Parametri p;
-        p.vrsta = vrsta;
-        p.od = QDate(2016, 3, 1);
-        p.doDatuma = QDate(2016, 3, 31);
-        p.brojPoduzeca = 1;
-        p.godina = 2016;
-        p.orgJed = QStringLiteral("1");
-        p.dobavljač = QString::number(demo::DobavljačKompenzacija);
-        p.prima = QString::number(demo::Primatelj);
-        p.operater = QStringLiteral("ana");
-        p.izvor = QStringLiteral("sqlite:") + t.path();
-        return p;
-    }
+    Parametri march(int vrsta) const { return ::march(vrsta, t.path()); }
 
     qint64 lastNumber()
     {
@@ -73,36 +77,27 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     const struct {
         int vrsta;
         QString place;
-        QString expected; // count and sum of the source rows, read independently
+        QString expected; // count and sum of the source rows, read independently, before the range
         QList<int> kinds;
     } cases[] = {
-        { DgpRacuni, {},
-            "SELECT COUNT(*),SUM(IznosIfakt) FROM Ifakture WHERE Vrsta='DGP' AND OrgJed=1 AND DatumIfakt" + range,
-            { 5 } },
-        { UplateIzlaznih, {}, "SELECT COUNT(*),SUM(Iznos) FROM IFAKTUplate WHERE OrgJed=1 AND Datum" + range, { 6 } },
-        { UlazniRacuni, {}, "SELECT COUNT(*),SUM(IznosFakture) FROM KUF WHERE SifKomit=201 AND DatFakture" + range,
-            { 11 } },
+        { DgpRacuni, {}, "SELECT COUNT(*),SUM(IznosIfakt) FROM Ifakture WHERE Vrsta='DGP' AND OrgJed=1 AND DatumIfakt", { 5 } },
+        { UplateIzlaznih, {}, "SELECT COUNT(*),SUM(Iznos) FROM IFAKTUplate WHERE OrgJed=1 AND Datum", { 6 } },
+        { UlazniRacuni, {}, "SELECT COUNT(*),SUM(IznosFakture) FROM KUF WHERE SifKomit=201 AND DatFakture", { 11 } },
         { UplateUlaznih, {},
-            "SELECT COUNT(*),SUM(Iznos) FROM KUFUplate WHERE BrojKUFa IN (SELECT BrojKUFa FROM KUF "
-            "WHERE SifKomit<>201) AND Datum"
-                + range,
+            "SELECT COUNT(*),SUM(Iznos) FROM KUFUplate WHERE BrojKUFa IN (SELECT BrojKUFa FROM KUF WHERE SifKomit<>201) "
+            "AND Datum",
             { 9, 10 } },
         { MatOtpremnice, "501",
-            "SELECT COUNT(*),SUM(IznosOtprem+UkPorez) FROM dbo.MOtpremInt WHERE BrojSklad=501 AND "
-            "ŠifraKom=101 AND DatumOtprem"
-                + range,
+            "SELECT COUNT(*),SUM(IznosOtprem+UkPorez) FROM dbo.MOtpremInt WHERE BrojSklad=501 AND ŠifraKom=101 AND "
+            "DatumOtprem",
             { 9 } },
-        { PosOtpremnice, {},
-            "SELECT COUNT(*),SUM(IznosPovr) FROM dbo.RIntOtprem WHERE ŠifraKom=101 AND DatumPovr" + range, { 9 } },
+        { PosOtpremnice, {}, "SELECT COUNT(*),SUM(IznosPovr) FROM dbo.RIntOtprem WHERE ŠifraKom=101 AND DatumPovr", { 9 } },
         { PosPovrat, "502",
-            "SELECT COUNT(*),-SUM(IznosPovr) FROM dbo.RIntOtprem WHERE BrojSklad=502 AND ŠifraKom=101 "
-            "AND DatumPovr"
-                + range,
-            { 9 } },
+            "SELECT COUNT(*),-SUM(IznosPovr) FROM dbo.RIntOtprem WHERE BrojSklad=502 AND ŠifraKom=101 AND DatumPovr", { 9 } },
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.vrsta);
-        const ResultSet expected = t.query(c.expected);
+        const ResultSet expected = t.query(c.expected + range);
         const int n = int(expected.integer(0, 0));
         ASSERT_GT(n, 1);
         const qint64 last = lastNumber();
@@ -138,7 +133,7 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     }
 }
 
-TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndTextsAreCut)
+TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
 {
     const qint64 start = lastNumber();
     ASSERT_EQ(generiraj(march(PosOtpremnice)).zapisano > 0, true);
@@ -152,26 +147,15 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndTextsAreCut)
         EXPECT_EQ(plus.money(r + n, 5), -plus.money(r, 5));
     }
 
-    // Long source values are cut by the statements to the book's widths.
-    t.exec("INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',101,10)");
-    t.exec(
-        "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)");
+    // A cut source text, with the payment's document after it and deciding the kind.
     t.exec("INSERT INTO KUF VALUES (1,2016,'UVOZNIKUF',1234567,2000000002,202,'03.15.2016',10)");
     t.exec("INSERT INTO KUFUplate VALUES (1,2000000002,2016,1234567,'UVOZNIKUF','03.21.2016','BL-77/16',4)");
     const qint64 before = lastNumber();
-    for (int vrsta : { UplateIzlaznih, UplateUlaznih }) {
-        Parametri p = march(vrsta);
-        p.orgJed = QStringLiteral("1234567");
-        EXPECT_EQ(generiraj(p).zapisano, 1);
-    }
-    const ResultSet cut = entriesAfter(before);
-    ASSERT_EQ(cut.rowCount(), 2);
-    EXPECT_EQ(cut.text(0, 2), QStringLiteral("Uplata 1234567 d:IZV"));
-    EXPECT_EQ(cut.text(0, 3), QStringLiteral("VELEPRODAJ-1234567-2000000001/"));
-    EXPECT_EQ(cut.text(1, 2), QStringLiteral("KUF 1234567"));
-    EXPECT_EQ(cut.text(1, 3), QStringLiteral("UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16"));
-    EXPECT_EQ(cut.integer(1, 4), 9);
-    EXPECT_EQ(cut.money(1, 5), Money::fromWhole(4));
+    Parametri p = march(UplateUlaznih);
+    p.orgJed = QStringLiteral("1234567");
+    EXPECT_EQ(generiraj(p).zapisano, 1);
+    EXPECT_EQ(test::rowText(entriesAfter(before), 0),
+        QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4").arg(before + 1).toStdString());
 }
 
 TEST_F(Generation, StopsWithTheMessageOfEachFailure)
@@ -227,22 +211,12 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
         std::function<void(Parametri&)> change;
         QString message; // empty: passes
     } cases[] = {
-        { DgpRacuni,
-            [](Parametri& p) {
-                p.od = p.doDatuma.addDays(1);
-                p.orgJed.clear();
-            },
-            "Prvi datum veći od drugog!" },
+        { DgpRacuni, [](Parametri& p) { p.od = p.doDatuma.addDays(1), p.orgJed.clear(); }, "Prvi datum veći od drugog!" },
         { UplateIzlaznih, [](Parametri& p) { p.orgJed = QStringLiteral("1a"); }, "Org.jedinica nije dobro upisana!" },
         { UlazniRacuni, [](Parametri& p) { p.dobavljač = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
         { UplateUlaznih, [](Parametri& p) { p.dobavljač = QStringLiteral("1 OR 1=1"); },
             "Dobavljač nije dobro upisan!" },
-        { MatOtpremnice,
-            [](Parametri& p) {
-                p.prima.clear();
-                p.skladište.clear();
-            },
-            "Tko prima ili kupac nije upisan!" },
+        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.skladište.clear(); }, "Tko prima ili kupac nije upisan!" },
         { PosPovrat, [](Parametri& p) { p.orgJed = QStringLiteral("x"); }, {} },
         { PosOtpremnice, [](Parametri& p) { p.skladište = QStringLiteral("5;"); },
             "Skladište/Maloprodaja nije dobro upisano!" },
@@ -311,4 +285,58 @@ TEST(GenerationTexts, SourceConnection)
     EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
     EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
     EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
+}
+
+// Each kind's source statement on hand-made source rows: texts built with + and casts
+// and cut to 20 and 30 characters, the joins, the rights subquery, the types.
+TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
+{
+    TestDatabase t;
+    QString error;
+    ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
+    for (const char* sql : {
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
+             "INSERT INTO Ifakture VALUES (1,2016,'VP',3,1,'03.15.2016',0,1)",
+             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12347,'04.16.2016',0,100)", // after the range
+             "INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',0,10)",
+             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)",
+             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'DGP','03.20.2016','X',1)", // no invoice
+             "INSERT INTO KUF VALUES (1,2016,'KUF',2,77,500,'03.02.2016',99.99)",
+             "INSERT INTO KUF VALUES (1,2016,'KUF',2,78,600,'03.03.2016',10)",
+             "INSERT INTO KUFUplate VALUES (1,77,2016,2,'KUF','03.10.2016','UPL-1',50)",
+             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,4,15,900,'03.01.2016',100,17)",
+             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,5,16,900,'03.02.2016',50,8.5)", // no right
+             "INSERT INTO dbo.RIntOtprem VALUES (1,2016,5,3,900,'03.05.2016',12.3456)",
+             "INSERT INTO PRAVA VALUES ('ana','SKLADIŠTE','4')", "INSERT INTO PRAVA VALUES ('ana','MALOPROBJEKT','5')" })
+        t.exec(QString::fromUtf8(sql));
+    const std::string columns = "integer,integer,date,text,text,currency";
+    const struct {
+        int vrsta;
+        const char *orgJed, *dobavljač;
+        std::string types;
+        std::vector<std::string> rows;
+    } cases[] = {
+        { DgpRacuni, "3", "", columns,
+            { "1|2016|2016-03-15|Pazar 3|DGP-3-12345/2016|250.5", "1|2016|2016-03-16|Pazar 3|DGP-3-12346/2016|100" } },
+        { UplateIzlaznih, "1234567", "", columns,
+            { "1|2016|2016-03-20|Uplata 1234567 d:IZV|VELEPRODAJ-1234567-2000000001/|7.5" } },
+        { UlazniRacuni, "2", "500", columns, { "1|2016|2016-03-02|KUF 2|KUF-2-77/2016|99.99" } },
+        { UplateUlaznih, "2", "600", "integer,integer,date,text,text,text,currency",
+            { "1|2016|2016-03-10|UPL-1|KUF 2|KUF-2-77/2016|50" } },
+        { MatOtpremnice, "", "", columns + ",currency", { "1|2016|2016-03-01|M.Int.otp. 900|4-15/2016|117|17" } },
+        { PosOtpremnice, "", "", columns, { "1|2016|2016-03-05|P.Int.otp. 900|5-3/2016|12.3456" } },
+    };
+    for (const auto& c : cases) {
+        Parametri p = march(c.vrsta, t.path());
+        p.orgJed = QString::fromLatin1(c.orgJed);
+        p.dobavljač = QString::fromLatin1(c.dobavljač);
+        p.prima = QStringLiteral("900");
+        const ResultSet rs = t.query(izvorniUpit(p));
+        std::vector<std::string> rows;
+        for (int r = 0; r < rs.rowCount(); ++r)
+            rows.push_back(test::rowText(rs, r));
+        EXPECT_EQ(test::fieldTypes(rs), c.types) << c.vrsta;
+        EXPECT_EQ(rows, c.rows) << c.vrsta;
+    }
 }

@@ -1,8 +1,11 @@
-// Insertion at a position and both renumberings on the embedded database, driven
-// through the interaction seam: numbers, receivables links, questions, messages, and
-// all-or-nothing when a write fails.
+// Insertion at a position, both renumberings and the asset list's opening state on the
+// embedded database, driven through the interaction seam: numbers, receivables links,
+// book values carried, questions, messages, and all-or-nothing when a write fails.
+#include "ResultText.h"
 #include "books/BookKind.h"
+#include "browser/OpeningState.h"
 #include "browser/Renumbering.h"
+#include "session/Clock.h"
 #include "session/Session.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
@@ -23,10 +26,10 @@ const QString kEvid = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kKpr = QStringLiteral("RBrojKPR");
 
 // Entries and receivables rows are told apart by their label, kept in Opis.
-void entry(
-    TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0, int vrsta = 11)
+void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0,
+    int vrsta = 11, int company = 1)
 {
-    RowChange::Values v { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
+    RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
         { "Opis", QString::number(label) } };
     if (table.contains(QStringLiteral("Trg")))
         v.append({ "BrojProd", prod });
@@ -52,6 +55,26 @@ QMap<int, qint64> byLabel(TestDatabase& t, const QString& table, const QString& 
     return out;
 }
 
+void asset(TestDatabase& t, int company, int year, int rbroj, const char* naziv, double nab, double knjig, int vijek)
+{
+    t.insert(QStringLiteral("dbo.KnjPopListaDugImovFBiH"),
+        { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj }, { "Naziv", QString::fromUtf8(naziv) },
+            { "Datum", QDate(year, 6, 1) }, { "Isprava", "7" }, { "NabVrijednost", money(nab) },
+            { "KnjigVrijednost", money(knjig) }, { "VijekTr", vijek } });
+}
+
+// "RBroj|Naziv|Datum|Isprava|KnjigVrijednost" of each row of 2017 above `from`.
+std::vector<std::string> rows2017(TestDatabase& t, int from)
+{
+    const ResultSet rs = t.query(QStringLiteral("SELECT RBroj,Naziv,Datum,Isprava,KnjigVrijednost FROM "
+                                                "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY RBroj")
+                                     .arg(from));
+    std::vector<std::string> out;
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out.push_back(rowText(rs, r));
+    return out;
+}
+
 } // namespace
 
 TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
@@ -66,15 +89,25 @@ TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
             if (isTradeBook(book.code))
                 entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8); // another sales point
         }
+        entry(t, book.table, 7, QDate(2016, 3, 7), 1007, 3, 11, 2); // another company: stays
         t.db().commit();
         EXPECT_FALSE(renumber::insertAt(sessionBook(book.code, 3), 0));
         ASSERT_TRUE(renumber::insertAt(sessionBook(book.code, 3), 5)) << book.code;
         const QMap<int, qint64> after = byLabel(t, book.table);
-        for (int label : after.keys()) // the blank entry's label is 0
-            EXPECT_EQ(after[label], label == 0 ? 5 : label % 100 < 5 ? label % 100 : label % 100 + 1) << book.code;
-        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table + " WHERE RBroj=5 AND Opis=''");
+        for (int label : after.keys()) { // the blank entry's label is 0
+            const int n = label % 100;
+            EXPECT_EQ(after[label], label == 0 ? 5 : label > 1000 ? 7 : n < 5 ? n : n + 1) << book.code;
+        }
+        // The blank entry is found by the book's opening clause (its date went in as a
+        // date) and an amount it does not name takes the column's default.
+        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table
+            + " K WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.RBroj=5 AND K.Opis=''");
         ASSERT_EQ(blank.rowCount(), 1) << book.code;
         EXPECT_EQ(blank.value(0, QStringLiteral("Datum")).toDate(), QDate(2016, 1, 1));
+        if (const int iznos = blank.indexOf(QStringLiteral("Iznos")); iznos >= 0) {
+            EXPECT_EQ(blank.field(iznos).type, FieldType::Currency);
+            EXPECT_TRUE(!blank.isNull(0, iznos) && blank.money(0, iznos) == Money()) << book.code;
+        }
         EXPECT_TRUE(!isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
     }
     EXPECT_EQ(renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
@@ -206,4 +239,69 @@ TEST(Renumbering, AFailureAtAnyRowChangesNothing)
         EXPECT_EQ(script->messages[1].icon, Icon::Critical);
         ASSERT_TRUE(t.db().executeNative(QStringLiteral("DROP TRIGGER kvar")));
     }
+}
+
+
+TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
+{
+    TestDatabase t;
+    ScopedScript script;
+    clock::setToday(QDate(2017, 3, 1));
+    t.db().beginTransaction();
+    // Stored out of the order of their numbers.
+    asset(t, 1, 2016, 3, "Kombi", 1000, 1000, 5); // 1000 - 200
+    asset(t, 1, 2016, 1, "Bušilica", 1000, 150, 5); // 150 - 200: dropped
+    asset(t, 1, 2016, 2, "Računar", 300, 300, 3); // 100/3 is 33: 300 - 99
+    asset(t, 1, 2016, 4, "Otpisano", 500, 0, 5); // nothing left: dropped
+    asset(t, 1, 2016, 5, "Sto", 100, 100, 4); // 100 - 25
+    asset(t, 1, 2016, 6, "Nula", 1000, 200, 5); // 200 - 200: nothing left, dropped
+    asset(t, 1, 2016, 7, "Alat", 999.99, 900.01, 8); // 100/8 is 12: 900.01 - 119.9988, to cents
+    asset(t, 2, 2016, 1, "Tuđe", 100, 100, 4); // another company
+    asset(t, 1, 2015, 9, "Staro", 100, 100, 4); // another year
+    asset(t, 1, 2017, 7, "Već upisano", 10, 10, 1);
+    t.db().commit();
+
+    EXPECT_TRUE(openingstate::generate(Knjiga::PopListaFBiH));
+    clock::setToday({});
+    EXPECT_EQ(t.db().lastSql(), openingstate::insertSql(1, 2016));
+    EXPECT_EQ(script->texts(),
+        (QStringList { "Već postoji knjiženje za godinu: 2017 ! Želite li zaista generirati "
+                       "početna stanja za 2017 na osnovu stanja u godini: 2016?\nPažljivo, "
+                       "moguće dupliranje podataka!",
+            "Uspješno generirana početna stanja. Provjerite podatke!" }));
+    EXPECT_EQ(script->messages.value(1).icon, Icon::Information);
+    EXPECT_EQ(rows2017(t, 7),
+        (std::vector<std::string> { "8|Računar|2017-01-01|Poč.stanje iz 2016|201", "9|Kombi|2017-01-01|Poč.stanje iz 2016|800",
+            "10|Sto|2017-01-01|Poč.stanje iz 2016|75", "11|Alat|2017-01-01|Poč.stanje iz 2016|780.01" }));
+    EXPECT_EQ(openingstate::insertSql(3, 2020).toStdString(),
+        "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
+        "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,2021,Naziv,'01.01.2021','Poč.stanje iz 2020',NabVrijednost,"
+        "round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2),VijekTr FROM KnjPopListaDugImovFBiH WHERE "
+        "GODINAKNJ=2020 AND BROJPODUZECA=3 AND KnjigVrijednost>0 AND "
+        "round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2)>0");
+}
+
+TEST(OpeningState, RefusesAFutureYearAndCreatesNothingOnAServerError)
+{
+    TestDatabase t;
+    ScopedScript script;
+    asset(t, 1, 2016, 1, "Kombi", 1000, 1000, 5);
+    asset(t, 1, 2016, 2, "Bez vijeka", 1000, 1000, 0);
+    clock::setToday(QDate(2016, 12, 31));
+    EXPECT_FALSE(openingstate::generate(Knjiga::PopListaRS));
+    clock::setToday(QDate(2017, 1, 1));
+    script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
+    EXPECT_FALSE(openingstate::generate(Knjiga::PopListaRS));
+    EXPECT_FALSE(openingstate::generate(Knjiga::PopListaRS));
+    clock::setToday({});
+    EXPECT_TRUE(rows2017(t, 0).empty());
+    ASSERT_EQ(script->messages.size(), 4);
+    EXPECT_EQ(script->messages[0].text,
+        QStringLiteral("Nije moguće generirati početna stanja za 2017 jer ona još nije "
+                       "nastupila!"));
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_TRUE(script->messages[1].text.startsWith(QStringLiteral("Želite li zaista"))) << "no warning: 2017 is empty";
+    EXPECT_EQ(script->messages[3].text,
+        QStringLiteral("Desila se greška: u generiranju stanja. Ponovite postupak. "
+                       "Greška: Divide by zero error encountered."));
 }

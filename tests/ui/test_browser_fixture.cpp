@@ -1,9 +1,14 @@
 #include "test_browser_fixture.h"
 
+#include "books/BookKind.h"
 #include "session/Session.h"
 #include "support/Sandbox.h"
 
-namespace knjige::test {
+#include <algorithm>
+#include <cmath>
+
+namespace knjige::test
+{
 
 void BrowserTest::SetUp()
 {
@@ -18,25 +23,104 @@ void BrowserTest::TearDown()
     installHostServices({});
 }
 
-void BrowserTest::addPrihRash(int company, int year, int rBroj, const QDate& datum, int vrsta, double iznos,
-                              double pdv, const QString& opis)
+void BrowserTest::addPrihRash(
+    int company, int year, int rBroj, const QDate& datum, int vrsta, double iznos, double pdv, const QString& opis)
 {
-    db->insert(QStringLiteral("dbo.KnjPrihRashFBiH"),
-               {{QStringLiteral("BrojPoduzeca"), company},
-                {QStringLiteral("RBroj"), rBroj},
-                {QStringLiteral("Datum"), datum},
-                {QStringLiteral("GodinaKnj"), year},
-                {QStringLiteral("Isprava"), QStringLiteral("D-%1").arg(rBroj)},
-                {QStringLiteral("Opis"), opis.isEmpty() ? QStringLiteral("Stavka %1").arg(rBroj) : opis},
-                {QStringLiteral("Vrsta"), vrsta},
-                {QStringLiteral("Iznos"), money(iznos)},
-                {QStringLiteral("IznosPDV"), money(pdv)}});
+    db->insert("dbo.KnjPrihRashFBiH",
+        { { "BrojPoduzeca", company }, { "RBroj", rBroj }, { "Datum", datum }, { "GodinaKnj", year },
+            { "Isprava", QStringLiteral("D-%1").arg(rBroj) },
+            { "Opis", opis.isEmpty() ? QStringLiteral("Stavka %1").arg(rBroj) : opis }, { "Vrsta", vrsta },
+            { "Iznos", money(iznos) }, { "IznosPDV", money(pdv) } });
+}
+
+namespace
+{
+
+// Money of entry i: varied, now and then zero.
+double amount(int i)
+{
+    return i % 9 == 0 ? 0 : double((i * 7919) % 100000) / 100.0 + 1;
+}
+
+} // namespace
+
+RowChange::Values BrowserTest::entry(int book, int i, const RowChange::Values& more)
+{
+    const QString text = QStringLiteral("S%1-%2").arg(book).arg(i)
+        + (i % 10 == 0 ? QStringLiteral(" dugački opis stavke koji se mora prelomiti u više redova ispisa")
+                       : QString());
+    const QVariant a = money(amount(i));
+    const QString doc = QStringLiteral("D-%1").arg(i);
+    auto kindOf = [i](std::initializer_list<int> kinds) { return *(kinds.begin() + i % int(kinds.size())); };
+    RowChange::Values v = { { "BrojPoduzeca", 1 }, { "RBroj", i }, { "Datum", QDate(2016, 1, 1).addDays(i % 360) },
+        { "GodinaKnj", 2016 }, { isAssetList(book) ? "Naziv" : "Opis", text } };
+    switch (book) {
+    case 96:
+        v << RowChange::Values { { "Isprava", doc }, { "Vrsta", kindOf({ 11, 12, 13, 16, 17, 18, 19 }) },
+            { "Iznos", a }, { "IznosPDV", money(std::round(amount(i) * 17 / 1.17) / 100) } };
+        break;
+    case 109:
+        v << RowChange::Values { { "Isprava", doc }, { "Vrsta", kindOf({ 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 }) },
+            { "Iznos", a } };
+        break;
+    case 97:
+    case 102:
+        v << RowChange::Values { { "SifKomit", 1001 }, { "Vrsta", kindOf({ 11, 12, 21, 22 }) }, { "Isprava", doc },
+            { "Iznos", a }, { "RBrojKPR", i } };
+        break;
+    case 98:
+    case 106:
+        v << RowChange::Values { { "Isprava", doc }, { "IznosGot", a }, { "IznosCek", money(amount(i + 3)) } };
+        break;
+    case 99:
+    case 100:
+        v << RowChange::Values { { "Vrsta", kindOf({ 4, 5, 6, 7, 8 }) }, { "Iznos", a },
+            { "IznosPDV", money(amount(i) / 10) } };
+        break;
+    case 101:
+    case 105:
+        v << RowChange::Values { { "Isprava", QString::number(i) }, { "NabVrijednost", money(amount(i) * 10) },
+            { "KnjigVrijednost", money(amount(i) * 8) }, { "VijekTr", 2 + i % 8 } };
+        break;
+    case 125:
+        v << RowChange::Values { { "BrojProd", 501 }, { "Iznos", a } };
+        break;
+    default:
+        v << RowChange::Values { { "BrojProd", 501 }, { "Zaduzenje", a }, { "Razduzenje", money(amount(i + 1)) } };
+    }
+    for (const auto& [column, value] : more) {
+        auto same = std::find_if(v.begin(), v.end(), [&](const auto& c) { return c.first == column; });
+        if (same == v.end())
+            v << std::pair(column, value);
+        else
+            same->second = value;
+    }
+    return v;
+}
+
+void BrowserTest::add(int book, int i, const RowChange::Values& more)
+{
+    db->insert(findBook(book)->table, entry(book, i, more));
+}
+
+void BrowserTest::addPartner(int code, const QString& name)
+{
+    db->insert("dbo.Komitent", { { "SifKomit", code }, { "ImeKomit1", name } });
+}
+
+void BrowserTest::addCompany()
+{
+    db->insert("dbo.CONFIG",
+        { { "BrojPoduzeca", 1 }, { "NazivFirme", "Obrt Šimić" }, { "Adresa", "Titova 3" }, { "PostBroj", "71000" },
+            { "Mjesto", "Sarajevo" }, { "IdBroj", "4200000000001" } });
+    addPartner(1001, "Partner d.o.o.");
+    addPartner(501, "Maloprodaja Centar");
 }
 
 std::unique_ptr<frmSifarnikKnj> BrowserTest::open(int kind, const QString& level)
 {
     session().NivoPristupa = level;
-    session().ImeOperatera = QStringLiteral("Ana");
+    session().ImeOperatera = "Ana";
     auto w = std::make_unique<frmSifarnikKnj>();
     w->setTipSifarnika(kind);
     w->Prikaži(0, {});
@@ -47,7 +131,7 @@ QList<qint64> BrowserTest::rBrojevi(frmSifarnikKnj& w)
 {
     QList<qint64> out;
     const ResultSet& rs = w.rsStavke();
-    const int f = rs.indexOf(QStringLiteral("RBroj"));
+    const int f = rs.indexOf("RBroj");
     for (int r = 0; r < rs.rowCount(); ++r)
         out << rs.integer(r, f);
     return out;

@@ -1,26 +1,19 @@
 #include "test_editor_fixture.h"
 
-#include "session/HostServices.h"
+#include "editors/widgets/MoneyBox.h"
 #include "session/Session.h"
 
 #include <QApplication>
+#include <QTest>
 
 namespace knjige::test
 {
 
 void EditorTest::SetUp()
 {
-    m_db = std::make_unique<TestDatabase>(1, 2016);
-    dbPath = m_db->path();
-    exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (1,'Prodavnica Centar')"));
-    exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit,ImeKomit1) VALUES (2,'Prodavnica Zapad')"));
-    installHostServices({});
-}
-
-void EditorTest::TearDown()
-{
-    installHostServices({});
-    m_db.reset();
+    BrowserTest::SetUp();
+    addPartner(1, "Prodavnica Centar");
+    addPartner(2, "Prodavnica Zapad");
 }
 
 void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
@@ -37,24 +30,81 @@ void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
     script->onDialog = nullptr;
 }
 
-ResultSet EditorTest::rows(const QString& sql)
+void type(QLineEdit* box, const QString& text, bool leave)
 {
-    ResultSet rs;
-    const bool ok = session().db().open(sql, rs);
-    EXPECT_TRUE(ok) << sql.toStdString() << ": " << session().db().errorDescription().toStdString();
-    return rs;
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, text);
+    if (leave)
+        QTest::keyClick(box, Qt::Key_Tab);
 }
 
-void EditorTest::exec(const QString& sql)
+void set(RecordEditor& editor, const QString& assignments)
 {
-    const bool ok = session().db().execute(sql);
-    ASSERT_TRUE(ok) << sql.toStdString() << ": " << session().db().errorDescription().toStdString();
+    for (const QString& assignment : assignments.split(u';', Qt::SkipEmptyParts)) {
+        const QString name = assignment.section(u'=', 0, 0);
+        const QString value = assignment.section(u'=', 1);
+        QWidget* control = editor.control(name);
+        auto* text = qobject_cast<QLineEdit*>(control);
+        if (text && value.startsWith(u'~')) {
+            type(text, value.mid(1), true);
+        } else if (auto* box = qobject_cast<MoneyBox*>(control)) {
+            const auto amount = Money::parse(value);
+            ASSERT_TRUE(amount) << value.toStdString();
+            box->setValue(*amount);
+        } else if (auto* date = qobject_cast<QDateEdit*>(control)) {
+            date->setDate(QDate::fromString(value, Qt::ISODate));
+        } else if (auto* list = qobject_cast<QComboBox*>(control)) {
+            if (value.startsWith(u'#'))
+                list->setCurrentIndex(value.mid(1).toInt());
+            else
+                list->setCurrentText(value);
+        } else if (text) {
+            text->setText(value);
+        } else {
+            ADD_FAILURE() << "no control " << name.toStdString();
+        }
+    }
 }
 
-int EditorTest::count(const QString& table)
+QString values(RecordEditor& editor, const QString& names)
 {
-    const ResultSet rs = rows(QStringLiteral("SELECT COUNT(*) AS N FROM ") + table);
-    return rs.isEmpty() ? -1 : int(rs.integer(0, 0));
+    QStringList out;
+    for (const QString& name : names.split(u';')) {
+        QWidget* control = editor.control(name);
+        if (auto* box = qobject_cast<MoneyBox*>(control))
+            out << box->value().toPlainString();
+        else if (auto* date = qobject_cast<QDateEdit*>(control))
+            out << date->date().toString(Qt::ISODate);
+        else if (auto* list = qobject_cast<QComboBox*>(control))
+            out << list->currentText();
+        else if (auto* text = qobject_cast<QLineEdit*>(control))
+            out << text->text();
+        else if (auto* label = qobject_cast<QLabel*>(control))
+            out << label->text();
+        else
+            ADD_FAILURE() << "no control " << name.toStdString();
+    }
+    return out.join(u'|');
+}
+
+void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)
+{
+    for (const Try& t : tries) {
+        SCOPED_TRACE(t.set.toStdString());
+        set(editor, t.set);
+        const auto before = script->messages.size();
+        editor.cmdSpremi->click();
+        ASSERT_EQ(script->messages.size(), before + (t.message.isEmpty() ? 0 : 1)) << texts().join(u'|').toStdString();
+        if (!t.message.isEmpty()) {
+            EXPECT_EQ(lastMessage().text, t.message);
+            EXPECT_EQ(lastMessage().title, t.title);
+            EXPECT_EQ(lastMessage().icon, t.icon);
+        }
+        if (!t.focus.isEmpty()) {
+            EXPECT_EQ(focusOf(editor), t.focus);
+        }
+    }
 }
 
 QString EditorTest::focusOf(RecordEditor& editor)

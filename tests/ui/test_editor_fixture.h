@@ -1,44 +1,70 @@
 #pragma once
 
+#include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/RecordEditor.h"
-#include "session/ResultSet.h"
-#include "support/ScriptedInteraction.h"
-#include "support/TestDatabase.h"
+#include "test_browser_fixture.h"
 
 #include <functional>
-#include <gtest/gtest.h>
-#include <memory>
 
 namespace knjige::test
 {
 
-// A fresh embedded database with the books' schema for each test, the session on
-// company 1 and working year 2016, two partners (1 "Prodavnica Centar", 2 "Prodavnica
-// Zapad"), and a scripted person that records every message.
-class EditorTest : public ::testing::Test
+// One try of a person at an editor: the controls set, "name=value;..." (a MoneyBox takes
+// an amount, a date box an ISO date, a list "#index" or an item's text, a text box its
+// text, typed and left with Tab when the value starts with '~'), then cmdSpremi clicked;
+// the message that follows (none when empty) with its title and icon, and the control
+// that has the focus afterwards (not checked when empty).
+struct Try {
+    Try(QString set = {}, QString message = {}, QString focus = {}, QString title = {}, Icon icon = Icon::Exclamation)
+        : set(std::move(set))
+        , message(std::move(message))
+        , focus(std::move(focus))
+        , title(std::move(title))
+        , icon(icon)
+    {
+    }
+    QString set, message, focus, title;
+    Icon icon;
+};
+
+// Types `text` over the whole of `box` as a person does; `leave` then tabs away.
+void type(QLineEdit* box, const QString& text, bool leave = false);
+// Sets controls of `editor` as Try::set describes.
+void set(RecordEditor& editor, const QString& assignments);
+// What the named controls ("name;name...") show, joined by '|': an amount in its plain
+// form, a date in ISO form, a list's current text.
+QString values(RecordEditor& editor, const QString& names);
+
+// The browser's fixture with two partners (1 "Prodavnica Centar", 2 "Prodavnica Zapad")
+// for the editors to find.
+class EditorTest : public BrowserTest
 {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     // Shows the editor through the seam; `inside` runs while it is "on screen". The
     // dialog is shown (offscreen) so that focus and keys behave as for a person.
     void run(RecordEditor& editor, const std::function<void()>& inside);
-    // The rows of a statement (T-SQL as the system writes it); fails the test on error.
-    ResultSet rows(const QString& sql);
-    void exec(const QString& sql);
-    int count(const QString& table);
+    // The editor of `book` in `mode` on entry `redniBroj`, as the browser prepares it.
+    template <typename T = RecordEditor> static std::unique_ptr<T> editor(int book, int mode, qint32 redniBroj = 0)
+    {
+        auto e = std::unique_ptr<T>(dynamic_cast<T*>(createEditor(book).release()));
+        EXPECT_TRUE(e) << book;
+        e->setTipRada(mode);
+        e->sRedniBroj = redniBroj;
+        return e;
+    }
+    // Makes each try in turn, checking what follows it.
+    void save(RecordEditor& editor, const QList<Try>& tries);
+    // Statements in T-SQL as the system writes it; a failure fails the test.
+    ResultSet rows(const QString& sql) { return db->query(sql); }
+    void exec(const QString& sql) { db->exec(sql); }
+    int count(const QString& table) { return db->count(table); }
     // The texts of the messages shown so far, and the last one.
     QStringList texts() { return script->texts(); }
     Message lastMessage() { return script->messages.isEmpty() ? Message {} : script->messages.last(); }
     // The objectName of the control that has (or will have, once shown) the focus.
     static QString focusOf(RecordEditor& editor);
-
-    QString dbPath;
-    ScopedScript script;
-
-private:
-    std::unique_ptr<TestDatabase> m_db;
 };
 
 } // namespace knjige::test

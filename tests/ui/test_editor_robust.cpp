@@ -1,6 +1,5 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
-#include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/frmKnjEvidPotObvFBiH.h"
 #include "editors/widgets/frmKnjPRashFBiHPregled.h"
@@ -22,22 +21,8 @@ using namespace knjige::test;
 namespace
 {
 
-std::unique_ptr<frmKnjPrometa> promet(int mode, qint32 redniBroj = 0)
-{
-    auto e = std::unique_ptr<frmKnjPrometa>(static_cast<frmKnjPrometa*>(createEditor(98).release()));
-    e->setTipRada(mode);
-    e->sRedniBroj = redniBroj;
-    return e;
-}
-
-void fill(frmKnjPrometa& e, const QString& opis)
-{
-    e.ubRBroj->setValue(Money::fromWhole(1));
-    e.dpDatum->setDate(QDate(2016, 10, 10));
-    e.txtIsprava->setText(QStringLiteral("O'Brien"));
-    e.txtOpis->setText(opis);
-    e.ubGotovina->setValue(Money::fromUnits(123456789));
-}
+// A valid turnover entry but for its description.
+const QString kFill = "ubRBroj=1;dpDatum=2016-10-10;txtIsprava=O'Brien;ubGotovina=12345.6789;txtOpis=";
 
 const QList<int> kEveryBook = { 96, 109, 97, 102, 98, 106, 99, 100, 101, 105, 125, 126 };
 
@@ -71,101 +56,86 @@ QString screenOrderBreak(RecordEditor& e, const QList<QWidget*>& chain)
     return {};
 }
 
-const QString kSaveFailed = QStringLiteral("Desila se greška u spremanju stavke. Promjene nisu prihvaćene!\n");
+const QString kSaveFailed = "Desila se greška u spremanju stavke. Promjene nisu prihvaćene!\n";
 
-using RobustEditor = EditorTest;
+class RobustEditor : public EditorTest
+{
+protected:
+    static std::unique_ptr<frmKnjPrometa> promet(int mode, qint32 redniBroj = 0)
+    {
+        return editor<frmKnjPrometa>(98, mode, redniBroj);
+    }
+};
 
 } // namespace
 
 TEST_F(RobustEditor, ApostropheAndOverlongTextSaveWhole)
 {
-    const int width = textColumnWidth(QStringLiteral("dbo.KnjPrometaFBiH"), QStringLiteral("Opis"));
+    const int width = textColumnWidth("dbo.KnjPrometaFBiH", "Opis");
     ASSERT_GT(width, 0);
     auto e = promet(1);
     EXPECT_EQ(e->txtOpis->maxLength(), width);
     run(*e, [&] {
-        fill(*e, QString());
-        e->txtOpis->setFocus();
-        QTest::keyClicks(e->txtOpis, QStringLiteral("x").repeated(width + 5));
+        set(*e, kFill + "~" + QString("x").repeated(width + 5));
         EXPECT_EQ(e->txtOpis->text().size(), width);
-        e->cmdSpremi->click();
+        save(*e, { {} });
     });
-    EXPECT_FALSE(e->IzišaoSaPrekidom()) << texts().join(u'|').toStdString();
-    const ResultSet rs = rows(QStringLiteral("SELECT Isprava,Opis,IznosGot FROM dbo.KnjPrometaFBiH"));
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.text(0, 0), QStringLiteral("O'Brien"));
-    EXPECT_EQ(rs.text(0, 1), QStringLiteral("x").repeated(width));
-    EXPECT_EQ(rs.money(0, 2), Money::fromUnits(123456789));
+    EXPECT_FALSE(e->IzišaoSaPrekidom());
+    EXPECT_EQ(table("SELECT Isprava,Opis,IznosGot FROM dbo.KnjPrometaFBiH"),
+        "O'Brien|" + QString("x").repeated(width) + "|12345.6789");
 }
 
-TEST_F(RobustEditor, ADateOutsideTheYearKeepsTheDialogAndWritesNothing)
+TEST_F(RobustEditor, ARefusedOrFailedSaveKeepsTheInputAndASecondTrySaves)
 {
     auto e = promet(1);
     run(*e, [&] {
-        fill(*e, QStringLiteral("Van godine"));
-        e->dpDatum->setDate(QDate(2017, 1, 1));
+        save(*e,
+            { { kFill + "Ostaje u dijalogu;dpDatum=2017-01-01",
+                "Godina unesenog datuma ne odgovara tekućoj radnoj godini! Ispravite!" } });
+        set(*e, "dpDatum=2016-10-10");
+        session().ConnString = db->path() + QStringLiteral(".nema");
         e->cmdSpremi->click();
-        EXPECT_TRUE(e->isVisible());
-        EXPECT_EQ(e->txtOpis->text(), QStringLiteral("Van godine"));
-    });
-    EXPECT_TRUE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(texts(),
-        QStringList { QStringLiteral("Godina unesenog datuma ne odgovara tekućoj radnoj godini! Ispravite!") });
-    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrometaFBiH")), 0);
-}
-
-TEST_F(RobustEditor, ADatabaseThatGoesAwayKeepsTheInputAndASecondTrySaves)
-{
-    auto e = promet(1);
-    run(*e, [&] {
-        fill(*e, QStringLiteral("Ostaje u dijalogu"));
-        session().ConnString = dbPath + QStringLiteral(".nema");
-        e->cmdSpremi->click();
-        ASSERT_EQ(script->messages.size(), 1);
+        ASSERT_EQ(script->messages.size(), 2);
         EXPECT_TRUE(lastMessage().text.startsWith(kSaveFailed)) << lastMessage().text.toStdString();
         EXPECT_GT(lastMessage().text.size(), kSaveFailed.size());
         EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
         EXPECT_TRUE(e->isVisible());
-        EXPECT_EQ(e->txtOpis->text(), QStringLiteral("Ostaje u dijalogu"));
-        EXPECT_EQ(e->ubGotovina->value(), Money::fromUnits(123456789));
-        session().ConnString = dbPath;
+        EXPECT_EQ(values(*e, "txtOpis;ubGotovina"), "Ostaje u dijalogu|12345.6789");
+        session().ConnString = db->path();
+        EXPECT_EQ(count("dbo.KnjPrometaFBiH"), 0);
         e->cmdSpremi->click();
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrometaFBiH")), 1);
+    EXPECT_EQ(count("dbo.KnjPrometaFBiH"), 1);
 }
 
 TEST_F(RobustEditor, AChangeToARowThatVanishedIsRefusedWhole)
 {
-    exec(QStringLiteral(
-        "INSERT INTO dbo.KnjPrometaFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Isprava,IznosGot,IznosCek) "
-        "VALUES (1,4,'02.02.2016',2016,'Prvi','A',10,0)"));
+    exec("INSERT INTO dbo.KnjPrometaFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Isprava,IznosGot,IznosCek) "
+         "VALUES (1,4,'02.02.2016',2016,'Prvi','A',10,0)");
     auto e = promet(2, 4);
     run(*e, [&] {
-        EXPECT_EQ(e->txtOpis->text(), QStringLiteral("Prvi"));
+        EXPECT_EQ(e->txtOpis->text(), "Prvi");
         // Another workstation changes the row while the dialog is open.
-        exec(QStringLiteral("UPDATE dbo.KnjPrometaFBiH SET IznosGot=11 WHERE RBroj=4"));
-        e->txtOpis->setText(QStringLiteral("Drugi"));
+        exec("UPDATE dbo.KnjPrometaFBiH SET IznosGot=11 WHERE RBroj=4");
+        e->txtOpis->setText("Drugi");
         e->cmdSpremi->click();
         EXPECT_TRUE(lastMessage().text.startsWith(kSaveFailed));
         EXPECT_TRUE(e->isVisible());
     });
     EXPECT_TRUE(e->IzišaoSaPrekidom());
-    const ResultSet rs = rows(QStringLiteral("SELECT Opis,IznosGot FROM dbo.KnjPrometaFBiH"));
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.text(0, 0), QStringLiteral("Prvi"));
-    EXPECT_EQ(rs.money(0, 1), Money::fromWhole(11));
+    EXPECT_EQ(table("SELECT Opis,IznosGot FROM dbo.KnjPrometaFBiH"), "Prvi|11");
 }
 
 TEST_F(RobustEditor, AFailedReadIsReportedAndTheDialogStillShows)
 {
-    exec(QStringLiteral("DROP TABLE dbo.KnjPrometaFBiH"));
+    exec("DROP TABLE dbo.KnjPrometaFBiH");
     auto e = promet(2, 1);
     bool shown = false;
     run(*e, [&] { shown = true; });
     EXPECT_TRUE(shown);
     ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(lastMessage().text.startsWith(QStringLiteral("Desila se greška:  Čitanje tek.zapisa ")));
+    EXPECT_TRUE(lastMessage().text.startsWith("Desila se greška:  Čitanje tek.zapisa "));
     EXPECT_EQ(lastMessage().icon, Icon::None);
 }
 
@@ -175,15 +145,15 @@ TEST_F(RobustEditor, KeysConfirmCancelAndMoveThroughTheFields)
     run(*e, [&] {
         e->txtIsprava->setFocus();
         QTest::keyClick(e->txtIsprava, Qt::Key_Return);
-        EXPECT_EQ(focusOf(*e), QStringLiteral("txtOpis"));
+        EXPECT_EQ(focusOf(*e), "txtOpis");
         QTest::keyClick(e->txtOpis, Qt::Key_Down);
-        EXPECT_EQ(focusOf(*e), QStringLiteral("ubGotovina"));
+        EXPECT_EQ(focusOf(*e), "ubGotovina");
         QTest::keyClick(e->ubGotovina, Qt::Key_Up);
-        EXPECT_EQ(focusOf(*e), QStringLiteral("txtOpis"));
+        EXPECT_EQ(focusOf(*e), "txtOpis");
         // Page Down confirms as the button does: here the checks refuse.
         e->ubRBroj->setValue(Money());
         QTest::keyClick(e->txtOpis, Qt::Key_PageDown);
-        EXPECT_EQ(lastMessage().text, QStringLiteral("Morate upisati redni broj različit od 0!"));
+        EXPECT_EQ(lastMessage().text, "Morate upisati redni broj različit od 0!");
         QTest::keyClick(e->ubRBroj, Qt::Key_Escape);
         EXPECT_FALSE(e->isVisible());
     });
@@ -192,126 +162,97 @@ TEST_F(RobustEditor, KeysConfirmCancelAndMoveThroughTheFields)
 
 TEST_F(RobustEditor, SearchModePreparesThePeriodAndChecksIt)
 {
-    auto e = std::unique_ptr<frmKnjPRashFBiHPregled>(static_cast<frmKnjPRashFBiHPregled*>(createEditor(96).release()));
-    e->setTipRada(3);
-    EXPECT_EQ(e->windowTitle(), QStringLiteral("Pretraživanje"));
-    EXPECT_EQ(e->cmdSpremi->text(), QStringLiteral("Postavi filter"));
+    auto e = editor<frmKnjPRashFBiHPregled>(96, 3);
+    EXPECT_EQ(e->windowTitle(), "Pretraživanje");
+    EXPECT_EQ(e->cmdSpremi->text(), "Postavi filter");
     const auto [from, to] = editors::searchPeriod(QDate::currentDate(), 2016);
     run(*e, [&] {
         EXPECT_TRUE(e->dpDatumDo->isVisible());
         EXPECT_TRUE(e->lblDatumDo->isVisible());
         EXPECT_TRUE(e->chkPoDatumima->isVisible());
         EXPECT_FALSE(e->chkPoDatumima->isChecked());
-        EXPECT_EQ(e->dpDatum->date(), from);
-        EXPECT_EQ(e->dpDatumDo->date(), to);
-        EXPECT_EQ(e->cmbVrsta->currentText(), QString());
+        EXPECT_EQ(values(*e, "dpDatum;dpDatumDo;cmbVrsta"),
+            from.toString(Qt::ISODate) + "|" + to.toString(Qt::ISODate) + "|");
         EXPECT_EQ(e->cmbVrsta->count(), 8);
-        e->dpDatum->setDate(QDate(2016, 12, 31));
+        set(*e, "dpDatum=2016-12-31");
         EXPECT_TRUE(e->chkPoDatumima->isChecked());
-        e->dpDatumDo->setDate(QDate(2016, 6, 1));
-        e->cmdSpremi->click();
-        EXPECT_EQ(lastMessage().text, QStringLiteral("Početni datum računa računa veći od konačnog. Ispravite!"));
-        EXPECT_EQ(lastMessage().icon, Icon::None);
-        EXPECT_EQ(focusOf(*e), QStringLiteral("dpDatum"));
-        e->dpDatum->setDate(QDate(2016, 1, 1));
-        e->txtOpis->setText(QStringLiteral("Traži"));
-        e->cmdSpremi->click();
+        save(*e,
+            { { "dpDatumDo=2016-06-01", "Početni datum računa računa veći od konačnog. Ispravite!", "dpDatum", {},
+                  Icon::None },
+                { "dpDatum=2016-01-01;txtOpis=Traži" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(e->txtOpis->text(), QStringLiteral("Traži"));
-    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);
+    EXPECT_EQ(e->txtOpis->text(), "Traži");
+    EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 0);
 }
 
 TEST_F(RobustEditor, WholeNumberBoxesTakeNoMoreThanTheirColumnHolds)
 {
-    auto r = std::unique_ptr<frmKnjEvidPotObvFBiH>(static_cast<frmKnjEvidPotObvFBiH*>(createEditor(97).release()));
-    r->setTipRada(1);
+    auto r = editor<frmKnjEvidPotObvFBiH>(97, 1);
     run(*r, [&] {
         for (MoneyBox* box : { r->ubRBroj, r->ubKPR }) {
-            box->setFocus();
-            box->selectAll();
-            QTest::keyClicks(box, QStringLiteral("3000000000"));
+            type(box, "3000000000");
             EXPECT_EQ(box->integerValue(), 300000000) << box->objectName().toStdString();
-            box->selectAll();
-            QTest::keyClicks(box, QStringLiteral("2147483647"));
+            type(box, "2147483647");
             EXPECT_EQ(box->integerValue(), 2147483647) << box->objectName().toStdString();
         }
     });
-    auto a
-        = std::unique_ptr<frmPopListaDImovineFBiH>(static_cast<frmPopListaDImovineFBiH*>(createEditor(105).release()));
-    a->setTipRada(1);
+    auto a = editor<frmPopListaDImovineFBiH>(105, 1);
     run(*a, [&] {
-        a->ubVijekTrajanja->setFocus();
-        a->ubVijekTrajanja->selectAll();
-        QTest::keyClicks(a->ubVijekTrajanja, QStringLiteral("40000"));
+        type(a->ubVijekTrajanja, "40000");
         EXPECT_EQ(a->ubVijekTrajanja->integerValue(), 4000);
     });
 
     // A number set from elsewhere beyond the column is refused, never narrowed.
     auto e = promet(1);
     run(*e, [&] {
-        fill(*e, QStringLiteral("Preveliki broj"));
-        e->ubRBroj->setValue(Money::fromWhole(3000000000LL));
-        e->cmdSpremi->click();
-        EXPECT_EQ(texts(), QStringList { QStringLiteral("Broj mora biti između -2147483648 i 2147483647!") });
-        EXPECT_EQ(lastMessage().icon, Icon::Exclamation);
-        EXPECT_EQ(focusOf(*e), QStringLiteral("ubRBroj"));
+        save(*e,
+            { { kFill + "Preveliki broj;ubRBroj=3000000000", "Broj mora biti između -2147483648 i 2147483647!",
+                "ubRBroj" } });
         EXPECT_TRUE(e->isVisible());
     });
     EXPECT_TRUE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrometaFBiH")), 0);
+    EXPECT_EQ(count("dbo.KnjPrometaFBiH"), 0);
 }
 
-TEST_F(RobustEditor, AClickIntoATextFieldSelectsItsWholeText)
-{
-    for (int book : kEveryBook) {
-        auto e = createEditor(book);
-        e->setTipRada(1);
-        const QString name = isAssetList(book) ? QStringLiteral("txtNazivSredstva") : QStringLiteral("txtOpis");
-        auto* text = qobject_cast<QLineEdit*>(e->control(name));
-        ASSERT_TRUE(text) << book;
-        run(*e, [&] {
-            text->setText(QStringLiteral("Stari opis"));
-            e->ubRBroj->setFocus();
-            QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(text->width() / 3, text->height() / 2));
-            QApplication::processEvents();
-            EXPECT_TRUE(text->hasFocus()) << book;
-            EXPECT_EQ(text->selectedText(), QStringLiteral("Stari opis")) << book;
-        });
-    }
-}
-
-TEST_F(RobustEditor, TabFollowsTheScreenAndEnterPassesOverTheLookupButtons)
+TEST_F(RobustEditor, TabFollowsTheScreenAClickSelectsAndEnterPassesOverTheLookupButtons)
 {
     for (int book : kEveryBook)
         for (int mode : { 1, 3 }) {
-            auto e = createEditor(book);
-            e->setTipRada(mode);
+            auto e = editor(book, mode);
+            const QString name = isAssetList(book) ? QStringLiteral("txtNazivSredstva") : "txtOpis";
+            auto* text = qobject_cast<QLineEdit*>(e->control(name));
+            ASSERT_TRUE(text) << book;
             run(*e, [&] {
                 const QList<QWidget*> chain = tabChain(*e);
                 EXPECT_EQ(screenOrderBreak(*e, chain), QString()) << book << " mode " << mode;
                 EXPECT_EQ(chain.value(chain.size() - 2), e->cmdSpremi) << book;
+                // A click into a text field selects its whole text.
+                text->setText("Stari opis");
+                e->ubRBroj->setFocus();
+                QTest::mouseClick(text, Qt::LeftButton, {}, QPoint(text->width() / 3, text->height() / 2));
+                QApplication::processEvents();
+                EXPECT_TRUE(text->hasFocus()) << book;
+                EXPECT_EQ(text->selectedText(), "Stari opis") << book;
             });
         }
 
-    auto r = createEditor(97);
-    r->setTipRada(1);
+    auto r = editor(97, 1);
     run(*r, [&] {
-        QWidget* komitent = r->control(QStringLiteral("txtKomitent"));
-        EXPECT_EQ(komitent->nextInFocusChain(), r->control(QStringLiteral("cmdPrKomit")));
+        QWidget* komitent = r->control("txtKomitent");
+        EXPECT_EQ(komitent->nextInFocusChain(), r->control("cmdPrKomit"));
         komitent->setFocus();
         QTest::keyClick(komitent, Qt::Key_Return);
-        EXPECT_EQ(focusOf(*r), QStringLiteral("cboVrsta"));
+        EXPECT_EQ(focusOf(*r), "cboVrsta");
         QTest::keyClick(r->focusWidget(), Qt::Key_Up);
-        EXPECT_EQ(focusOf(*r), QStringLiteral("txtKomitent"));
+        EXPECT_EQ(focusOf(*r), "txtKomitent");
     });
-    auto t = createEditor(125);
-    t->setTipRada(1);
+    auto t = editor(125, 1);
     run(*t, [&] {
-        QWidget* shop = t->control(QStringLiteral("txtSkladište"));
-        EXPECT_EQ(shop->nextInFocusChain(), t->control(QStringLiteral("cmdPrSkladište")));
+        QWidget* shop = t->control("txtSkladište");
+        EXPECT_EQ(shop->nextInFocusChain(), t->control("cmdPrSkladište"));
         shop->setFocus();
         QTest::keyClick(shop, Qt::Key_Down);
-        EXPECT_EQ(focusOf(*t), QStringLiteral("ubRBroj"));
+        EXPECT_EQ(focusOf(*t), "ubRBroj");
     });
 }

@@ -48,8 +48,8 @@ protected:
     {
         BrowserTest::SetUp();
         previousStore = gen::setPasswordStore(std::make_unique<MemoryStore>());
+        ASSERT_TRUE(fillDemo(db->db(), 2016));
         QString error;
-        ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
         ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
         ASSERT_TRUE(fillDemoSources(db->db(), 2016, { gen::imeOperateraSustava() }, &error)) << error.toStdString();
     }
@@ -119,7 +119,7 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
     int written = 0;
     script->onDialog = [&](QDialog& dialog) {
         auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
-        EXPECT_EQ(d.findChild<QGroupBox*>("fraServer")->title(), QStringLiteral("Server i baza izl.računa"));
+        EXPECT_EQ(d.findChild<QGroupBox*>("fraServer")->title(), "Server i baza izl.računa");
         EXPECT_EQ(d.dpDatum->date(), QDate::currentDate().addDays(-7));
         EXPECT_EQ(d.dpDatum1->date(), QDate::currentDate());
         EXPECT_EQ(d.txtImeServera->text(), QString());
@@ -130,15 +130,14 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
         written = d.zapisano();
         return d.result();
     };
-    w->menuItem(QStringLiteral("mnuGenDGP_1"))->trigger();
+    w->menuItem("mnuGenDGP_1")->trigger();
     ASSERT_GT(written, 0);
     EXPECT_EQ(script->texts().last(),
         QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(written));
     EXPECT_EQ(w->rsStavke().rowCount(), before + written);
     const QString app = settings::sharedApplication();
-    EXPECT_EQ(settings::text(app, settings::section(), QStringLiteral("KIFSQLBaze")), db->path());
-    EXPECT_EQ(
-        settings::text(app, settings::section(), QStringLiteral("KIFSQLServera"), QStringLiteral("?")), QString());
+    EXPECT_EQ(settings::text(app, settings::section(), "KIFSQLBaze"), db->path());
+    EXPECT_EQ(settings::text(app, settings::section(), "KIFSQLServera", "?"), QString());
 }
 
 TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSettings)
@@ -146,15 +145,14 @@ TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSetti
     frmGenPrihRashDB d;
     d.setVrsta(gen::UlazniRacuni);
     fillMarch(d);
-    d.txtImeServera->setText(QStringLiteral("SRV\\POS"));
+    d.txtImeServera->setText("SRV\\POS");
     EXPECT_TRUE(shown(d, "txtLozinka"));
     EXPECT_FALSE(shown(d, "cmdBaza"));
-    EXPECT_EQ(text(d, "lblBaza"), QStringLiteral("Baza:"));
+    EXPECT_EQ(text(d, "lblBaza"), "Baza:");
     d.OKButton->click();
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!") });
     EXPECT_EQ(d.result(), QDialog::Rejected);
-    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), QStringLiteral("KUFSQLServera")),
-        QStringLiteral("SRV\\POS"));
+    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), "KUFSQLServera"), "SRV\\POS");
     EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::ključLozinke()), QString());
     // A start after the end is refused before the password or any database is asked for.
     script->clear();
@@ -185,7 +183,7 @@ TEST_F(GenerateDialog, Screenshots)
         d.OKButton->click();
         return d.result();
     };
-    w->menuItem(QStringLiteral("mnuGenDGP_0"))->trigger();
+    w->menuItem("mnuGenDGP_0")->trigger();
     w->resize(1240, 520);
     w->postaviTrenutniRed(w->rsStavke().rowCount() - 1);
     QApplication::processEvents();

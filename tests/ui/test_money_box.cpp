@@ -1,6 +1,5 @@
 // The number boxes as people type and paste into them on Bosnian and English
 // workstations, and what the editors do with what the boxes could not read.
-#include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
 #include "test_editor_fixture.h"
 
@@ -88,19 +87,19 @@ TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
     }
 }
 
-using NumberEditors = EditorTest;
-
-std::unique_ptr<RecordEditor> newEntry(int book)
+class NumberEditors : public EditorTest
 {
-    std::unique_ptr<RecordEditor> e = createEditor(book);
-    e->setTipRada(1);
-    e->setTipSifarnika(book);
-    e->ubRBroj->setValue(Money::fromWhole(4)); // as the browser proposes it
-    e->dpDatum->setDate(QDate(2016, 4, 1));
-    if (auto* isprava = qobject_cast<QLineEdit*>(e->control(book == 105 ? "txtBrojDokumenta" : "txtIsprava")))
-        isprava->setText(QStringLiteral("KIF-1"));
-    return e;
-}
+protected:
+    static std::unique_ptr<RecordEditor> newEntry(int book)
+    {
+        auto e = editor(book, 1);
+        e->ubRBroj->setValue(Money::fromWhole(4)); // as the browser proposes it
+        e->dpDatum->setDate(QDate(2016, 4, 1));
+        if (auto* isprava = qobject_cast<QLineEdit*>(e->control(book == 105 ? "txtBrojDokumenta" : "txtIsprava")))
+            isprava->setText("KIF-1");
+        return e;
+    }
+};
 
 TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
 {
@@ -109,55 +108,55 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
     run(*a, [&] {
         for (const char* name : { "ubNabavna", "ubKnjigovodstvena" })
             qobject_cast<MoneyBox*>(a->control(name))->setValue(Money::fromWhole(900));
-        enter(vijek, Way::Type, QStringLiteral("0,5"));
+        enter(vijek, Way::Type, "0,5");
         a->cmdSpremi->click();
         EXPECT_EQ(texts(),
             QStringList { "Broj \"0,5\" nije moguće pročitati.\nOvdje se upisuje cijeli broj, bez decimala." });
-        EXPECT_EQ(focusOf(*a), QStringLiteral("ubVijekTrajanja"));
-        enter(vijek, Way::Type, QStringLiteral("5"));
+        EXPECT_EQ(focusOf(*a), "ubVijekTrajanja");
+        enter(vijek, Way::Type, "5");
         a->cmdSpremi->click();
     });
-    EXPECT_EQ(rows(QStringLiteral("SELECT VijekTr FROM dbo.KnjPopListaDugImovFBiH")).integer(0, 0), 5);
+    EXPECT_EQ(rows("SELECT VijekTr FROM dbo.KnjPopListaDugImovFBiH").integer(0, 0), 5);
 
     // A refused keystroke leaves less than was typed: the save waits for a correction.
     auto e = newEntry(96);
     script->messages.clear();
     run(*e, [&] {
         qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
-        enter(qobject_cast<MoneyBox*>(e->control("ubIznos")), Way::Type, QStringLiteral("1,234.56"));
+        enter(qobject_cast<MoneyBox*>(e->control("ubIznos")), Way::Type, "1,234.56");
         e->cmdSpremi->click();
         EXPECT_TRUE(texts().value(0).startsWith("Dio upisa u polje nije prihvaćen (ostalo je \"1,23\")"));
     });
-    EXPECT_EQ(count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);
+    EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 0);
 
     // A partner's code takes digits only, and a refused key says so.
     auto r = newEntry(97);
     auto* komitent = qobject_cast<QLineEdit*>(r->control("txtKomitent"));
     run(*r, [&] {
         komitent->setFocus();
-        QTest::keyClicks(komitent, QStringLiteral("1.2"));
-        EXPECT_EQ(komitent->text(), QStringLiteral("12"));
-        EXPECT_TRUE(QToolTip::text().startsWith(QStringLiteral("Šifra je cijeli broj")));
+        QTest::keyClicks(komitent, "1.2");
+        EXPECT_EQ(komitent->text(), "12");
+        EXPECT_TRUE(QToolTip::text().startsWith("Šifra je cijeli broj"));
     });
 }
 
 TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
 {
     for (const bool typed : { false, true }) {
-        exec(QStringLiteral("DELETE FROM dbo.KnjPrihRashFBiH"));
+        exec("DELETE FROM dbo.KnjPrihRashFBiH");
         script->messages.clear();
         auto e = newEntry(96);
         run(*e, [&] {
             if (typed)
-                enter(e->ubRBroj, Way::Type, QStringLiteral("4"));
+                enter(e->ubRBroj, Way::Type, "4");
             qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
             qobject_cast<MoneyBox*>(e->control("ubIznos"))->setValue(Money::fromWhole(50));
             // Another operator saves numbers 4 and 5 while the dialog is open.
-            exec(QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,GodinaKnj,Isprava) "
-                                "VALUES (1,4,2016,'Tuđa'),(1,5,2016,'Tuđa')"));
+            exec("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,GodinaKnj,Isprava) "
+                 "VALUES (1,4,2016,'Tuđa'),(1,5,2016,'Tuđa')");
             e->cmdSpremi->click();
         });
-        const ResultSet mine = rows(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE Isprava='KIF-1'"));
+        const ResultSet mine = rows("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE Isprava='KIF-1'");
         ASSERT_EQ(mine.rowCount(), 1);
         EXPECT_EQ(mine.integer(0, 0), typed ? 4 : 6) << "a number the operator typed is kept";
         EXPECT_EQ(e->spremljeniRBroj(), typed ? 4 : 6);
@@ -166,6 +165,6 @@ TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
                   : QStringList { "Redni broj 4 je u međuvremenu dobila stavka koju je upisao drugi "
                                   "korisnik.\nOva stavka je spremljena pod sljedećim slobodnim rednim "
                                   "brojem: 6." });
-        EXPECT_EQ(lastMessage().title, typed ? QString() : QStringLiteral("Napomena"));
+        EXPECT_EQ(lastMessage().title, typed ? QString() : "Napomena");
     }
 }

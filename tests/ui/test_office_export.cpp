@@ -1,14 +1,17 @@
-// "Prebaci u Excel" from the browser: the dialog's checks and messages in order, the
-// overwrite question, the file as written, the program start, the remembered options,
-// and a filtered and sorted book writing only its rows in the order shown.
-#include "test_browser_fixture.h"
-
-#include "books/DemoData.h"
+// What the books write for a person to keep: "Prebaci u Excel" from the browser (the
+// dialog's checks in order, the overwrite question, the file as written, the program
+// start, the remembered options, a filtered and sorted book writing only its rows in
+// the order shown) and the text viewer (its answer, saving in Windows-1250 with the
+// overwrite question, and the real message seam sending long texts to it).
 #include "host/ExportCommand.h"
 #include "output/OfficeExport.h"
 #include "output/widgets/frmOfficeExportPost.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/SettingsStore.h"
+#include "session/widgets/DialogInteraction.h"
 #include "support/Sandbox.h"
+#include "support/ScriptedInteraction.h"
+#include "test_browser_fixture.h"
 
 #include <QAction>
 #include <QApplication>
@@ -16,22 +19,28 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTimer>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::test;
 
-namespace {
+namespace
+{
 
-class OfficeExportTest : public BrowserTest {
+class OfficeExportTest : public BrowserTest
+{
 protected:
     void SetUp() override
     {
         BrowserTest::SetUp();
-        addPrihRash(1, 2016, 1, {2016, 1, 10}, 11, 1234567.5, 170, QStringLiteral("Pazar; \"Centar\" ČĆĐŠŽ"));
-        addPrihRash(1, 2016, 2, {2016, 1, 12}, 12, 2340.25, 340.07, QStringLiteral("banka"));
-        addPrihRash(1, 2016, 3, {2016, 2, 1}, 11, 585, 85, QStringLiteral("Nabavka"));
+        addPrihRash(1, 2016, 1, { 2016, 1, 10 }, 11, 1234567.5, 170, "Pazar; \"Centar\" ČĆĐŠŽ");
+        addPrihRash(1, 2016, 2, { 2016, 1, 12 }, 12, 2340.25, 340.07, "banka");
+        addPrihRash(1, 2016, 3, { 2016, 2, 1 }, 11, 585, 85, "Nabavka");
         path = scratchDir() + QStringLiteral("/knjiga.csv");
     }
     // Opens the dialog from the browser's menu and lets `steps` work in it.
@@ -41,17 +50,14 @@ protected:
             steps(dynamic_cast<frmOfficeExportPost&>(d));
             return d.result();
         };
-        w.menuItem(QStringLiteral("mnuPrebaciUExcel"))->trigger();
+        w.menuItem("mnuPrebaciUExcel")->trigger();
     }
     static QByteArray read(const QString& name)
     {
         QFile f(name);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-    static QString setting(const char* key)
-    {
-        return settings::text(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QString::fromUtf8(key));
-    }
+    static QString setting(const char* key) { return settings::text("Arbosa", "Settings", QString::fromUtf8(key)); }
     QString path;
 };
 
@@ -63,32 +69,34 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     const QString program = QCoreApplication::applicationFilePath();
     exportFrom(*w, [&](frmOfficeExportPost& f) {
         EXPECT_EQ(f.txtNazivDat->text(), output::defaultFileName());
-        EXPECT_EQ(f.txtSeparator->text(), QStringLiteral(";"));
-        EXPECT_EQ(f.txtDecTočka->text(), QStringLiteral(","));
+        EXPECT_EQ(f.txtSeparator->text(), ";");
+        EXPECT_EQ(f.txtDecTočka->text(), ",");
         struct Step {
             std::function<void()> change;
             const char* message;
         };
         const Step steps[] = {
-            {[&] { f.txtNazivDat->clear(); }, "Mora se upisati ime CSV datoteke podataka!"},
-            {[&] {
+            { [&] { f.txtNazivDat->clear(); }, "Mora se upisati ime CSV datoteke podataka!" },
+            { [&] {
                  script->files.enqueue(path);
                  f.cmdGdjeSpremiti->click();
                  f.txtSeparator->clear();
              },
-             "Mora se upisati separator podataka!"},
-            {[&] { f.txtSeparator->setText(QStringLiteral(",")); f.txtDecTočka->setText(QStringLiteral(";")); },
-             "Znak za decimalnu točku za brojeve može biti točka ili zarez !"},
-            {[&] { f.txtDecTočka->setText(QStringLiteral(",")); },
-             "Separator podataka i znak za decimalnu točku ne mogu biti isti !"},
-            {[&] {
-                 f.txtSeparator->setText(QStringLiteral(";"));
+                "Mora se upisati separator podataka!" },
+            { [&] {
+                 f.txtSeparator->setText(",");
+                 f.txtDecTočka->setText(";");
+             },
+                "Znak za decimalnu točku za brojeve može biti točka ili zarez !" },
+            { [&] { f.txtDecTočka->setText(","); },
+                "Separator podataka i znak za decimalnu točku ne mogu biti isti !" },
+            { [&] {
+                 f.txtSeparator->setText(";");
                  f.chkAutomatskiPokr->setChecked(true);
                  f.txtLokacijaEXE->clear();
              },
-             "Mora se upisati ime EXE datoteke!"},
-            {[&] { f.txtLokacijaEXE->setText(QStringLiteral("/nema/ovog/programa")); },
-             "Uneseno ime EXE datoteke je neispravno !"},
+                "Mora se upisati ime EXE datoteke!" },
+            { [&] { f.txtLokacijaEXE->setText("/nema/ovog/programa"); }, "Uneseno ime EXE datoteke je neispravno !" },
         };
         for (const Step& s : steps) {
             s.change();
@@ -105,8 +113,9 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
         script->clear();
         f.cmdPrebaciPodatke->click();
     });
-    EXPECT_EQ(script->texts(), QStringList{QStringLiteral("U datoteku: %1 prebačeno 3 zapisa u CSV formatu!").arg(path)});
-    EXPECT_EQ(script->startedPrograms, (QList<QStringList>{{program, QDir::toNativeSeparators(path)}}));
+    EXPECT_EQ(
+        script->texts(), QStringList { QStringLiteral("U datoteku: %1 prebačeno 3 zapisa u CSV formatu!").arg(path) });
+    EXPECT_EQ(script->startedPrograms, (QList<QStringList> { { program, QDir::toNativeSeparators(path) } }));
     const QByteArray file = read(path);
     EXPECT_TRUE(file.startsWith("RBroj;GodinaKnj;Datum;Isprava;Opis;Vrsta;NazivVrste;Prihodi;PDVPrihodi;Rashodi;"
                                 "PDVRashodi;I\r\n1;2016;10.01.16;D-1;Pazar; \"Centar\" \xC8\xC6\xD0\x8A\x8E;11;"))
@@ -114,8 +123,8 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     EXPECT_TRUE(file.contains(";1234567,5;170;0;0;\r\n2;2016;12.01.16;D-2;banka;12;"));
     EXPECT_EQ(file.count("\r\n"), 4);
     EXPECT_EQ(setting("ExpNazivDat"), QDir::toNativeSeparators(path));
-    EXPECT_EQ(setting("ExpSeparator") + setting("ExpDecTočka"), QStringLiteral(";,"));
-    EXPECT_EQ(setting("ExpPrikazNavodnika") + setting("ExpAutomPokr"), QStringLiteral("FalseTrue"));
+    EXPECT_EQ(setting("ExpSeparator") + setting("ExpDecTočka"), ";,");
+    EXPECT_EQ(setting("ExpPrikazNavodnika") + setting("ExpAutomPokr"), "FalseTrue");
     EXPECT_EQ(setting("ExpEXEDat"), QDir::toNativeSeparators(program));
 }
 
@@ -125,7 +134,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
     old.close();
     auto w = open(96);
-    for (Answer answer : {Answer::No, Answer::Yes}) {
+    for (Answer answer : { Answer::No, Answer::Yes }) {
         script->clear();
         script->answers.enqueue(answer);
         exportFrom(*w, [&](frmOfficeExportPost& f) {
@@ -149,28 +158,30 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
 TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
 {
     auto w = open(96);
-    w->WhereUvjet = QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'");
+    w->WhereUvjet = " WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'";
     w->OsvjeziZapise();
     w->fg_HeaderClick(1);
-    w->fg_HeaderClick(1);   // RBroj descending
-    ASSERT_EQ(rBrojevi(*w), (QList<qint64>{3, 1}));
+    w->fg_HeaderClick(1); // RBroj descending
+    ASSERT_EQ(rBrojevi(*w), (QList<qint64> { 3, 1 }));
     exportFrom(*w, [&](frmOfficeExportPost& f) {
         f.txtNazivDat->setText(path);
-        f.txtDecTočka->setText(QStringLiteral("."));
-        f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData(QStringLiteral("utf-8")));
+        f.txtDecTočka->setText(".");
+        f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData("utf-8"));
         f.cmdPrebaciPodatke->click();
     });
     const QList<QByteArray> lines = read(path).split('\n');
     ASSERT_EQ(lines.size(), 4);
     EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
     EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.16;\"D-3\";\"Nabavka\";11;"));
-    EXPECT_EQ(lines[2], QStringLiteral("1;2016;10.01.16;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
-                                       "1234567.5;170;0;0;\r").toUtf8());
+    EXPECT_EQ(lines[2],
+        QStringLiteral("1;2016;10.01.16;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
+                       "1234567.5;170;0;0;\r")
+            .toUtf8());
     // The next opening shows the remembered choices.
     exportFrom(*w, [&](frmOfficeExportPost& f) {
         EXPECT_EQ(f.txtNazivDat->text(), path);
-        EXPECT_EQ(f.txtDecTočka->text(), QStringLiteral("."));
-        EXPECT_EQ(f.cmbKodiranje->currentData().toString(), QStringLiteral("utf-8"));
+        EXPECT_EQ(f.txtDecTočka->text(), ".");
+        EXPECT_EQ(f.cmbKodiranje->currentData().toString(), "utf-8");
         EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
     });
 }
@@ -182,10 +193,8 @@ TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
-    settings::setText(QStringLiteral("Arbosa"), QStringLiteral("Settings"), QStringLiteral("ExpNazivDat"),
-                      QStringLiteral("/home/amra/Dokumenti/Export.csv"));
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
+    settings::setText("Arbosa", "Settings", "ExpNazivDat", "/home/amra/Dokumenti/Export.csv");
     auto w = open(96);
     exportFrom(*w, [&](frmOfficeExportPost& f) {
         f.show();
@@ -199,10 +208,117 @@ TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
 TEST(ExportCommand, PeriodAndSalesPointNarrowTheOpeningClause)
 {
     EXPECT_EQ(cli::exportWhere(96, {}, {}, 3, 2016, 0),
-              QStringLiteral(" WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3"));
-    EXPECT_EQ(cli::exportWhere(96, {2016, 3, 1}, {2016, 3, 31}, 3, 2016, 0),
-              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND "
-                             "K.GodinaKnj=2016"));
+        " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3");
+    EXPECT_EQ(cli::exportWhere(96, { 2016, 3, 1 }, { 2016, 3, 31 }, 3, 2016, 0),
+        " WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND "
+        "K.GodinaKnj=2016");
     EXPECT_EQ(cli::exportWhere(125, {}, {}, 3, 2016, 7),
-              QStringLiteral(" WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7"));
+        " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7");
+}
+
+namespace
+{
+
+QByteArray contents(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<nema datoteke>");
+}
+
+} // namespace
+
+TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
+{
+    ScopedScript script;
+    const QString text = "Prvi red: čćžšđ\r\nDrugi red: ČĆŽŠĐ";
+    const QString file = scratchDir() + QStringLiteral("/poruka.txt");
+    struct Step {
+        bool ask;
+        const char* button; // pressed in the window; nullptr: closed by its box
+        bool answer;
+    };
+    for (const Step& step : { Step { true, "cmdDa", true }, Step { true, "cmdNe", false },
+             Step { true, nullptr, false }, Step { false, "OKButton", false } }) {
+        frmPrikazTeksta viewer;
+        script->onDialog = [&](QDialog& d) {
+            EXPECT_EQ(d.windowTitle(), "Upozorenje");
+            EXPECT_EQ(viewer.txtPoruka->toPlainText(), "Prvi red: čćžšđ\nDrugi red: ČĆŽŠĐ");
+            EXPECT_EQ(viewer.lblPitanje->text(), "Nastaviti?");
+            EXPECT_EQ(viewer.cmdDa->isVisibleTo(&d), step.ask);
+            EXPECT_EQ(viewer.OKButton->isVisibleTo(&d), !step.ask);
+            if (step.button)
+                d.findChild<QPushButton*>(QString::fromLatin1(step.button))->click();
+            else
+                d.reject();
+            return d.result();
+        };
+        viewer.Prikaži("Upozorenje", text, step.ask, "Nastaviti?");
+        EXPECT_EQ(viewer.Odgovor(), step.answer) << (step.button ? step.button : "close box");
+
+        // Saving: a new file; over it answering No (kept); then Yes (replaced).
+        QFile::remove(file);
+        script->files.enqueue(file);
+        viewer.cmdSpremiTekst->click();
+        EXPECT_EQ(contents(file), QByteArray("Prvi red: \xE8\xE6\x9E\x9A\xF0\r\nDrugi red: \xC8\xC6\x8E\x8A\xD0"));
+        EXPECT_TRUE(script->messages.isEmpty());
+    }
+
+    frmPrikazTeksta viewer;
+    script->onDialog = [](QDialog&) { return 0; };
+    viewer.Prikaži("Prazno", QString(), false, {});
+    QFile old(file);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    old.write("stari tekst");
+    old.close();
+    script->files.enqueue(file);
+    script->answers.enqueue(Answer::No);
+    viewer.mnuSpremiTekst->trigger();
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(script->messages[0].text, "Datoteka sa tim imenom već postoji ! Želite li je prepisati?");
+    EXPECT_EQ(script->messages[0].icon, Icon::Question);
+    EXPECT_EQ(script->messages[0].buttons, Buttons::YesNo);
+    EXPECT_EQ(contents(file), QByteArray("stari tekst"));
+    script->files.enqueue(file);
+    script->answers.enqueue(Answer::Yes);
+    viewer.cmdSpremiTekst->click();
+    EXPECT_TRUE(QFile::exists(file));
+    EXPECT_EQ(contents(file), QByteArray()); // the empty text makes an empty file
+    // No file chosen: nothing asked, nothing written.
+    script->clear();
+    viewer.cmdSpremiTekst->click();
+    EXPECT_TRUE(script->messages.isEmpty());
+}
+
+// A person at the real message boxes: a long question comes in the viewer, its last line
+// as the question under the text.
+TEST(TextViewer, TheRealSeamShowsLongTextsInTheViewer)
+{
+    auto previous = setInteraction(std::make_unique<DialogInteraction>());
+    QString question;
+    QString body;
+    QTimer::singleShot(0, [&] {
+        auto* viewer = qobject_cast<frmPrikazTeksta*>(QApplication::activeModalWidget());
+        if (!viewer)
+            return;
+        question = viewer->lblPitanje->text();
+        body = viewer->txtPoruka->toPlainText();
+        viewer->cmdDa->click();
+    });
+    // Should the viewer not come, the box that came instead is closed and the test fails.
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(&guard, &QTimer::timeout, [] {
+        if (QWidget* w = QApplication::activeModalWidget())
+            w->close();
+    });
+    guard.start(5000);
+    QString text;
+    for (int i = 1; i <= 40; ++i)
+        text += QStringLiteral("Stavka %1 nije knjižena.\n").arg(i);
+    const bool yes = askYesNo(text + QStringLiteral("Želite li nastaviti?"), "Provjera");
+    setInteraction(std::move(previous));
+    EXPECT_TRUE(yes);
+    EXPECT_EQ(question, "Želite li nastaviti?");
+    EXPECT_TRUE(body.startsWith("Stavka 1 nije knjižena."));
+    EXPECT_TRUE(body.endsWith("Stavka 40 nije knjižena."));
 }

@@ -2,7 +2,6 @@
 // the sums carried from page to page, the totals against the browser's "Ukupno:" row,
 // the print command's PDF against the window's, the recapitulation and the preview.
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "browser/widgets/BrowserPrint.h"
 #include "host/PrintCommand.h"
 #include "output/ReportLayout.h"
@@ -18,7 +17,6 @@
 #include <QPrintPreviewWidget>
 #include <QProcess>
 #include <QRegularExpression>
-#include <cmath>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -32,7 +30,7 @@ constexpr int kRows = 140;
 QStringList pdfPages(const QString& pdf)
 {
     QProcess p;
-    p.start(QStringLiteral("pdftotext"), { QStringLiteral("-layout"), pdf, QStringLiteral("-") });
+    p.start("pdftotext", { "-layout", pdf, "-" });
     if (!p.waitForFinished(20000) || p.exitCode() != 0) {
         ADD_FAILURE() << "pdftotext (poppler-utils, scripts/setup) could not read " << pdf.toStdString();
         return {};
@@ -55,14 +53,14 @@ QVector<Money> printed(QVector<Money> sums)
 
 std::optional<QVector<Money>> sumsOn(const QString& page, const QString& label)
 {
-    static const QRegularExpression amount(QStringLiteral("-?\\d{1,3}(?:[.,\\x{a0}]\\d{3})*[.,]\\d{2}"));
+    static const QRegularExpression amount("-?\\d{1,3}(?:[.,\\x{a0}]\\d{3})*[.,]\\d{2}");
     for (const QString& line : page.split(u'\n')) {
         if (!line.trimmed().startsWith(label))
             continue;
         QVector<Money> out;
         for (const auto& m : amount.globalMatch(line.mid(line.indexOf(label) + label.size()))) {
             QString digits = m.captured(0);
-            digits.remove(QRegularExpression(QStringLiteral("[^-\\d]")));
+            digits.remove(QRegularExpression("[^-\\d]"));
             out << Money::fromUnits(digits.toLongLong() * 100);
         }
         return out;
@@ -72,57 +70,7 @@ std::optional<QVector<Money>> sumsOn(const QString& page, const QString& label)
 
 QString withoutPrintTime(const QStringList& pages)
 {
-    return pages.join(u'\f').remove(QRegularExpression(QStringLiteral("Ispisano: [^\\n]*")));
-}
-
-// Money of row i: varied, now and then zero.
-double amount(int i)
-{
-    return i % 9 == 0 ? 0 : double((i * 7919) % 100000) / 100.0 + 1;
-}
-
-// One row of a book: the marker S<book>-<i> opens its text so every row can be found
-// once in the printout; every tenth text is long enough to wrap.
-RowChange::Values rowOf(int book, int i)
-{
-    const QString text = QStringLiteral("S%1-%2").arg(book).arg(i)
-        + (i % 10 == 0 ? QStringLiteral(" dugački opis stavke koji se mora prelomiti u više redova ispisa")
-                       : QString());
-    const QVariant a = money(amount(i));
-    RowChange::Values v = { { "BrojPoduzeca", 1 }, { "RBroj", i }, { "Datum", QDate(2016, 1, 1).addDays(i % 360) },
-        { "GodinaKnj", 2016 } };
-    auto kindOf = [i](std::initializer_list<int> kinds) { return *(kinds.begin() + i % int(kinds.size())); };
-    switch (book) {
-    case 96:
-        return v << RowChange::Values { { "Isprava", QStringLiteral("D-%1").arg(i) }, { "Opis", text },
-            { "Vrsta", kindOf({ 11, 12, 13, 16, 17, 18, 19 }) }, { "Iznos", a },
-            { "IznosPDV", money(std::round(amount(i) * 17 / 1.17) / 100) } };
-    case 109:
-        return v << RowChange::Values { { "Isprava", QStringLiteral("D-%1").arg(i) }, { "Opis", text },
-            { "Vrsta", kindOf({ 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 }) }, { "Iznos", a } };
-    case 97:
-    case 102:
-        return v << RowChange::Values { { "SifKomit", 1001 }, { "Vrsta", kindOf({ 11, 12, 21, 22 }) }, { "Opis", text },
-            { "Isprava", QStringLiteral("R-%1").arg(i) }, { "Iznos", a }, { "RBrojKPR", i } };
-    case 98:
-    case 106:
-        return v << RowChange::Values { { "Opis", text }, { "Isprava", QStringLiteral("I-%1").arg(i) },
-            { "IznosGot", a }, { "IznosCek", money(amount(i + 3)) } };
-    case 99:
-    case 100:
-        return v << RowChange::Values { { "Opis", text }, { "Vrsta", kindOf({ 4, 5, 6, 7, 8 }) }, { "Iznos", a },
-            { "IznosPDV", money(amount(i) / 10) } };
-    case 101:
-    case 105:
-        return v << RowChange::Values { { "Naziv", text }, { "Isprava", QStringLiteral("%1").arg(i) },
-            { "NabVrijednost", money(amount(i) * 10) }, { "KnjigVrijednost", money(amount(i) * 8) },
-            { "VijekTr", 2 + i % 8 } };
-    case 125:
-        return v << RowChange::Values { { "BrojProd", 501 }, { "Opis", text }, { "Iznos", a } };
-    default:
-        return v << RowChange::Values { { "BrojProd", 501 }, { "Opis", text }, { "Zaduzenje", a },
-            { "Razduzenje", money(amount(i + 1)) } };
-    }
+    return pages.join(u'\f').remove(QRegularExpression("Ispisano: [^\\n]*"));
 }
 
 class PrintTest : public BrowserTest
@@ -130,15 +78,10 @@ class PrintTest : public BrowserTest
 protected:
     void fill(int book, int rows)
     {
-        db->insert("dbo.CONFIG",
-            { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") },
-                { "Adresa", QStringLiteral("Titova 3") }, { "PostBroj", QStringLiteral("71000") },
-                { "Mjesto", QStringLiteral("Sarajevo") }, { "IdBroj", QStringLiteral("4200000000001") } });
-        db->insert("dbo.Komitent", { { "SifKomit", 1001 }, { "ImeKomit1", QStringLiteral("Partner d.o.o.") } });
-        db->insert("dbo.Komitent", { { "SifKomit", 501 }, { "ImeKomit1", QStringLiteral("Maloprodaja Centar") } });
+        addCompany();
         TransactionGuard t(db->db());
         for (int i = 1; i <= rows; ++i)
-            db->insert(findBook(book)->table, rowOf(book, i));
+            add(book, i);
         t.commit();
     }
 };
@@ -181,8 +124,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
             period = std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31));
-        const browser::FilterState sel
-            = report::bookSelection(book.code, 1, 2016, period, shop, QStringLiteral("Maloprodaja Centar"));
+        const browser::FilterState sel = report::bookSelection(book.code, 1, 2016, period, shop, "Maloprodaja Centar");
         w->WhereUvjet = sel.where;
         w->OpisFiltera = sel.description;
         w->DatumOd = sel.periodStart;
@@ -201,17 +143,16 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
         // The head of the book and the page numbers.
         const QString& first = pages.first();
-        for (const QString& expected : { QStringLiteral("Obrt Šimić"), QStringLiteral("Titova 3, 71000 Sarajevo"),
-                 QStringLiteral("ID broj: 4200000000001"), book.caption,
-                 QStringLiteral("Period od 01.01.2016 do 31.12.2016"),
+        for (const QString& expected : QStringList { "Obrt Šimić", "Titova 3, 71000 Sarajevo", "ID broj: 4200000000001",
+                 book.caption, "Period od 01.01.2016 do 31.12.2016",
                  sel.description.isEmpty() ? QStringLiteral("Filter: Svi")
                                            : QStringLiteral("Filter : ") + sel.description })
             EXPECT_TRUE(first.contains(expected)) << expected.toStdString();
-        EXPECT_EQ(first.contains(QStringLiteral("Prodajno mjesto: 501 Maloprodaja Centar")), shop != 0);
+        EXPECT_EQ(first.contains("Prodajno mjesto: 501 Maloprodaja Centar"), shop != 0);
         for (int p = 0; p < pages.size(); ++p) {
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Strana %1 od %2").arg(p + 1).arg(pages.size()))) << p;
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Ispisano: ") + QDate::currentDate().toString("dd.MM.yyyy")));
-            EXPECT_TRUE(pages[p].contains(QStringLiteral("operater: Ana")));
+            EXPECT_TRUE(pages[p].contains("operater: Ana"));
         }
 
         // Every row once, and the page it is on.
@@ -231,21 +172,21 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         ASSERT_TRUE(bound);
         const QVector<int>& summed = bound->summed();
         QVector<Money> running(summed.size());
-        const int rbroj = rs.indexOf(QStringLiteral("RBroj"));
+        const int rbroj = rs.indexOf("RBroj");
         for (int p = 0; p < pages.size(); ++p) {
             const bool last = p + 1 == pages.size();
-            EXPECT_EQ(sumsOn(pages[p], QStringLiteral("Prenos:")),
-                p == 0 ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
+            EXPECT_EQ(
+                sumsOn(pages[p], "Prenos:"), p == 0 ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
                 << "page " << p + 1;
             for (int r = 0; r < rs.rowCount(); ++r)
                 if (pageOf.value(int(rs.integer(r, rbroj)), -1) == p)
                     for (int i = 0; i < summed.size(); ++i)
                         running[i] += bound->money(rs, r, summed[i]);
-            EXPECT_EQ(sumsOn(pages[p], QStringLiteral("Za prenos:")),
-                last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
+            EXPECT_EQ(
+                sumsOn(pages[p], "Za prenos:"), last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
                 << "page " << p + 1;
         }
-        const auto totals = sumsOn(pages.last(), QStringLiteral("Ukupno:"));
+        const auto totals = sumsOn(pages.last(), "Ukupno:");
         ASSERT_TRUE(totals);
         EXPECT_EQ(*totals, printed(running));
 
@@ -265,13 +206,13 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
         // The print command writes the same report as the window.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
-        QStringList args = { QString::number(book.code), QStringLiteral("--db"), db->path(),
-            QStringLiteral("--company"), QStringLiteral("1"), QStringLiteral("--year"), QStringLiteral("2016"),
-            QStringLiteral("--operator"), QStringLiteral("Ana"), QStringLiteral("--pdf"), cliPdf };
+        QStringList args = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
+            "--operator", "Ana", "--pdf", cliPdf };
         if (filtered)
-            args << QStringLiteral("--period") << QStringLiteral("01.01.2016-31.12.2016");
+            args << "--period"
+                 << "01.01.2016-31.12.2016";
         if (shop)
-            args << QStringLiteral("--prod") << QString::number(shop);
+            args << "--prod" << QString::number(shop);
         ASSERT_EQ(host::runPrint(args), 0);
         EXPECT_EQ(withoutPrintTime(pdfPages(cliPdf)), withoutPrintTime(pages));
     }
@@ -280,7 +221,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
 
 TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
 {
-    db->insert("dbo.CONFIG", { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") } });
+    addCompany();
     addPrihRash(1, 2016, 1, { 2016, 1, 5 }, 11, 999, 145); // before the period
     addPrihRash(1, 2016, 2, { 2016, 2, 1 }, 17, 400);
     addPrihRash(1, 2016, 3, { 2016, 2, 10 }, 11, 117, 17);
@@ -310,21 +251,20 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
         preview->reject();
         return 0;
     };
-    w->menuItem(QStringLiteral("mnuRekapKnjPrihRash"))->trigger();
+    w->menuItem("mnuRekapKnjPrihRash")->trigger();
     EXPECT_EQ(previews, 1);
-    EXPECT_EQ(previewTitle, QStringLiteral("REKAPITULACIJA KNJIGE PRIHODA I RASHODA"));
+    EXPECT_EQ(previewTitle, "REKAPITULACIJA KNJIGE PRIHODA I RASHODA");
     EXPECT_EQ(previewPages, 1);
     EXPECT_EQ(db->db().lastSql(),
-        QStringLiteral(
-            "SELECT TOP 100 PERCENT K.Vrsta,CASE K.Vrsta WHEN 11 THEN 'Prihod u gotovini' WHEN 12 THEN 'Prihodi "
-            "preko bank.računa' WHEN 13 THEN 'Prihod u stvarima i usl' WHEN 16 THEN 'Rashod za nabavku rob/mat' "
-            "WHEN 17 THEN 'Rashod za bruto plaće' WHEN 18 THEN 'Rashod za plaćene dop p.' WHEN 19 THEN 'Ostali "
-            "rashodi' END As Naziv,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.Iznos ELSE 0 END) AS "
-            "Prihod,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.IznosPDV ELSE 0 END) AS PDVPrihod,SUM(CASE "
-            "WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.Iznos ELSE 0 END) AS Rashod,SUM(CASE WHEN K.Vrsta>=16 AND "
-            "K.Vrsta<=19 THEN K.IznosPDV ELSE 0 END) AS PDVRashod FROM dbo.KnjPrihRashFBiH K  WHERE "
-            "K.BrojPoduzeca=1 AND  K.Datum>='02.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016 GROUP "
-            "BY K.Vrsta ORDER BY K.Vrsta"));
+        "SELECT TOP 100 PERCENT K.Vrsta,CASE K.Vrsta WHEN 11 THEN 'Prihod u gotovini' WHEN 12 THEN 'Prihodi "
+        "preko bank.računa' WHEN 13 THEN 'Prihod u stvarima i usl' WHEN 16 THEN 'Rashod za nabavku rob/mat' "
+        "WHEN 17 THEN 'Rashod za bruto plaće' WHEN 18 THEN 'Rashod za plaćene dop p.' WHEN 19 THEN 'Ostali "
+        "rashodi' END As Naziv,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.Iznos ELSE 0 END) AS "
+        "Prihod,SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.IznosPDV ELSE 0 END) AS PDVPrihod,SUM(CASE "
+        "WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.Iznos ELSE 0 END) AS Rashod,SUM(CASE WHEN K.Vrsta>=16 AND "
+        "K.Vrsta<=19 THEN K.IznosPDV ELSE 0 END) AS PDVRashod FROM dbo.KnjPrihRashFBiH K  WHERE "
+        "K.BrojPoduzeca=1 AND  K.Datum>='02.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016 GROUP "
+        "BY K.Vrsta ORDER BY K.Vrsta");
 
     const QString pdf = scratchDir() + QStringLiteral("/rekapitulacija.pdf");
     QString error;
@@ -335,13 +275,13 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
         { "Obrt Šimić", "REKAPITULACIJA KNJIGE PRIHODA I RASHODA", "Filter : Period od 01.02.16 do 31.03.16" })
         EXPECT_TRUE(pages[0].contains(QString::fromUtf8(head))) << head;
     // Hand sums of February and March: kind 11 = 117 + 234 with VAT 17 + 34, and so on.
-    const QString names[] = { QStringLiteral("Prihod u gotovini"), QStringLiteral("Prihodi preko bank.računa"),
-        QStringLiteral("Rashod za bruto plaće"), QStringLiteral("Ostali rashodi"), QStringLiteral("Ukupno:") };
+    const QString names[]
+        = { "Prihod u gotovini", "Prihodi preko bank.računa", "Rashod za bruto plaće", "Ostali rashodi", "Ukupno:" };
     const QVector<Money> expected[] = { { Money::fromWhole(351), Money::fromWhole(51) }, { Money::fromWhole(50) },
         { Money::fromWhole(400) }, { Money::fromUnits(585000), Money::fromUnits(85000) },
         { Money::fromWhole(401), Money::fromWhole(51), Money::fromUnits(4585000), Money::fromUnits(85000) } };
     QString lines = pages[0];
-    lines.replace(QRegularExpression(QStringLiteral("(?m)^\\s*\\d+\\s+")), QString()); // the kind's code
+    lines.replace(QRegularExpression("(?m)^\\s*\\d+\\s+"), QString()); // the kind's code
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(sumsOn(lines, names[i]), std::optional<QVector<Money>>(expected[i])) << names[i].toStdString();
 
@@ -353,13 +293,12 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     EXPECT_EQ(previewPages, 1);
 
     // A condition the database refuses: the data layer's words, no preview.
-    w->WhereUvjet = QStringLiteral(" WHERE K.Nema=1");
+    w->WhereUvjet = " WHERE K.Nema=1";
     script->clear();
     w->Rekapitulacija();
     EXPECT_EQ(previews, 1);
     ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: ")))
-        << script->texts()[0].toStdString();
+    EXPECT_TRUE(script->messages[0].text.startsWith("Desila se greška: ")) << script->texts()[0].toStdString();
     EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
 }
 
@@ -371,8 +310,7 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
-    QString error;
-    ASSERT_TRUE(fillDemoData(db->db(), 2016, &error)) << error.toStdString();
+    ASSERT_TRUE(fillDemo(db->db(), 2016));
     auto w = open(96);
     QString picture;
     script->onDialog = [&](QDialog& dialog) {
@@ -386,6 +324,7 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
     w->mnu_Click(6);
     picture = dir + QStringLiteral("/ispis-pregled-rekapitulacija.png");
     w->Rekapitulacija();
+    QString error;
     ASSERT_TRUE(recapitulationReport(*w)->writePdf(dir + QStringLiteral("/rekapitulacija.pdf"), &error));
     EXPECT_TRUE(script->messages.isEmpty()) << script->texts().join(u'\n').toStdString();
 }

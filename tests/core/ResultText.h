@@ -1,0 +1,50 @@
+#pragma once
+
+// Result sets as short texts, so that one comparison checks a whole header, row or
+// column: a wrong, missing or extra value shows in the message as it is (UTF-8).
+#include "session/ResultSet.h"
+
+#include <QStringList>
+
+#include <string>
+
+namespace knjige::test {
+
+// The fields' names, or the names of their types, joined with commas.
+inline std::string fieldNames(const ResultSet& rs)
+{
+    QStringList out;
+    for (const Field& f : rs.fields())
+        out << f.name;
+    return out.join(u',').toStdString();
+}
+
+inline std::string fieldTypes(const ResultSet& rs)
+{
+    QStringList out;
+    for (const Field& f : rs.fields())
+        out << fieldTypeName(f.type);
+    return out.join(u',').toStdString();
+}
+
+// One row's values, or one column's values top to bottom, joined with '|'; "<null>"
+// stands for NULL.
+inline std::string rowText(const ResultSet& rs, int row, int onlyColumn = -1)
+{
+    QStringList out;
+    for (int c = 0; c < rs.fieldCount(); ++c)
+        if (onlyColumn < 0 || c == onlyColumn)
+            out << (rs.isNull(row, c) ? QStringLiteral("<null>") : rs.text(row, c));
+    return out.join(u'|').toStdString();
+}
+
+inline std::string columnText(const ResultSet& rs, const QString& name)
+{
+    std::string out;
+    const int c = rs.indexOf(name);
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out += (r ? "|" : "") + (c < 0 ? std::string("<no field>") : rowText(rs, r, c));
+    return out;
+}
+
+} // namespace knjige::test

@@ -1,0 +1,315 @@
+// The session's shared pieces: result sets, one-row statements, the interaction seam,
+// settings and registry, the next ordinal number of every book and the company's
+// configuration, each with its failure told in the one message form; money and dates
+// (parsing, half-to-even storage and half-away display rounding, the VAT share, amounts
+// as people type them in the workstation's form, SQL date literals).
+#include "ResultText.h"
+#include "books/BookKind.h"
+#include "session/AmountText.h"
+#include "session/DatabaseBackend.h"
+#include "session/Dates.h"
+#include "session/Registry.h"
+#include "session/Session.h"
+#include "session/SettingsStore.h"
+#include "support/Sandbox.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+
+#include <gtest/gtest.h>
+
+using namespace knjige;
+using knjige::test::ScopedScript;
+using knjige::test::TestDatabase;
+using State = AmountReading::State;
+
+TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
+{
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
+        { "Opis", FieldType::Text }, { "Stopa", FieldType::Decimal } });
+    rs.appendRow();
+    rs.set(0, 7);
+    rs.set(1, QVariant::fromValue(Money::fromUnits(145299)));
+    rs.set(2, QDate(2016, 3, 15));
+    rs.set(3, QStringLiteral("Nabavka robe"));
+    rs.set(4, 33.3333333);
+    rs.appendRow(); // all NULL
+    rs.appendRow();
+    rs.setText(1, QStringLiteral("100"));
+    rs.setText(2, QStringLiteral("2016-12-31 00:00:00"));
+
+    ASSERT_EQ(rs.rowCount(), 3);
+    EXPECT_EQ(rs.indexOf(QStringLiteral("iznos")), 1);
+    EXPECT_EQ(rs.indexOf(QStringLiteral("nema")), -1);
+    EXPECT_EQ(rs.value(0, QStringLiteral("RBROJ")).toLongLong(), 7);
+    EXPECT_EQ(rs.money(0, 1).toString(), QStringLiteral("14.5299"));
+    EXPECT_EQ(rs.date(0, 2), QDate(2016, 3, 15));
+    EXPECT_EQ(rs.money(0, 4).toString(), QStringLiteral("33.3333"));
+    EXPECT_EQ(rs.money(1, 1), Money());
+    EXPECT_FALSE(rs.value(1, 1).isValid());
+    // Texts set into typed columns are read as their types.
+    const char* rows[] = { "7|14.5299|2016-03-15|Nabavka robe|33.3333333", "<null>|<null>|<null>|<null>|<null>",
+        "<null>|100|2016-12-31|<null>|<null>" };
+    for (int r = 0; r < 3; ++r)
+        EXPECT_EQ(test::rowText(rs, r), rows[r]);
+    // Rows 0,1,2 become 2,0,1 in every column, NULLs included.
+    rs.permute({ 2, 0, 1 });
+    for (int r = 0; r < 3; ++r)
+        EXPECT_EQ(test::rowText(rs, r), rows[(r + 2) % 3]);
+}
+
+TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
+{
+    RowChange change;
+    change.kind = RowChange::Kind::Update;
+    change.table = QStringLiteral("dbo.KnjPrometaFBiH");
+    change.values = { { "RBroj", 3 }, { "Opis", QStringLiteral("Pazar") } };
+    change.original = { { "RBroj", 2 }, { "Opis", QVariant() } };
+
+    const BoundStatement server = rowStatement(change, SqlDialect::SqlServer);
+    EXPECT_EQ(server.sql,
+        QStringLiteral("UPDATE TOP (1) dbo.KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE RBroj = ? AND Opis IS NULL"));
+    EXPECT_EQ(server.values, (QVariantList { 3, QStringLiteral("Pazar"), 2 }));
+    EXPECT_EQ(rowStatement(change, SqlDialect::Sqlite).sql,
+        QStringLiteral("UPDATE KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE rowid IN "
+                       "(SELECT rowid FROM KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL LIMIT 1)"));
+
+    change.kind = RowChange::Kind::Delete;
+    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).sql,
+        QStringLiteral("DELETE TOP (1) FROM dbo.KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL"));
+    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).values, (QVariantList { 2 }));
+
+    change.kind = RowChange::Kind::Insert;
+    const BoundStatement insert = rowStatement(change, SqlDialect::SqlServer);
+    EXPECT_EQ(insert.sql, QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (RBroj,Opis) VALUES (?,?)"));
+    EXPECT_EQ(insert.values, (QVariantList { 3, QStringLiteral("Pazar") }));
+}
+
+TEST(Interaction, ScriptRecordsMessagesAndAnswersQuestionsInTurn)
+{
+    ScopedScript script;
+    script->answers.enqueue(Answer::No);
+    warn(QStringLiteral("Mora se upisati isprava !"));
+    EXPECT_FALSE(askYesNo(QStringLiteral("Želite li?"), QStringLiteral("Renumeracija")));
+    // With the script run dry the question takes its default button.
+    EXPECT_FALSE(askYesNo(QStringLiteral("Obrisati?"), {}, Answer::No));
+    EXPECT_TRUE(askYesNo(QStringLiteral("Nastaviti?")));
+
+    ASSERT_EQ(script->messages.size(), 4);
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(script->messages[0].buttons, Buttons::Ok);
+    EXPECT_EQ(script->messages[1].title, QStringLiteral("Renumeracija"));
+    EXPECT_EQ(script->messages[1].icon, Icon::Question);
+    EXPECT_EQ(script->messages[1].buttons, Buttons::YesNo);
+    EXPECT_EQ(script->texts().last(), QStringLiteral("Nastaviti?"));
+}
+
+TEST(Settings, FlagsAreTrueFalseTextsEachApplicationKeepsItsOwnAndTheRegistryCutsLongValues)
+{
+    test::clearSettings();
+    const QString book = QStringLiteral("Knjiga prometa za FBiH"), s = settings::section();
+    const QString key = QStringLiteral("OpisiNaTipkama");
+    EXPECT_TRUE(settings::flag(book, s, key, true));
+    settings::setFlag(book, s, key, false);
+    EXPECT_EQ(settings::text(book, s, key), QStringLiteral("False"));
+    EXPECT_FALSE(settings::flag(book, s, key, true));
+    EXPECT_TRUE(settings::flag(QStringLiteral("Knjiga prometa za RS"), s, key, true));
+    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 9645);
+    settings::setNumber(book, s, QStringLiteral("MainWidth"), 12000);
+    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 12000);
+
+    const QString knjige = QStringLiteral("Software\\Arbosa\\Knjige");
+    EXPECT_EQ(registryText(QStringLiteral("Software\\Arbosa\\Nema"), QStringLiteral("Server")), QString());
+    ASSERT_TRUE(setRegistryText(knjige, QStringLiteral("Server"), QStringLiteral("SRV01")));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Server")), QStringLiteral("SRV01"));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Nema")), QString());
+    ASSERT_TRUE(setRegistryText(knjige, QStringLiteral("Dugo"), QString(1500, u'x')));
+    EXPECT_EQ(registryText(knjige, QStringLiteral("Dugo")).size(), 1023);
+}
+
+// Both SQL forms of every book; only the company, year and sales point count; an
+// unknown kind asks nothing; a failure is told and gives 0.
+TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
+{
+    TestDatabase t;
+    ScopedScript script;
+    for (const BookKind& book : allBooks()) {
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 0) << book.code;
+        const QString sql = DefVarijabli::ZadnjiRBrojSql(book.code, 1, 2016, 3);
+        const ResultSet rs = t.query(sql);
+        ASSERT_EQ(rs.rowCount(), 1);
+        EXPECT_EQ(rs.field(0).type, FieldType::Integer);
+        // The ISNULL form gives 0, the plain MAX form NULL: the routine treats both as 0.
+        EXPECT_EQ(!rs.isNull(0, 0), sql.contains(QStringLiteral("ISNULL"))) << book.code;
+    }
+    for (const BookKind& book : allBooks()) {
+        if (t.count(book.table) > 0)
+            continue; // shared tables are filled once
+        // Other company, other year, other sales point.
+        for (const auto& [company, year, rbroj, prod] :
+            { std::array { 1, 2016, 4, 3 }, { 1, 2016, 9, 3 }, { 2, 2016, 50, 3 }, { 1, 2015, 60, 3 }, { 1, 2016, 70, 8 } }) {
+            RowChange::Values v { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj },
+                { "Datum", QDate(year, 1, 1) } };
+            if (isTradeBook(book.code))
+                v.push_back({ "BrojProd", prod });
+            else if (prod == 8)
+                continue;
+            t.insert(book.table, v);
+        }
+    }
+    for (const BookKind& book : allBooks())
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 9) << book.code;
+    EXPECT_TRUE(DefVarijabli::ZadnjiRBrojSql(103, 1, 2016).isEmpty());
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(103), 0);
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(0), 0);
+    EXPECT_TRUE(script->messages.isEmpty());
+
+    t.exec(QStringLiteral("DROP TABLE dbo.KnjPrometaFBiH"));
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(98), 0);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: ")));
+    EXPECT_TRUE(script->messages[0].text.contains(QStringLiteral("KnjPrometaFBiH"), Qt::CaseInsensitive))
+        << script->messages[0].text.toStdString();
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(t.db().lastSql(),
+        QStringLiteral(
+            "SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrometaFBiH WHERE BROJPODUZECA=1 AND GODINAKNJ=2016"));
+
+    // A connection string the data layer cannot use is told, not crashed on.
+    session().reset();
+    session().ConnString = QStringLiteral("Provider=SQLOLEDB.1;Data Source=srv;User ID=sa");
+    script->clear();
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(96), 0);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: Neispravan connection string")))
+        << script->messages[0].text.toStdString();
+}
+
+TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
+{
+    TestDatabase t;
+    t.insert("dbo.CONFIG",
+        { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") }, { "Napomena", QString(5000, u'x') } });
+    DefVarijabli::CitajKonfiguraciju(true);
+    EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
+    const ResultSet& cfg = session().Konfiguracija;
+    ASSERT_EQ(cfg.rowCount(), 1);
+    EXPECT_EQ(cfg.text(0, cfg.indexOf("Napomena")).size(), 5000);
+
+    t.exec(QStringLiteral("DROP TABLE dbo.CONFIG"));
+    ScopedScript script;
+    DefVarijabli::CitajKonfiguraciju(false);
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(script->messages[0].text, QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
+    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
+    EXPECT_EQ(t.db().lastSql(), QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
+}
+
+TEST(Money, ParsesStoresRoundsAndShows)
+{
+    // How the parsed text comes back: s toString, r rounded(2), d display, p plain,
+    // v the 17 % VAT contained (x * 17 / 117); "-" when the text is refused.
+    const struct { const char* text; char op; const char* expected; } cases[] = {
+        { " 1234,5 ", 's', "1234.5000" }, { "-.25", 's', "-0.2500" }, { "", 's', "-" }, { "1.234,56", 's', "-" },
+        { "12a", 's', "-" }, { "-", 's', "-" },
+        // Half to even at the fifth decimal.
+        { "1.00005", 's', "1.0000" }, { "1.00015", 's', "1.0002" }, { "1.000151", 's', "1.0002" },
+        { "1.000051", 's', "1.0001" }, { "0.125", 'r', "0.1200" }, { "0.135", 'r', "0.1400" },
+        { "-0.135", 'r', "-0.1400" },
+        { "1234567.891", 'd', "1,234,567.89" }, { "-999.995", 'd', "-1,000.00" }, { "7.5", 'p', "7.5" },
+        { "-3", 'p', "-3" }, { "100", 'v', "14.5299" }, { "117", 'v', "17.0000" }, { "-58.50", 'v', "-8.5000" },
+    };
+    for (const auto& c : cases) {
+        const std::optional<Money> m = Money::parse(QString::fromLatin1(c.text));
+        QString shown = QStringLiteral("-");
+        if (m)
+            shown = c.op == 's' ? m->toString()
+                : c.op == 'r'   ? m->rounded(2).toString()
+                : c.op == 'd'   ? m->toDisplayString()
+                : c.op == 'p'   ? m->toPlainString()
+                                : (*m * 17).dividedBy(117.0).toString();
+        EXPECT_EQ(shown, QString::fromLatin1(c.expected)) << c.text << " " << c.op;
+    }
+    for (const auto& [value, units] : { std::pair { 0.00005, 0 }, { 0.00015, 2 }, { -0.00015, -2 }, { 2.00004, 20000 } })
+        EXPECT_EQ(Money::fromDouble(value).units(), units) << value;
+    EXPECT_EQ(Money().toDisplayString(u'.', u','), QStringLiteral("0,00"));
+}
+
+TEST(Money, TheVatShareIsExactForEveryAmountTheTypeHolds)
+{
+    const qint64 most = std::numeric_limits<qint64>::max();
+    const std::pair<Money, qint64> cases[] = {
+        { Money::fromWhole(100), 145299 },
+        { -Money::fromUnits(585000), -85000 },
+        { Money::fromWhole(99999999999999), 145299145299143846 }, // 17 x this overflowed
+        { -Money::fromUnits(most), -1340148073731035801 },
+    };
+    for (const auto& [gross, share] : cases)
+        EXPECT_EQ(gross.fraction(17, 117).units(), share) << gross.toString().toStdString();
+}
+
+TEST(Dates, SqlLiteralsAreMonthFirstScreenDatesDayFirstStoredTextIso)
+{
+    const QDate d(2016, 3, 15);
+    EXPECT_EQ(dates::sqlLiteral(d), QStringLiteral("03.15.2016"));
+    EXPECT_EQ(dates::display(d), QStringLiteral("15.03.16"));
+    EXPECT_EQ(dates::monthFirstShort(QDate(2016, 3, 31)), QStringLiteral("03.31.16"));
+    EXPECT_EQ(dates::isoText(QDate(2016, 1, 5)), QStringLiteral("2016-01-05"));
+    // Each reader against texts it takes and texts it refuses (an invalid date).
+    const struct { QDate (*read)(const QString&); const char* text; QDate expected; } reads[] = {
+        { dates::parseDayFirst, "31.12.2015", { 2015, 12, 31 } }, { dates::parseDayFirst, "31.12.15", {} },
+        { dates::parseMonthFirst, "1.1.2016", { 2016, 1, 1 } }, { dates::parseMonthFirst, "03.15.2016", d },
+        { dates::parseMonthFirst, "15.03.2016", {} }, { dates::fromIsoText, "2016-03-15", d },
+        { dates::fromIsoText, "2016-12-31 00:00:00", { 2016, 12, 31 } },
+        { dates::fromIsoText, "2016-12-31T10:00:00.000", { 2016, 12, 31 } }, { dates::fromIsoText, "2016-02-30", {} },
+        { dates::fromIsoText, "2016-1a-01", {} }, { dates::fromIsoText, "03.15.2016", {} },
+    };
+    for (const auto& r : reads)
+        EXPECT_EQ(r.read(QString::fromLatin1(r.text)), r.expected) << r.text;
+}
+
+TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
+{
+    const NumberConventions bs = NumberConventions::of(QLocale(QLocale::Bosnian));
+    const NumberConventions en = NumberConventions::of(QLocale(QLocale::English));
+    const struct { NumberConventions c; const char* text; State state; qint64 units; } cases[] = {
+        { bs, "1.234,56", State::Exact, 12345600 },
+        { bs, "12.500", State::Exact, 125000000 },
+        { bs, "-0,5", State::Exact, -5000 },
+        { bs, "1.234,", State::Exact, 12340000 },
+        { bs, "", State::Exact, 0 },
+        { bs, "1,234.56", State::Refused, 0 },
+        { bs, "1.2", State::Incomplete, 0 },
+        { bs, "12.34.567", State::Refused, 0 },
+        { bs, "1,234", State::Refused, 0 },
+        { bs, "1.000.000.000.000", State::Refused, 0 },
+        { bs, "12 KM", State::Refused, 0 },
+        { en, "1,234.56", State::Exact, 12345600 },
+        { en, "12.500", State::Refused, 0 },
+        { en, "-0,5", State::Incomplete, 0 },
+        { en, "000000000000012", State::Exact, 120000 },
+    };
+    for (const auto& c : cases) {
+        const AmountReading r = readAmount(QString::fromUtf8(c.text), c.c, AmountLimits {});
+        EXPECT_EQ(r.state, c.state) << c.text;
+        EXPECT_EQ(r.value.units(), c.units) << c.text;
+        EXPECT_EQ(r.problem.isEmpty(), c.state == State::Exact) << c.text;
+    }
+    EXPECT_EQ(readAmount(QStringLiteral("1234567890123"), bs, {}).problem,
+        QStringLiteral("Broj može imati najviše 12 cijelih mjesta."));
+    EXPECT_EQ(readAmount(QStringLiteral("0,5"), bs, { 14, 0 }).problem,
+        QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala."));
+}
+
+TEST(AmountText, DisplayRoundsAsSqlRoundDoes)
+{
+    test::TestDatabase t;
+    for (const char* text : { "0.125", "-0.125", "0.145", "2.675", "1234.005", "-0.005", "0.0049" }) {
+        const ResultSet rs = t.query(QStringLiteral("SELECT ROUND(CAST(%1 AS money), 2) AS R").arg(text));
+        EXPECT_EQ(amountDisplay(Money::parse(QString::fromLatin1(text)).value(), QLocale::c()),
+            amountDisplay(rs.money(0, 0), QLocale::c()))
+            << text;
+    }
+    EXPECT_EQ(amountDisplay(Money::parse(QStringLiteral("-1234567.125")).value(), QLocale(QLocale::Bosnian)),
+        QStringLiteral("-1.234.567,13"));
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "books/DemoData.h"
+#include "session/ResultSet.h"
+
+#include <QStringList>
+#include <gtest/gtest.h>
+
+namespace knjige::test
+{
+
+// The rows of a result as text, a row's values joined by '|' and the rows by new lines,
+// each value in its plain form ("12.5", "2016-03-15", nothing for NULL), so that one
+// comparison checks every value of every row.
+inline QString dump(const ResultSet& rs)
+{
+    QStringList rows;
+    for (int r = 0; r < rs.rowCount(); ++r) {
+        QStringList values;
+        for (int c = 0; c < rs.fieldCount(); ++c)
+            values << rs.text(r, c);
+        rows << values.join(u'|');
+    }
+    return rows.join(u'\n');
+}
+
+// Fills `db` with the demonstration company's books of `year`; false (and a test
+// failure with the reason) when that fails.
+inline bool fillDemo(Database& db, int year)
+{
+    QString error;
+    const bool ok = fillDemoData(db, year, &error);
+    EXPECT_TRUE(ok) << error.toStdString();
+    return ok;
+}
+
+} // namespace knjige::test

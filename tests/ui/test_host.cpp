@@ -1,0 +1,630 @@
+// The host program: its book chooser, its services (operator rights from dbo.PRAVA,
+// the partner and shop pickers over dbo.Komitent), its window commands run in process,
+// the command-line tool's output forms, and the public book classes a host creates
+// (identifiers, properties with write-through, and Show).
+#include "books/BookKind.h"
+#include "books/DemoData.h"
+#include "entry/BookClasses.h"
+#include "host/BookChooser.h"
+#include "host/Cli.h"
+#include "host/Csv.h"
+#include "host/HostRights.h"
+#include "host/HostWindows.h"
+#include "host/PartnerPicker.h"
+#include "session/HostServices.h"
+#include "session/ResultSet.h"
+#include "session/Session.h"
+#include "support/Sandbox.h"
+#include "support/ScriptedInteraction.h"
+#include "support/TestDatabase.h"
+#include "test_browser_fixture.h"
+#include "test_helpers.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDate>
+#include <QFileInfo>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTextStream>
+#include <QTimer>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+#include <memory>
+
+using namespace knjige;
+using namespace knjige::host;
+using namespace knjige::test;
+
+// The host program's book chooser: what it lists, and that opening a book from it
+// does what a host does (session values, the book's browser).
+namespace
+{
+
+void closeWindowsExcept(const QWidget* keep)
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w != keep && w->isVisible())
+            w->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+class HostChooser : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        test::clearSettings();
+        m_db = std::make_unique<test::TestDatabase>(demo::BrojPoduzeca, qint16(m_year));
+        ASSERT_TRUE(test::fillDemo(m_db->db(), m_year));
+        m_db->exec(host::PravaRights::createSql()); // a host's database has its rights table
+        m_conn = session().ConnString;
+        // The chooser is the host: the component's session starts empty.
+        session().reset();
+        installProgramServices();
+    }
+    void TearDown() override
+    {
+        closeWindowsExcept(nullptr);
+        installHostServices({});
+        m_db.reset();
+    }
+
+    BookRequest defaults() const
+    {
+        BookRequest r;
+        r.connString = m_conn;
+        r.company = demo::BrojPoduzeca;
+        r.year = qint16(m_year);
+        r.operatorName = "Amra";
+        return r;
+    }
+
+    template <typename T> static T* child(QWidget& w, const char* name)
+    {
+        T* found = w.findChild<T*>(QString::fromLatin1(name));
+        EXPECT_TRUE(found) << name;
+        return found;
+    }
+
+    const int m_year = QDate::currentDate().year();
+    std::unique_ptr<test::TestDatabase> m_db;
+    QString m_conn;
+    test::ScopedScript m_script;
+};
+
+} // namespace
+
+TEST_F(HostChooser, ListsTheTwelveBooksByCaptionUnderTheirEntitiesAndShowsTheCompany)
+{
+    BookChooser chooser(defaults());
+    QStringList expected;
+    for (const BookKind& b : allBooks())
+        expected << b.caption;
+    QStringList shown = chooser.captions();
+    shown.sort();
+    expected.sort();
+    EXPECT_EQ(shown, expected);
+
+    auto* tree = child<QTreeWidget>(chooser, "tvKnjige");
+    ASSERT_EQ(tree->topLevelItemCount(), 4);
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "Federacija BiH");
+    EXPECT_EQ(tree->topLevelItem(2)->child(0)->text(0), "Knjiga prihoda i rashoda za DB");
+    EXPECT_FALSE(chooser.selectBook(103));
+    EXPECT_TRUE(chooser.selectBook(Knjiga::TrgKomisiona));
+    EXPECT_EQ(chooser.selectedBook(), 126);
+
+    auto* name = child<QLabel>(chooser, "lblNazivFirme");
+    EXPECT_EQ(name->text(), demo::nazivFirme());
+    child<QSpinBox>(chooser, "txtFirma")->setValue(7);
+    EXPECT_EQ(name->text(), "(nema podataka o firmi)");
+}
+
+TEST_F(HostChooser, OpeningABookSetsTheSessionAndShowsItsBrowser)
+{
+    BookChooser chooser(defaults());
+    chooser.show();
+    ASSERT_TRUE(chooser.selectBook(Knjiga::PrometaFBiH));
+    child<QSpinBox>(chooser, "txtGodina")->setValue(m_year - 1);
+    child<QLineEdit>(chooser, "txtOperater")->setText("  Edin ");
+    child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(1);
+
+    QTest::mouseClick(child<QPushButton>(chooser, "cmdOtvori"), Qt::LeftButton);
+
+    EXPECT_EQ(session().ConnString, m_conn);
+    EXPECT_EQ(session().RadnaGodina, m_year - 1);
+    EXPECT_EQ(session().BrojPoduzeca, demo::BrojPoduzeca);
+    EXPECT_EQ(session().ImeOperatera, "Edin");
+    EXPECT_EQ(session().NivoPristupa, "1");
+    QWidget* browser = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w != &chooser && w->isVisible())
+            browser = w;
+    ASSERT_TRUE(browser);
+    EXPECT_EQ(browser->objectName(), "frmSifarnikKnj");
+    EXPECT_EQ(browser->windowTitle(), "Knjiga prometa za FBiH");
+    EXPECT_TRUE(m_script->texts().isEmpty()) << m_script->texts().join(u'\n').toStdString();
+}
+
+TEST_F(HostChooser, RemembersTheLastOpeningForTheNextStart)
+{
+    {
+        BookChooser chooser(defaults());
+        chooser.selectBook(Knjiga::PrihRashDB);
+        child<QLineEdit>(chooser, "txtOperater")->setText("Edin");
+        child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(2);
+        ASSERT_TRUE(chooser.Otvori());
+    }
+    closeWindowsExcept(nullptr);
+    const BookRequest again = BookChooser::remembered(defaults(), {});
+    EXPECT_EQ(again.operatorName, "Edin");
+    EXPECT_EQ(again.level, "2");
+    BookChooser next(again);
+    EXPECT_EQ(next.selectedBook(), 109);
+    // What the command line gives wins over what was remembered.
+    EXPECT_EQ(BookChooser::remembered(defaults(), { "operator" }).operatorName, "Amra");
+}
+
+// The rights kept in dbo.PRAVA reach the browser through the installed service.
+TEST_F(HostChooser, NothingSelectedOrABookTheOperatorMayNotOpenStaysClosed)
+{
+    BookChooser chooser(defaults());
+    auto* tree = child<QTreeWidget>(chooser, "tvKnjige");
+    tree->setCurrentItem(tree->topLevelItem(1));
+    EXPECT_EQ(chooser.selectedBook(), 0);
+    EXPECT_EQ(chooser.Otvori(), nullptr);
+    EXPECT_EQ(m_script->texts(), QStringList { "Izaberite knjigu s popisa." });
+    EXPECT_EQ(openBook(104, chooser.request()), nullptr);
+
+    m_script->clear();
+    session().ConnString = m_conn;
+    m_db->insert("dbo.PRAVA", { { "OPERATER", "Amra" }, { "PROGRAM", "KNJIGE" }, { "PRAVO", "98" } });
+    session().reset();
+    chooser.selectBook(Knjiga::PrihRashFBiH);
+    EXPECT_EQ(chooser.Otvori(), nullptr);
+    EXPECT_EQ(m_script->texts(), QStringList { "Nemate pravo pristupa !" });
+    chooser.selectBook(Knjiga::PrometaFBiH);
+    EXPECT_NE(chooser.Otvori(), nullptr);
+}
+
+// The host's services: operator rights from dbo.PRAVA and the partner and shop
+// pickers over dbo.Komitent.
+namespace
+{
+
+class HostRights : public ::testing::Test
+{
+protected:
+    // Rows "operator|program|right".
+    void grant(const QStringList& rows)
+    {
+        for (const QString& row : rows) {
+            const QStringList v = row.split(u'|');
+            m_db.insert("dbo.PRAVA", { { "OPERATER", v[0] }, { "PROGRAM", v[1] }, { "PRAVO", v[2] } });
+        }
+    }
+    PravaRights rightsOf(const QString& op)
+    {
+        PravaRights r;
+        r.setConnectionString(session().ConnString);
+        r.setOperatorName(op);
+        return r;
+    }
+
+    test::TestDatabase m_db;
+    test::ScopedScript m_script;
+};
+
+} // namespace
+
+TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
+{
+    PravaRights missing = rightsOf("Amra"); // no dbo.PRAVA
+    PravaRights unreachable = rightsOf("Amra");
+    unreachable.setConnectionString(m_db.path() + QStringLiteral(".nema"));
+    for (PravaRights* r : { &missing, &unreachable }) {
+        m_script->messages.clear();
+        EXPECT_FALSE(r->mayOpenBook(96));
+        EXPECT_FALSE(r->hasRight(96, OperatorRights::Novi));
+        ASSERT_EQ(m_script->messages.size(), 1);
+        EXPECT_TRUE(m_script->messages[0].text.startsWith(
+            "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n"));
+        EXPECT_GT(m_script->messages[0].text.size(), 90) << "the data layer's reason follows";
+        EXPECT_EQ(m_script->messages[0].icon, Icon::Exclamation);
+    }
+    // An empty table restricts nobody.
+    m_db.exec(PravaRights::createSql());
+    EXPECT_TRUE(missing.mayOpenBook(96));
+    EXPECT_TRUE(missing.hasRight(96, OperatorRights::Brisanje));
+}
+
+TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyNameFromTheNextQuestionOn)
+{
+    EXPECT_EQ(PravaRights::sql(), "SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
+    m_db.exec(PravaRights::createSql());
+    grant({ "Amra|KNJIGE|96", "Amra|KNJIGE|96.1", "Amra|KNJIGE|96.4", "Amra|KNJIGE|98", "Amra|MALOPROBJEKT|97",
+        "Edin|KNJIGE|125" });
+    PravaRights amra = rightsOf(" amra ");
+    const struct {
+        int book;
+        int group; // 0: may the book be opened
+        bool allowed;
+        const char* why;
+    } questions[] = {
+        { 96, 0, true, "named" },
+        { 96, OperatorRights::Novi, true, "named" },
+        { 96, OperatorRights::Izmjena, false, "not named" },
+        { 96, OperatorRights::Brisanje, false, "not named" },
+        { 96, OperatorRights::Ispis, true, "named" },
+        { 97, 0, false, "a right of another program does not count" },
+        { 97, OperatorRights::Novi, false, "a right of another program does not count" },
+        { 98, 0, true, "named" },
+        { 98, OperatorRights::Izvoz, true, "no group named: every group" },
+        { 106, 0, false, "not named" },
+    };
+    for (const auto& q : questions)
+        EXPECT_EQ(q.group ? amra.hasRight(q.book, OperatorRights::Group(q.group)) : amra.mayOpenBook(q.book), q.allowed)
+            << q.book << "." << q.group << ": " << q.why;
+    EXPECT_TRUE(rightsOf("Selma").mayOpenBook(97)) << "an operator without rows is not restricted";
+    grant({ "Amra|KNJIGE|106" });
+    EXPECT_TRUE(amra.mayOpenBook(106)) << "a change counts from the next question";
+}
+
+namespace
+{
+
+class HostPickers : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(test::fillDemo(m_db.db(), 2024)); }
+    static QStringList names(const QVector<Partner>& list)
+    {
+        QStringList out;
+        for (const Partner& p : list)
+            out << p.ImeKomit1;
+        return out;
+    }
+
+    test::TestDatabase m_db { demo::BrojPoduzeca, 2024 };
+    test::ScopedScript m_script;
+};
+
+} // namespace
+
+TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
+{
+    EXPECT_EQ(searchForm("Ilidža ČAĐAVICA Šuće"), "ilidza cadavica suce");
+    const auto all = KomitentRegister::readAll();
+    ASSERT_TRUE(all);
+    PartnerPickerDialog dialog("Izbor komitenta", *all);
+    EXPECT_EQ(dialog.visiblePartners().size(), all->size());
+    auto* search = dialog.findChild<QLineEdit*>("txtTrazi");
+    ASSERT_TRUE(search);
+    QTest::keyClicks(search, "ilidza");
+    EXPECT_EQ(names(dialog.visiblePartners()), QStringList({ "Elektro-Servis Ilidža d.o.o.", "Maloprodaja 1 Ilidža" }));
+    search->setText("50");
+    ASSERT_EQ(dialog.visiblePartners().size(), 2);
+    EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
+    QTest::keyClick(search, Qt::Key_Down);
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    ASSERT_TRUE(dialog.chosen());
+    EXPECT_EQ(dialog.chosen()->SifKomit, demo::Maloprodaja2);
+    EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
+}
+
+TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
+{
+    QString title;
+    m_script->onDialog = [&title](QDialog& d) {
+        title = d.windowTitle();
+        auto* search = d.findChild<QLineEdit*>("txtTrazi");
+        QTest::keyClicks(search, "grbav");
+        QTest::keyClick(search, Qt::Key_Enter);
+        return d.result();
+    };
+    const auto shop = KomitentRegister(KomitentRegister::Kind::Shops).choose();
+    EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
+    ASSERT_TRUE(shop);
+    EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
+
+    KomitentRegister partners(KomitentRegister::Kind::Partners);
+    m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };
+    EXPECT_FALSE(partners.choose());
+    const auto found = partners.find(101);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->ImeKomit1, "Tehno-Mont d.o.o.");
+    EXPECT_FALSE(partners.find(9999));
+}
+
+TEST_F(HostPickers, AFailedReadIsReportedAndChoosesNothing)
+{
+    m_db.exec("DROP TABLE dbo.Komitent");
+    m_script->onDialog = [](QDialog&) -> int {
+        ADD_FAILURE() << "no picker without partners";
+        return QDialog::Rejected;
+    };
+    EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
+    ASSERT_EQ(m_script->messages.size(), 1);
+    EXPECT_TRUE(m_script->messages.first().text.startsWith("Desila se greška: "));
+    EXPECT_EQ(m_script->messages.first().icon, Icon::Exclamation);
+}
+
+// The window commands of the knjige program, run in process: the book drawn into a
+// picture, refused command lines, and the advice given without a display.
+namespace
+{
+
+// Takes an environment variable away for the life of the object.
+class Unset
+{
+public:
+    explicit Unset(const char* name)
+        : m_name(name)
+        , m_had(qEnvironmentVariableIsSet(name))
+        , m_value(qgetenv(name))
+    {
+        qunsetenv(name);
+    }
+    ~Unset()
+    {
+        if (m_had)
+            qputenv(m_name, m_value);
+        else
+            qunsetenv(m_name);
+    }
+
+private:
+    const char* m_name;
+    bool m_had;
+    QByteArray m_value;
+};
+
+} // namespace
+
+TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
+{
+    const int year = QDate::currentDate().year();
+    test::TestDatabase db(demo::BrojPoduzeca, qint16(year));
+    ASSERT_TRUE(test::fillDemo(db.db(), year));
+    db.exec(host::PravaRights::createSql());
+    const QString path = db.path();
+    session().reset();
+    test::ScopedScript script;
+    const QString picture = test::scratchDir() + QStringLiteral("/knjiga.png");
+
+    EXPECT_EQ(host::runOpen({ "96", "--db", path, "--screenshot", picture }), 0);
+    const QImage image(picture);
+    ASSERT_FALSE(image.isNull());
+    EXPECT_GT(image.width(), 300);
+    EXPECT_EQ(session().RadnaGodina, year);
+    EXPECT_EQ(session().ConnString, QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath());
+
+    // The scripted person is still the one in charge.
+    warn("probna poruka");
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("probna poruka") });
+}
+
+TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
+{
+    const QString missing = test::scratchDir() + QStringLiteral("/nema.db");
+    EXPECT_EQ(host::runOpen({ "104" }), 2);
+    EXPECT_EQ(host::runOpen({ "clsNemaTakve" }), 2);
+    EXPECT_EQ(host::runOpen({}), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--year", "dvije" }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--level", "12" }), 2);
+    EXPECT_EQ(host::runChooser({ "--nepoznato" }), 2);
+    // A period that is no period, or not of the year; a sales point of a book without one.
+    for (const char* period : { "31.03.2016-01.03.2016", "1.3.2016", "01.03.2015-31.03.2015" })
+        EXPECT_EQ(host::runOpen({ "96", "--year=2016", "--db", missing, "--period", QString::fromLatin1(period) }), 2)
+            << period;
+    EXPECT_EQ(host::runOpen({ "96", "--prod", "501" }), 2);
+    EXPECT_EQ(host::runOpen({ "125", "--prod", "-1" }), 2);
+    EXPECT_EQ(host::runChooser({ "--period", "01.03.2016-31.03.2016" }), 2);
+    EXPECT_EQ(host::runOpen({ "96", "--db", missing }), 1);
+    EXPECT_EQ(host::runChooser({ "--db", missing, "--conn", missing }), 2);
+    EXPECT_FALSE(QFileInfo::exists(missing));
+}
+
+TEST(HostCommands, WithoutADisplayOnlyAPictureCanBeMade)
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    Unset display("DISPLAY");
+    Unset wayland("WAYLAND_DISPLAY");
+    Unset platform("QT_QPA_PLATFORM");
+    EXPECT_EQ(host::prepareWindowSystem({}), 1);
+    EXPECT_EQ(host::prepareWindowSystem({ "open", "96" }), 1);
+    EXPECT_EQ(host::prepareWindowSystem({ "--screenshot", "a.png" }), 0);
+    EXPECT_EQ(qgetenv("QT_QPA_PLATFORM"), QByteArray("offscreen"));
+#else
+    GTEST_SKIP() << "a display is always there";
+#endif
+}
+
+// The command-line tool's output forms (knjige query), checked without a process.
+TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
+{
+    EXPECT_EQ(cli::plainNumber(0), "0");
+    EXPECT_EQ(cli::plainNumber(-0.0), "0");
+    EXPECT_EQ(cli::plainNumber(0.17), "0.17");
+    EXPECT_EQ(cli::plainNumber(100.0 / 3), "33.3333333333333");
+    EXPECT_EQ(cli::plainNumber(-2.5), "-2.5");
+    EXPECT_EQ(cli::plainNumber(1e-7), "0.0000001");
+    EXPECT_EQ(cli::plainNumber(2.5e20), "250000000000000000000");
+    EXPECT_EQ(cli::plainNumber(1234567.125), "1234567.125");
+}
+
+TEST(CliOutput, EveryTypeHasOneTextForm)
+{
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
+        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } });
+    rs.appendRow();
+    rs.setInteger(0, -12);
+    rs.setMoney(1, Money::parse("1234567.5").value());
+    rs.setReal(2, 0.1);
+    rs.setDate(3, QDate(2016, 3, 5));
+    rs.setText(4, "Račun 7, \"Centar\"\ndrugi red");
+    rs.set(5, true);
+    rs.appendRow(); // all NULL
+
+    QString text;
+    QTextStream out(&text);
+    cli::writeCsv(rs, true, out);
+    EXPECT_EQ(text,
+        "RBroj,Iznos,Stopa,Datum,Opis,Placeno\n"
+        "integer,currency,float,date,text,boolean\n"
+        "-12,1234567.5,0.1,2016-03-05,\"Račun 7, \"\"Centar\"\"\ndrugi red\",1\n"
+        ",,,,,\n");
+
+    text.clear();
+    cli::writeCsv(ResultSet({ { "a,b", FieldType::Text } }), false, out);
+    EXPECT_EQ(text, "\"a,b\"\n");
+}
+
+TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
+{
+    EXPECT_TRUE(cli::returnsRows("SELECT 1"));
+    EXPECT_TRUE(cli::returnsRows("  select * from dbo.CONFIG"));
+    EXPECT_TRUE(cli::returnsRows("-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)"));
+    EXPECT_TRUE(cli::returnsRows("WITH x AS (SELECT 1 AS a) SELECT a FROM x"));
+    EXPECT_TRUE(cli::returnsRows("EXEC sp_help"));
+    EXPECT_FALSE(cli::returnsRows("CREATE TABLE dbo.KUF (BrojKUFa int)"));
+    EXPECT_FALSE(cli::returnsRows("INSERT INTO T SELECT * FROM U"));
+    EXPECT_FALSE(cli::returnsRows("UPDATE T SET a = 1"));
+    EXPECT_FALSE(cli::returnsRows("SELECTIONS"));
+    EXPECT_FALSE(cli::returnsRows("-- samo komentar"));
+}
+
+TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
+{
+    const QStringList parts
+        = cli::batchStatements("SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n");
+    ASSERT_EQ(parts.size(), 3) << parts.join(u'|').toStdString();
+    EXPECT_EQ(parts[0], "SELECT 'a;b' AS x");
+    EXPECT_EQ(parts[1].trimmed(), "/* ; */ VALUES (1)");
+    EXPECT_EQ(parts[2].trimmed(), "INSERT INTO T (a) VALUES (');')");
+    EXPECT_TRUE(cli::batchStatements(" -- samo komentar; \n /* i ovo */ ;").isEmpty());
+}
+
+namespace
+{
+
+frmSifarnikKnj* openBrowser()
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (auto* b = qobject_cast<frmSifarnikKnj*>(w); b && b->isVisible())
+            return b;
+    return nullptr;
+}
+
+void closeAll()
+{
+    while (frmSifarnikKnj* b = openBrowser())
+        b->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+using EntryClasses = BrowserTest;
+
+} // namespace
+
+TEST(EntryIdentifiers, TwelveClassesUnderTheLibraryName)
+{
+    const QStringList ids = bookObjectIds();
+    ASSERT_EQ(ids.size(), 12);
+    EXPECT_EQ(ids.first(), "ArbosaPOSKnjige17.clsKnjPrihRashFBiH");
+    EXPECT_EQ(ids.last(), "ArbosaPOSKnjige17.clsTrgKnjKomisiona");
+    for (const BookKind& book : allBooks()) {
+        auto object = createBookObject(programmaticId(book.className));
+        ASSERT_TRUE(object) << book.className.toStdString();
+        EXPECT_EQ(object->kodKnjige(), book.code);
+        EXPECT_EQ(object->className(), book.className);
+    }
+    EXPECT_EQ(createBookObject("arbosaposknjige17.CLSKNJPROMETARS")->kodKnjige(), 106);
+    EXPECT_FALSE(createBookObject("ArbosaPOSKnjige17.clsNema"));
+    EXPECT_FALSE(createBookObject("clsKnjPrihRashFBiH"));
+    EXPECT_FALSE(createBookObject("Drugo.clsKnjPrihRashFBiH"));
+}
+
+TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
+{
+    session().reset();
+    clsKnjPrihRashFBiH a;
+    clsTrgKnjUsluga b;
+    EXPECT_FALSE(a.Pozvan());
+    EXPECT_EQ(a.ConnString(), QString());
+    EXPECT_EQ(a.RadnaGodina(), 0);
+    EXPECT_EQ(a.BrojPoduzeca(), 0);
+
+    a.setRadnaGodina(2016);
+    a.setBrojPoduzeca(7);
+    a.setConnString("sqlite:/tmp/a.db");
+    a.setPozvan(true);
+    EXPECT_EQ(b.RadnaGodina(), 0); // the other object's own value
+    EXPECT_EQ(b.BrojPoduzeca(), 0);
+    EXPECT_FALSE(b.Pozvan());
+    EXPECT_EQ(session().RadnaGodina, 2016);
+    EXPECT_EQ(session().BrojPoduzeca, 7);
+    EXPECT_EQ(session().ConnString, "sqlite:/tmp/a.db");
+
+    b.setRadnaGodina(2017);
+    EXPECT_EQ(a.RadnaGodina(), 2016); // reading never looks at the session
+    EXPECT_EQ(session().RadnaGodina, 2017);
+    session().reset();
+}
+
+TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
+{
+    // The fixture set company 1 and year 2016 directly in the session.
+    clsKnjPrometaFBiH fresh;
+    fresh.Show("1", "Marko");
+    frmSifarnikKnj* w = openBrowser();
+    ASSERT_TRUE(w);
+    EXPECT_EQ(session().NivoPristupa, "1");
+    EXPECT_EQ(session().ImeOperatera, "Marko");
+    EXPECT_EQ(w->TipSifarnika(), 98);
+    EXPECT_EQ(w->windowTitle(), "Knjiga prometa za FBiH");
+    EXPECT_TRUE(w->WhereUvjet.endsWith("K.GodinaKnj=2016 AND K.BrojPoduzeca=1"));
+    EXPECT_FALSE(w->toolbarButton(10)->isVisible());
+    EXPECT_TRUE(w->testAttribute(Qt::WA_DeleteOnClose));
+    QPointer<frmSifarnikKnj> guard(w);
+    w->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(guard.isNull());
+}
+
+TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
+{
+    clsKnjPrihRashFBiH book;
+    book.setPozvan(true);
+    book.setRadnaGodina(2016);
+    bool buttonShown = false;
+    QPointer<frmSifarnikKnj> seen;
+    QTimer::singleShot(0, [&] {
+        seen = openBrowser();
+        if (!seen)
+            return;
+        buttonShown = seen->toolbarButton(10)->isVisible();
+        seen->close();
+    });
+    book.Show("0", "Ana");
+    EXPECT_TRUE(buttonShown);
+    EXPECT_TRUE(seen.isNull()); // deleted by Show
+    EXPECT_FALSE(openBrowser());
+}
+
+TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
+{
+    installRights(false);
+    clsKnjRashodaRS book;
+    book.Show("0", "Ana");
+    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Nemate pravo pristupa !") });
+    EXPECT_FALSE(openBrowser());
+    closeAll();
+}
