@@ -73,9 +73,9 @@ int readRequest(const Options& o, Request& r)
     const auto company = wholeNumber(o.values.value(QStringLiteral("--company")), 1, 32767);
     if (!company)
         return usageError(QStringLiteral("Poduzeće mora biti broj od 1 do 32767."));
-    const auto year = wholeNumber(o.values.value(QStringLiteral("--year")), 1900, 9999);
+    const auto year = wholeNumber(o.values.value(QStringLiteral("--year")), 1900, 2100);
     if (!year)
-        return usageError(QStringLiteral("Godina mora biti broj od 1900 do 9999."));
+        return usageError(QStringLiteral("Godina mora biti broj od 1900 do 2100."));
     r.company = *company;
     r.year = *year;
     if (o.values.contains(QStringLiteral("--period"))) {
