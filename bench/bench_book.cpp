@@ -4,6 +4,7 @@
 #include "books/Schema.h"
 #include "browser/BrowserRules.h"
 #include "session/Session.h"
+#include "session/TSqlFunctions.h"
 #include "session/TSqlTranslator.h"
 
 #include <QDate>
@@ -11,8 +12,10 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <benchmark/benchmark.h>
 #include <cstdio>
 #include <memory>
+#include <sqlite3.h>
 
 namespace knjige::bench {
 namespace {
@@ -84,6 +87,47 @@ BookFile& book()
         return f;
     }();
     return *file;
+}
+
+
+PlainFetch::PlainFetch()
+{
+    const QByteArray path = book().path.toUtf8();
+    if (sqlite3_open_v2(path.constData(), &m_db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK
+        || !tsql::registerFunctions(m_db))
+        std::fprintf(stderr, "plain: %s\n", sqlite3_errmsg(m_db));
+    m_sql = book().sqlite.toUtf8();
+}
+
+PlainFetch::~PlainFetch() { sqlite3_close(m_db); }
+
+int PlainFetch::run()
+{
+    sqlite3_stmt* st = nullptr;
+    if (sqlite3_prepare_v2(m_db, m_sql.constData(), int(m_sql.size()), &st, nullptr) != SQLITE_OK) {
+        std::fprintf(stderr, "plain: %s\n", sqlite3_errmsg(m_db));
+        return 0;
+    }
+    const int columns = sqlite3_column_count(st);
+    int rows = 0;
+    qint64 seen = 0;
+    while (sqlite3_step(st) == SQLITE_ROW) {
+        for (int c = 0; c < columns; ++c) {
+            switch (sqlite3_column_type(st, c)) {
+            case SQLITE_INTEGER: seen += sqlite3_column_int64(st, c); break;
+            case SQLITE_FLOAT: seen += qint64(sqlite3_column_double(st, c)); break;
+            case SQLITE_TEXT:
+                benchmark::DoNotOptimize(sqlite3_column_text(st, c));
+                seen += sqlite3_column_bytes(st, c);
+                break;
+            default: break;
+            }
+        }
+        ++rows;
+    }
+    sqlite3_finalize(st);
+    benchmark::DoNotOptimize(seen);
+    return rows;
 }
 
 } // namespace knjige::bench

@@ -25,11 +25,6 @@ using namespace knjige::bench;
 
 namespace {
 
-double seconds(std::chrono::steady_clock::time_point since)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
-}
-
 // Runs a program with its standard output going to `out`; false unless it ends well.
 bool run(const QString& program, const QStringList& arguments, const QString& out = {})
 {

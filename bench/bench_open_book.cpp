@@ -26,61 +26,6 @@ using namespace knjige::bench;
 
 namespace {
 
-double seconds(std::chrono::steady_clock::time_point since)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
-}
-
-// The yardstick: SQLite's own API on an open connection, every column of every row
-// read once in its stored type, nothing kept. What any grid must at least do.
-class PlainFetch {
-public:
-    PlainFetch()
-    {
-        const QByteArray path = book().path.toUtf8();
-        if (sqlite3_open_v2(path.constData(), &m_db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK
-            || !tsql::registerFunctions(m_db))
-            std::fprintf(stderr, "plain: %s\n", sqlite3_errmsg(m_db));
-        m_sql = book().sqlite.toUtf8();
-    }
-    ~PlainFetch() { sqlite3_close(m_db); }
-    PlainFetch(const PlainFetch&) = delete;
-    PlainFetch& operator=(const PlainFetch&) = delete;
-
-    // Returns the number of rows.
-    int run()
-    {
-        sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(m_db, m_sql.constData(), int(m_sql.size()), &st, nullptr) != SQLITE_OK) {
-            std::fprintf(stderr, "plain: %s\n", sqlite3_errmsg(m_db));
-            return 0;
-        }
-        const int columns = sqlite3_column_count(st);
-        int rows = 0;
-        qint64 seen = 0;
-        while (sqlite3_step(st) == SQLITE_ROW) {
-            for (int c = 0; c < columns; ++c) {
-                switch (sqlite3_column_type(st, c)) {
-                case SQLITE_INTEGER: seen += sqlite3_column_int64(st, c); break;
-                case SQLITE_FLOAT: seen += qint64(sqlite3_column_double(st, c)); break;
-                case SQLITE_TEXT:
-                    benchmark::DoNotOptimize(sqlite3_column_text(st, c));
-                    seen += sqlite3_column_bytes(st, c);
-                    break;
-                default: break;
-                }
-            }
-            ++rows;
-        }
-        sqlite3_finalize(st);
-        benchmark::DoNotOptimize(seen);
-        return rows;
-    }
-
-private:
-    sqlite3* m_db = nullptr;
-    QByteArray m_sql;
-};
 
 // Lets the window lay out and paint what a first look at it shows.
 void settle() { QApplication::processEvents(); }

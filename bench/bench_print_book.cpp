@@ -23,6 +23,7 @@
 #endif
 
 using namespace knjige;
+using knjige::bench::seconds;
 
 namespace
 {
@@ -30,11 +31,6 @@ namespace
 QString pdfPath()
 {
     return bench::book().dir.filePath(QStringLiteral("knjiga.pdf"));
-}
-
-double seconds(std::chrono::steady_clock::time_point since)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }
 
 #ifdef Q_OS_UNIX
