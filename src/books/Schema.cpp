@@ -79,36 +79,37 @@ QStringList scriptStatements(const QString& script)
     return out;
 }
 
-bool createSchema(Database& db, QString* error)
+bool runScript(Database& db, QStringList statements, QString* error)
 {
-    const QStringList statements = schemaStatements();
     if (statements.isEmpty()) {
         if (error)
-            *error = QStringLiteral("Skripta sheme baze podataka nije dostupna.");
+            *error = QStringLiteral("Skripta baze podataka nije dostupna.");
         return false;
     }
-    const bool embedded = db.dialect() == SqlDialect::Sqlite;
     TransactionGuard guard(db);
-    for (const QString& statement : statements) {
-        if (embedded && isTrigger(statement))
-            continue;
+    for (const QString& statement : statements)
         if (!db.execute(statement)) {
             if (error)
                 *error = db.errorDescription();
             return false;
         }
-    }
-    if (embedded && !db.execute(QString::fromLatin1(kSqliteAssetTrigger))) {
-        if (error)
-            *error = db.errorDescription();
-        return false;
-    }
     if (guard.isActive() && !guard.commit()) {
         if (error)
             *error = db.errorDescription();
         return false;
     }
     return true;
+}
+
+bool createSchema(Database& db, QString* error)
+{
+    QStringList statements = schemaStatements();
+    // The embedded database numbers asset rows with a trigger of its own dialect.
+    if (db.dialect() == SqlDialect::Sqlite && !statements.isEmpty()) {
+        statements.removeIf(isTrigger);
+        statements << QString::fromLatin1(kSqliteAssetTrigger);
+    }
+    return runScript(db, statements, error);
 }
 
 bool createEmbeddedDatabase(const QString& path, QString* error)

@@ -13,6 +13,10 @@ class Database;
 // Returns false with *error set to the data layer's text when a statement fails.
 bool createSchema(Database& db, QString* error);
 
+// Runs the statements in order in one transaction; false, with nothing kept and *error
+// set to the data layer's text, when one fails or there are none.
+bool runScript(Database& db, QStringList statements, QString* error);
+
 // Makes a new embedded database file at `path` with the whole schema. Fails when the
 // file exists already (an existing book database is never overwritten).
 bool createEmbeddedDatabase(const QString& path, QString* error);

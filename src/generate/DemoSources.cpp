@@ -230,25 +230,7 @@ QStringList sourceStatements()
 
 bool createSourceTables(Database& db, QString* error)
 {
-    const QStringList statements = sourceStatements();
-    if (statements.isEmpty()) {
-        if (error)
-            *error = QStringLiteral("Skripta izvornih tablica nije dostupna.");
-        return false;
-    }
-    TransactionGuard guard(db);
-    for (const QString& statement : statements)
-        if (!db.execute(statement)) {
-            if (error)
-                *error = db.errorDescription();
-            return false;
-        }
-    if (guard.isActive() && !guard.commit()) {
-        if (error)
-            *error = db.errorDescription();
-        return false;
-    }
-    return true;
+    return runScript(db, sourceStatements(), error);
 }
 
 bool fillDemoSources(Database& db, int year, const QStringList& operators, QString* error)
