@@ -28,14 +28,6 @@
 namespace knjige::cli {
 namespace {
 
-enum Exit { Done = 0, Failed = 1, Usage = 2 };
-
-int complain(const QString& message, int code = Failed)
-{
-    QTextStream err(stderr);
-    err << message << '\n';
-    return code;
-}
 
 // Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
 // looks like an option is refused, so a typing error never becomes a SQL text.
@@ -413,6 +405,12 @@ int runQuery(const QStringList& args)
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     return runBatch(db, statements, o.flags.contains(QStringLiteral("--types")));
+}
+
+int complain(const QString& message, int code)
+{
+    QTextStream(stderr) << message << '\n';
+    return code;
 }
 
 } // namespace knjige::cli

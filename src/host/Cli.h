@@ -7,6 +7,12 @@
 
 namespace knjige::cli {
 
+// The exit codes of every command: 0 done, 1 the work failed, 2 the command line is wrong.
+enum Exit { Done = 0, Failed = 1, Usage = 2 };
+
+// Writes a problem to standard error and gives the exit code to return.
+int complain(const QString& message, int code = Failed);
+
 // The console commands. Each takes the arguments after its name, writes results to
 // standard output and problems to standard error, and returns the exit code:
 // 0 done, 1 the work failed, 2 the command line is wrong.

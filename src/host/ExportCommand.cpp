@@ -17,14 +17,6 @@
 namespace knjige::cli {
 namespace {
 
-enum Exit { Done = 0, Failed = 1, Usage = 2 };
-
-int complain(const QString& message, int code = Failed)
-{
-    QTextStream(stderr) << message << '\n';
-    return code;
-}
-
 int usageError(const QString& message) { return complain(message + u'\n' + exportUsage(), Usage); }
 
 // A whole number within [low, high]; nothing for anything else.

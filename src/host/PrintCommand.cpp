@@ -17,13 +17,10 @@ namespace knjige::host
 namespace
 {
 
-enum Exit { Done = 0, Failed = 1, Usage = 2 };
-
-int complain(const QString& message, int code = Failed)
-{
-    QTextStream(stderr) << message << '\n';
-    return code;
-}
+using cli::complain;
+using cli::Done;
+using cli::Failed;
+using cli::Usage;
 
 int usageError(const QString& message)
 {
