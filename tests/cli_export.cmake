@@ -26,11 +26,12 @@ foreach(row "1, '01.31.2016', 'A', 'Jan', 11, 10.5" "2, '02.15.2016', 'B', 'Čaj
   knjige(0 "" query --db "${db}" "INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca, GodinaKnj, RBroj, Datum, Isprava, Opis, Vrsta, Iznos, IznosPDV) VALUES (4, 2016, ${row}, 0)")
 endforeach()
 
-# February only, texts quoted: the header, then one row with Č and Ž in Windows-1250.
-knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --period 1.2.2016-29.2.2016 --out feb.csv --quote)
+# February only, texts quoted without being asked: the header, then one row with Č and
+# Ž in Windows-1250 and the date's whole year.
+knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --period 1.2.2016-29.2.2016 --out feb.csv)
 string(HEX "\"RBroj\";\"GodinaKnj\";\"Datum\";\"Isprava\";\"Opis\";\"Vrsta\";\"NazivVrste\";\"Prihodi\";\"PDVPrihodi\";\"Rashodi\";\"PDVRashodi\";\"I\"" expected)
-# 2;2016;15.02.16;"B";"Čaj; ""Žir""";12;"Prihod - Bankovni račun";1234,25;0;0;0; with CR LF before and after
-string(APPEND expected "0d0a323b323031363b31352e30322e31363b2242223b22c8616a3b2022228e69722222223b31323b22507269686f64"
+# 2;2016;15.02.2016;"B";"Čaj; ""Žir""";12;"Prihod - Bankovni račun";1234,25;0;0;0; with CR LF before and after
+string(APPEND expected "0d0a323b323031363b31352e30322e323031363b2242223b22c8616a3b2022228e69722222223b31323b22507269686f64"
   "202d2042616e6b6f766e69207261e8756e223b313233342c32353b303b303b303b0d0a")
 file(READ "${WORK}/feb.csv" hex HEX)
 if(NOT hex STREQUAL expected)
@@ -38,9 +39,9 @@ if(NOT hex STREQUAL expected)
 endif()
 
 knjige(1 "--force" export 96 --db "${db}" --company 4 --year 2016 --out feb.csv)
-knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --out feb.csv --force --encoding utf-8 --decimal . --separator ,)
+knjige(0 "" export 96 --db "${db}" --company 4 --year 2016 --out feb.csv --force --encoding utf-8 --decimal . --separator , --no-quote)
 file(READ "${WORK}/feb.csv" text)
-string(FIND "${text}" "\n2,2016,15.02.16,B,Čaj; \"Žir\",12,Prihod - Bankovni račun,1234.25,0,0,0," at)
+string(FIND "${text}" "\n2,2016,15.02.2016,B,Čaj; \"Žir\",12,Prihod - Bankovni račun,1234.25,0,0,0," at)
 file(READ "${WORK}/feb.csv" bom LIMIT 3 HEX)
 if(at LESS 0 OR NOT bom STREQUAL "efbbbf")
   message(FATAL_ERROR "export in UTF-8 over the old file: ${bom} ${text}")
@@ -50,6 +51,7 @@ set(base export 96 --db "${db}" --company 4 --year 2016 --out bad.csv)
 knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${base} --separator ,)
 knjige(2 "Početni datum perioda (29.2.2016) je iza završnog (1.2.2016)." ${base} --period 29.2.2016-1.2.2016)
 knjige(2 "Prodajno mjesto (--prod) imaju samo knjige 125 i 126." ${base} --prod 2)
+knjige(2 "Opcije --quote i --no-quote se isključuju." ${base} --quote --no-quote)
 knjige(2 "Nepoznata knjiga: 97x" export 97x --db "${db}" --company 4 --year 2016 --out bad.csv)
 if(EXISTS "${WORK}/bad.csv")
   message(FATAL_ERROR "a refused export wrote a file")

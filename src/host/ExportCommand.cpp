@@ -88,7 +88,12 @@ int readRequest(const Options& o, Request& r)
     r.out = o.values.value(QStringLiteral("--out")).trimmed();
     r.options.separator = o.values.value(QStringLiteral("--separator"), QStringLiteral(";"));
     r.options.decimalMark = o.values.value(QStringLiteral("--decimal"), QStringLiteral(","));
-    r.options.quoteTexts = o.flags.contains(QStringLiteral("--quote"));
+    // Texts are quoted unless asked otherwise, as in the dialog: a separator inside an
+    // unquoted description moves every later value of its row one column on. "--quote"
+    // stays accepted, so the scripts written when quoting was optional keep working.
+    if (o.flags.contains(QStringLiteral("--quote")) && o.flags.contains(QStringLiteral("--no-quote")))
+        return usageError(QStringLiteral("Opcije --quote i --no-quote se isključuju."));
+    r.options.quoteTexts = !o.flags.contains(QStringLiteral("--no-quote"));
     const auto encoding = output::encodingFromName(o.values.value(QStringLiteral("--encoding"), QStringLiteral("cp1250")));
     if (!encoding)
         return usageError(QStringLiteral("Kodiranje može biti cp1250 ili utf-8."));
@@ -122,14 +127,15 @@ QString exportUsage()
     return QStringLiteral(
         "knjige export KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
         "              --out DATOTEKA.csv [--period OD-DO] [--prod N] [--separator \";\"]\n"
-        "              [--decimal \",\"] [--quote] [--encoding cp1250|utf-8] [--force]\n"
+        "              [--decimal \",\"] [--no-quote] [--encoding cp1250|utf-8] [--force]\n"
         "  Zapiše knjigu (šifra 96 ... 126 ili naziv klase) poduzeća i godine kao CSV datoteku,\n"
         "  istu kakvu piše \"Prebaci u Excel\" u pregledu knjige, redom po rednom broju.\n"
         "  --period OD-DO  samo stavke s datumom u periodu, na primjer 1.3.2016-31.3.2016\n"
         "  --prod N        samo prodajno mjesto N (knjige 125 i 126)\n"
         "  --separator     separator podataka (zadano ;)\n"
         "  --decimal       znak za decimalnu točku u brojevima, . ili , (zadano ,)\n"
-        "  --quote         nazivi i tekstovi u navodnicima\n"
+        "  --no-quote      nazivi i tekstovi bez navodnika (zadano su u navodnicima;\n"
+        "                  --quote se prihvata i ne mijenja ništa)\n"
         "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
         "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n"
         "  Primjer: knjige export 96 --db knjige.db --company 1 --year 2026 --out knjiga-96.csv\n");
@@ -142,7 +148,7 @@ int runExport(const QStringList& args)
                                       QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
                                       QStringLiteral("--out"), QStringLiteral("--separator"),
                                       QStringLiteral("--decimal"), QStringLiteral("--encoding")},
-                                     {QStringLiteral("--quote"), QStringLiteral("--force")});
+                                     {QStringLiteral("--quote"), QStringLiteral("--no-quote"), QStringLiteral("--force")});
     if (!o.error.isEmpty())
         return usageError(o.error);
     if (o.flags.contains(QStringLiteral("--help"))) {

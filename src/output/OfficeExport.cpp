@@ -63,7 +63,8 @@ void appendMoney(QString& line, Money value, QChar mark)
     appendDigits(line, fraction, digits);
 }
 
-// "dd.MM.yy", as the grid shows dates.
+// "dd.MM.yyyy": a spreadsheet reads a two-digit year into a century of its own choosing
+// (15.03.30 as 1930), so the file carries the whole year even where the grid shows two.
 void appendDate(QString& line, const QDate& date)
 {
     int y = 0, m = 0, d = 0;
@@ -72,7 +73,9 @@ void appendDate(QString& line, const QDate& date)
     line += u'.';
     appendDigits(line, quint64(m), 2);
     line += u'.';
-    appendDigits(line, quint64(((y % 100) + 100) % 100), 2);
+    if (y < 0)
+        line += u'-';
+    appendDigits(line, quint64(y < 0 ? -qint64(y) : qint64(y)), 4);
 }
 
 void appendNumberText(QString& line, const QString& plain, QChar mark)

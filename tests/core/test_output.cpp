@@ -211,7 +211,7 @@ ResultSet sampleRows()
                   {"I", FieldType::Text}});
     rs.appendRow();
     rs.setInteger(0, 1234567);
-    rs.setDate(1, {2016, 3, 15});
+    rs.setDate(1, {2030, 3, 15}); // a spreadsheet reads 15.03.30 as 1930
     rs.setText(2, QStringLiteral("  Pazar; \"Centar\"  "));
     rs.setMoney(3, Money::parse(QStringLiteral("1234567.5")).value());
     rs.setReal(4, 0.125);
@@ -221,7 +221,7 @@ ResultSet sampleRows()
     rs.setText(2, kLetters);
     rs.appendRow();
     rs.setInteger(0, -3);
-    rs.setDate(1, {2017, 12, 31});
+    rs.setDate(1, {9999, 12, 31});
     rs.setMoney(3, Money::fromWhole(-7));
     rs.setReal(4, -1000000.25);
     rs.set(5, false);
@@ -266,17 +266,17 @@ TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
     struct Case { const char* separator; const char* decimal; bool quote; QString rows; };
     const Case cases[] = {
         {";", ",", true,
-         QStringLiteral("1234567;15.03.16;\"  Pazar; \"\"Centar\"\"  \";1234567,5;0,125;1;\r\n"
+         QStringLiteral("1234567;15.03.2030;\"  Pazar; \"\"Centar\"\"  \";1234567,5;0,125;1;\r\n"
                         ";;\"ČĆĐŠŽ čćđšž\";;;;\r\n"
-                        "-3;31.12.17;;-7;-1000000,25;0;\r\n")},
+                        "-3;31.12.9999;;-7;-1000000,25;0;\r\n")},
         {";", ",", false,
-         QStringLiteral("1234567;15.03.16;Pazar; \"Centar\";1234567,5;0,125;1;\r\n"
+         QStringLiteral("1234567;15.03.2030;Pazar; \"Centar\";1234567,5;0,125;1;\r\n"
                         ";;ČĆĐŠŽ čćđšž;;;;\r\n"
-                        "-3;31.12.17;;-7;-1000000,25;0;\r\n")},
+                        "-3;31.12.9999;;-7;-1000000,25;0;\r\n")},
         {",", ".", true,
-         QStringLiteral("1234567,15.03.16,\"  Pazar; \"\"Centar\"\"  \",1234567.5,0.125,1,\r\n"
+         QStringLiteral("1234567,15.03.2030,\"  Pazar; \"\"Centar\"\"  \",1234567.5,0.125,1,\r\n"
                         ",,\"ČĆĐŠŽ čćđšž\",,,,\r\n"
-                        "-3,31.12.17,,-7,-1000000.25,0,\r\n")},
+                        "-3,31.12.9999,,-7,-1000000.25,0,\r\n")},
     };
     const ResultSet rows = sampleRows();
     for (const Case& c : cases) {

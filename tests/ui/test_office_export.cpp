@@ -118,9 +118,9 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     EXPECT_EQ(script->startedPrograms, (QList<QStringList> { { program, QDir::toNativeSeparators(path) } }));
     const QByteArray file = read(path);
     EXPECT_TRUE(file.startsWith("RBroj;GodinaKnj;Datum;Isprava;Opis;Vrsta;NazivVrste;Prihodi;PDVPrihodi;Rashodi;"
-                                "PDVRashodi;I\r\n1;2016;10.01.16;D-1;Pazar; \"Centar\" \xC8\xC6\xD0\x8A\x8E;11;"))
+                                "PDVRashodi;I\r\n1;2016;10.01.2016;D-1;Pazar; \"Centar\" \xC8\xC6\xD0\x8A\x8E;11;"))
         << file.left(200).toStdString();
-    EXPECT_TRUE(file.contains(";1234567,5;170;0;0;\r\n2;2016;12.01.16;D-2;banka;12;"));
+    EXPECT_TRUE(file.contains(";1234567,5;170;0;0;\r\n2;2016;12.01.2016;D-2;banka;12;"));
     EXPECT_EQ(file.count("\r\n"), 4);
     EXPECT_EQ(setting("ExpNazivDat"), QDir::toNativeSeparators(path));
     EXPECT_EQ(setting("ExpSeparator") + setting("ExpDecTočka"), ";,");
@@ -172,9 +172,9 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
     const QList<QByteArray> lines = read(path).split('\n');
     ASSERT_EQ(lines.size(), 4);
     EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
-    EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.16;\"D-3\";\"Nabavka\";11;"));
+    EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.2016;\"D-3\";\"Nabavka\";11;"));
     EXPECT_EQ(lines[2],
-        QStringLiteral("1;2016;10.01.16;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
+        QStringLiteral("1;2016;10.01.2016;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
                        "1234567.5;170;0;0;\r")
             .toUtf8());
     // The next opening shows the remembered choices.
