@@ -11,7 +11,7 @@ Paginator::Paginator(int firstPageLines, int otherPageLines, int sums)
     , m_sums(std::max(sums, 0))
     , m_running(m_sums)
 {
-    startPage();
+    m_pages.push_back({ 0, 0, 0, 0, m_running, {} });
 }
 
 int Paginator::rowLines(int pageIndex) const
@@ -19,11 +19,13 @@ int Paginator::rowLines(int pageIndex) const
     return pageIndex == 0 ? m_firstLines - 1 : m_otherLines - 2;
 }
 
-void Paginator::startPage()
+void Paginator::nextPage(int firstRow, int firstLine)
 {
+    m_pages.back().carried = m_running;
     Page p;
-    p.firstRow = m_row;
+    p.firstRow = firstRow;
     p.endRow = m_row;
+    p.firstLine = firstLine;
     p.brought = m_running;
     m_pages.push_back(p);
     m_used = 0;
@@ -32,15 +34,18 @@ void Paginator::startPage()
 void Paginator::add(int lines, const QVector<Money>& values)
 {
     lines = std::max(lines, 1);
-    const int pageIndex = int(m_pages.size()) - 1;
-    if (m_used > 0 && m_used + lines > rowLines(pageIndex)) {
-        m_pages.back().carried = m_running;
-        startPage();
-    }
-    m_used += lines;
+    if (m_used > 0 && m_used + lines > rowLines(int(m_pages.size()) - 1))
+        nextPage(m_row, 0);
     for (int i = 0; i < m_sums && i < values.size(); ++i)
         m_running[i] += values[i];
     m_pages.back().endRow = ++m_row;
+    int printed = 0; // lines of the row on the pages before this one
+    while (lines - printed > rowLines(int(m_pages.size()) - 1) - m_used) {
+        printed += rowLines(int(m_pages.size()) - 1) - m_used;
+        m_pages.back().endLine = printed;
+        nextPage(m_row - 1, printed);
+    }
+    m_used += lines - printed;
 }
 
 QVector<Page> Paginator::finish()

@@ -10,10 +10,16 @@ namespace knjige::report
 // One printed page of a book: rows [firstRow, endRow) and the sums of its summed
 // columns. `brought` is what the page brings forward ("Prenos"): the sum of the rows
 // of every earlier page, zero on the first page. `carried` is what it hands on: on
-// every page but the last the page's "Za prenos", on the last the book's totals.
+// every page but the last the page's "Za prenos", on the last the book's totals. A
+// row's amounts count on the page that prints its first line.
 struct Page {
     int firstRow = 0;
     int endRow = 0;
+    // Lines of a row taller than a page: `firstLine` is the first line of `firstRow`
+    // this page prints (0 unless the page goes on with a row begun on the one before),
+    // `endLine` the line of the last row the next page goes on from (0: the row ends here).
+    int firstLine = 0;
+    int endLine = 0;
     QVector<Money> brought;
     QVector<Money> carried;
 };
@@ -24,8 +30,10 @@ struct Page {
 //
 // Heights are in body lines. Every page keeps one line at its foot for "Za prenos" or,
 // on the last page, the totals, and every page after the first one line at its head
-// for "Prenos". A row never splits across pages; a row taller than a whole page gets a
-// page of its own.
+// for "Prenos". A row that fits on a page never splits: one that does not fit below the
+// rows before it moves whole to the next page. A row taller than a whole page (a text
+// of thousands of characters) opens a page and runs on over as many pages as it needs,
+// the next row following its last line. So the same rows always break the same way.
 class Paginator
 {
 public:
@@ -43,7 +51,8 @@ public:
     int rowLines(int pageIndex) const;
 
 private:
-    void startPage();
+    // Closes the page and opens the next, beginning with line `firstLine` of `firstRow`.
+    void nextPage(int firstRow, int firstLine);
 
     int m_firstLines;
     int m_otherLines;

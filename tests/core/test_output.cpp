@@ -34,16 +34,18 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
         const char* what;
         int firstLines, otherLines;
         QVector<int> heights;
-        QVector<int> pageStarts; // first row of each page
+        QVector<std::pair<int, int>> pageStarts; // the row and line each page begins with
     };
     // The first page keeps one line for "Za prenos"; later pages also one for "Prenos".
     const Case cases[] = {
-        { "no rows: one empty page", 5, 6, {}, { 0 } },
-        { "four rows fill the first page", 5, 6, { 1, 1, 1, 1 }, { 0 } },
-        { "a fifth row opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { 0, 4 } },
-        { "later pages hold four", 5, 6, { 1, 1, 1, 1, 1, 1, 1, 1, 1 }, { 0, 4, 8 } },
-        { "a wrapped row that does not fit moves on whole", 5, 6, { 1, 1, 3, 1 }, { 0, 2 } },
-        { "a row taller than a page stands alone", 5, 6, { 1, 9, 1 }, { 0, 1, 2 } },
+        { "no rows: one empty page", 5, 6, {}, { { 0, 0 } } },
+        { "four rows fill the first page", 5, 6, { 1, 1, 1, 1 }, { { 0, 0 } } },
+        { "a fifth row opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 } } },
+        { "later pages hold four", 5, 6, { 1, 1, 1, 1, 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 }, { 8, 0 } } },
+        { "a wrapped row that does not fit moves on whole", 5, 6, { 1, 1, 3, 1 }, { { 0, 0 }, { 2, 0 } } },
+        { "a row taller than a page opens one and runs on", 5, 6, { 1, 9, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 1, 8 } } },
+        { "a tall first row runs on from the first page", 5, 6, { 6, 1 }, { { 0, 0 }, { 0, 4 } } },
+        { "a tall row ending at a page's foot", 5, 6, { 1, 8, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 2, 0 } } },
     };
     for (const Case& c : cases) {
         Paginator p(c.firstLines, c.otherLines, 2);
@@ -53,19 +55,32 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
             p.add(c.heights[r], values.last());
         }
         const QVector<Page> pages = p.finish();
-        QVector<int> starts;
+        QVector<std::pair<int, int>> starts;
         for (const Page& page : pages)
-            starts << page.firstRow;
+            starts << std::pair(page.firstRow, page.firstLine);
         EXPECT_EQ(starts, c.pageStarts) << c.what;
+        // Every line of every row once, no page over its room, each row's amounts on
+        // the page of its first line.
+        QVector<int> printed(c.heights.size());
         QVector<Money> sum = { m(0), m(0) };
         for (int i = 0; i < pages.size(); ++i) {
-            EXPECT_EQ(pages[i].brought, sum) << c.what << " page " << i;
-            for (int r = pages[i].firstRow; r < pages[i].endRow; ++r)
-                for (int k = 0; k < 2; ++k)
-                    sum[k] += values[r][k];
-            EXPECT_EQ(pages[i].carried, sum) << c.what << " page " << i;
-            EXPECT_EQ(pages[i].endRow, i + 1 < pages.size() ? pages[i + 1].firstRow : int(c.heights.size())) << c.what;
+            const Page& page = pages[i];
+            EXPECT_EQ(page.brought, sum) << c.what << " page " << i;
+            int used = 0;
+            for (int r = page.firstRow; r < page.endRow; ++r) {
+                const int from = r == page.firstRow ? page.firstLine : 0;
+                const int to = r == page.endRow - 1 && page.endLine > 0 ? page.endLine : c.heights[r];
+                EXPECT_EQ(printed[r], from) << c.what << " row " << r;
+                printed[r] = to;
+                used += to - from;
+                if (from == 0)
+                    for (int k = 0; k < 2; ++k)
+                        sum[k] += values[r][k];
+            }
+            EXPECT_LE(used, p.rowLines(i)) << c.what << " page " << i;
+            EXPECT_EQ(page.carried, sum) << c.what << " page " << i;
         }
+        EXPECT_EQ(printed, c.heights) << c.what;
     }
 }
 

@@ -7,12 +7,14 @@
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
 #include "output/widgets/ReportPrinter.h"
+#include "output/widgets/ReportText.h"
 #include "session/Session.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QImage>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QProcess>
@@ -25,6 +27,12 @@ namespace
 {
 
 constexpr int kRows = 140;
+// Two rows whose texts used to be cut: one of 100 characters, which ended in "…" after
+// three lines, and one of 10,000 without a blank, taller than a page.
+constexpr int kLongRow = 7;
+constexpr int kUnbrokenRow = 23;
+constexpr int kUnbroken = 10000;
+constexpr const char* kLongText = "Nabavka robe po računu 117 od dobavljača Partner d.o.o. Sarajevo, isporuka u skladište, KRAJ07";
 
 // The PDF's text page by page, laid out as printed.
 QStringList pdfPages(const QString& pdf)
@@ -80,8 +88,15 @@ protected:
     {
         addCompany();
         TransactionGuard t(db->db());
-        for (int i = 1; i <= rows; ++i)
-            add(book, i);
+        const char* text = isAssetList(book) ? "Naziv" : "Opis";
+        for (int i = 1; i <= rows; ++i) {
+            RowChange::Values more;
+            if (i == kLongRow)
+                more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString::fromUtf8(kLongText) } };
+            if (i == kUnbrokenRow)
+                more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString(kUnbroken, u'W') } };
+            add(book, i, more);
+        }
         t.commit();
     }
 };
@@ -108,6 +123,32 @@ QVector<std::pair<QString, int>> partsOf(int book, const QString& field, const r
 }
 
 } // namespace
+
+// A text wraps whole, every line within the column: words at blanks, a word wider than
+// the column after its last character that fits.
+TEST(ReportText, TextsWrapWholeWithinTheirColumn)
+{
+    const QImage device(8, 8, QImage::Format_RGB32);
+    const GlyphText font(QFont(), device);
+    const qreal width = font.advance(u'W') * 30.5;
+    const QString unbroken(kUnbroken, u'W');
+    const QString words = QStringLiteral("S96-7 ") + QString::fromUtf8(kLongText);
+    struct Case {
+        QString text;
+        qsizetype lines;
+    };
+    for (const Case& c : { Case { unbroken, (kUnbroken + 29) / 30 }, Case { words, 0 },
+             Case { "ab " + unbroken + " cd", 1 + (kUnbroken + 29) / 30 } }) {
+        const QStringList lines = wrapText(c.text, width, font);
+        if (c.lines)
+            EXPECT_EQ(lines.size(), c.lines);
+        else
+            EXPECT_GT(lines.size(), 1);
+        for (const QString& line : lines)
+            EXPECT_TRUE(font.width(line) <= width && line == line.trimmed()) << line.toStdString();
+        EXPECT_EQ(lines.join(QString()).remove(u' '), QString(c.text).remove(u' '));
+    }
+}
 
 TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTotals)
 {
@@ -166,6 +207,12 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
                 pageOf[id] = p;
             }
         EXPECT_EQ(pageOf.size(), kRows);
+        // Long texts whole: the 100 characters to their last word, the 10,000 over the
+        // pages the row runs on to, no "…" anywhere.
+        const QString all = pages.join(u'\f');
+        EXPECT_TRUE(all.contains(QStringLiteral("KRAJ07")));
+        EXPECT_EQ(all.count(u'W'), kUnbroken);
+        EXPECT_FALSE(all.contains(QStringLiteral("…")));
 
         // Each page brings forward the rows of the pages before it and hands on its own.
         const auto bound = report::BoundLayout::bind(report::bookLayout(book.code, w->BrojProd), rs, &error);

@@ -22,7 +22,6 @@ namespace
 constexpr qreal kBodyPoints = 8.0;
 constexpr qreal kLeastBodyPoints = 5.0;
 constexpr qreal kMarginMm = 10.0;
-constexpr int kMostLinesPerRow = 3;
 
 QFont font(qreal points, bool bold = false)
 {
@@ -169,7 +168,9 @@ int ReportPrinter::rowLines(int row, QVector<QStringList>* cells) const
                 (*cells)[c] = text.isEmpty() ? QStringList() : QStringList { text };
             continue;
         }
-        const QStringList wrapped = wrapText(text, m.width(c), m.text, kMostLinesPerRow);
+        // Whole, however many lines it takes: a printed book is the record, and a text
+        // cut short on paper is a text changed.
+        const QStringList wrapped = wrapText(text, m.width(c), m.text);
         lines = std::max(lines, int(wrapped.size()));
         if (cells)
             (*cells)[c] = wrapped;
@@ -228,14 +229,17 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     const qreal rowsTop = y;
     QVector<QStringList> cells;
     for (int r = page.firstRow; r < page.endRow; ++r) {
+        // A row taller than a page prints here only the lines the paginator gave this page.
         const int lines = rowLines(r, &cells);
+        const int from = r == page.firstRow ? page.firstLine : 0;
+        const int to = r == page.endRow - 1 && page.endLine > 0 ? page.endLine : lines;
         for (int c = 0; c < cells.size(); ++c) {
             const bool right = m_layout.columns[c].format == report::Format::Money
                 || m_layout.columns[c].format == report::Format::Whole;
-            for (int l = 0; l < cells[c].size(); ++l)
-                paintCell(p, m.text, cells[c][l], c, right, y + l * m.line);
+            for (int l = from; l < std::min(to, int(cells[c].size())); ++l)
+                paintCell(p, m.text, cells[c][l], c, right, y + (l - from) * m.line);
         }
-        y += lines * m.line;
+        y += (to - from) * m.line;
     }
     const bool last = index == m_pages.size() - 1;
     paintSums(p, last ? QStringLiteral("Ukupno:") : QStringLiteral("Za prenos:"), page.carried, y);

@@ -21,12 +21,13 @@ namespace knjige
 class GlyphText;
 
 // Prints one report on paper or into a PDF file: the header, the numbered column
-// headings on every page, the rows wrapped into their columns, "Prenos" at the head of
-// every page after the first, "Za prenos" at the foot of every page but the last and
-// the totals at the end.
+// headings on every page, the rows with their texts wrapped whole into their columns,
+// "Prenos" at the head of every page after the first, "Za prenos" at the foot of every
+// page but the last and the totals at the end.
 //
 // Two passes over the rows: the first measures them and decides the pages (only page
-// boundaries and sums are kept), the second paints page after page, so a PDF writer
+// boundaries and sums are kept; a row's height is the line count of the very wrapping
+// the second pass paints, so the sums carried match the rows printed), the second paints page after page, so a PDF writer
 // hands each page on as it is done. The rows are read, never copied; rows given by
 // reference must outlive the printer.
 class ReportPrinter

@@ -64,32 +64,54 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
     if (font.width(plain) <= width)
         return { plain };
     QStringList lines;
-    QString line;
-    for (QString word : plain.split(u' ', Qt::SkipEmptyParts)) {
-        const QString candidate = line.isEmpty() ? word : line + u' ' + word;
-        if (font.width(candidate) <= width) {
-            line = candidate;
+    qsizetype start = 0; // the line being filled: [start, end), `used` wide
+    qsizetype end = 0;
+    qreal used = 0;
+    const auto takeLine = [&] { lines << plain.mid(start, end - start); };
+    const qreal space = font.advance(u' ');
+    const qsizetype size = plain.size();
+    for (qsizetype i = 0; i < size;) {
+        qsizetype j = i; // the word [i, j)
+        qreal w = 0;
+        for (; j < size && plain[j] != u' '; ++j)
+            w += font.advance(plain[j]);
+        if (end > start && used + space + w <= width) {
+            end = j;
+            used += space + w;
+            i = j + 1;
             continue;
         }
-        if (!line.isEmpty())
-            lines << line;
-        while (word.size() > 1 && font.width(word) > width) {
-            qsizetype n = word.size() - 1;
-            while (n > 1 && font.width(QStringView(word).left(n)) > width)
-                --n;
-            lines << word.left(n);
-            word = word.mid(n);
+        if (end > start)
+            takeLine();
+        // The word opens a line; one wider than the column is cut where the advances
+        // add up past it, never inside a surrogate pair.
+        start = i;
+        used = 0;
+        for (qsizetype k = i; k < j; ++k) {
+            const qreal a = font.advance(plain[k]);
+            if (k > start && used + a > width && !plain[k].isLowSurrogate()) {
+                end = k;
+                takeLine();
+                start = k;
+                used = 0;
+            }
+            used += a;
         }
-        line = word;
+        end = j;
+        i = j + 1;
     }
-    if (!line.isEmpty())
-        lines << line;
+    if (end > start)
+        takeLine();
     if (lines.size() > maxLines) {
         lines.resize(maxLines);
         QString& last = lines.last();
         const QString ellipsis = QStringLiteral("…");
-        while (!last.isEmpty() && font.width(last + ellipsis) > width)
+        const qreal room = width - font.width(ellipsis);
+        qreal w = font.width(last);
+        while (!last.isEmpty() && w > room) {
+            w -= font.advance(last.back());
             last.chop(1);
+        }
         last = last.trimmed() + ellipsis;
     }
     return lines;

@@ -3,6 +3,7 @@
 #include <QRawFont>
 #include <QString>
 #include <QStringList>
+#include <limits>
 #include <vector>
 
 class QFont;
@@ -25,6 +26,7 @@ public:
     GlyphText(const QFont& font, const QPaintDevice& device);
 
     qreal width(QStringView text) const;
+    qreal advance(QChar c) const { return glyph(c.unicode()).advance; }
     qreal ascent() const { return m_raw.ascent(); }
     qreal lineSpacing() const { return m_raw.ascent() + m_raw.descent() + m_raw.leading(); }
     // Draws `text` with its left end at origin.x() and its baseline at origin.y().
@@ -42,8 +44,11 @@ private:
 };
 
 // Lines of `text` (blanks and line breaks simplified) no wider than `width`: broken at
-// blanks, a word wider than the column broken where it must be; past `maxLines` the
-// last line is cut and ends in an ellipsis.
-QStringList wrapText(const QString& text, qreal width, const GlyphText& font, int maxLines);
+// blanks, a word wider than the column broken after its last character that fits (one
+// at least); past `maxLines` the last line is cut and ends in an ellipsis. Every
+// character is measured once or twice, so a text wraps in time proportional to its
+// length however long its words are.
+QStringList wrapText(
+    const QString& text, qreal width, const GlyphText& font, int maxLines = std::numeric_limits<int>::max());
 
 } // namespace knjige
