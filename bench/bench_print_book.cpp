@@ -10,10 +10,12 @@
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/widgets/ReportPrinter.h"
+#include "output/widgets/ReportText.h"
 #include "session/Session.h"
 
 #include <QDate>
 #include <QFileInfo>
+#include <QImage>
 #include <QProcess>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -113,5 +115,24 @@ void BM_PrintInProcess(benchmark::State& state)
     state.counters["layout_and_pdf_ms"] = write * 1000 / n;
 }
 BENCHMARK(BM_PrintInProcess)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// One description of N characters without a blank, wrapped into a column thirty
+// characters wide: the time should grow with N, not with a power of it.
+void BM_WrapUnbrokenText(benchmark::State& state)
+{
+    const QImage device(8, 8, QImage::Format_RGB32);
+    const GlyphText font(QFont(), device);
+    const QString text(qsizetype(state.range(0)), u'W');
+    const qreal width = font.advance(u'W') * 30.5;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(wrapText(text, width, font));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_WrapUnbrokenText)
+    ->Arg(2500)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity(benchmark::oN);
 
 } // namespace

@@ -148,7 +148,8 @@ int runExport(const QStringList& args)
                                       QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
                                       QStringLiteral("--out"), QStringLiteral("--separator"),
                                       QStringLiteral("--decimal"), QStringLiteral("--encoding")},
-                                     {QStringLiteral("--quote"), QStringLiteral("--no-quote"), QStringLiteral("--force")});
+                                     {QStringLiteral("--quote"), QStringLiteral("--no-quote"),
+                                      QStringLiteral("--force")});
     if (!o.error.isEmpty())
         return usageError(o.error);
     if (o.flags.contains(QStringLiteral("--help"))) {

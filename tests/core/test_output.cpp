@@ -43,7 +43,8 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
         { "a fifth row opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 } } },
         { "later pages hold four", 5, 6, { 1, 1, 1, 1, 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 }, { 8, 0 } } },
         { "a wrapped row that does not fit moves on whole", 5, 6, { 1, 1, 3, 1 }, { { 0, 0 }, { 2, 0 } } },
-        { "a row taller than a page opens one and runs on", 5, 6, { 1, 9, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 1, 8 } } },
+        { "a row taller than a page opens one and runs on", 5, 6, { 1, 9, 1 },
+            { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 1, 8 } } },
         { "a tall first row runs on from the first page", 5, 6, { 6, 1 }, { { 0, 0 }, { 0, 4 } } },
         { "a tall row ending at a page's foot", 5, 6, { 1, 8, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 2, 0 } } },
     };

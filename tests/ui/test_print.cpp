@@ -32,7 +32,8 @@ constexpr int kRows = 140;
 constexpr int kLongRow = 7;
 constexpr int kUnbrokenRow = 23;
 constexpr int kUnbroken = 10000;
-constexpr const char* kLongText = "Nabavka robe po računu 117 od dobavljača Partner d.o.o. Sarajevo, isporuka u skladište, KRAJ07";
+constexpr const char* kLongText
+    = "Nabavka robe po računu 117 od dobavljača Partner d.o.o. Sarajevo, isporuka u skladište, KRAJ07";
 
 // The PDF's text page by page, laid out as printed.
 QStringList pdfPages(const QString& pdf)

@@ -27,9 +27,9 @@ class GlyphText;
 //
 // Two passes over the rows: the first measures them and decides the pages (only page
 // boundaries and sums are kept; a row's height is the line count of the very wrapping
-// the second pass paints, so the sums carried match the rows printed), the second paints page after page, so a PDF writer
-// hands each page on as it is done. The rows are read, never copied; rows given by
-// reference must outlive the printer.
+// the second pass paints, so the sums carried match the rows printed), the second
+// paints page after page, so a PDF writer hands each page on as it is done. The rows
+// are read, never copied; rows given by reference must outlive the printer.
 class ReportPrinter
 {
 public:
