@@ -198,6 +198,7 @@ QVector<report::Page> ReportPrinter::paginate() const
 int ReportPrinter::paint(QPagedPaintDevice& device)
 {
     m_pages.clear();
+    m_lastRow = {};
     if (!isReady())
         return 0;
     measure(device);
@@ -227,10 +228,14 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
         y += m.line;
     }
     const qreal rowsTop = y;
-    QVector<QStringList> cells;
     for (int r = page.firstRow; r < page.endRow; ++r) {
+        if (m_lastRow.row != r) {
+            m_lastRow.lines = rowLines(r, &m_lastRow.cells);
+            m_lastRow.row = r;
+        }
+        const int lines = m_lastRow.lines;
+        const QVector<QStringList>& cells = m_lastRow.cells;
         // A row taller than a page prints here only the lines the paginator gave this page.
-        const int lines = rowLines(r, &cells);
         const int from = r == page.firstRow ? page.firstLine : 0;
         const int to = r == page.endRow - 1 && page.endLine > 0 ? page.endLine : lines;
         for (int c = 0; c < cells.size(); ++c) {

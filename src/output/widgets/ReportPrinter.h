@@ -81,6 +81,14 @@ private:
     QString m_error;
     std::unique_ptr<Metrics> m_m;
     QVector<report::Page> m_pages;
+    // The cells of the row the last page ended in: a row running on over many pages is
+    // wrapped once for all of them, not again on each.
+    struct WrappedRow {
+        int row = -1;
+        int lines = 0;
+        QVector<QStringList> cells;
+    };
+    mutable WrappedRow m_lastRow;
 };
 
 } // namespace knjige
