@@ -71,8 +71,9 @@ struct ExportResult {
 // The first line holds the field names. Every line ends with CR LF; values are
 // separated by the separator. NULL and empty values are written as nothing; numbers in
 // plain form without grouping, every "." replaced by the decimal mark; dates as
-// "dd.MM.yyyy" (the grid's day and month, the whole year); flags as 1 and 0; texts trimmed, or, with quotation on,
-// untrimmed in quotation marks with every quotation mark inside doubled.
+// "dd.MM.yyyy" (the grid's day and month, the whole year); flags as 1 and 0; texts
+// trimmed, or, with quotation on, untrimmed in quotation marks with every quotation
+// mark inside doubled.
 class OfficeExportWriter {
 public:
     OfficeExportWriter(QIODevice& device, ExportOptions options);
