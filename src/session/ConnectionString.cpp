@@ -89,7 +89,8 @@ struct Pair {
 
 // Reads one value starting at `i` (just past the '='): "quoted" or 'quoted' with the
 // quote doubled inside, {braced} with '}}' inside (ODBC), or plain up to the next ';'.
-std::optional<QString> readValue(const QString& s, int& i, QString* error)
+// The value of a password key is never quoted in a refusal; the key is named instead.
+std::optional<QString> readValue(const QString& s, int& i, const QString& secretKey, QString* error)
 {
     while (i < s.size() && s[i].isSpace())
         ++i;
@@ -111,8 +112,11 @@ std::optional<QString> readValue(const QString& s, int& i, QString* error)
             while (i < s.size() && s[i].isSpace())
                 ++i;
             if (i < s.size() && s[i] != u';') {
-                *error = QStringLiteral("iza vrijednosti u navodnicima slijedi \"%1\" umjesto znaka ';'.")
-                             .arg(s.mid(i).section(u';', 0, 0).trimmed());
+                *error = secretKey.isEmpty()
+                    ? QStringLiteral("iza vrijednosti u navodnicima slijedi \"%1\" umjesto znaka ';'.")
+                          .arg(s.mid(i).section(u';', 0, 0).trimmed())
+                    : QStringLiteral("iza vrijednosti ključa %1 u navodnicima slijedi još teksta umjesto znaka ';'.")
+                          .arg(secretKey);
                 return std::nullopt;
             }
             return value;
@@ -127,16 +131,24 @@ std::optional<QString> readValue(const QString& s, int& i, QString* error)
     return value;
 }
 
+// A piece that is no pair, quoted unless it may be the rest of a password.
+QString notAPair(const QString& piece, const QString& secretKey)
+{
+    return secretKey.isEmpty() ? QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece)
+                               : QStringLiteral("dio iza vrijednosti ključa %1 nema oblik Ključ=Vrijednost.").arg(secretKey);
+}
+
 bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
 {
     int i = 0;
+    QString secretKey; // the key just read, when its value is a password
     while (i < s.size()) {
         const int eq = s.indexOf(u'=', i);
         const int semi = s.indexOf(u';', i);
         if (semi >= 0 && (eq < 0 || semi < eq)) {
             const QString piece = s.mid(i, semi - i).trimmed();
             if (!piece.isEmpty()) {
-                *error = QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece);
+                *error = notAPair(piece, secretKey);
                 return false;
             }
             i = semi + 1;
@@ -145,7 +157,7 @@ bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
         if (eq < 0) {
             const QString piece = s.mid(i).trimmed();
             if (!piece.isEmpty()) {
-                *error = QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece);
+                *error = notAPair(piece, secretKey);
                 return false;
             }
             break;
@@ -156,7 +168,8 @@ bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
             return false;
         }
         i = eq + 1;
-        const std::optional<QString> value = readValue(s, i, error);
+        secretKey = keyOf(key.toLower()) == Key::Password ? key : QString();
+        const std::optional<QString> value = readValue(s, i, secretKey, error);
         if (!value)
             return false;
         pairs.push_back({key, *value});
@@ -192,12 +205,12 @@ bool isYes(const QString& value)
 // How the driver that gets a string reads its values. The ODBC rule: a value is read
 // up to the next ';' unless it is braced, and inside braces '}}' stands for '}'.
 // FreeTDS before 1.4 ends a braced value at the first "};" and keeps '}}' as two
-// characters (and keeps the closing brace of a braced value that ends the string);
-// FreeTDS 1.4 reads the ODBC rule (the backend ends every string with a ';'). A driver behind a DSN may be either. For these only
-// a form all of them read alike is written: a plain value (no ';', no '{' at its
-// start, no blank at its edges) or a braced value without '}'. Any other value could
-// end early and lend the rest of itself to keys of its own (another server, another
-// login), so it is refused.
+// characters (and the closing brace of a braced value that ends the string, which is
+// why the backend ends every string with a ';'); FreeTDS 1.4 reads the ODBC rule. A
+// driver behind a DSN may be any of them. For these only a form all of them read
+// alike is written: a plain value (no ';', no '{' at its start, no blank at its edges)
+// or a braced value without '}'. Any other value could end early and lend the rest of
+// itself to keys of its own (another server, another login), so it is refused.
 enum class ValueRules { Odbc, Common };
 
 // Every value put into a built ODBC string passes here.

@@ -209,6 +209,11 @@ TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
         { "Provider=SQLOLEDB.1;Data Source srv;Initial Catalog=db",
             "dio \"Data Source srv\" nema oblik Ključ=Vrijednost." },
         { "Server=srv;Database=db;PWD=\"nezatvoren", "vrijednost otvorena znakom \" nije zatvorena." },
+        // What follows a password is its rest as like as not.
+        { "Server=srv;Database=db;PWD=\"Taj\"na", "iza vrijednosti ključa PWD u navodnicima slijedi još teksta umjesto "
+                                                  "znaka ';'." },
+        { "Server=srv;Database=\"db\" x", "iza vrijednosti u navodnicima slijedi \"x\" umjesto znaka ';'." },
+        { "Server=srv;Password=Taj;na;Database=db", "dio iza vrijednosti ključa Password nema oblik Ključ=Vrijednost." },
         { "Server=srv,14x33;Database=db", "port \"14x33\" nije broj od 1 do 65535." },
         { "Server=srv,x;Database=db;PWD=Tajna123", "port \"x\" nije broj od 1 do 65535." },
         { "Server=\\INST;Database=db", "nedostaje naziv servera u Data Source." },
