@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 using namespace knjige;
 using Kind = ConnectionTarget::Kind;
 

@@ -5,6 +5,8 @@
 #include <QTcpSocket>
 #include <QtEndian>
 
+#include <utility>
+
 namespace knjige::test {
 namespace {
 
