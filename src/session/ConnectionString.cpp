@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QMap>
+#include <QRegularExpression>
 #include <QVector>
 
 #include <optional>
@@ -29,6 +30,13 @@ ConnectionTarget sqliteTarget(const QString& path)
 
 ConnectionTarget odbcTarget(const QString& odbc)
 {
+    // Qt's ODBC driver takes a string holding ".dsn" anywhere for the name of a DSN
+    // file and puts "FILEDSN=" before all of it; only a string that opens with its
+    // FILEDSN reaches the driver manager whole.
+    static const QRegularExpression fileDsn(QStringLiteral("^\\s*FILEDSN\\s*="), QRegularExpression::CaseInsensitiveOption);
+    if (odbc.contains(QLatin1String(".dsn"), Qt::CaseInsensitive) && !fileDsn.match(odbc).hasMatch())
+        return invalid(QStringLiteral("niz sadrži \".dsn\", a Qt-ov ODBC upravljački program (QODBC) takav niz čita kao "
+                                      "naziv DSN datoteke; DSN datoteka se navodi prvim ključem FILEDSN."));
     ConnectionTarget t;
     t.kind = ConnectionTarget::Kind::Odbc;
     t.odbc = odbc;
@@ -81,7 +89,8 @@ struct Pair {
 
 // Reads one value starting at `i` (just past the '='): "quoted" or 'quoted' with the
 // quote doubled inside, {braced} with '}}' inside (ODBC), or plain up to the next ';'.
-std::optional<QString> readValue(const QString& s, int& i, QString* error)
+// The value of a password key is never quoted in a refusal; the key is named instead.
+std::optional<QString> readValue(const QString& s, int& i, const QString& secretKey, QString* error)
 {
     while (i < s.size() && s[i].isSpace())
         ++i;
@@ -103,8 +112,11 @@ std::optional<QString> readValue(const QString& s, int& i, QString* error)
             while (i < s.size() && s[i].isSpace())
                 ++i;
             if (i < s.size() && s[i] != u';') {
-                *error = QStringLiteral("iza vrijednosti u navodnicima slijedi \"%1\" umjesto znaka ';'.")
-                             .arg(s.mid(i).section(u';', 0, 0).trimmed());
+                *error = secretKey.isEmpty()
+                    ? QStringLiteral("iza vrijednosti u navodnicima slijedi \"%1\" umjesto znaka ';'.")
+                          .arg(s.mid(i).section(u';', 0, 0).trimmed())
+                    : QStringLiteral("iza vrijednosti ključa %1 u navodnicima slijedi još teksta umjesto znaka ';'.")
+                          .arg(secretKey);
                 return std::nullopt;
             }
             return value;
@@ -119,16 +131,24 @@ std::optional<QString> readValue(const QString& s, int& i, QString* error)
     return value;
 }
 
+// A piece that is no pair, quoted unless it may be the rest of a password.
+QString notAPair(const QString& piece, const QString& secretKey)
+{
+    return secretKey.isEmpty() ? QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece)
+                               : QStringLiteral("dio iza vrijednosti ključa %1 nema oblik Ključ=Vrijednost.").arg(secretKey);
+}
+
 bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
 {
     int i = 0;
+    QString secretKey; // the key just read, when its value is a password
     while (i < s.size()) {
         const int eq = s.indexOf(u'=', i);
         const int semi = s.indexOf(u';', i);
         if (semi >= 0 && (eq < 0 || semi < eq)) {
             const QString piece = s.mid(i, semi - i).trimmed();
             if (!piece.isEmpty()) {
-                *error = QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece);
+                *error = notAPair(piece, secretKey);
                 return false;
             }
             i = semi + 1;
@@ -137,7 +157,7 @@ bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
         if (eq < 0) {
             const QString piece = s.mid(i).trimmed();
             if (!piece.isEmpty()) {
-                *error = QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece);
+                *error = notAPair(piece, secretKey);
                 return false;
             }
             break;
@@ -148,7 +168,8 @@ bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
             return false;
         }
         i = eq + 1;
-        const std::optional<QString> value = readValue(s, i, error);
+        secretKey = keyOf(key.toLower()) == Key::Password ? key : QString();
+        const std::optional<QString> value = readValue(s, i, secretKey, error);
         if (!value)
             return false;
         pairs.push_back({key, *value});
@@ -181,10 +202,18 @@ bool isYes(const QString& value)
         || v == QLatin1String("1");
 }
 
-// Every value put into a built ODBC string passes here. ODBC reads a value up to the
-// next ';' unless it is braced: a value holding ';', '{' or '}', or blanks at its
-// edges, is braced with each '}' doubled, so that nothing in it can end the value or
-// add a key of its own.
+// How the driver that gets a string reads its values. The ODBC rule: a value is read
+// up to the next ';' unless it is braced, and inside braces '}}' stands for '}'.
+// FreeTDS before 1.4 ends a braced value at the first "};" and keeps '}}' as two
+// characters (and the closing brace of a braced value that ends the string, which is
+// why the backend ends every string with a ';'); FreeTDS 1.4 reads the ODBC rule. A
+// driver behind a DSN may be any of them. For these only a form all of them read
+// alike is written: a plain value (no ';', no '{' at its start, no blank at its edges)
+// or a braced value without '}'. Any other value could end early and lend the rest of
+// itself to keys of its own (another server, another login), so it is refused.
+enum class ValueRules { Odbc, Common };
+
+// Every value put into a built ODBC string passes here.
 QString braced(const QString& value)
 {
     QString escaped = value;
@@ -192,29 +221,88 @@ QString braced(const QString& value)
     return u'{' + escaped + u'}';
 }
 
-QString odbcValue(const QString& value)
+bool needsBraces(const QString& value)
 {
-    const bool needsBraces = value.contains(u';') || value.contains(u'{') || value.contains(u'}')
+    return value.contains(u';') || value.startsWith(u'{')
         || (!value.isEmpty() && (value.front().isSpace() || value.back().isSpace()));
-    return needsBraces ? braced(value) : value;
 }
 
-// The driver's name is braced always, as drivers are named ("{ODBC Driver 18 for SQL
-// Server}").
-QString driverPair(const QString& driver) { return QStringLiteral("DRIVER=") + braced(driver); }
+// The pairs of one ODBC string, each value in a form its driver reads as one value,
+// or the first value it cannot carry named in `error`.
+class OdbcPairs {
+public:
+    OdbcPairs(ValueRules rules, const QString& driverName) : m_rules(rules), m_driverName(driverName) {}
+
+    // `name` names the value in a refusal (the host's key, never the value itself).
+    void add(const QString& key, const QString& value, const QString& name)
+    {
+        if (!m_error.isEmpty())
+            return;
+        if (m_rules == ValueRules::Odbc) {
+            const bool brace = needsBraces(value) || value.contains(u'{') || value.contains(u'}');
+            m_parts << key + u'=' + (brace ? braced(value) : value);
+            return;
+        }
+        if (!needsBraces(value)) {
+            m_parts << key + u'=' + value;
+            return;
+        }
+        if (value.contains(u'}')) {
+            m_error = QStringLiteral("vrijednost ključa %1 ne može se neizmijenjena predati upravljačkom programu %2: "
+                                     "sadrži znak '}', a uz njega ';', '{' na početku ili razmak na rubu.")
+                          .arg(name, m_driverName);
+            return;
+        }
+        m_parts << key + u'=' + u'{' + value + u'}';
+    }
+    void add(const QString& key, const QString& value) { add(key, value, key); }
+    // A pair of this system's own making, never braced.
+    void addPlain(const QString& pair) { m_parts << pair; }
+    // The driver's name is braced always, as drivers are named ("{ODBC Driver 18 for
+    // SQL Server}").
+    void addDriver(const QString& key, const QString& driver)
+    {
+        if (m_rules == ValueRules::Odbc || !driver.contains(u'}'))
+            m_parts << key + u'=' + braced(driver);
+        else
+            add(key, driver, key);
+    }
+
+    const QString& error() const { return m_error; }
+    QString joined() const { return m_parts.join(u';'); }
+
+private:
+    ValueRules m_rules;
+    QString m_driverName;
+    QStringList m_parts;
+    QString m_error;
+};
+
+ConnectionTarget builtTarget(const OdbcPairs& pairs)
+{
+    return pairs.error().isEmpty() ? odbcTarget(pairs.joined()) : invalid(pairs.error());
+}
 
 QString yesNo(bool yes) { return yes ? QStringLiteral("yes") : QStringLiteral("no"); }
 
-QString odbcPair(const QString& key, const QString& value) { return key + u'=' + odbcValue(value); }
+bool isFreeTds(const QString& driver) { return driver.contains(QLatin1String("tds"), Qt::CaseInsensitive); }
 
-// The pairs passed on to the driver manager, the provider left out.
-QString passThrough(const Parsed& p)
+// The pairs passed on to the driver manager, the provider left out: values are
+// written anew by the rules of the driver they name; behind a DSN any driver may wait.
+ConnectionTarget passThrough(const Parsed& p)
 {
-    QStringList parts;
-    for (const Pair& pair : p.pairs)
-        if (keyOf(pair.key.toLower()) != Key::Provider)
-            parts << odbcPair(pair.key, pair.value);
-    return parts.join(u';');
+    const QString driver = p.value(Key::Driver).trimmed();
+    const bool odbcRules = p.has(Key::Driver) && !isFreeTds(driver);
+    OdbcPairs pairs(odbcRules ? ValueRules::Odbc : ValueRules::Common,
+                    p.has(Key::Driver) ? u'"' + driver + u'"' : QStringLiteral("iz DSN-a \"%1\"").arg(p.value(Key::Dsn)));
+    for (const Pair& pair : p.pairs) {
+        const Key k = keyOf(pair.key.toLower());
+        if (k == Key::Driver)
+            pairs.addDriver(pair.key, pair.value);
+        else if (k != Key::Provider)
+            pairs.add(pair.key, pair.value);
+    }
+    return builtTarget(pairs);
 }
 
 struct ServerAddress {
@@ -252,8 +340,6 @@ std::optional<ServerAddress> splitServer(const Parsed& p, QString* error)
     return a;
 }
 
-bool isFreeTds(const QString& driver) { return driver.contains(QLatin1String("tds"), Qt::CaseInsensitive); }
-
 // FreeTDS has one encryption setting of its own for Microsoft's two keys: Encrypt=yes
 // requires encryption; Encrypt=no turns it off (FreeTDS still encrypts the login and
 // whatever a server insists on); trusting the server's certificate alone asks for
@@ -270,70 +356,74 @@ QString freeTdsEncryption(const Parsed& p)
     return p.has(Key::TrustCertificate) && isYes(p.value(Key::TrustCertificate)) ? QStringLiteral("request") : QString();
 }
 
-QString freeTdsString(const Parsed& p, const ServerAddress& a, const QString& driver)
+// The keys of the login, each named in a refusal as ADO names it.
+void addLogin(OdbcPairs& pairs, const Parsed& p, const QString& trusted)
+{
+    pairs.add(QStringLiteral("DATABASE"), p.value(Key::Database), QStringLiteral("Initial Catalog"));
+    if (isYes(p.value(Key::Integrated))) {
+        pairs.addPlain(trusted);
+    } else {
+        pairs.add(QStringLiteral("UID"), p.value(Key::User), QStringLiteral("User ID"));
+        pairs.add(QStringLiteral("PWD"), p.value(Key::Password), QStringLiteral("Password"));
+    }
+}
+
+void addNames(OdbcPairs& pairs, const Parsed& p)
+{
+    if (p.has(Key::Application))
+        pairs.add(QStringLiteral("APP"), p.value(Key::Application), QStringLiteral("Application Name"));
+    if (p.has(Key::Workstation))
+        pairs.add(QStringLiteral("WSID"), p.value(Key::Workstation), QStringLiteral("Workstation ID"));
+}
+
+ConnectionTarget freeTdsTarget(const Parsed& p, const ServerAddress& a, const QString& driver)
 {
     // FreeTDS knows neither "(local)" nor "."; a named instance is found through the
     // server's browser service unless a port is given.
     QString host = a.host;
     if (host == QLatin1String(".") || host.compare(QLatin1String("(local)"), Qt::CaseInsensitive) == 0)
         host = QStringLiteral("localhost");
-    QStringList parts;
-    parts << driverPair(driver);
+    OdbcPairs pairs(ValueRules::Common, u'"' + driver + u'"');
+    pairs.addDriver(QStringLiteral("DRIVER"), driver);
+    const QString server = QStringLiteral("Data Source");
     if (!a.instance.isEmpty() && a.port.isEmpty()) {
-        parts << odbcPair(QStringLiteral("SERVER"), host + u'\\' + a.instance);
+        pairs.add(QStringLiteral("SERVER"), host + u'\\' + a.instance, server);
     } else {
-        parts << odbcPair(QStringLiteral("SERVER"), host);
-        parts << QStringLiteral("PORT=") + (a.port.isEmpty() ? QStringLiteral("1433") : a.port);
+        pairs.add(QStringLiteral("SERVER"), host, server);
+        pairs.addPlain(QStringLiteral("PORT=") + (a.port.isEmpty() ? QStringLiteral("1433") : a.port));
     }
-    parts << odbcPair(QStringLiteral("DATABASE"), p.value(Key::Database));
-    if (isYes(p.value(Key::Integrated))) {
-        parts << QStringLiteral("Trusted_Connection=Yes");
-    } else {
-        parts << odbcPair(QStringLiteral("UID"), p.value(Key::User));
-        parts << odbcPair(QStringLiteral("PWD"), p.value(Key::Password));
-    }
-    parts << QStringLiteral("TDS_Version=7.4") << QStringLiteral("ClientCharset=UTF-8");
+    addLogin(pairs, p, QStringLiteral("Trusted_Connection=Yes"));
+    pairs.addPlain(QStringLiteral("TDS_Version=7.4"));
+    pairs.addPlain(QStringLiteral("ClientCharset=UTF-8"));
     if (const QString encryption = freeTdsEncryption(p); !encryption.isEmpty())
-        parts << QStringLiteral("Encryption=") + encryption;
-    if (p.has(Key::Application))
-        parts << odbcPair(QStringLiteral("APP"), p.value(Key::Application));
-    if (p.has(Key::Workstation))
-        parts << odbcPair(QStringLiteral("WSID"), p.value(Key::Workstation));
-    return parts.join(u';');
+        pairs.addPlain(QStringLiteral("Encryption=") + encryption);
+    addNames(pairs, p);
+    return builtTarget(pairs);
 }
 
-QString microsoftString(const Parsed& p, const ServerAddress& a, const QString& driver)
+ConnectionTarget microsoftTarget(const Parsed& p, const ServerAddress& a, const QString& driver)
 {
     QString server = a.host;
     if (!a.instance.isEmpty())
         server += u'\\' + a.instance;
     if (!a.port.isEmpty())
         server += u',' + a.port;
-    QStringList parts;
-    parts << driverPair(driver);
-    parts << odbcPair(QStringLiteral("SERVER"), server);
-    parts << odbcPair(QStringLiteral("DATABASE"), p.value(Key::Database));
-    if (isYes(p.value(Key::Integrated))) {
-        parts << QStringLiteral("Trusted_Connection=yes");
-    } else {
-        parts << odbcPair(QStringLiteral("UID"), p.value(Key::User));
-        parts << odbcPair(QStringLiteral("PWD"), p.value(Key::Password));
-    }
+    OdbcPairs pairs(ValueRules::Odbc, u'"' + driver + u'"');
+    pairs.addDriver(QStringLiteral("DRIVER"), driver);
+    pairs.add(QStringLiteral("SERVER"), server);
+    addLogin(pairs, p, QStringLiteral("Trusted_Connection=yes"));
     // Encryption and certificate trust only as the string asks: trusting any
     // certificate is the administrator's decision, never a default.
     if (p.has(Key::Encrypt)) {
         // Driver 18's strict mode (TDS 8) is kept; it must never fall to "no".
         const QString v = p.value(Key::Encrypt).trimmed().toLower();
-        parts << QStringLiteral("Encrypt=")
-                + (v == QLatin1String("strict") ? v : yesNo(isYes(v) || v == QLatin1String("mandatory")));
+        pairs.addPlain(QStringLiteral("Encrypt=")
+                       + (v == QLatin1String("strict") ? v : yesNo(isYes(v) || v == QLatin1String("mandatory"))));
     }
     if (p.has(Key::TrustCertificate))
-        parts << QStringLiteral("TrustServerCertificate=") + yesNo(isYes(p.value(Key::TrustCertificate)));
-    if (p.has(Key::Application))
-        parts << odbcPair(QStringLiteral("APP"), p.value(Key::Application));
-    if (p.has(Key::Workstation))
-        parts << odbcPair(QStringLiteral("WSID"), p.value(Key::Workstation));
-    return parts.join(u';');
+        pairs.addPlain(QStringLiteral("TrustServerCertificate=") + yesNo(isYes(p.value(Key::TrustCertificate))));
+    addNames(pairs, p);
+    return builtTarget(pairs);
 }
 
 ConnectionTarget sqlServerTarget(const Parsed& p, const QString& defaultDriver)
@@ -350,7 +440,7 @@ ConnectionTarget sqlServerTarget(const Parsed& p, const QString& defaultDriver)
     if (!address)
         return invalid(error);
     const QString driver = p.value(Key::Driver).trimmed().isEmpty() ? defaultDriver : p.value(Key::Driver).trimmed();
-    return odbcTarget(isFreeTds(driver) ? freeTdsString(p, *address, driver) : microsoftString(p, *address, driver));
+    return isFreeTds(driver) ? freeTdsTarget(p, *address, driver) : microsoftTarget(p, *address, driver);
 }
 
 bool isSqlServerProvider(const QString& provider)
@@ -372,7 +462,7 @@ ConnectionTarget fromProvider(const Parsed& p, const QString& driver)
     if (provider.startsWith(QLatin1String("msdasql"), Qt::CaseInsensitive)) {
         if (!p.has(Key::Driver) && !p.has(Key::Dsn))
             return invalid(QStringLiteral("uz Provider=MSDASQL nedostaje DSN ili Driver."));
-        return odbcTarget(passThrough(p));
+        return passThrough(p);
     }
     if (isSqlServerProvider(provider))
         return sqlServerTarget(p, driver);
@@ -427,8 +517,12 @@ ConnectionTarget parseConnectionString(const QString& text, const QString& drive
 
     if (p.has(Key::Provider))
         return fromProvider(p, driver);
-    if (p.has(Key::Driver) || p.has(Key::Dsn))
+    // An ODBC string for a driver that reads the ODBC rule goes as it stands; one for
+    // FreeTDS or a DSN is written anew in the form every FreeTDS reads alike.
+    if (p.has(Key::Driver) && !isFreeTds(p.value(Key::Driver)))
         return odbcTarget(s);
+    if (p.has(Key::Driver) || p.has(Key::Dsn))
+        return passThrough(p);
     const bool serverLogin = p.has(Key::User) || p.has(Key::Password) || p.has(Key::Integrated);
     if (p.has(Key::Server) && !p.has(Key::Database) && !serverLogin && looksLikeDatabaseFile(p.value(Key::Server)))
         return sqliteTarget(p.value(Key::Server).trimmed());

@@ -10,7 +10,9 @@ namespace knjige {
 // those go to SQL Server through ODBC. A string that names a database file (a bare
 // path, "sqlite:path", or "Data Source=path" with a SQLite provider or without a
 // catalog) opens the embedded database. Strings that already are ODBC ("Driver=...",
-// "DSN=...") go to the driver manager as they stand.
+// "DSN=...") go to the driver manager as they stand, except that those for FreeTDS or
+// a DSN have their values written anew. A value no form carries whole to its driver
+// makes the string invalid: none can end early and add keys of its own.
 struct ConnectionTarget {
     enum class Kind { Invalid, Sqlite, Odbc };
     Kind kind = Kind::Invalid;

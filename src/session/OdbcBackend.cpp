@@ -247,13 +247,18 @@ FieldType odbcFieldType(int sqlType, int columnSize, int decimalDigits)
 
 QString qodbcDatabaseName(const QString& odbc)
 {
-    if ((odbc.contains(QLatin1String("DRIVER="), Qt::CaseInsensitive)
-         || odbc.contains(QLatin1String("SERVER="), Qt::CaseInsensitive))
-        && !odbc.contains(QLatin1String(".dsn"), Qt::CaseInsensitive))
-        return odbc;
+    // Qt's ODBC driver (before 6.5) hands the driver manager the string's closing NUL
+    // as part of it, and a value last in the string would take it along (FreeTDS sends
+    // it with the password); FreeTDS before 1.4 also keeps the closing brace of a braced
+    // value that ends the string. A ';' of its own ends the last value for both.
+    const QString closed = odbc.trimmed().endsWith(u';') ? odbc : odbc + u';';
+    if ((closed.contains(QLatin1String("DRIVER="), Qt::CaseInsensitive)
+         || closed.contains(QLatin1String("SERVER="), Qt::CaseInsensitive))
+        && !closed.contains(QLatin1String(".dsn"), Qt::CaseInsensitive))
+        return closed;
     static const QRegularExpression dsnKey(QStringLiteral("^\\s*(FILE)?DSN\\s*=\\s*"),
                                            QRegularExpression::CaseInsensitiveOption);
-    QString name = odbc;
+    QString name = closed;
     return name.remove(dsnKey);
 }
 

@@ -14,7 +14,7 @@ FieldType odbcFieldType(int sqlType, int columnSize, int decimalDigits);
 
 // The text Qt's ODBC driver wants as database name for an ODBC connection string: it
 // passes a string naming DRIVER= or SERVER= on as it stands and puts "DSN=" before
-// any other, so a "DSN=name;..." string loses its own key.
+// any other, so a "DSN=name;..." string loses its own key. It ends with a ';'.
 QString qodbcDatabaseName(const QString& odbcConnectionString);
 
 } // namespace knjige

@@ -8,11 +8,14 @@
 #include "session/Database.h"
 #include "session/OdbcBackend.h"
 #include "support/Sandbox.h"
+#include "support/TdsLoginCatcher.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 using namespace knjige;
 using Kind = ConnectionTarget::Kind;
@@ -37,6 +40,12 @@ QString sqlitePath(const QString& text)
     return t.sqlitePath;
 }
 
+QString freeTdsRefusal(const QString& key, const QString& driver = "\"FreeTDS\"")
+{
+    return "vrijednost ključa " + key + " ne može se neizmijenjena predati upravljačkom programu " + driver
+        + ": sadrži znak '}', a uz njega ';', '{' na početku ili razmak na rubu.";
+}
+
 QString errorOf(const QString& text)
 {
     const ConnectionTarget t = parseConnectionString(text, FreeTds);
@@ -55,7 +64,7 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
         = "Provider=SQLOLEDB.1;Integrated Security=SSPI;Persist Security Info=False;Initial Catalog=db;Data Source=srv";
     const QString instance = "Provider=SQLOLEDB.1;Data Source=srv\\SQLEXPRESS;Initial Catalog=db;User ID=sa;Password=x";
     const QString port = "Provider=SQLOLEDB.1;Data Source=tcp:10.0.0.5, 1500;Initial Catalog=db;User ID=sa;Password=x";
-    // How the result must match: = whole, ^ its start, ~ a part of it, ! not a part of it.
+    // How the result must match: = whole, ^ its start, $ its end, ~ a part of it, ! not a part of it.
     const struct { QString input; bool microsoft; char match; QString odbc; } cases[] = {
         // The generator's source connection, built by the system with an empty password.
         { "Provider=SQLOLEDB.1;Data Source=POSLOVNI;Initial Catalog=KIF2016;User ID=sa;Password=", false, '=',
@@ -75,7 +84,12 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
         { kAdo.chopped(1) + "\"a;b=c\"", false, '~', ";PWD={a;b=c};" },
         { kAdo.chopped(1) + "'it''s'", false, '~', ";PWD=it's;" },
         { kAdo.chopped(1) + "\"say \"\"hi\"\"\"", false, '~', ";PWD=say \"hi\";" },
-        { "Server=srv;Database=db;UID=sa;PWD={x}};y}", false, '~', ";PWD={x}};y};" },
+        // Microsoft's driver reads the ODBC rule; FreeTDS 1.3 keeps '}}' whole inside
+        // braces, so a value with '}' goes to it plain or not at all.
+        { "Server=srv;Database=db;UID=sa;PWD={x}};y}", true, '$', ";PWD={x}};y}" },
+        { kAdo.chopped(1) + "ta}jna", false, '~', ";PWD=ta}jna;" },
+        { kAdo.chopped(1) + "ta}jna", true, '$', ";PWD={ta}}jna}" },
+        { kAdo.chopped(1) + "\"{x;y=z\"", false, '~', ";PWD={{x;y=z};" },
         { "Server=srv;Database=\"Knjige 2016\";UID=sa;PWD= x", false, '~', ";DATABASE=Knjige 2016;" },
         // The Windows login, and no password.
         { integrated, true, '=', trusted },
@@ -111,11 +125,15 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
             "Driver={ODBC Driver 18 for SQL Server};Server=srv;Database=db;TrustServerCertificate=yes" },
         { "DSN=Knjige;UID=sa;PWD=x", false, '=', "DSN=Knjige;UID=sa;PWD=x" },
         { "Provider=MSDASQL.1;DSN=Knjige;UID=sa", false, '=', "DSN=Knjige;UID=sa" },
+        // Written anew for FreeTDS or a DSN.
+        { "DSN=Knjige;PWD={ta}}jna}", false, '=', "DSN=Knjige;PWD=ta}jna" },
+        { "Driver={FreeTDS};Server=srv;PWD={a;b}", false, '=', "Driver={FreeTDS};Server=srv;PWD={a;b}" },
     };
     for (const auto& c : cases) {
         const QString out = odbc(c.input, c.microsoft ? Microsoft : FreeTds);
         const bool ok = c.match == '=' ? out == c.odbc
             : c.match == '^'           ? out.startsWith(c.odbc)
+            : c.match == '$'           ? out.endsWith(c.odbc)
             : c.match == '~'           ? out.contains(c.odbc)
                                        : !out.contains(c.odbc);
         EXPECT_TRUE(ok) << c.input.toStdString() << "\n -> " << out.toStdString();
@@ -193,24 +211,89 @@ TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
         { "Provider=SQLOLEDB.1;Data Source srv;Initial Catalog=db",
             "dio \"Data Source srv\" nema oblik Ključ=Vrijednost." },
         { "Server=srv;Database=db;PWD=\"nezatvoren", "vrijednost otvorena znakom \" nije zatvorena." },
+        // What follows a password is its rest as like as not.
+        { "Server=srv;Database=db;PWD=\"Taj\"na", "iza vrijednosti ključa PWD u navodnicima slijedi još teksta umjesto "
+                                                  "znaka ';'." },
+        { "Server=srv;Database=\"db\" x", "iza vrijednosti u navodnicima slijedi \"x\" umjesto znaka ';'." },
+        { "Server=srv;Password=Taj;na;Database=db", "dio iza vrijednosti ključa Password nema oblik Ključ=Vrijednost." },
         { "Server=srv,14x33;Database=db", "port \"14x33\" nije broj od 1 do 65535." },
         { "Server=srv,x;Database=db;PWD=Tajna123", "port \"x\" nije broj od 1 do 65535." },
         { "Server=\\INST;Database=db", "nedostaje naziv servera u Data Source." },
         { "knjige", "\"knjige\" nije ni datoteka baze (.db, .sqlite) ni niz oblika Ključ=Vrijednost." },
         { "Provider=SQLite", "nedostaje Data Source (putanja do datoteke baze)." },
         { "Provider=MSDASQL;UID=sa", "uz Provider=MSDASQL nedostaje DSN ili Driver." },
+        // A value that FreeTDS (before 1.4) or a driver behind a DSN could end early.
+        { kAdo.chopped(1) + "\"Tajna};PORT=5558;UID=napadac;X={\"", freeTdsRefusal("Password") },
+        { "Server=srv;Database={{Knjige}}};UID=sa", freeTdsRefusal("Initial Catalog") },
+        { "Driver=FreeTDS;Server=srv;PWD={Tajna}};x}", freeTdsRefusal("PWD") },
+        { "DSN=Knjige;PWD={ Tajna}}}", freeTdsRefusal("PWD", "iz DSN-a \"Knjige\"") },
+        { kAdo.chopped(1) + "Tajna.dsn",
+            "niz sadrži \".dsn\", a Qt-ov ODBC upravljački program (QODBC) takav niz čita kao naziv DSN datoteke; "
+            "DSN datoteka se navodi prvim ključem FILEDSN." },
     };
     for (const auto& [text, error] : cases)
         EXPECT_EQ(errorOf(text), "Neispravan connection string: " + error) << text.toStdString();
 }
 
+TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
+{
+    // FreeTDS itself reads each string and sends its login to a stand-in server; a
+    // value that leaked a PORT of its own would go to the decoy.
+    test::TdsLoginCatcher server;
+    const QString hostile = QStringLiteral("x};PORT=%1;UID=napadac;DATABASE=master;X={").arg(server.decoyPort());
+    const std::pair<QString, bool> values[] = { // a value, refused
+        { hostile, true }, { "ta}jna", false }, { "a;b", false }, { "{x}", true }, { "p=q", false },
+        { "\"quoted\"", false }, { "'single'", false }, { "tajna}", false }, { "{x", false }, { " čćž ", false },
+        { "a;b}", true } };
+    const QString adoKeys[] = { "Password", "User ID", "Initial Catalog" };
+    const QString base = QStringLiteral("Provider=SQLOLEDB.1;Driver={FreeTDS};Data Source=127.0.0.1,%1;Encrypt=no")
+                             .arg(server.port());
+    struct Row { QString text; QString key; std::array<QString, 3> login; }; // login: password, user, database
+    std::vector<Row> rows;
+    for (const auto& [value, refused] : values)
+        for (int k = 0; k < 3; ++k) {
+            std::array<QString, 3> login = { "tajna", "ana", "Knjige" };
+            login[k] = value;
+            QString text = base;
+            for (int i = 0; i < 3; ++i)
+                text += ";" + adoKeys[i] + "=\"" + QString(login[i]).replace("\"", "\"\"") + "\"";
+            rows.push_back({ text, refused ? adoKeys[k] : QString(), login });
+        }
+    // An ODBC string written by the host for FreeTDS: the ODBC rule's '}}' arrives as '}'.
+    const QString odbcString = QStringLiteral("DRIVER={FreeTDS};SERVER=127.0.0.1;PORT=%1;Encryption=off;DATABASE=Knjige;"
+                                              "UID=ana;PWD=").arg(server.port());
+    rows.push_back({ odbcString + "{ta}}jna}", {}, { "ta}jna", "ana", "Knjige" } });
+    rows.push_back({ odbcString + "{" + QString(hostile).replace("}", "}}") + "}", "PWD", {} });
+
+    for (const Row& row : rows) {
+        Database db;
+        EXPECT_FALSE(db.connect(row.text));
+        const std::vector<test::TdsLogin> logins = server.takeLogins();
+        if (!row.key.isEmpty()) {
+            EXPECT_EQ(db.errorDescription(), "Neispravan connection string: " + freeTdsRefusal(row.key)) << row.text.toStdString();
+            EXPECT_TRUE(logins.empty());
+            continue;
+        }
+        if (logins.empty() && db.errorDescription().contains(QLatin1String("FreeTDS")))
+            GTEST_SKIP() << "The FreeTDS ODBC driver is not usable: " << db.errorDescription().toStdString();
+        ASSERT_EQ(logins.size(), 1u) << row.text.toStdString() << ": " << db.errorDescription().toStdString();
+        const test::TdsLogin& got = logins.front();
+        EXPECT_EQ(got.port, server.port());
+        EXPECT_EQ(got.server, "127.0.0.1");
+        EXPECT_EQ(QStringList({ got.password, got.user, got.database }),
+            QStringList({ row.login[0], row.login[1], row.login[2] })) << row.text.toStdString();
+    }
+    EXPECT_EQ(server.decoyVisits(), 0);
+}
+
 TEST(OdbcBackend, DataSourceNamesLoseTheirKeyAndFieldTypesFollowTheColumnDescription)
 {
-    EXPECT_EQ(qodbcDatabaseName("DRIVER={FreeTDS};SERVER=srv;PORT=1433"), "DRIVER={FreeTDS};SERVER=srv;PORT=1433");
-    EXPECT_EQ(qodbcDatabaseName("Driver={SQLite3};Database=/tmp/x.db"), "Driver={SQLite3};Database=/tmp/x.db");
-    EXPECT_EQ(qodbcDatabaseName("DSN=Knjige;UID=sa;PWD=x"), "Knjige;UID=sa;PWD=x");
-    EXPECT_EQ(qodbcDatabaseName(" dsn = Knjige"), "Knjige");
-    EXPECT_EQ(qodbcDatabaseName("FILEDSN=/etc/knjige.dsn;PWD=x"), "/etc/knjige.dsn;PWD=x");
+    // Each ends with a ';' of its own, so that the last value is ended for every driver.
+    EXPECT_EQ(qodbcDatabaseName("DRIVER={FreeTDS};SERVER=srv;PWD={a;b}"), "DRIVER={FreeTDS};SERVER=srv;PWD={a;b};");
+    EXPECT_EQ(qodbcDatabaseName("Driver={SQLite3};Database=/tmp/x.db;"), "Driver={SQLite3};Database=/tmp/x.db;");
+    EXPECT_EQ(qodbcDatabaseName("DSN=Knjige;UID=sa;PWD=x"), "Knjige;UID=sa;PWD=x;");
+    EXPECT_EQ(qodbcDatabaseName(" dsn = Knjige"), "Knjige;");
+    EXPECT_EQ(qodbcDatabaseName("FILEDSN=/etc/knjige.dsn;PWD=x"), "/etc/knjige.dsn;PWD=x;");
 
     // Codes as ODBC defines them: bit -7, tinyint -6, bigint -5, numeric 2, decimal 3,
     // integer 4, smallint 5, float 6, real 7, double 8, timestamp 93, date 91,
