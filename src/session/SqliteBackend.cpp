@@ -1,5 +1,6 @@
 #include "session/DatabaseBackend.h"
 #include "session/Dates.h"
+#include "session/SqliteLocks.h"
 #include "session/TSqlFunctions.h"
 #include "session/TSqlTokenizer.h"
 #include "session/TSqlTranslator.h"
@@ -482,6 +483,7 @@ std::unique_ptr<DatabaseBackend> openSqliteBackend(const QString& path, bool cre
         *err = QStringLiteral("Nije zadana datoteka baze podataka.");
         return nullptr;
     }
+    keepSqliteLocksThroughForeignCloses();
     auto backend = std::make_unique<SqliteBackend>(path, create, err);
     if (!backend->ok())
         return nullptr;

@@ -4,6 +4,7 @@
 #include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
 #include "session/Interaction.h"
+#include "session/widgets/QuietFileIcons.h"
 
 #include <QFontMetricsF>
 #include <QLocale>
@@ -399,6 +400,9 @@ void ReportPrinter::preview(QWidget* parent)
     dialog.resize(1000, 760);
     QObject::connect(
         &dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) { paint(*target); });
+    // The printer button opens the toolkit's printer dialog, whose file name completer
+    // lists folders on its own.
+    const QuietFileDialogs quiet;
     interaction().exec(dialog);
 }
 
