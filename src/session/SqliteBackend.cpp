@@ -1,4 +1,5 @@
 #include "session/DatabaseBackend.h"
+#include "session/DatabaseFiles.h"
 #include "session/Dates.h"
 #include "session/SqliteLocks.h"
 #include "session/TSqlFunctions.h"
@@ -142,10 +143,14 @@ public:
         if (!loadCatalog(error))
             return;
         m_ok = true;
+        m_path = path;
+        databaseFileOpened(m_path);
     }
 
     ~SqliteBackend() override
     {
+        if (m_ok)
+            databaseFileClosed(m_path);
         if (m_db.isOpen())
             m_db.close();
         m_db = QSqlDatabase();
@@ -466,6 +471,7 @@ private:
     }
 
     QString m_name;
+    QString m_path;
     QSqlDatabase m_db;
     tsql::Catalog m_catalog;
     tsql::Translator m_translator { m_catalog };
