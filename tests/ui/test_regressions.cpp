@@ -22,6 +22,9 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileSystemModel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QProcess>
@@ -79,7 +82,8 @@ void listWhole(QWidget& dialog, const QString& folder)
 // opened and closed the database, its -wal and its -shm to sniff their types; that close
 // dropped every lock SQLite held, the next program to close the file deleted the
 // write-ahead log under the open connection, and the rows it saved after that were seen
-// by nobody and, at its close, written over the other program's.
+// by nobody and, at its close, written over the other program's. And the printer
+// dialog's print to file, named as the database, truncated it.
 TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
 {
     test::TestDatabase t;
@@ -109,7 +113,14 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
             if (auto* printer = qobject_cast<QPrintDialog*>(QApplication::activeModalWidget())) {
                 printerDialog = true;
                 listWhole(*printer, folder);
-                printer->reject();
+                // Printing to a file named as the database: the toolkit asks whether to
+                // replace it, the person says yes, and the printout still refuses.
+                printer->findChild<QLineEdit*>(QStringLiteral("filename"))->setText(t.path());
+                QTimer::singleShot(0, [] {
+                    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                        box->button(QMessageBox::Yes)->click();
+                });
+                printer->accept();
             }
         });
         for (QAction* a : preview->findChildren<QAction*>())
@@ -123,6 +134,11 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
     const ResultSet rows = t.query(findBook(96)->selectSql);
     ReportPrinter(report::bookLayout(96, 0), report::bookHeader(96, {}, rows), rows).preview(nullptr);
     EXPECT_TRUE(printerDialog);
+    EXPECT_EQ(script->texts().join(u'\n').toStdString(),
+              QStringLiteral("Desila se greška: Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "
+                             "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
+                  .arg(t.path())
+                  .toStdString());
     qputenv("HOME", home.toLocal8Bit());
     QDir::setCurrent(workingFolder);
 
