@@ -28,6 +28,7 @@
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
 
@@ -93,6 +94,10 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
     const QString workingFolder = QDir::currentPath();
     // The printer dialog completes file names from the home folder, the preview
     // proposes the working one.
+    const auto restore = qScopeGuard([&] {
+        qputenv("HOME", home.toLocal8Bit());
+        QDir::setCurrent(workingFolder);
+    });
     qputenv("HOME", folder.toLocal8Bit());
     QDir::setCurrent(folder);
     t.exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit, ImeKomit1) VALUES (1, 'prvi')"));
@@ -139,8 +144,6 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
                              "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
                   .arg(t.path())
                   .toStdString());
-    qputenv("HOME", home.toLocal8Bit());
-    QDir::setCurrent(workingFolder);
 
     const QString list = QStringLiteral("SELECT SifKomit FROM dbo.Komitent ORDER BY SifKomit");
     EXPECT_EQ(otherProgram(t.path(), list), "SifKomit\n1\n");
