@@ -122,6 +122,19 @@ QString exportWhere(int kind, const QDate& from, const QDate& to, int company, i
     return browser::buildFilter(kind, qint16(company), qint16(year), in).where;
 }
 
+int refuseOutput(const QString& path, bool force)
+{
+    const QFileInfo target(path);
+    if (target.isDir())
+        return complain(QStringLiteral("Na putanji %1 je mapa, a ne datoteka.").arg(path));
+    // A dangling link counts: writing through it would make a file where it points.
+    if ((target.exists() || target.isSymLink()) && !force)
+        return complain(QStringLiteral("Datoteka %1 već postoji. Ostaje nepromijenjena; dodajte --force ako je želite "
+                                       "prepisati.")
+                            .arg(path));
+    return Done;
+}
+
 QString exportUsage()
 {
     return QStringLiteral(
@@ -137,7 +150,7 @@ QString exportUsage()
         "  --no-quote      nazivi i tekstovi bez navodnika (zadano su u navodnicima;\n"
         "                  --quote se prihvata i ne mijenja ništa)\n"
         "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
-        "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n"
+        "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta); bazu nikad\n"
         "  Primjer: knjige export 96 --db knjige.db --company 1 --year 2026 --out knjiga-96.csv\n");
 }
 
@@ -163,12 +176,8 @@ int runExport(const QStringList& args)
     const QString connection = commandConnection(o, exportUsage(), &code);
     if (connection.isEmpty())
         return code;
-    if (QFileInfo(r.out).isDir())
-        return complain(QStringLiteral("Na putanji %1 je mapa, a ne datoteka.").arg(r.out));
-    if (QFileInfo::exists(r.out) && !o.flags.contains(QStringLiteral("--force")))
-        return complain(QStringLiteral("Datoteka %1 već postoji. Ostaje nepromijenjena; dodajte --force ako je želite "
-                                       "prepisati.")
-                            .arg(r.out));
+    if (const int refused = refuseOutput(r.out, o.flags.contains(QStringLiteral("--force"))))
+        return refused;
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());

@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "host/Cli.h"
+#include "host/ExportCommand.h"
 #include "browser/BrowserRules.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
@@ -54,6 +55,7 @@ struct Request {
     std::optional<std::pair<QDate, QDate>> period;
     qint32 shop = 0;
     QString pdf;
+    bool force = false;
     QString conn;
 };
 
@@ -97,6 +99,9 @@ bool request(const Options& o, Request* r, int* code)
     }
     r->company = qint16(company);
     r->year = qint16(year);
+    r->force = o.flags.contains(QStringLiteral("--force"));
+    if ((*code = cli::refuseOutput(r->pdf, r->force)) != Done)
+        return false;
     r->conn = cli::commandConnection(o, printUsage(), code);
     return !r->conn.isEmpty();
 }
@@ -151,13 +156,14 @@ QString printUsage()
 {
     return QStringLiteral(
         "knjige print KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company BROJ --year GODINA\n"
-        "             [--period dd.mm.gggg-dd.mm.gggg] [--prod BROJ] [--operator IME] --pdf IZLAZ.pdf\n"
+        "             [--period dd.mm.gggg-dd.mm.gggg] [--prod BROJ] [--operator IME] --pdf IZLAZ.pdf [--force]\n"
         "  Ispiše knjigu u PDF datoteku, kao naredba Ispis u prozoru knjige (bez zaslona).\n"
         "  KNJIGA je šifra (96, 97, ..., 126) ili naziv klase knjige.\n"
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa\n"
-        "  --pdf      datoteka ispisa (postojeća se zamijeni)\n"
+        "  --pdf      datoteka ispisa\n"
+        "  --force    zamijeni postojeću datoteku (bez toga ostaje netaknuta); bazu nikad\n"
         "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
 }
 
@@ -166,7 +172,7 @@ int runPrint(const QStringList& args)
     const Options o = cli::commandOptions(args,
         { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"), QStringLiteral("--year"),
             QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--pdf"), QStringLiteral("--operator") },
-        {});
+        { QStringLiteral("--force") });
     if (!o.error.isEmpty())
         return usageError(o.error);
     if (o.flags.contains(QStringLiteral("--help"))) {

@@ -1,5 +1,7 @@
 #include "output/OutputFile.h"
 
+#include "session/DatabaseFiles.h"
+
 #include <QFileInfo>
 
 namespace knjige::output {
@@ -19,6 +21,11 @@ OutputFile::OutputFile(const QString& path)
 
 bool OutputFile::open()
 {
+    // A printout or an export written over the database would replace the books.
+    if (isOpenDatabaseFile(m_path)) {
+        m_error = openDatabaseRefusal(m_path);
+        return false;
+    }
     return m_special ? m_special->open(QIODevice::WriteOnly) : m_whole->open(QIODevice::WriteOnly);
 }
 

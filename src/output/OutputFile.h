@@ -12,7 +12,8 @@ namespace knjige::output {
 // is replaced only once the new one is complete, so a failure halfway (a full disk)
 // leaves the old one as it was and is reported, never taken for success. A device or
 // a pipe that already stands at the path (/dev/null, a named pipe a program reads) is
-// written into as it is, never replaced by a regular file.
+// written into as it is, never replaced by a regular file. A database this process holds
+// open is never written, under any of its names.
 class OutputFile {
 public:
     explicit OutputFile(const QString& path);

@@ -1,5 +1,7 @@
 #include "session/DatabaseBackend.h"
+#include "session/DatabaseFiles.h"
 #include "session/Dates.h"
+#include "session/SqliteLocks.h"
 #include "session/TSqlFunctions.h"
 #include "session/TSqlTokenizer.h"
 #include "session/TSqlTranslator.h"
@@ -141,10 +143,14 @@ public:
         if (!loadCatalog(error))
             return;
         m_ok = true;
+        m_path = path;
+        databaseFileOpened(m_path);
     }
 
     ~SqliteBackend() override
     {
+        if (m_ok)
+            databaseFileClosed(m_path);
         if (m_db.isOpen())
             m_db.close();
         m_db = QSqlDatabase();
@@ -465,6 +471,7 @@ private:
     }
 
     QString m_name;
+    QString m_path;
     QSqlDatabase m_db;
     tsql::Catalog m_catalog;
     tsql::Translator m_translator { m_catalog };
@@ -482,6 +489,7 @@ std::unique_ptr<DatabaseBackend> openSqliteBackend(const QString& path, bool cre
         *err = QStringLiteral("Nije zadana datoteka baze podataka.");
         return nullptr;
     }
+    keepSqliteLocksThroughForeignCloses();
     auto backend = std::make_unique<SqliteBackend>(path, create, err);
     if (!backend->ok())
         return nullptr;

@@ -2,7 +2,8 @@
 // dialog's checks in order, the overwrite question, the file as written, the program
 // start, the remembered options, a filtered and sorted book writing only its rows in
 // the order shown) and the text viewer (its answer, saving in Windows-1250 with the
-// overwrite question, and the real message seam sending long texts to it).
+// overwrite question, and the real message seam sending long texts to it); neither ever
+// writes over the open database.
 #include "host/ExportCommand.h"
 #include "output/OfficeExport.h"
 #include "output/widgets/frmOfficeExportPost.h"
@@ -19,12 +20,15 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -153,6 +157,41 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     }
     EXPECT_TRUE(read(path).startsWith("\"RBroj\";\"GodinaKnj\";"));
     EXPECT_TRUE(read(path).contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
+}
+
+// The database the browser works on is never an output, under any of its names and
+// whatever the person answers: neither the export nor the text viewer's save.
+TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
+{
+    auto w = open(96);
+    const QString folder = QFileInfo(db->path()).absolutePath();
+    ASSERT_TRUE(QFile::link(db->path(), folder + QStringLiteral("/veza.db")));
+    std::error_code linked;
+    std::filesystem::create_hard_link(QFile::encodeName(db->path()).toStdString(),
+                                      QFile::encodeName(folder + QStringLiteral("/tvrda.db")).toStdString(), linked);
+    ASSERT_FALSE(linked) << linked.message();
+    const QByteArray before = read(db->path());
+    frmPrikazTeksta viewer;
+    for (const char* name : {"/knjige.db", "/./knjige.db", "/veza.db", "/tvrda.db", "/knjige.db-wal",
+                             "/knjige.db-shm", "/knjige.db-journal"}) {
+        const QString target = folder + QLatin1String(name);
+        const QString refusal = QStringLiteral("Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "
+                                               "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
+                                    .arg(target);
+        script->clear();
+        script->answers << Answer::Yes << Answer::Yes;
+        exportFrom(*w, [&](frmOfficeExportPost& f) {
+            f.txtNazivDat->setText(target);
+            f.cmdPrebaciPodatke->click();
+        });
+        script->files.enqueue(target);
+        viewer.cmdSpremiTekst->click();
+        EXPECT_EQ(script->texts().join(u'\n').toStdString(),
+                  (QStringLiteral("Desila se greška: ") + refusal + u'\n' + refusal).toStdString());
+    }
+    EXPECT_EQ(read(db->path()), before);
+    EXPECT_FALSE(QFile::exists(folder + QStringLiteral("/knjige.db-journal")));
+    EXPECT_EQ(db->count(QStringLiteral("dbo.KnjPrihRashFBiH")), 3);
 }
 
 TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)

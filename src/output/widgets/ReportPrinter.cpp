@@ -3,7 +3,9 @@
 #include "browser/BookModel.h"
 #include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
+#include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
+#include "session/widgets/QuietFileIcons.h"
 
 #include <QFontMetricsF>
 #include <QLocale>
@@ -406,8 +408,18 @@ void ReportPrinter::preview(QWidget* parent)
     dialog.setObjectName(QStringLiteral("frmPregledIspisa"));
     dialog.setWindowTitle(m_header.title);
     dialog.resize(1000, 760);
-    QObject::connect(
-        &dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) { paint(*target); });
+    // The printer dialog's "print to file" may name the database; its painter would
+    // truncate the file the moment it begins.
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) {
+        if (target->outputFormat() == QPrinter::PdfFormat && isOpenDatabaseFile(target->outputFileName())) {
+            warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(target->outputFileName()));
+            return;
+        }
+        paint(*target);
+    });
+    // The printer button opens the toolkit's printer dialog, whose file name completer
+    // lists folders on its own.
+    const QuietFileDialogs quiet;
     interaction().exec(dialog);
 }
 

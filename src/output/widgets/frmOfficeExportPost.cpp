@@ -1,5 +1,6 @@
 #include "output/widgets/frmOfficeExportPost.h"
 
+#include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
 #include "session/ResultSet.h"
 #include "session/SettingsStore.h"
@@ -175,6 +176,10 @@ bool frmOfficeExportPost::PrebaciPodatke()
     const QString name = txtNazivDat->text().trimmed();
     if (QFileInfo(name).isDir()) {
         warn(QStringLiteral("Desila se greška: ") + name + QStringLiteral(" je mapa, a ne datoteka."), windowTitle());
+        return false;
+    }
+    if (isOpenDatabaseFile(name)) {
+        warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(name), windowTitle());
         return false;
     }
     if (QFileInfo::exists(name) && !pitajZaPrepisivanje(name))

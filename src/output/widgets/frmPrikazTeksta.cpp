@@ -1,6 +1,7 @@
 #include "output/widgets/frmPrikazTeksta.h"
 
 #include "output/CodePage.h"
+#include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
 
 #include <QAction>
@@ -118,6 +119,10 @@ void frmPrikazTeksta::SpremiTekst()
     const QString path = interaction().chooseSaveFile(choice);
     if (path.isEmpty())
         return;
+    if (isOpenDatabaseFile(path)) {
+        warn(openDatabaseRefusal(path), windowTitle());
+        return;
+    }
     if (QFileInfo::exists(path)) {
         Message ask;
         ask.text = QStringLiteral("Datoteka sa tim imenom već postoji ! Želite li je prepisati?");

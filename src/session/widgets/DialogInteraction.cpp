@@ -1,6 +1,7 @@
 #include "session/widgets/DialogInteraction.h"
 
 #include "output/widgets/frmPrikazTeksta.h"
+#include "session/widgets/QuietFileIcons.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -121,22 +122,39 @@ Answer DialogInteraction::show(const Message& message)
 
 int DialogInteraction::exec(QDialog& dialog) { return dialog.exec(); }
 
+std::unique_ptr<QFileDialog> fileChooser(const FileChoice& choice, QFileDialog::AcceptMode mode)
+{
+    auto dialog = std::make_unique<QFileDialog>(QApplication::activeWindow(), choice.title, choice.directory,
+                                                qtFilter(choice.filter));
+    dialog->setAcceptMode(mode);
+#ifndef Q_OS_WIN
+    // A desktop's own chooser runs inside this process and sniffs the folder's files.
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+#endif
+    dialog->setIconProvider(&quietFileIcons());
+    quietenFileModels(dialog.get());
+    if (mode == QFileDialog::AcceptSave) {
+        dialog->setDefaultSuffix(choice.defaultSuffix);
+        // The overwrite question is the program's own, worded as its users know it.
+        dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    } else {
+        dialog->setFileMode(QFileDialog::ExistingFile);
+    }
+    if (!choice.fileName.isEmpty())
+        dialog->selectFile(choice.fileName);
+    return dialog;
+}
+
 QString DialogInteraction::chooseSaveFile(const FileChoice& choice)
 {
-    QFileDialog dialog(QApplication::activeWindow(), choice.title, choice.directory, qtFilter(choice.filter));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(choice.defaultSuffix);
-    // The overwrite question is the program's own, worded as its users know it.
-    dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    if (!choice.fileName.isEmpty())
-        dialog.selectFile(choice.fileName);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+    const auto dialog = fileChooser(choice, QFileDialog::AcceptSave);
+    return dialog->exec() == QDialog::Accepted ? dialog->selectedFiles().value(0) : QString();
 }
 
 QString DialogInteraction::chooseOpenFile(const FileChoice& choice)
 {
-    return QFileDialog::getOpenFileName(QApplication::activeWindow(), choice.title, choice.directory,
-                                        qtFilter(choice.filter));
+    const auto dialog = fileChooser(choice, QFileDialog::AcceptOpen);
+    return dialog->exec() == QDialog::Accepted ? dialog->selectedFiles().value(0) : QString();
 }
 
 bool DialogInteraction::startProgram(const QString& program, const QStringList& arguments)

@@ -2,6 +2,10 @@
 
 #include "session/Interaction.h"
 
+#include <QFileDialog>
+
+#include <memory>
+
 namespace knjige {
 
 // The seam as a person meets it: real message boxes, modal dialogs, file choosers
@@ -14,6 +18,10 @@ public:
     QString chooseOpenFile(const FileChoice& choice) override;
     bool startProgram(const QString& program, const QStringList& arguments) override;
 };
+
+// The file chooser the seam shows, not yet shown: the toolkit's own dialog (a desktop's
+// native one runs inside this process) with icons that never open the listed files.
+std::unique_ptr<QFileDialog> fileChooser(const FileChoice& choice, QFileDialog::AcceptMode mode);
 
 // Installs DialogInteraction where nobody installed a seam yet; a test's scripted
 // person stays in charge.

@@ -1,0 +1,9 @@
+#include "session/SqliteLocks.h"
+
+namespace knjige {
+
+// Windows locks belong to the handle that took them: closing another handle of the
+// same file leaves them in place.
+void keepSqliteLocksThroughForeignCloses() {}
+
+} // namespace knjige
