@@ -375,8 +375,8 @@ RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
 
 // What tells one generated document from another in the book: the columns a run
 // fills from its source row, the number and the kind excepted.
-QString otisak(const QVariant& godina, const QVariant& datum, const QVariant& isprava, const QVariant& opis,
-    const QVariant& iznos)
+QString otisak(
+    const QVariant& godina, const QVariant& datum, const QVariant& isprava, const QVariant& opis, const QVariant& iznos)
 {
     const QString novac = iznos.isNull() ? QString() : QString::number(iznos.value<Money>().units());
     return QStringList { godina.toString(), datum.toDate().toString(Qt::ISODate), isprava.toString(), opis.toString(),
@@ -550,7 +550,7 @@ Rezultat generiraj(const Parametri& p)
         stavke << stavka(p, redovi, r);
     if (!izaberi(knjiga, p, stavke))
         return rezultat;
-    rezultat.zapisano = upiši(knjiga, stavke, *zadnji);
+    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, stavke, *zadnji);
     if (rezultat.zapisano == stavke.size())
         inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),

@@ -173,9 +173,10 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
     const QString again = "Od 3 zapisa za prijenos, 2 već postoje u knjizi prihoda i rashoda DB iz ranijeg generiranja "
                           "(isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? Ako odgovorite Ne, upisat "
                           "će se samo ostali zapisi.";
-    const QString year = "Zapisi koji pripadaju drugoj godini knjige, a ne radnoj godini 2016:\n"
-                         "Uplata 7 d:IZV-2 (VP-7-90/2015), 03.03.16, godina 2015\n"
-                         "Upisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li ih izostaviti?";
+    const QString year
+        = "Zapisi koji pripadaju drugoj godini knjige, a ne radnoj godini 2016:\n"
+          "Uplata 7 d:IZV-2 (VP-7-90/2015), 03.03.16, godina 2015\n"
+          "Upisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li ih izostaviti?";
     const std::string first = "1|2016|2016-03-02|Uplata 7 d:IZV-1|60; 2|2016|2016-03-04|Uplata 7 d:IZV-3|40";
     const struct {
         QList<Answer> answers; // none: each question's default
@@ -186,8 +187,9 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
         { {}, { year }, 2, first },
         { {}, { again, year }, 0, first },
         { { Answer::Yes, Answer::Yes, Answer::Yes, Answer::No }, { again, year }, 3,
-            first + "; 3|2016|2016-03-02|Uplata 7 d:IZV-1|60; 4|2015|2016-03-03|Uplata 7 d:IZV-2|40; "
-                    "5|2016|2016-03-04|Uplata 7 d:IZV-3|40" },
+            first
+                + "; 3|2016|2016-03-02|Uplata 7 d:IZV-1|60; 4|2015|2016-03-03|Uplata 7 d:IZV-2|40; "
+                  "5|2016|2016-03-04|Uplata 7 d:IZV-3|40" },
     };
     const qint64 last = lastNumber();
     for (const auto& run : runs) {
@@ -197,8 +199,8 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
         EXPECT_EQ(generiraj(p).zapisano, run.written);
         EXPECT_EQ(script->texts(),
             QStringList({ pitanjePotvrde(p), "Postoje 3" + opisVrste(UplateIzlaznih).upitBroja }) + run.questions
-                + QStringList { QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!")
-                                    .arg(run.written) });
+                + QStringList {
+                    QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(run.written) });
         const ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
                                                       "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
                                            .arg(last));
