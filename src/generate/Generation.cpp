@@ -7,6 +7,7 @@
 #include "session/Money.h"
 #include "session/Session.h"
 
+#include <QHash>
 #include <QVector>
 #include <limits>
 #include <optional>
@@ -338,8 +339,12 @@ QVariant tekst(const ResultSet& rs, int row, int column)
     return column < 0 || rs.isNull(row, column) ? QVariant() : QVariant(rs.text(row, column));
 }
 
-// One book entry from one source row, in the order the book's columns are written.
-RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row, qint64 rBroj)
+// Where the columns of an entry stand in stavka()'s values.
+enum Stupac { StPoduzeće, StGodina, StRBroj, StDatum, StIsprava, StOpis, StVrsta, StIznos };
+
+// One book entry from one source row, in the order the book's columns are written;
+// its number is given when it is written.
+RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
 {
     const int cDatum = 2; // DatumIfakt, Datum or DatFakture: the third column of every statement
     const int cIsprava = rs.indexOf(QStringLiteral("Isprava"));
@@ -362,15 +367,125 @@ RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row, qint6
         return c < 0 || rs.isNull(row, c) ? QVariant() : QVariant(int(rs.integer(row, c)));
     };
     return { { QStringLiteral("BrojPoduzeca"), cijeli(QStringLiteral("BrojPoduzeca")) },
-        { QStringLiteral("GodinaKnj"), cijeli(QStringLiteral("GodinaKnj")) }, { QStringLiteral("RBroj"), int(rBroj) },
+        { QStringLiteral("GodinaKnj"), cijeli(QStringLiteral("GodinaKnj")) }, { QStringLiteral("RBroj"), 0 },
         { QStringLiteral("Datum"), rs.isNull(row, cDatum) ? QVariant() : QVariant(rs.date(row, cDatum)) },
         { QStringLiteral("Isprava"), tekst(rs, row, cIsprava) }, { QStringLiteral("Opis"), opis },
         { QStringLiteral("Vrsta"), vrstaStavke(p.vrsta, dokument) }, { QStringLiteral("Iznos"), iznos } };
 }
 
-// Appends the entries. The rows go in one transaction for speed, but a failure keeps
-// those written before it, as a run without a transaction would.
-int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadnji)
+// What tells one generated document from another in the book: the columns a run
+// fills from its source row, the number and the kind excepted.
+QString otisak(
+    const QVariant& godina, const QVariant& datum, const QVariant& isprava, const QVariant& opis, const QVariant& iznos)
+{
+    const QString novac = iznos.isNull() ? QString() : QString::number(iznos.value<Money>().units());
+    return QStringList { godina.toString(), datum.toDate().toString(Qt::ISODate), isprava.toString(), opis.toString(),
+        novac }
+        .join(QChar(0x1f));
+}
+
+QString otisak(const RowChange::Values& v)
+{
+    return otisak(v[StGodina].second, v[StDatum].second, v[StIsprava].second, v[StOpis].second, v[StIznos].second);
+}
+
+// For each entry, whether the book already holds it from an earlier run. Each book
+// row stands for one entry only, so of two equal source rows with one written before
+// only one counts as held. Nothing when the book cannot be read.
+std::optional<QVector<bool>> većUpisane(Database& db, const Parametri& p, const QVector<RowChange::Values>& stavke)
+{
+    QVector<bool> upisane(stavke.size(), false);
+    QDate prvi, zadnji;
+    for (const RowChange::Values& v : stavke) {
+        const QDate d = v[StDatum].second.toDate();
+        if (d.isValid() && (!prvi.isValid() || d < prvi))
+            prvi = d;
+        if (d.isValid() && (!zadnji.isValid() || d > zadnji))
+            zadnji = d;
+    }
+    if (!prvi.isValid())
+        return upisane;
+    ResultSet rs;
+    if (!db.open(QStringLiteral("SELECT GodinaKnj,Datum,Isprava,Opis,Iznos FROM dbo.KnjPrihRashDB WHERE BrojPoduzeca=")
+                + QString::number(p.brojPoduzeca) + QStringLiteral(" AND Datum>='") + datum(prvi)
+                + QStringLiteral("' AND Datum<'") + datum(zadnji.addDays(1)) + QStringLiteral("'"),
+            rs))
+        return std::nullopt;
+    QHash<QString, int> uKnjizi;
+    for (int r = 0; r < rs.rowCount(); ++r) {
+        const QVariant iznos = rs.isNull(r, 4) ? QVariant() : QVariant::fromValue(rs.money(r, 4));
+        ++uKnjizi[otisak(int(rs.integer(r, 0)), rs.date(r, 1), tekst(rs, r, 2), tekst(rs, r, 3), iznos)];
+    }
+    for (int i = 0; i < stavke.size(); ++i) {
+        const auto it = uKnjizi.find(otisak(stavke[i]));
+        if (it != uKnjizi.end() && it.value() > 0) {
+            --it.value();
+            upisane[i] = true;
+        }
+    }
+    return upisane;
+}
+
+void izostavi(QVector<RowChange::Values>& stavke, const QVector<bool>& koje)
+{
+    QVector<RowChange::Values> ostale;
+    for (int i = 0; i < stavke.size(); ++i)
+        if (!koje[i])
+            ostale << stavke[i];
+    stavke = ostale;
+}
+
+// A second run over the same period would write its documents again, and a payment
+// of an earlier year's invoice keeps the invoice's year while it takes a number of
+// the working year. Both are asked about before anything is written; the entries
+// left out take no number. False when the book cannot be read.
+bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke)
+{
+    const std::optional<QVector<bool>> upisane = većUpisane(db, p, stavke);
+    if (!upisane) {
+        warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
+        return false;
+    }
+    const int već = int(upisane->count(true));
+    if (već > 0
+        && !askYesNo(QStringLiteral("Od %1 zapisa za prijenos, %2 već postoje u knjizi prihoda i rashoda DB iz ranijeg "
+                                    "generiranja (isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? "
+                                    "Ako odgovorite Ne, upisat će se samo ostali zapisi.")
+                         .arg(stavke.size())
+                         .arg(već),
+            {}, Answer::No))
+        izostavi(stavke, *upisane);
+
+    constexpr int kNajvišeNavedenih = 10;
+    QVector<bool> drugaGodina(stavke.size(), false);
+    QStringList navedeni;
+    for (int i = 0; i < stavke.size(); ++i) {
+        const RowChange::Values& v = stavke[i];
+        if (v[StGodina].second.isValid() && v[StGodina].second.toInt() == p.godina)
+            continue;
+        drugaGodina[i] = true;
+        if (navedeni.size() < kNajvišeNavedenih)
+            navedeni << v[StIsprava].second.toString() + QStringLiteral(" (") + v[StOpis].second.toString()
+                    + QStringLiteral("), ") + dates::display(v[StDatum].second.toDate()) + QStringLiteral(", godina ")
+                    + v[StGodina].second.toString();
+    }
+    const int drugih = int(drugaGodina.count(true));
+    if (drugih > navedeni.size())
+        navedeni << QStringLiteral("... i još %1").arg(drugih - navedeni.size());
+    if (drugih > 0
+        && askYesNo(QStringLiteral("Zapisi koji pripadaju drugoj godini knjige, a ne radnoj godini %1:\n").arg(p.godina)
+                + navedeni.join(u'\n')
+                + QStringLiteral("\nUpisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li "
+                                 "ih izostaviti?"),
+            {}, Answer::Yes))
+        izostavi(stavke, drugaGodina);
+    return true;
+}
+
+// Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
+// speed, but a failure keeps those written before it, as a run without a transaction
+// would.
+int upiši(Database& db, QVector<RowChange::Values>& stavke, qint64 zadnji)
 {
     ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
@@ -379,10 +494,12 @@ int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadn
     }
     TransactionGuard transakcija(db);
     int zapisano = 0;
-    for (int r = 0; r < izvor.rowCount(); ++r) {
-        const qint64 rBroj = zadnji + r + 1;
+    for (RowChange::Values& v : stavke) {
+        const qint64 rBroj = zadnji + zapisano + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
-        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, stavka(p, izvor, r, rBroj), {} })) {
+        if (stane)
+            v[StRBroj].second = int(rBroj);
+        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} })) {
             if (transakcija.isActive())
                 transakcija.commit();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
@@ -428,8 +545,13 @@ Rezultat generiraj(const Parametri& p)
     }
     if (!pitaj(QStringLiteral("Postoje ") + QString::number(redovi.rowCount()) + opis.upitBroja))
         return rezultat;
-    rezultat.zapisano = upiši(knjiga, p, redovi, *zadnji);
-    if (rezultat.zapisano == redovi.rowCount())
+    QVector<RowChange::Values> stavke;
+    for (int r = 0; r < redovi.rowCount(); ++r)
+        stavke << stavka(p, redovi, r);
+    if (!izaberi(knjiga, p, stavke))
+        return rezultat;
+    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, stavke, *zadnji);
+    if (rezultat.zapisano == stavke.size())
         inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
             {}, Icon::Information);

@@ -83,8 +83,12 @@ struct Rezultat {
 
 // Runs one generation: the confirmation, the book's last number, the source rows on
 // a connection of their own, the count question, then one new entry per source row
-// on the session's database, numbered on from the book's last entry. Every failure
-// and every "No" ends the run with its message; entries already written stay.
+// on the session's database, numbered on from the book's last entry. Before writing
+// it asks whether to write again the documents the book already holds from an
+// earlier run (default No: they are left out) and whether to leave out the entries
+// whose year is not the working year (default Yes); entries left out take no number.
+// Every failure and every "No" to the first two questions ends the run with its
+// message; entries already written stay.
 Rezultat generiraj(const Parametri& p);
 
 } // namespace knjige::gen

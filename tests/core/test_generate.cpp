@@ -158,6 +158,59 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
         QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4").arg(before + 1).toStdString());
 }
 
+// A second run over the same days, and a payment of last year's invoice: each is asked
+// about, unanswered it is left out, and what is left out takes no number.
+TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
+{
+    for (const char* sql : { "INSERT INTO Ifakture VALUES (1,2016,'VP',7,10,'03.01.2016',0,100)",
+             "INSERT INTO Ifakture VALUES (1,2015,'VP',7,90,'12.20.2015',0,40)",
+             "INSERT INTO IFAKTUplate VALUES (1,10,2016,7,'VP','03.02.2016','IZV-1',60)",
+             "INSERT INTO IFAKTUplate VALUES (1,90,2015,7,'VP','03.03.2016','IZV-2',40)",
+             "INSERT INTO IFAKTUplate VALUES (1,10,2016,7,'VP','03.04.2016','IZV-3',40)" })
+        t.exec(QString::fromUtf8(sql));
+    Parametri p = march(UplateIzlaznih);
+    p.orgJed = QStringLiteral("7");
+    const QString again = "Od 3 zapisa za prijenos, 2 već postoje u knjizi prihoda i rashoda DB iz ranijeg generiranja "
+                          "(isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? Ako odgovorite Ne, upisat "
+                          "će se samo ostali zapisi.";
+    const QString year
+        = "Zapisi koji pripadaju drugoj godini knjige, a ne radnoj godini 2016:\n"
+          "Uplata 7 d:IZV-2 (VP-7-90/2015), 03.03.16, godina 2015\n"
+          "Upisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li ih izostaviti?";
+    const std::string first = "1|2016|2016-03-02|Uplata 7 d:IZV-1|60; 2|2016|2016-03-04|Uplata 7 d:IZV-3|40";
+    const struct {
+        QList<Answer> answers; // none: each question's default
+        QStringList questions;
+        int written;
+        std::string book; // number after the book's last, year, date, document, amount
+    } runs[] = {
+        { {}, { year }, 2, first },
+        { {}, { again, year }, 0, first },
+        { { Answer::Yes, Answer::Yes, Answer::Yes, Answer::No }, { again, year }, 3,
+            first
+                + "; 3|2016|2016-03-02|Uplata 7 d:IZV-1|60; 4|2015|2016-03-03|Uplata 7 d:IZV-2|40; "
+                  "5|2016|2016-03-04|Uplata 7 d:IZV-3|40" },
+    };
+    const qint64 last = lastNumber();
+    for (const auto& run : runs) {
+        script->clear();
+        for (Answer a : run.answers)
+            script->answers << a;
+        EXPECT_EQ(generiraj(p).zapisano, run.written);
+        EXPECT_EQ(script->texts(),
+            QStringList({ pitanjePotvrde(p), "Postoje 3" + opisVrste(UplateIzlaznih).upitBroja }) + run.questions
+                + QStringList {
+                    QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(run.written) });
+        const ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
+                                                      "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
+                                           .arg(last));
+        std::string rows;
+        for (int r = 0; r < book.rowCount(); ++r)
+            rows += (r ? "; " : "") + test::rowText(book, r);
+        EXPECT_EQ(rows, run.book);
+    }
+}
+
 TEST_F(Generation, StopsWithTheMessageOfEachFailure)
 {
     // An empty range, and a "No" to either question, write nothing.
