@@ -63,7 +63,8 @@ void Paginator::add(int lines, const QVector<Money>& values)
 
 QVector<Page> Paginator::finish()
 {
-    // A closing that finds no room on a page of its own is printed all the same.
+    // Closing lines the last page has no room for go on a page of their own, which
+    // brings the sums forward like any other.
     if (m_closing > 0 && m_used > 0 && m_used + m_closing > rowLines(int(m_pages.size()) - 1))
         nextPage(m_row, 0);
     m_pages.back().carried = m_running;
