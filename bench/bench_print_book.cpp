@@ -98,7 +98,7 @@ void BM_PrintInProcess(benchmark::State& state)
         }
         read += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        const report::BookFilter filter { {}, browser::periodStart(kYear), browser::periodEnd(kYear), 0 };
+        const report::BookFilter filter { {}, browser::periodStart(kYear), browser::periodEnd(kYear), 0, {} };
         ReportPrinter printer(
             report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(Knjiga::PrihRashFBiH, filter, rows), rows);
         QString error;

@@ -138,9 +138,14 @@ int print(const Request& r)
     DefVarijabli::CitajKonfiguraciju(true);
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
-    const report::BookFilter filter { sel.description, sel.periodStart, sel.periodEnd, sel.salesPoint };
-    ReportPrinter printer(report::bookLayout(r.kind, sel.salesPoint), report::bookHeader(r.kind, filter, rows), rows);
+    const report::BookFilter filter { sel.description, sel.periodStart, sel.periodEnd, sel.salesPoint, sel.where };
+    const report::Layout layout = report::bookLayout(r.kind, sel.salesPoint);
+    report::BroughtForward forward;
     QString error;
+    if (!report::broughtForward(r.kind, layout, filter, &forward, &error))
+        return complain(QStringLiteral("Donos iz ranijeg dijela godine nije moguće pročitati: ") + error);
+    ReportPrinter printer(layout, report::bookHeader(r.kind, filter, rows), rows);
+    printer.bringForward(forward);
     if (!printer.writePdf(r.pdf, &error))
         return complain(QStringLiteral("Ispis nije uspio: ") + error);
     QTextStream(stdout) << QStringLiteral("Ispis spremljen: %1 (stranica: %2, stavki: %3)\n")
@@ -159,7 +164,8 @@ QString printUsage()
         "             [--period dd.mm.gggg-dd.mm.gggg] [--prod BROJ] [--operator IME] --pdf IZLAZ.pdf [--force]\n"
         "  Ispiše knjigu u PDF datoteku, kao naredba Ispis u prozoru knjige (bez zaslona).\n"
         "  KNJIGA je šifra (96, 97, ..., 126) ili naziv klase knjige.\n"
-        "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
+        "  --period   samo stavke tog razdoblja (zadano: cijela radna godina); razdoblje koje ne\n"
+        "             počinje 1. januara nastavlja knjigu: Donos i ukupno od početka godine\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa\n"
         "  --pdf      datoteka ispisa\n"

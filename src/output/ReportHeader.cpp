@@ -87,7 +87,9 @@ Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows)
     Header h;
     h.company = s.NazivFirme;
     h.companyLines = companyLines(s.Konfiguracija);
-    h.title = bookLayout(bookKind).title;
+    const Layout layout = bookLayout(bookKind);
+    h.title = layout.title;
+    h.form = layout.form;
     h.period = periodLine(filter.from, filter.to);
     h.filter = browser::filterLine(filter.description);
     if (isTradeBook(bookKind)) {

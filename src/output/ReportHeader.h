@@ -15,6 +15,7 @@ struct Header {
     QString company; // NazivFirme
     QStringList companyLines; // address, identification, ... from the configuration row
     QString title;
+    QString form; // "Obrazac KPR-1041": the form the book is kept on, as its paper names it
     QString period; // "Period od 01.01.2016 do 31.12.2016"
     QString filter; // "Filter : ..." or "Filter: Svi"
     QString salesPoint; // trade books: "Prodajno mjesto: 501 ..."
@@ -39,6 +40,7 @@ struct BookFilter {
     QDate from; // DatumOd
     QDate to; // DatumDo
     qint32 salesPoint = 0; // BrojProd
+    QString where; // WhereUvjet: what selected the rows
 };
 
 // A book's header from the session (company, configuration row, operator) and the

@@ -215,6 +215,24 @@ QVector<Column> columnsOf(int bookKind)
     }
 }
 
+// The Federation's tradesmen keep these books on forms of these names, which the paper
+// prints in its head; the other books have no numbered form.
+QString formOf(int bookKind)
+{
+    switch (bookKind) {
+    case Knjiga::PrihRashFBiH:
+        return QStringLiteral("Obrazac KPR-1041");
+    case Knjiga::PrometaFBiH:
+        return QStringLiteral("Obrazac KP-1042");
+    case Knjiga::PopListaFBiH:
+        return QStringLiteral("Obrazac PLDI-1043");
+    case Knjiga::EvidPotObvFBiH:
+        return QStringLiteral("Obrazac EPO-1044");
+    default:
+        return {};
+    }
+}
+
 bool takes(const QVector<int>& kinds, qint64 kind)
 {
     for (int k : kinds)
@@ -242,6 +260,8 @@ Layout bookLayout(int bookKind, qint32 salesPoint)
         return {};
     Layout l;
     l.title = book->caption;
+    l.form = formOf(bookKind);
+    l.signature = true;
     l.columns = columnsOf(bookKind);
     if (isTradeBook(bookKind) && salesPoint == 0) {
         l.columns.insert(2, textColumn(QStringLiteral("Prodajno\nmjesto"), QStringLiteral("ImeProd"), 12));

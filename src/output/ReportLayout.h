@@ -45,10 +45,12 @@ struct Column {
 
 struct Layout {
     QString title;
+    QString form; // the statutory form the book is kept on ("Obrazac KPR-1041"); empty when none
     QVector<Column> columns;
     QString kindField; // the entry kind code the terms test; empty when none do
     Orientation orientation = Orientation::Portrait;
     bool salesPoint = false; // a trade book: the header names the sales point
+    bool signature = false; // a book: its last page closes with date, signature and stamp
     bool isValid() const { return !columns.isEmpty(); }
 };
 

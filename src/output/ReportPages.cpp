@@ -6,7 +6,7 @@ namespace knjige::report
 {
 
 Paginator::Paginator(int firstPageLines, int otherPageLines, int sums)
-    : m_firstLines(std::max(firstPageLines, 2))
+    : m_firstLines(std::max(firstPageLines, 3))
     , m_otherLines(std::max(otherPageLines, 3))
     , m_sums(std::max(sums, 0))
     , m_running(m_sums)
@@ -16,7 +16,20 @@ Paginator::Paginator(int firstPageLines, int otherPageLines, int sums)
 
 int Paginator::rowLines(int pageIndex) const
 {
-    return pageIndex == 0 ? m_firstLines - 1 : m_otherLines - 2;
+    return pageIndex == 0 ? m_firstLines - (m_brought ? 2 : 1) : m_otherLines - 2;
+}
+
+void Paginator::bringForward(const QVector<Money>& sums)
+{
+    m_brought = true;
+    for (int i = 0; i < m_sums && i < sums.size(); ++i)
+        m_running[i] = sums[i];
+    m_pages.front().brought = m_running;
+}
+
+void Paginator::closeWith(int lines)
+{
+    m_closing = std::max(lines, 0);
 }
 
 void Paginator::nextPage(int firstRow, int firstLine)
@@ -50,6 +63,10 @@ void Paginator::add(int lines, const QVector<Money>& values)
 
 QVector<Page> Paginator::finish()
 {
+    // Closing lines the last page has no room for go on a page of their own, which
+    // brings the sums forward like any other.
+    if (m_closing > 0 && m_used > 0 && m_used + m_closing > rowLines(int(m_pages.size()) - 1))
+        nextPage(m_row, 0);
     m_pages.back().carried = m_running;
     return m_pages;
 }

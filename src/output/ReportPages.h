@@ -30,7 +30,10 @@ struct Page {
 //
 // Heights are in body lines. Every page keeps one line at its foot for "Za prenos" or,
 // on the last page, the totals, and every page after the first one line at its head
-// for "Prenos". A row that fits on a page never splits: one that does not fit below the
+// for "Prenos"; the first page of a book printed for a period that continues the year
+// one for "Donos". The last page also keeps the lines that close the book (the total
+// to date, the signature): when they do not fit below its rows, a page of its own
+// brings the sums forward and takes them. A row that fits on a page never splits: one that does not fit below the
 // rows before it moves whole to the next page. A row taller than a whole page (a text
 // of thousands of characters) opens a page and runs on over as many pages as it needs,
 // the next row following its last line. So the same rows always break the same way.
@@ -42,6 +45,11 @@ public:
     // number of summed columns.
     Paginator(int firstPageLines, int otherPageLines, int sums);
 
+    // Before the first row: the sums the book brings forward from before the period.
+    // They open the first page and count in every page's sums after it.
+    void bringForward(const QVector<Money>& sums);
+    // Before finish: the lines the last page needs below its totals.
+    void closeWith(int lines);
     // The next row: its height in lines and the values of its summed columns.
     void add(int lines, const QVector<Money>& values);
     // The pages; one empty page when no row was added.
@@ -59,6 +67,8 @@ private:
     int m_sums;
     int m_row = 0;
     int m_used = 0;
+    bool m_brought = false;
+    int m_closing = 0;
     QVector<Money> m_running;
     QVector<Page> m_pages;
 };

@@ -2,6 +2,9 @@
 
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
+#include "browser/TotalsPanel.h"
+#include "session/Dates.h"
+#include "session/Session.h"
 
 namespace knjige::report
 {
@@ -32,6 +35,89 @@ browser::FilterState bookSelection(int bookKind, qint16 company, qint16 year,
         return opening;
     }
     return browser::periodFilter(bookKind, from, to, company, year, salesPoint, salesPointName);
+}
+
+namespace
+{
+
+QString dateRange(const QDate& from, const QDate& to)
+{
+    return QStringLiteral("K.Datum>='") + dates::sqlLiteral(from) + QStringLiteral("' AND K.Datum<='")
+        + dates::sqlLiteral(to) + QStringLiteral("'");
+}
+
+// The printed sums of these books are the totals panel's columns one for one (both are
+// the form's numbered columns), so when only the period narrows the book, the panel's
+// own "Promet do" statement gives the figures and paper and window cannot disagree. A
+// trade book printed for all its sales points is not one the panel sums.
+bool panelSumsAsPrinted(int bookKind, int summedColumns, const BookFilter& filter, qint16 company, qint16 year)
+{
+    return browser::totalsPanelHeaders(bookKind).size() == summedColumns
+        && !(isTradeBook(bookKind) && filter.salesPoint == 0)
+        && filter.where
+        == browser::periodFilter(bookKind, filter.from, filter.to, company, year, filter.salesPoint).where;
+}
+
+} // namespace
+
+bool broughtForward(int bookKind, const Layout& layout, const BookFilter& filter, BroughtForward* out, QString* error)
+{
+    *out = {};
+    const Session& s = session();
+    const qint16 year = s.RadnaGodina;
+    const qint16 company = s.BrojPoduzeca;
+    QVector<int> summed;
+    for (int c = 0; c < layout.columns.size(); ++c)
+        if (layout.columns[c].sums)
+            summed << c;
+    const QDate yearStart = dates::firstOfYear(year);
+    // An asset list is what is owned, dated by acquisition, and a year's list holds the
+    // assets bought in the years before: its rows dated before a period are no part of
+    // a running book, so a period of it prints as a selection, with nothing brought.
+    if (summed.isEmpty() || isAssetList(bookKind) || !filter.from.isValid() || filter.from <= yearStart)
+        return true;
+    const QDate before = filter.from.addDays(-1);
+    out->continues = true;
+    out->sums = QVector<Money>(summed.size());
+    const QString f = QStringLiteral("dd.MM.yyyy");
+    out->totalLabel = QStringLiteral("Ukupno od %1 do %2:").arg(yearStart.toString(f), filter.to.toString(f));
+    Database& db = session().db();
+    ResultSet rs;
+    if (panelSumsAsPrinted(bookKind, int(summed.size()), filter, company, year)) {
+        if (!db.open(browser::totalsPanelSql(bookKind, company, year, filter.salesPoint, filter.from, filter.to), rs)) {
+            *error = db.errorDescription();
+            return false;
+        }
+        const browser::TotalsPanelRows panel = browser::totalsPanelRows(bookKind, rs);
+        if (panel.rows.isEmpty() || !panel.rows.first().label.startsWith(QStringLiteral("Promet do "))) {
+            *error = QStringLiteral("nema prometa do %1").arg(before.toString(f));
+            return false;
+        }
+        out->sums = panel.rows.first().values;
+        return true;
+    }
+    // Any other book, or a filter with more than the period: the book's own rows
+    // before the period under the same conditions, summed as the printed columns sum.
+    const QString period = dateRange(filter.from, filter.to);
+    QString where = filter.where;
+    const qsizetype at = where.indexOf(period);
+    if (at < 0) {
+        *error = QStringLiteral("filter knjige nema razdoblja od %1 do %2")
+                     .arg(filter.from.toString(f), filter.to.toString(f));
+        return false;
+    }
+    where.replace(at, period.size(), dateRange(yearStart, before));
+    if (!db.open(findBook(bookKind)->selectSql + where, rs)) {
+        *error = db.errorDescription();
+        return false;
+    }
+    const auto bound = BoundLayout::bind(layout, rs, error);
+    if (!bound)
+        return false;
+    for (int r = 0; r < rs.rowCount(); ++r)
+        for (int i = 0; i < summed.size(); ++i)
+            out->sums[i] += bound->money(rs, r, summed[i]);
+    return true;
 }
 
 } // namespace knjige::report

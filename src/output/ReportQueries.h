@@ -1,6 +1,8 @@
 #pragma once
 
 #include "browser/FilterClause.h"
+#include "output/ReportHeader.h"
+#include "output/ReportLayout.h"
 
 #include <QDate>
 #include <QString>
@@ -20,5 +22,19 @@ QString recapitulationSql(const QString& whereClause);
 // operator sets for that period (the whole year when none is given) and sales point.
 browser::FilterState bookSelection(int bookKind, qint16 company, qint16 year,
     const std::optional<std::pair<QDate, QDate>>& period, qint32 salesPoint = 0, const QString& salesPointName = {});
+
+// What a book printed for a period brings forward from its year before the period
+// ("Donos"): the sums of the layout's summed columns over the book's rows from 1 January
+// to the day before the period, selected as the printed rows are in all but the dates.
+// The total to date ("Ukupno od 01.01. ...") is these sums and the period's together.
+struct BroughtForward {
+    bool continues = false; // false: the period opens the year, or the book carries nothing
+    QVector<Money> sums; // one per summed column, in column order
+    QString totalLabel; // the label of the total from 1 January to the period's end
+};
+
+// The figures for the session's company and working year. False, with *error, when
+// they could not be read; a printout without them would start its year at zero.
+bool broughtForward(int bookKind, const Layout& layout, const BookFilter& filter, BroughtForward* out, QString* error);
 
 } // namespace knjige::report

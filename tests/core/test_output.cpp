@@ -35,6 +35,8 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
         int firstLines, otherLines;
         QVector<int> heights;
         QVector<std::pair<int, int>> pageStarts; // the row and line each page begins with
+        bool donos = false; // the first page brings sums forward
+        int closing = 0; // lines the last page needs below its totals
     };
     // The first page keeps one line for "Za prenos"; later pages also one for "Prenos".
     const Case cases[] = {
@@ -47,9 +49,17 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
             { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 1, 8 } } },
         { "a tall first row runs on from the first page", 5, 6, { 6, 1 }, { { 0, 0 }, { 0, 4 } } },
         { "a tall row ending at a page's foot", 5, 6, { 1, 8, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 2, 0 } } },
+        { "Donos takes a line of the first page", 5, 6, { 1, 1, 1, 1 }, { { 0, 0 }, { 3, 0 } }, true },
+        { "a closing that fits stays", 5, 6, { 1, 1 }, { { 0, 0 } }, true, 1 },
+        { "a closing that does not fit opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 }, { 5, 0 } },
+            false, 4 },
     };
     for (const Case& c : cases) {
         Paginator p(c.firstLines, c.otherLines, 2);
+        const QVector<Money> donos = c.donos ? QVector<Money> { m(100), m(-7) } : QVector<Money> { m(0), m(0) };
+        if (c.donos)
+            p.bringForward(donos);
+        p.closeWith(c.closing);
         QVector<QVector<Money>> values;
         for (int r = 0; r < c.heights.size(); ++r) {
             values.push_back({ m(r + 1), m(-10 * (r + 1)) });
@@ -60,10 +70,10 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
         for (const Page& page : pages)
             starts << std::pair(page.firstRow, page.firstLine);
         EXPECT_EQ(starts, c.pageStarts) << c.what;
-        // Every line of every row once, no page over its room, each row's amounts on
-        // the page of its first line.
+        // Every line of every row once, no page over its room (the last one's closing
+        // included), each row's amounts on the page of its first line, after Donos.
         QVector<int> printed(c.heights.size());
-        QVector<Money> sum = { m(0), m(0) };
+        QVector<Money> sum = donos;
         for (int i = 0; i < pages.size(); ++i) {
             const Page& page = pages[i];
             EXPECT_EQ(page.brought, sum) << c.what << " page " << i;
@@ -78,7 +88,7 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
                     for (int k = 0; k < 2; ++k)
                         sum[k] += values[r][k];
             }
-            EXPECT_LE(used, p.rowLines(i)) << c.what << " page " << i;
+            EXPECT_LE(used + (i + 1 == pages.size() ? c.closing : 0), p.rowLines(i)) << c.what << " page " << i;
             EXPECT_EQ(page.carried, sum) << c.what << " page " << i;
         }
         EXPECT_EQ(printed, c.heights) << c.what;

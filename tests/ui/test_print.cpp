@@ -52,11 +52,14 @@ QStringList pdfPages(const QString& pdf)
 
 // The amounts of the summary line that starts with `label`, in column order; nothing
 // when the page has no such line. Every amount has two decimals, whatever the marks.
-// Sums are kept to four decimals and printed to two: compare them printed.
+// Sums are kept to four decimals and printed to two, half away from zero: compare them
+// printed.
 QVector<Money> printed(QVector<Money> sums)
 {
-    for (Money& m : sums)
-        m = m.rounded(2);
+    for (Money& m : sums) {
+        const qint64 whole = (std::abs(m.units()) + 50) / 100 * 100;
+        m = Money::fromUnits(m.isNegative() ? -whole : whole);
+    }
     return sums;
 }
 
@@ -85,10 +88,14 @@ QString withoutPrintTime(const QStringList& pages)
 class PrintTest : public BrowserTest
 {
 protected:
-    void fill(int book, int rows)
+    // `earlier` entries more, dated 1 January: the part of the year before a period
+    // that starts on the 2nd.
+    void fill(int book, int rows, int earlier = 0)
     {
         addCompany();
         TransactionGuard t(db->db());
+        for (int i = rows + 1; i <= rows + earlier; ++i)
+            add(book, i, { { "Datum", QDate(2016, 1, 1) } });
         const char* text = isAssetList(book) ? "Naziv" : "Opis";
         for (int i = 1; i <= rows; ++i) {
             RowChange::Values more;
@@ -121,6 +128,28 @@ QVector<std::pair<QString, int>> partsOf(int book, const QString& field, const r
         if (c.sums && c.terms.size() == 1 && c.terms[0].field.compare(field, Qt::CaseInsensitive) == 0)
             return { { c.number, 1 } };
     return {};
+}
+
+// The printed sums of a book, summed apart from the report by plain SQL over its table
+// for company 1 in 2016, from the first date to `upTo` ("mm.dd.yyyy").
+std::optional<QVector<Money>> sumsInTable(TestDatabase& db, int book, const QString& upTo)
+{
+    const QString v = "sum(case when Vrsta=%1 then Iznos else 0 end)";
+    const QString pdv = "sum(case when Vrsta between %1 and %2 then IznosPDV else 0 end)";
+    const QString net = "sum(case when Vrsta between %1 and %2 then Iznos-IznosPDV else 0 end)";
+    static const QMap<int, QStringList> columns = {
+        { 96, { v.arg(11), v.arg(12), v.arg(13), pdv.arg(11).arg(13), net.arg(11).arg(13), v.arg(16), v.arg(17),
+                  v.arg(18), v.arg(19), pdv.arg(16).arg(19), net.arg(16).arg(19) } },
+        { 106, { "sum(IznosGot)", "sum(IznosCek)" } },
+    };
+    if (!columns.contains(book))
+        return std::nullopt;
+    const ResultSet rs = db.query("SELECT " + columns[book].join(',') + " FROM " + findBook(book)->table
+        + " WHERE BrojPoduzeca=1 AND GodinaKnj=2016 AND Datum<='" + upTo + "'");
+    QVector<Money> out;
+    for (int f = 0; f < rs.fieldCount(); ++f)
+        out << rs.money(0, f);
+    return out;
 }
 
 } // namespace
@@ -158,14 +187,15 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         SCOPED_TRACE(book.code);
         db.reset(); // the old one resets the session when it goes
         db = std::make_unique<TestDatabase>(1, 2016);
-        fill(book.code, kRows);
-        auto w = open(book.code);
-        // Half the books print with a period filter, the trade books for one shop.
+        // Half the books print for a period from 2 January, which continues the year
+        // from entries of the 1st; the trade books print for one shop.
         const bool filtered = book.code % 2 == 0;
+        fill(book.code, kRows, filtered ? 3 : 0);
+        auto w = open(book.code);
         const qint32 shop = isTradeBook(book.code) ? 501 : 0;
         std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
-            period = std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31));
+            period = std::make_pair(QDate(2016, 1, 2), QDate(2016, 12, 31));
         const browser::FilterState sel = report::bookSelection(book.code, 1, 2016, period, shop, "Maloprodaja Centar");
         w->WhereUvjet = sel.where;
         w->OpisFiltera = sel.description;
@@ -186,11 +216,20 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         // The head of the book and the page numbers.
         const QString& first = pages.first();
         for (const QString& expected : QStringList { "Obrt Šimić", "Titova 3, 71000 Sarajevo", "ID broj: 4200000000001",
-                 book.caption, "Period od 01.01.2016 do 31.12.2016",
+                 book.caption, filtered ? "Period od 02.01.2016 do 31.12.2016" : "Period od 01.01.2016 do 31.12.2016",
                  sel.description.isEmpty() ? QStringLiteral("Filter: Svi")
                                            : QStringLiteral("Filter : ") + sel.description })
             EXPECT_TRUE(first.contains(expected)) << expected.toStdString();
         EXPECT_EQ(first.contains("Prodajno mjesto: 501 Maloprodaja Centar"), shop != 0);
+        // The Federation's forms by their names, the closing block on the last page only.
+        static const QMap<int, QString> forms = { { 96, "Obrazac KPR-1041" }, { 98, "Obrazac KP-1042" },
+            { 105, "Obrazac PLDI-1043" }, { 97, "Obrazac EPO-1044" } };
+        EXPECT_EQ(first.count("Obrazac"), forms.contains(book.code) ? 1 : 0);
+        EXPECT_TRUE(first.contains(forms.value(book.code)));
+        for (const char* closing : { "Datum:", "M.P.", "Potpis odgovorne osobe" }) {
+            EXPECT_TRUE(pages.last().contains(closing)) << closing;
+            EXPECT_FALSE(first.contains(closing)) << closing;
+        }
         for (int p = 0; p < pages.size(); ++p) {
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Strana %1 od %2").arg(p + 1).arg(pages.size()))) << p;
             EXPECT_TRUE(pages[p].contains(QStringLiteral("Ispisano: ") + QDate::currentDate().toString("dd.MM.yyyy")));
@@ -219,7 +258,25 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const auto bound = report::BoundLayout::bind(report::bookLayout(book.code, w->BrojProd), rs, &error);
         ASSERT_TRUE(bound);
         const QVector<int>& summed = bound->summed();
+        // A period from the 2nd brings forward the 1st, asset lists excepted, and ends
+        // with the total to date: for 96 and 106 both against plain SQL over the table.
+        const bool continues = filtered && !isAssetList(book.code);
         QVector<Money> running(summed.size());
+        if (continues) {
+            const ResultSet earlier = db->query(book.selectSql
+                + " WHERE K.BrojPoduzeca=1 AND K.GodinaKnj=2016 AND K.Datum<'01.02.2016'"
+                + (shop ? QStringLiteral(" AND K.BrojProd=501") : QString()));
+            const auto b = report::BoundLayout::bind(bound->layout(), earlier, &error);
+            ASSERT_TRUE(b && earlier.rowCount() == 3);
+            for (int r = 0; r < earlier.rowCount(); ++r)
+                for (int i = 0; i < summed.size(); ++i)
+                    running[i] += b->money(earlier, r, summed[i]);
+        }
+        const QVector<Money> brought = running;
+        EXPECT_EQ(sumsOn(first, "Donos:"), continues ? std::optional<QVector<Money>>(printed(running)) : std::nullopt);
+        if (const auto before = sumsInTable(*db, book.code, "01.01.2016"); continues && before) {
+            EXPECT_EQ(printed(running), printed(*before));
+        }
         const int rbroj = rs.indexOf("RBroj");
         for (int p = 0; p < pages.size(); ++p) {
             const bool last = p + 1 == pages.size();
@@ -234,6 +291,13 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
                 sumsOn(pages[p], "Za prenos:"), last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
                 << "page " << p + 1;
         }
+        const auto toDate = sumsOn(pages.last(), "Ukupno od 01.01.2016 do 31.12.2016:");
+        EXPECT_EQ(toDate, continues ? std::optional<QVector<Money>>(printed(running)) : std::nullopt);
+        if (const auto all = sumsInTable(*db, book.code, "12.31.2016"); continues && all) {
+            EXPECT_EQ(toDate, printed(*all));
+        }
+        for (int i = 0; i < running.size(); ++i)
+            running[i] -= brought[i];
         const auto totals = sumsOn(pages.last(), "Ukupno:");
         ASSERT_TRUE(totals);
         EXPECT_EQ(*totals, printed(running));
@@ -258,7 +322,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
             "--operator", "Ana", "--pdf", cliPdf };
         if (filtered)
             args << "--period"
-                 << "01.01.2016-31.12.2016";
+                 << "02.01.2016-31.12.2016";
         if (shop)
             args << "--prod" << QString::number(shop);
         ASSERT_EQ(host::runPrint(args), 0);

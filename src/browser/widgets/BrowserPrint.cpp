@@ -29,9 +29,17 @@ void previewOrReport(ReportPrinter& printer, QWidget* parent)
 
 std::unique_ptr<ReportPrinter> bookReport(frmSifarnikKnj& w)
 {
-    const report::BookFilter filter { w.OpisFiltera, w.DatumOd, w.DatumDo, w.BrojProd };
-    return std::make_unique<ReportPrinter>(report::bookLayout(w.TipSifarnika(), w.BrojProd),
-        report::bookHeader(w.TipSifarnika(), filter, w.rsStavke()), w.rsStavke());
+    const report::BookFilter filter { w.OpisFiltera, w.DatumOd, w.DatumDo, w.BrojProd, w.WhereUvjet };
+    const report::Layout layout = report::bookLayout(w.TipSifarnika(), w.BrojProd);
+    report::BroughtForward forward;
+    QString error;
+    if (!report::broughtForward(w.TipSifarnika(), layout, filter, &forward, &error)) {
+        warn(QStringLiteral("Desila se greška: ") + error);
+        return nullptr;
+    }
+    auto printer = std::make_unique<ReportPrinter>(layout, report::bookHeader(w.TipSifarnika(), filter, w.rsStavke()), w.rsStavke());
+    printer->bringForward(forward);
+    return printer;
 }
 
 std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
@@ -48,7 +56,8 @@ std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
 
 void frmSifarnikKnj::IspišiZapise()
 {
-    previewOrReport(*bookReport(*this), this);
+    if (const auto printer = bookReport(*this))
+        previewOrReport(*printer, this);
 }
 
 void frmSifarnikKnj::Rekapitulacija()

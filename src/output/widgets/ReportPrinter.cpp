@@ -24,6 +24,9 @@ namespace
 constexpr qreal kBodyPoints = 8.0;
 constexpr qreal kLeastBodyPoints = 5.0;
 constexpr qreal kMarginMm = 10.0;
+// Body lines the signature block takes below the totals: a gap, the lines for date,
+// stamp and signature, the caption under the signature.
+constexpr int kSignatureLines = 4;
 
 QFont font(qreal points, bool bold = false)
 {
@@ -188,6 +191,9 @@ QVector<report::Page> ReportPrinter::paginate() const
     const QVector<int>& summed = m_bound->summed();
     report::Paginator paginator(
         linesBelow(paintHead(nullptr, 0)), linesBelow(paintHead(nullptr, 1)), int(summed.size()));
+    if (m_forward.continues)
+        paginator.bringForward(m_forward.sums);
+    paginator.closeWith((m_forward.continues ? 1 : 0) + (m_layout.signature ? kSignatureLines : 0));
     QVector<Money> values(summed.size());
     for (int r = 0; r < m_rows.rowCount(); ++r) {
         for (int i = 0; i < summed.size(); ++i)
@@ -225,8 +231,8 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     const qreal top = paintHead(&p, index);
     const qreal headingsBottom = paintHeadings(p, top);
     qreal y = headingsBottom;
-    if (index > 0) {
-        paintSums(p, QStringLiteral("Prenos:"), page.brought, y);
+    if (index > 0 || m_forward.continues) {
+        paintSums(p, index > 0 ? QStringLiteral("Prenos:") : QStringLiteral("Donos:"), page.brought, y);
         y += m.line;
     }
     const qreal rowsTop = y;
@@ -249,8 +255,22 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
         y += (to - from) * m.line;
     }
     const bool last = index == m_pages.size() - 1;
-    paintSums(p, last ? QStringLiteral("Ukupno:") : QStringLiteral("Za prenos:"), page.carried, y);
+    if (!last) {
+        paintSums(p, QStringLiteral("Za prenos:"), page.carried, y);
+    } else {
+        // The period's own totals; what was brought forward comes back in the total to date.
+        QVector<Money> period = page.carried;
+        for (int i = 0; i < period.size() && i < m_pages.first().brought.size(); ++i)
+            period[i] -= m_pages.first().brought[i];
+        paintSums(p, QStringLiteral("Ukupno:"), period, y);
+        if (m_forward.continues) {
+            y += m.line;
+            paintSums(p, m_forward.totalLabel, page.carried, y);
+        }
+    }
     paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
+    if (last && m_layout.signature)
+        paintSignature(p, y + m.line);
     paintFoot(p, index);
 }
 
@@ -295,14 +315,15 @@ qreal ReportPrinter::paintHead(QPainter* p, int index) const
     };
     const QString pageText = report::pageLine(index + 1, std::max<int>(1, int(m_pages.size())));
     if (index > 0) {
-        line(m_header.company + QStringLiteral("  —  ") + m_header.title, m.small, Qt::AlignLeft, pageText);
+        const QString form = m_header.form.isEmpty() ? QString() : QStringLiteral("  —  ") + m_header.form;
+        line(m_header.company + QStringLiteral("  —  ") + m_header.title + form, m.small, Qt::AlignLeft, pageText);
         return y + m.pad;
     }
     line(m_header.company, m.company, Qt::AlignLeft, pageText);
     for (const QString& l : m_header.companyLines)
         line(l, m.small, Qt::AlignLeft);
     y += m.line * 0.5;
-    line(m_header.title, m.title, Qt::AlignHCenter);
+    line(m_header.title, m.title, Qt::AlignHCenter, m_header.form);
     if (!m_header.period.isEmpty())
         line(m_header.period, m.body, Qt::AlignHCenter);
     line(m_header.filter, m.small, Qt::AlignLeft, m_header.salesPoint);
@@ -359,6 +380,24 @@ void ReportPrinter::paintRules(QPainter& p, const Rules& at) const
         p.drawLine(top, QPointF(m.x[i], at.headingsBottom));
         p.drawLine(QPointF(m.x[i], at.rowsTop), QPointF(m.x[i], at.rowsBottom));
     }
+}
+
+// Where the book is closed: the date, the stamp ("M.P.") and the responsible person's
+// signature, each on its line, below the last totals.
+void ReportPrinter::paintSignature(QPainter& p, qreal y) const
+{
+    const Metrics& m = *m_m;
+    const qreal width = m.x.last();
+    const qreal rule = y + 2.5 * m.line; // the lines written on
+    const qreal baseline = rule - m.pad;
+    const QString date = QStringLiteral("Datum:");
+    m.text.draw(p, QPointF(0, baseline), date);
+    p.drawLine(QPointF(m.text.width(date) + m.pad, rule), QPointF(width * 0.28, rule));
+    const QString stamp = QStringLiteral("M.P.");
+    m.bold.draw(p, QPointF((width - m.bold.width(stamp)) / 2, baseline), stamp);
+    p.drawLine(QPointF(width * 0.64, rule), QPointF(width, rule));
+    const QString caption = QStringLiteral("Potpis odgovorne osobe");
+    m.foot.draw(p, QPointF(width * 0.82 - m.foot.width(caption) / 2, rule + m.pad + m.foot.ascent()), caption);
 }
 
 void ReportPrinter::paintFoot(QPainter& p, int index) const

@@ -3,6 +3,7 @@
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportPages.h"
+#include "output/ReportQueries.h"
 
 #include <QFont>
 #include <QString>
@@ -23,7 +24,9 @@ class GlyphText;
 // Prints one report on paper or into a PDF file: the header, the numbered column
 // headings on every page, the rows with their texts wrapped whole into their columns,
 // "Prenos" at the head of every page after the first, "Za prenos" at the foot of every
-// page but the last and the totals at the end.
+// page but the last and the totals at the end. A book printed for a period that
+// continues its year opens with "Donos" and closes with the total to date, its pages
+// carrying both; a book's last page ends with the date, signature and stamp block.
 //
 // Two passes over the rows: the first measures them and decides the pages (only page
 // boundaries and sums are kept; a row's height is the line count of the very wrapping
@@ -39,6 +42,9 @@ public:
     ~ReportPrinter();
     ReportPrinter(const ReportPrinter&) = delete;
     ReportPrinter& operator=(const ReportPrinter&) = delete;
+
+    // Before painting: what the period brings forward from the year before it.
+    void bringForward(report::BroughtForward forward) { m_forward = std::move(forward); }
 
     // False, with *error naming the missing field, when the rows do not fit the layout.
     bool isReady(QString* error = nullptr) const;
@@ -72,9 +78,11 @@ private:
     };
     void paintRules(QPainter& p, const Rules& at) const;
     void paintFoot(QPainter& p, int index) const;
+    void paintSignature(QPainter& p, qreal y) const;
 
     report::Layout m_layout;
     report::Header m_header;
+    report::BroughtForward m_forward;
     std::optional<ResultSet> m_ownRows;
     const ResultSet& m_rows;
     std::optional<report::BoundLayout> m_bound;
