@@ -1,6 +1,7 @@
 #include "browser/Renumbering.h"
 
 #include "books/BookKind.h"
+#include "journal/Journal.h"
 #include "session/BulkNumbers.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -137,6 +138,21 @@ std::unordered_map<qint64, qint64> followAllLinks(
     return out;
 }
 
+journal::Scope scopeOf(const Book& b)
+{
+    return { b.tip, b.company, b.year, b.brojProd };
+}
+
+// One record lists every number that changed, another every link that followed.
+bool journalNumbers(Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
+{
+    return (numbers.isEmpty()
+               || journal::append(db, scopeOf(b), { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
+        && (links.isEmpty()
+            || journal::append(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 },
+                { journal::Radnja::Veze, std::nullopt, {}, links }, error));
+}
+
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
     const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
 {
@@ -148,8 +164,10 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!rewriteNumbers(db, rowsTarget, rows, book, error)
-        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error)))
+    if (!journal::ensureBaseline(db, scopeOf(b), error) || !rewriteNumbers(db, rowsTarget, rows, book, error)
+        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
+        || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), book),
+            journal::numberChanges(links, QStringLiteral("RBroj"), linked), error))
         return false;
     if (!tx.commit()) {
         *error = db.errorDescription();
@@ -175,7 +193,7 @@ bool readLinkValues(Database& db, const Book& b, std::vector<qint64>& values, QH
     return true;
 }
 
-bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* error)
+bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
 {
     std::vector<qint64> values;
     QHash<qint64, qint64> counts;
@@ -188,6 +206,7 @@ bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, 
     qint64 rowsMoved = 0;
     for (const auto& [from, to] : pairs)
         rowsMoved += counts.value(from);
+    *links = journal::valueChanges(pairs);
     const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
         receivablesScope(b) };
     return remapNumbers(db, target, pairs, rowsMoved, error);
@@ -207,14 +226,19 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         return DateStep::Begin;
     }
     ResultSet rows;
+    if (!journal::ensureBaseline(db, scopeOf(b), error))
+        return DateStep::Write;
     if (!db.open(rowsSql(b, dateOrder(b.tip)), rows)) {
         *error = db.errorDescription();
         return DateStep::Read;
     }
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
-    if (!rewriteNumbers(db, target, rows, ordinalNumbers(numbers, 0), error)
-        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, error)))
+    const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
+    QString links;
+    if (!rewriteNumbers(db, target, rows, changes, error)
+        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
+        || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), changes), links, error))
         return DateStep::Write;
     if (!tx.commit()) {
         *error = db.errorDescription();
@@ -325,7 +349,12 @@ bool insertAt(const Book& b, qint32 n)
         return false;
     Database& db = session().db();
     TransactionGuard tx(db);
-    return tx.isActive() && db.execute(shiftSql(b, n)) && db.execute(blankEntrySql(b, n)) && tx.commit();
+    QString error;
+    ResultSet blank;
+    return tx.isActive() && journal::ensureBaseline(db, scopeOf(b), &error) && db.execute(shiftSql(b, n))
+        && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
+        && journal::append(db, scopeOf(b), { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
+        && tx.commit();
 }
 
 After byOrdinal(const Book& b)

@@ -1,6 +1,8 @@
 #include "generate/Generation.h"
 
+#include "books/BookKind.h"
 #include "books/Schema.h"
+#include "journal/Journal.h"
 #include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Interaction.h"
@@ -378,19 +380,36 @@ int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadn
         return 0;
     }
     TransactionGuard transakcija(db);
+    // The rows written go into the journal with them, in the same transaction.
+    const journal::Scope knjigaDB { Knjiga::PrihRashDB, p.brojPoduzeca, p.godina, 0 };
+    QString dnevnik, greška;
+    const auto zapišiDnevnik = [&] {
+        return dnevnik.isEmpty()
+            || journal::append(db, knjigaDB, { journal::Radnja::Generiranje, std::nullopt, {}, dnevnik }, &greška);
+    };
+    if (!journal::ensureBaseline(db, knjigaDB, &greška)) {
+        warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+        return 0;
+    }
     int zapisano = 0;
     for (int r = 0; r < izvor.rowCount(); ++r) {
         const qint64 rBroj = zadnji + r + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
-        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, stavka(p, izvor, r, rBroj), {} })) {
-            if (transakcija.isActive())
+        const RowChange::Values red = stane ? stavka(p, izvor, r, rBroj) : RowChange::Values();
+        const bool upisan = stane && db.writeRow({ RowChange::Kind::Insert, kKnjiga, red, {} });
+        if (upisan)
+            dnevnik += journal::rowText(red) + u'\n';
+        else {
+            if (transakcija.isActive() && !zapišiDnevnik())
+                zapisano = 0;
+            else if (transakcija.isActive())
                 transakcija.commit();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
         ++zapisano;
     }
-    if (transakcija.isActive() && !transakcija.commit()) {
+    if (transakcija.isActive() && (!zapišiDnevnik() || !transakcija.commit())) {
         warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
