@@ -343,6 +343,27 @@ bool ensureBaseline(Database& db, const Scope& s, QString* error)
     return writeBaseline(db, s, error);
 }
 
+bool baselineEveryBook(Database& db, QString* error)
+{
+    QSet<QString> tables;
+    for (const BookKind& book : allBooks()) {
+        if (tables.contains(book.table))
+            continue;
+        tables.insert(book.table);
+        ResultSet scopes;
+        if (!db.open(QStringLiteral("SELECT DISTINCT BrojPoduzeca,GodinaKnj FROM ") + book.table
+                    + QStringLiteral(" ORDER BY GodinaKnj,BrojPoduzeca"),
+                scopes)) {
+            *error = db.errorDescription();
+            return false;
+        }
+        for (int r = 0; r < scopes.rowCount(); ++r)
+            if (!ensureBaseline(db, { book.code, qint16(scopes.integer(r, 0)), qint16(scopes.integer(r, 1)), 0 }, error))
+                return false;
+    }
+    return true;
+}
+
 bool appendRowChange(Database& db, const Scope& s, const RowChange& change, QString* error)
 {
     Change c;

@@ -105,6 +105,9 @@ bool append(Database& db, const Scope& scope, const Change& change, QString* err
 // linked to it take their baselines together.
 bool ensureBaseline(Database& db, const Scope& scope, QString* error);
 
+// A baseline for every company and year found in every book (a database just filled).
+bool baselineEveryBook(Database& db, QString* error);
+
 // A single row written by an editor or generation.
 bool appendRowChange(Database& db, const Scope& scope, const RowChange& change, QString* error);
 
