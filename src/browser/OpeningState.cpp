@@ -1,6 +1,6 @@
 #include "browser/OpeningState.h"
 
-#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -29,6 +29,10 @@ qint32 highestNumberIn(int tip, qint16 year)
 bool run(const QString& sql, const journal::Scope& next, QString* error)
 {
     Database& db = session().db();
+    *error = periodlock::refuseDates(db, next, { QDate(next.year, 1, 1) },
+        QStringLiteral("Početna stanja bila bi datirana %1."));
+    if (!error->isEmpty())
+        return false;
     TransactionGuard tx(db);
     const QString newYear = QStringLiteral("SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
         + QString::number(next.year) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(next.company);

@@ -1,7 +1,7 @@
 #include "browser/Renumbering.h"
 
 #include "books/BookKind.h"
-#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/BulkNumbers.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -19,6 +19,7 @@ namespace
 
 const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+const QString kLockedNumber = QStringLiteral("Renumeracija bi promijenila redni broj stavke %1 datirane %2.");
 
 QString num(qint64 v)
 {
@@ -213,7 +214,7 @@ bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, 
 }
 
 // The step of a renumbering by date that failed, if any.
-enum class DateStep { Done, Begin, Read, Write };
+enum class DateStep { Done, Begin, Read, Locked, Write };
 
 // The whole renumbering by date in one transaction, rolled back on any failure. The
 // rows come in the server's order, equal dates as the server returns them, and each
@@ -235,6 +236,9 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
+    *error = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
+    if (!error->isEmpty())
+        return DateStep::Locked;
     QString links;
     if (!rewriteNumbers(db, target, rows, changes, error)
         || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
@@ -348,6 +352,13 @@ bool insertAt(const Book& b, qint32 n)
     if (n == 0 || !takesPart(b.tip) || (isTradeBook(b.tip) && b.brojProd == 0))
         return false;
     Database& db = session().db();
+    // The blank entry is dated 1 January and every entry after it changes its number.
+    const QString locked = periodlock::refuseDates(db, scopeOf(b), { QDate(b.year, 1, 1) },
+        QStringLiteral("Ubačena stavka bila bi datirana %1, a stavke iza nje dobile bi nove redne brojeve."));
+    if (!locked.isEmpty()) {
+        warn(locked);
+        return false;
+    }
     TransactionGuard tx(db);
     QString error;
     ResultSet blank;
@@ -381,6 +392,11 @@ After byOrdinal(const Book& b)
         != Answer::Yes)
         return After::Reload;
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
+    if (const QString locked = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
+        !locked.isEmpty()) {
+        warn(locked);
+        return After::Stay;
+    }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
     QString error;
     if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
@@ -408,6 +424,9 @@ After byDate(const Book& b)
         return After::Stay;
     case DateStep::Read:
         warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + error);
+        return After::Stay;
+    case DateStep::Locked:
+        warn(error);
         return After::Stay;
     case DateStep::Write:
         break;

@@ -2,7 +2,7 @@
 
 #include "books/BookKind.h"
 #include "books/Schema.h"
-#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Interaction.h"
@@ -379,9 +379,19 @@ int upiši(Database& db, const Parametri& p, const ResultSet& izvor, qint64 zadn
         warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
     }
-    TransactionGuard transakcija(db);
-    // The rows written go into the journal with them, in the same transaction.
+    // Nothing is written into a closed period; the rows written go into the journal
+    // with them, in the same transaction.
     const journal::Scope knjigaDB { Knjiga::PrihRashDB, p.brojPoduzeca, p.godina, 0 };
+    QList<QDate> datumi;
+    for (int r = 0; r < izvor.rowCount(); ++r)
+        datumi << (izvor.isNull(r, 2) ? QDate() : izvor.date(r, 2));
+    const QString zaključano = periodlock::refuseDates(db, knjigaDB, datumi,
+        QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
+    if (!zaključano.isEmpty()) {
+        warn(zaključano);
+        return 0;
+    }
+    TransactionGuard transakcija(db);
     QString dnevnik, greška;
     const auto zapišiDnevnik = [&] {
         return dnevnik.isEmpty()

@@ -5,7 +5,7 @@
 #include "editors/EditorRules.h"
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
-#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -131,6 +131,9 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
         ResultSet gone;
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
             && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + WhereUvjet, gone);
+        if (read)
+            error = periodlock::refuseRows(db, scope, gone, nullptr,
+                QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
         const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt,
             journal::rowsText(gone), {} };
         if (error.isEmpty() && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())

@@ -3,7 +3,7 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
 #include "editors/widgets/MoneyBox.h"
-#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -507,9 +507,16 @@ bool RecordEditor::zapisi(QString* failure)
     Database& db = session().db();
     const journal::Scope scope = journalScope(change);
     QString error;
+    QList<QDate> dates;
+    for (const auto& [column, value] : change.values + change.original)
+        if (column.compare(QLatin1String("Datum"), Qt::CaseInsensitive) == 0)
+            dates << value.toDate();
     if (change.kind != RowChange::Kind::Insert && change.original.isEmpty())
         error = QStringLiteral("Stavka nije pročitana iz baze podataka.");
-    else if (journal::ensureBaseline(db, scope, &error)
+    else if (const QString locked = periodlock::refuseDates(db, scope, dates); !locked.isEmpty()) {
+        *failure = locked;
+        return false;
+    } else if (journal::ensureBaseline(db, scope, &error)
         && !(proposedNumber(change) ? saveUnderFreeNumber(change) : db.writeRow(change)))
         error = db.errorDescription();
     else if (error.isEmpty()) {
