@@ -2,11 +2,18 @@
 #include "host/BookCommands.h"
 
 #include "books/BookKind.h"
+#include "browser/Renumbering.h"
+#include "generate/SourceDatabase.h"
 #include "host/Cli.h"
 #include "journal/BookCheck.h"
+#include "journal/PeriodLock.h"
 #include "session/Database.h"
+#include "session/Dates.h"
+#include "session/Interaction.h"
+#include "session/Session.h"
 
 #include <QTextStream>
+#include <memory>
 #include <optional>
 
 namespace knjige::cli {
@@ -61,7 +68,199 @@ int readBook(const Options& o, const QString& usage, BookOptions& b)
     return Done;
 }
 
+const QStringList kBookValues = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
+    QStringLiteral("--year"), QStringLiteral("--prod"), QStringLiteral("--operator"), QStringLiteral("--level") };
+
+const QString kOperatorHelp = QStringLiteral(
+    "  --operator IME  ime operatera u dnevniku promjena (zadano: korisnik sustava)\n"
+    "  --level N       nivo pristupa operatera (zadano: 0)\n");
+
+// The command's question is answered with Da (the person said --yes); every message
+// goes to standard error, and one that warns marks the work as failed.
+class UnattendedYes final : public Interaction {
+public:
+    Answer show(const Message& m) override
+    {
+        QTextStream(stderr) << (m.title.isEmpty() ? QString() : m.title + QStringLiteral(": ")) << m.text << '\n';
+        if (m.icon == Icon::Exclamation || m.icon == Icon::Critical)
+            failed = true;
+        return m.buttons == Buttons::Ok ? Answer::Ok : Answer::Yes;
+    }
+    int exec(QDialog&) override { return 0; }
+    QString chooseSaveFile(const FileChoice&) override { return {}; }
+    QString chooseOpenFile(const FileChoice&) override { return {}; }
+    bool startProgram(const QString&, const QStringList&) override { return false; }
+    bool failed = false;
+};
+
+// The session the browser would have for the book: its database, company, year and
+// operator. 0 when ready, else the exit code with the message printed.
+int openSession(const Options& o, const QString& usage, BookOptions& b)
+{
+    if (const int refused = readBook(o, usage, b))
+        return refused;
+    int code = Done;
+    const QString connection = commandConnection(o, usage, &code);
+    if (connection.isEmpty())
+        return code;
+    Session& s = session();
+    s.ConnString = connection;
+    s.BrojPoduzeca = qint16(b.company);
+    s.RadnaGodina = qint16(b.year);
+    s.ImeOperatera = o.values.value(QStringLiteral("--operator"), gen::imeOperateraSustava());
+    s.NivoPristupa = o.values.value(QStringLiteral("--level"), periodlock::kLevel);
+    if (!s.db().connect(connection))
+        return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + s.db().errorDescription());
+    return Done;
+}
+
+// Runs an operation of the browser unattended; 0 when it went through without a warning.
+template <typename Operation>
+int unattended(Operation operation)
+{
+    auto answers = std::make_unique<UnattendedYes>();
+    UnattendedYes* seen = answers.get();
+    auto previous = setInteraction(std::move(answers));
+    const bool ok = operation();
+    const bool failed = seen->failed;
+    setInteraction(std::move(previous));
+    session().db().disconnect();
+    return ok && !failed ? Done : Failed;
+}
+
+// Parses and checks the options every book command shares; 0 when the command goes on.
+int bookCommand(const QStringList& args, const QStringList& values, const QStringList& flags, const QString& usage,
+    Options* o)
+{
+    *o = commandOptions(args, kBookValues + values, flags);
+    if (!o->error.isEmpty())
+        return complain(o->error + u'\n' + usage, Usage);
+    if (o->flags.contains(QStringLiteral("--help"))) {
+        QTextStream(stdout) << usage;
+        return -1;
+    }
+    return Done;
+}
+
 } // namespace
+
+QString lockUsage()
+{
+    return QStringLiteral(
+               "knjige lock KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+               "            (--to dd.mm.gggg | --unlock --reason TEKST) [--operator IME] [--level N]\n"
+               "  Zaključa razdoblje knjige do datuma: stavke datirane tog dana ili ranije više se ne\n"
+               "  mijenjaju, ne brišu i ne dobivaju nove redne brojeve. --unlock ga otvara; razlog ide u\n"
+               "  dnevnik promjena. Samo operateri s nivoom pristupa 0.\n")
+        + kOperatorHelp + QStringLiteral("  Primjer: knjige lock 96 --db knjige.db --company 1 --year 2026 --to 31.03.2026\n");
+}
+
+int runLock(const QStringList& args)
+{
+    Options o;
+    if (const int stop = bookCommand(args, { QStringLiteral("--to"), QStringLiteral("--reason") },
+            { QStringLiteral("--unlock") }, lockUsage(), &o))
+        return stop < 0 ? Done : stop;
+    const bool opening = o.flags.contains(QStringLiteral("--unlock"));
+    if (opening == o.values.contains(QStringLiteral("--to")))
+        return complain(QStringLiteral("Zadajte --to DATUM ili --unlock --reason TEKST (jedno od dvoga).\n") + lockUsage(),
+            Usage);
+    if (opening && o.values.value(QStringLiteral("--reason")).trimmed().isEmpty())
+        return complain(QStringLiteral("Otključavanje traži razlog: --reason TEKST.\n") + lockUsage(), Usage);
+    const QDate to = dates::parseDayFirst(o.values.value(QStringLiteral("--to")).trimmed());
+    if (!opening && !to.isValid())
+        return complain(QStringLiteral("Datum mora biti oblika dd.mm.gggg.\n") + lockUsage(), Usage);
+    BookOptions b;
+    if (const int refused = openSession(o, lockUsage(), b))
+        return refused;
+    if (session().NivoPristupa != periodlock::kLevel)
+        return complain(QStringLiteral("Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0."));
+    const journal::Scope scope { b.book->code, qint16(b.company), qint16(b.year), 0 };
+    QString error;
+    const bool done = opening ? periodlock::unlock(session().db(), scope, o.values.value(QStringLiteral("--reason")), &error)
+                              : periodlock::lock(session().db(), scope, to, &error);
+    session().db().disconnect();
+    if (!done)
+        return complain(error);
+    QTextStream(stdout) << (opening ? QStringLiteral("Razdoblje knjige %1 je otključano.\n").arg(b.book->code)
+                                    : QStringLiteral("Knjiga %1 je zaključana do %2.\n")
+                                          .arg(b.book->code)
+                                          .arg(to.toString(QStringLiteral("dd.MM.yyyy"))));
+    return Done;
+}
+
+QString renumberUsage()
+{
+    return QStringLiteral(
+               "knjige renumber KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+               "                (--by-number | --by-date) --yes [--prod N] [--operator IME] [--level N]\n"
+               "  Renumeracija kao u pregledu knjige (Alati): --by-number zatvara praznine i duplikate\n"
+               "  redom rednih brojeva, --by-date numerira knjigu redom datuma. Iste naredbe, ista\n"
+               "  transakcija, isti dnevnik i isto zaključano razdoblje; --yes potvrđuje pitanje.\n")
+        + kOperatorHelp;
+}
+
+int runRenumber(const QStringList& args)
+{
+    Options o;
+    if (const int stop = bookCommand(args, {},
+            { QStringLiteral("--by-number"), QStringLiteral("--by-date"), QStringLiteral("--yes") }, renumberUsage(), &o))
+        return stop < 0 ? Done : stop;
+    const bool byDate = o.flags.contains(QStringLiteral("--by-date"));
+    if (byDate == o.flags.contains(QStringLiteral("--by-number")))
+        return complain(QStringLiteral("Zadajte --by-number ili --by-date (jedno od dvoga).\n") + renumberUsage(), Usage);
+    if (!o.flags.contains(QStringLiteral("--yes")))
+        return complain(QStringLiteral("Renumeracija mijenja redne brojeve: potvrdite je s --yes.\n") + renumberUsage(),
+            Usage);
+    BookOptions b;
+    if (const int refused = openSession(o, renumberUsage(), b))
+        return refused;
+    if (!renumber::takesPart(b.book->code))
+        return complain(QStringLiteral("Knjiga %1 nema renumeraciju.").arg(b.book->code), Usage);
+    const renumber::Book book = renumber::sessionBook(b.book->code, b.salesPoint);
+    return unattended([&] {
+        byDate ? renumber::byDate(book) : renumber::byOrdinal(book);
+        return true;
+    });
+}
+
+QString insertUsage()
+{
+    return QStringLiteral(
+               "knjige insert KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+               "             --at N --yes [--prod N] [--operator IME] [--level N]\n"
+               "  Ubaci zapis na mjesto N kao u pregledu knjige: stavke od N dalje dobiju broj više, a\n"
+               "  na mjesto N dođe prazna stavka s datumom 1.1. godine.\n")
+        + kOperatorHelp;
+}
+
+int runInsert(const QStringList& args)
+{
+    Options o;
+    if (const int stop = bookCommand(args, { QStringLiteral("--at") }, { QStringLiteral("--yes") }, insertUsage(), &o))
+        return stop < 0 ? Done : stop;
+    const auto at = wholeNumber(o.values.value(QStringLiteral("--at")), 1, 2147483647);
+    if (!at)
+        return complain(QStringLiteral("Mjesto (--at) mora biti pozitivan broj.\n") + insertUsage(), Usage);
+    if (!o.flags.contains(QStringLiteral("--yes")))
+        return complain(QStringLiteral("Umetanje mijenja redne brojeve: potvrdite ga s --yes.\n") + insertUsage(), Usage);
+    BookOptions b;
+    if (const int refused = openSession(o, insertUsage(), b))
+        return refused;
+    if (!renumber::takesPart(b.book->code) || (isTradeBook(b.book->code) && b.salesPoint == 0))
+        return complain(QStringLiteral("U knjigu %1 se ne umeće%2.")
+                            .arg(b.book->code)
+                            .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
+            Usage);
+    const renumber::Book book = renumber::sessionBook(b.book->code, b.salesPoint);
+    const int code = unattended([&] { return renumber::insertAt(book, qint32(*at)); });
+    if (code != Done && !session().db().errorDescription().isEmpty())
+        return complain(QStringLiteral("Umetanje nije uspjelo: ") + session().db().errorDescription());
+    if (code != Done)
+        return code;
+    QTextStream(stdout) << QStringLiteral("Na mjesto %1 ubačena je prazna stavka.\n").arg(*at);
+    return Done;
+}
 
 QString checkUsage()
 {

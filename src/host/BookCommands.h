@@ -11,4 +11,15 @@ namespace knjige::cli {
 int runCheck(const QStringList& args);
 QString checkUsage();
 
+// knjige lock: closes a book's period up to a date, or opens it with a reason.
+int runLock(const QStringList& args);
+QString lockUsage();
+
+// knjige renumber and knjige insert: the browser's renumberings and insertion at a
+// position, run unattended (--yes answers the window's question).
+int runRenumber(const QStringList& args);
+QString renumberUsage();
+int runInsert(const QStringList& args);
+QString insertUsage();
+
 } // namespace knjige::cli

@@ -33,6 +33,9 @@ const Command commands[] = {
     {"print", true, knjige::host::runPrint, knjige::host::printUsage},
     {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
     {"check", false, knjige::cli::runCheck, knjige::cli::checkUsage},
+    {"lock", false, knjige::cli::runLock, knjige::cli::lockUsage},
+    {"renumber", false, knjige::cli::runRenumber, knjige::cli::renumberUsage},
+    {"insert", false, knjige::cli::runInsert, knjige::cli::insertUsage},
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.
