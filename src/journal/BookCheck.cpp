@@ -541,9 +541,9 @@ private:
             const Money closed = closing.money(match, col("NovaKnjigVrij"));
             if (closed != opening)
                 findings << QStringLiteral("%1 (%2): početno stanje %3 razlikuje se od stanja na kraju %4. godine %5.")
-                                .arg(entry(v), shown(v.value(QStringLiteral("NAZIV"))), opening.toString())
+                                .arg(entry(v), shown(v.value(QStringLiteral("NAZIV"))), opening.toPlainString())
                                 .arg(m_q.year - 1)
-                                .arg(closed.toString());
+                                .arg(closed.toPlainString());
         }
         section(QStringLiteral("Početna stanja"), findings);
     }
