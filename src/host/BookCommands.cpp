@@ -197,7 +197,8 @@ QString renumberUsage()
                "  Renumeracija kao u pregledu knjige (Alati): --by-number zatvara praznine i duplikate\n"
                "  redom rednih brojeva, --by-date numerira knjigu redom datuma. Iste naredbe, ista\n"
                "  transakcija, isti dnevnik i isto zaključano razdoblje; --yes potvrđuje pitanje.\n")
-        + kOperatorHelp;
+        + kOperatorHelp
+        + QStringLiteral("  Primjer: knjige renumber 96 --db knjige.db --company 1 --year 2026 --by-date --yes\n");
 }
 
 int runRenumber(const QStringList& args)
@@ -231,7 +232,7 @@ QString insertUsage()
                "             --at N --yes [--prod N] [--operator IME] [--level N]\n"
                "  Ubaci zapis na mjesto N kao u pregledu knjige: stavke od N dalje dobiju broj više, a\n"
                "  na mjesto N dođe prazna stavka s datumom 1.1. godine.\n")
-        + kOperatorHelp;
+        + kOperatorHelp + QStringLiteral("  Primjer: knjige insert 96 --db knjige.db --company 1 --year 2026 --at 5 --yes\n");
 }
 
 int runInsert(const QStringList& args)
@@ -287,10 +288,12 @@ int runCheck(const QStringList& args)
     BookOptions b;
     if (const int refused = readBook(o, checkUsage(), b))
         return refused;
+    // A book that cannot be reached is a book that cannot be read: exit 2, as a
+    // failed read, never 1, which says the check found something.
     int code = Done;
     const QString connection = commandConnection(o, checkUsage(), &code);
     if (connection.isEmpty())
-        return code;
+        return Usage;
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription(), Usage);
