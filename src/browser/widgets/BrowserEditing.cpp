@@ -125,23 +125,24 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
     Database& db = session().db();
     const Session& s = session();
     const journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
-    QString error;
+    QString error, locked;
     {
         TransactionGuard tx(db);
         ResultSet gone;
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
             && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + WhereUvjet, gone);
         if (read)
-            error = periodlock::refuseRows(db, scope, gone, nullptr,
+            locked = periodlock::refuseRows(db, scope, gone, nullptr,
                 QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
         const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt,
             journal::rowsText(gone), {} };
-        if (error.isEmpty() && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
+        if (locked.isEmpty() && error.isEmpty()
+            && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
             && error.isEmpty())
             error = db.errorDescription();
     }
-    if (!error.isEmpty()) {
-        warn(QStringLiteral("Desila se greška: ") + error);
+    if (!locked.isEmpty() || !error.isEmpty()) {
+        warn(locked.isEmpty() ? QStringLiteral("Desila se greška: ") + error : locked);
         return;
     }
     OsvjeziZapise();

@@ -401,6 +401,7 @@ void RecordEditor::potvrdi()
     // The entry, what follows from it and its journal record stand or fall together;
     // a refusal is shown after the rollback, so no lock waits on the person.
     QString failure;
+    m_notice.clear();
     {
         Database& db = session().db();
         TransactionGuard tx(db);
@@ -416,6 +417,8 @@ void RecordEditor::potvrdi()
         warn(failure);
         return;
     }
+    if (!m_notice.isEmpty())
+        inform(m_notice, QStringLiteral("Napomena"), Icon::Exclamation);
     m_izisaoSaPrekidom = false;
     accept();
 }
@@ -479,11 +482,11 @@ bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
         return false;
     if (saved != proposed) {
         ubRBroj->setValue(Money::fromWhole(saved));
-        inform(QStringLiteral("Redni broj %1 je u međuvremenu dobila stavka koju je upisao drugi korisnik.\n"
-                              "Ova stavka je spremljena pod sljedećim slobodnim rednim brojem: %2.")
-                   .arg(proposed)
-                   .arg(saved),
-            QStringLiteral("Napomena"), Icon::Exclamation);
+        // Told once the save is committed: no lock waits while the person reads it.
+        m_notice = QStringLiteral("Redni broj %1 je u međuvremenu dobila stavka koju je upisao drugi korisnik.\n"
+                                  "Ova stavka je spremljena pod sljedećim slobodnim rednim brojem: %2.")
+                       .arg(proposed)
+                       .arg(saved);
     }
     return true;
 }

@@ -161,6 +161,7 @@ private:
     bool saveUnderFreeNumber(const RowChange& change);
 
     int m_tipRada = 0;
+    QString m_notice; // shown after a committed save
     bool m_izisaoSaPrekidom = true;
     bool m_quietDates = false;
     bool m_procitan = false;
