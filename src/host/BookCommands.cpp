@@ -26,16 +26,9 @@ std::optional<int> wholeNumber(const QString& text, int low, int high)
     return ok && n >= low && n <= high ? std::optional<int>(n) : std::nullopt;
 }
 
-struct BookOptions {
-    const BookKind* book = nullptr;
-    int company = 0;
-    int year = 0;
-    int salesPoint = 0;
-};
+} // namespace
 
-// The book, company, year and sales point of the command line; 0 when complete, else
-// the exit code with the message printed.
-int readBook(const Options& o, const QString& usage, BookOptions& b)
+int readBook(const Options& o, const QString& usage, BookOptions& b, const QStringList& alsoRequired)
 {
     const auto refuse = [&usage](const QString& message) { return complain(message + u'\n' + usage, Usage); };
     if (o.positional.size() != 1)
@@ -46,9 +39,9 @@ int readBook(const Options& o, const QString& usage, BookOptions& b)
     b.book = code ? findBook(*code) : findBookByClass(name);
     if (!b.book)
         return refuse(QStringLiteral("Nepoznata knjiga: %1").arg(name));
-    for (const char* required : { "--company", "--year" })
-        if (o.values.value(QLatin1String(required)).trimmed().isEmpty())
-            return refuse(QStringLiteral("Nedostaje opcija %1.").arg(QLatin1String(required)));
+    for (const QString& required : QStringList { QStringLiteral("--company"), QStringLiteral("--year") } + alsoRequired)
+        if (o.values.value(required).trimmed().isEmpty())
+            return refuse(QStringLiteral("Nedostaje opcija %1.").arg(required));
     const auto company = wholeNumber(o.values.value(QStringLiteral("--company")), 1, 32767);
     if (!company)
         return refuse(QStringLiteral("Poduzeće mora biti broj od 1 do 32767."));
@@ -67,6 +60,8 @@ int readBook(const Options& o, const QString& usage, BookOptions& b)
     }
     return Done;
 }
+
+namespace {
 
 const QStringList kBookValues = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
     QStringLiteral("--year"), QStringLiteral("--prod"), QStringLiteral("--operator"), QStringLiteral("--level") };

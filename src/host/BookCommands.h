@@ -3,7 +3,25 @@
 #include <QString>
 #include <QStringList>
 
+namespace knjige {
+struct BookKind;
+}
+
 namespace knjige::cli {
+
+struct Options;
+
+// The book (code or class name), company, year and, in the trade books, sales point
+// that a command names.
+struct BookOptions {
+    const BookKind* book = nullptr;
+    int company = 0;
+    int year = 0;
+    int salesPoint = 0;
+};
+// Reads them from the command line, with the options the command also requires; 0
+// when complete, else the exit code with the message (and `usage`) printed.
+int readBook(const Options& o, const QString& usage, BookOptions& b, const QStringList& alsoRequired = {});
 
 // knjige check: the book check's report on standard output. Exit 0 when it finds
 // nothing, 1 when it reports findings, 2 when the book cannot be read or the command
