@@ -8,6 +8,7 @@
 // not grow with the rows.
 #include "books/Schema.h"
 #include "browser/Renumbering.h"
+#include "journal/Journal.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -91,6 +92,12 @@ Books& books()
         if (!createEmbeddedDatabase(f->master, &error))
             std::fprintf(stderr, "schema: %s\n", qPrintable(error));
         fill(f->master);
+        // The book has been opened before: its journal holds the baseline, and the
+        // renumbering adds its own records to it.
+        Database db;
+        QString journalError;
+        if (!db.connect(f->master) || !journal::ensureBaseline(db, { 96, 1, kYear, 0 }, &journalError))
+            std::fprintf(stderr, "journal: %s\n", qPrintable(journalError + db.errorDescription()));
         return f;
     }();
     return *b;

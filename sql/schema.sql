@@ -221,3 +221,35 @@ CREATE TABLE dbo.CONFIG (
     Napomena ntext NULL
 )
 GO
+
+-- The change journal: one record per change the component makes to a book, chained
+-- per company and year by SHA-256 hashes (Hash covers the record's fields and the
+-- previous record's Hash). Vrijeme is the server's time as text, hashed as stored.
+CREATE TABLE dbo.KnjDnevnik (
+    BrojPoduzeca smallint NOT NULL,
+    GodinaKnj smallint NOT NULL,
+    Redni int NOT NULL,
+    TipKnjige smallint NOT NULL,
+    BrojProd int NOT NULL,
+    Vrijeme nvarchar(23) NOT NULL,
+    Operater nvarchar(50) NULL,
+    Radnja nvarchar(30) NOT NULL,
+    RBroj int NULL,
+    Prije nvarchar(max) NULL,
+    Poslije nvarchar(max) NULL,
+    Hash char(64) NOT NULL
+)
+GO
+CREATE UNIQUE INDEX IX_KnjDnevnik_Redni ON dbo.KnjDnevnik (BrojPoduzeca, GodinaKnj, Redni)
+GO
+
+-- Closed periods: no entry of the book dated on or before ZakljucanoDo changes.
+CREATE TABLE dbo.KnjZakljucano (
+    BrojPoduzeca smallint NOT NULL,
+    GodinaKnj smallint NOT NULL,
+    TipKnjige smallint NOT NULL,
+    ZakljucanoDo datetime NOT NULL
+)
+GO
+CREATE UNIQUE INDEX IX_KnjZakljucano ON dbo.KnjZakljucano (BrojPoduzeca, GodinaKnj, TipKnjige)
+GO

@@ -1,8 +1,11 @@
 #include "browser/OpeningState.h"
 
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+
+#include <algorithm>
 
 namespace knjige::openingstate
 {
@@ -21,14 +24,35 @@ qint32 highestNumberIn(int tip, qint16 year)
     return highest;
 }
 
-bool run(const QString& sql, QString* error)
+// The rows the statement adds to the new year, numbered by the table, are the
+// journal record of the change.
+bool run(const QString& sql, const journal::Scope& next, QString* error)
 {
     Database& db = session().db();
+    *error = periodlock::refuseDates(db, next, { QDate(next.year, 1, 1) },
+        QStringLiteral("Početna stanja bila bi datirana %1."));
+    if (!error->isEmpty())
+        return false;
     TransactionGuard tx(db);
-    if (!tx.isActive() || !db.execute(sql)) {
-        *error = db.errorDescription();
+    const QString newYear = QStringLiteral("SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
+        + QString::number(next.year) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(next.company);
+    ResultSet before, after;
+    if (!tx.isActive() || !journal::ensureBaseline(db, next, error) || !db.open(newYear, before)
+        || !db.execute(sql) || !db.open(newYear, after)) {
+        if (error->isEmpty())
+            *error = db.errorDescription();
         return false;
     }
+    qint64 highest = 0;
+    const int c = before.indexOf(QStringLiteral("RBroj"));
+    for (int r = 0; r < before.rowCount(); ++r)
+        highest = std::max(highest, before.integer(r, c));
+    QString added;
+    for (int r = 0; r < after.rowCount(); ++r)
+        if (after.integer(r, c) > highest)
+            added += journal::rowText(after, r) + u'\n';
+    if (!journal::append(db, next, { journal::Radnja::PocetnaStanja, std::nullopt, {}, added }, error))
+        return false;
     if (!tx.commit()) {
         *error = db.errorDescription();
         db.rollback();
@@ -72,7 +96,7 @@ bool generate(int tip)
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::Yes }) != Answer::Yes)
         return false;
     QString error;
-    if (!run(insertSql(s.BrojPoduzeca, year), &error)) {
+    if (!run(insertSql(s.BrojPoduzeca, year), { tip, s.BrojPoduzeca, qint16(next), 0 }, &error)) {
         warn(QStringLiteral("Desila se greška: ") + QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: ")
             + error);
         return false;

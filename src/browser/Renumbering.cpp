@@ -1,6 +1,7 @@
 #include "browser/Renumbering.h"
 
 #include "books/BookKind.h"
+#include "journal/PeriodLock.h"
 #include "session/BulkNumbers.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -18,6 +19,7 @@ namespace
 
 const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+const QString kLockedNumber = QStringLiteral("Renumeracija bi promijenila redni broj stavke %1 datirane %2.");
 
 QString num(qint64 v)
 {
@@ -137,6 +139,21 @@ std::unordered_map<qint64, qint64> followAllLinks(
     return out;
 }
 
+journal::Scope scopeOf(const Book& b)
+{
+    return { b.tip, b.company, b.year, b.brojProd };
+}
+
+// One record lists every number that changed, another every link that followed.
+bool journalNumbers(Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
+{
+    return (numbers.isEmpty()
+               || journal::append(db, scopeOf(b), { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
+        && (links.isEmpty()
+            || journal::append(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 },
+                { journal::Radnja::Veze, std::nullopt, {}, links }, error));
+}
+
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
     const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
 {
@@ -148,8 +165,10 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!rewriteNumbers(db, rowsTarget, rows, book, error)
-        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error)))
+    if (!journal::ensureBaseline(db, scopeOf(b), error) || !rewriteNumbers(db, rowsTarget, rows, book, error)
+        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
+        || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), book),
+            journal::numberChanges(links, QStringLiteral("RBroj"), linked), error))
         return false;
     if (!tx.commit()) {
         *error = db.errorDescription();
@@ -175,7 +194,7 @@ bool readLinkValues(Database& db, const Book& b, std::vector<qint64>& values, QH
     return true;
 }
 
-bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* error)
+bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
 {
     std::vector<qint64> values;
     QHash<qint64, qint64> counts;
@@ -188,13 +207,14 @@ bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, 
     qint64 rowsMoved = 0;
     for (const auto& [from, to] : pairs)
         rowsMoved += counts.value(from);
+    *links = journal::valueChanges(pairs);
     const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
         receivablesScope(b) };
     return remapNumbers(db, target, pairs, rowsMoved, error);
 }
 
 // The step of a renumbering by date that failed, if any.
-enum class DateStep { Done, Begin, Read, Write };
+enum class DateStep { Done, Begin, Read, Locked, Write };
 
 // The whole renumbering by date in one transaction, rolled back on any failure. The
 // rows come in the server's order, equal dates as the server returns them, and each
@@ -207,14 +227,22 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         return DateStep::Begin;
     }
     ResultSet rows;
+    if (!journal::ensureBaseline(db, scopeOf(b), error))
+        return DateStep::Write;
     if (!db.open(rowsSql(b, dateOrder(b.tip)), rows)) {
         *error = db.errorDescription();
         return DateStep::Read;
     }
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
-    if (!rewriteNumbers(db, target, rows, ordinalNumbers(numbers, 0), error)
-        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, error)))
+    const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
+    *error = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
+    if (!error->isEmpty())
+        return DateStep::Locked;
+    QString links;
+    if (!rewriteNumbers(db, target, rows, changes, error)
+        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
+        || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), changes), links, error))
         return DateStep::Write;
     if (!tx.commit()) {
         *error = db.errorDescription();
@@ -324,8 +352,20 @@ bool insertAt(const Book& b, qint32 n)
     if (n == 0 || !takesPart(b.tip) || (isTradeBook(b.tip) && b.brojProd == 0))
         return false;
     Database& db = session().db();
+    // The blank entry is dated 1 January and every entry after it changes its number.
+    const QString locked = periodlock::refuseDates(db, scopeOf(b), { QDate(b.year, 1, 1) },
+        QStringLiteral("Ubačena stavka bila bi datirana %1, a stavke iza nje dobile bi nove redne brojeve."));
+    if (!locked.isEmpty()) {
+        warn(locked);
+        return false;
+    }
     TransactionGuard tx(db);
-    return tx.isActive() && db.execute(shiftSql(b, n)) && db.execute(blankEntrySql(b, n)) && tx.commit();
+    QString error;
+    ResultSet blank;
+    return tx.isActive() && journal::ensureBaseline(db, scopeOf(b), &error) && db.execute(shiftSql(b, n))
+        && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
+        && journal::append(db, scopeOf(b), { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
+        && tx.commit();
 }
 
 After byOrdinal(const Book& b)
@@ -352,6 +392,11 @@ After byOrdinal(const Book& b)
         != Answer::Yes)
         return After::Reload;
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
+    if (const QString locked = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
+        !locked.isEmpty()) {
+        warn(locked);
+        return After::Stay;
+    }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
     QString error;
     if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
@@ -379,6 +424,9 @@ After byDate(const Book& b)
         return After::Stay;
     case DateStep::Read:
         warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + error);
+        return After::Stay;
+    case DateStep::Locked:
+        warn(error);
         return After::Stay;
     case DateStep::Write:
         break;

@@ -1,6 +1,8 @@
 #include "generate/Generation.h"
 
+#include "books/BookKind.h"
 #include "books/Schema.h"
+#include "journal/PeriodLock.h"
 #include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Interaction.h"
@@ -485,29 +487,55 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavk
 // Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
 // speed, but a failure keeps those written before it, as a run without a transaction
 // would.
-int upiši(Database& db, QVector<RowChange::Values>& stavke, qint64 zadnji)
+int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji)
 {
     ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
         warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
     }
+    // Nothing is written into a closed period; the rows written go into the journal
+    // with them, in the same transaction.
+    const journal::Scope knjigaDB { Knjiga::PrihRashDB, p.brojPoduzeca, p.godina, 0 };
+    QList<QDate> datumi;
+    for (const RowChange::Values& v : stavke)
+        datumi << v[StDatum].second.toDate();
+    const QString zaključano = periodlock::refuseDates(db, knjigaDB, datumi,
+        QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
+    if (!zaključano.isEmpty()) {
+        warn(zaključano);
+        return 0;
+    }
     TransactionGuard transakcija(db);
+    QString dnevnik, greška;
+    const auto zapišiDnevnik = [&] {
+        return dnevnik.isEmpty()
+            || journal::append(db, knjigaDB, { journal::Radnja::Generiranje, std::nullopt, {}, dnevnik }, &greška);
+    };
+    if (!journal::ensureBaseline(db, knjigaDB, &greška)) {
+        warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+        return 0;
+    }
     int zapisano = 0;
     for (RowChange::Values& v : stavke) {
         const qint64 rBroj = zadnji + zapisano + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
         if (stane)
             v[StRBroj].second = int(rBroj);
-        if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} })) {
-            if (transakcija.isActive())
+        const bool upisan = stane && db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} });
+        if (upisan)
+            dnevnik += journal::rowText(v) + u'\n';
+        else {
+            if (transakcija.isActive() && !zapišiDnevnik())
+                zapisano = 0;
+            else if (transakcija.isActive())
                 transakcija.commit();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
         ++zapisano;
     }
-    if (transakcija.isActive() && !transakcija.commit()) {
+    if (transakcija.isActive() && (!zapišiDnevnik() || !transakcija.commit())) {
         warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
@@ -550,7 +578,7 @@ Rezultat generiraj(const Parametri& p)
         stavke << stavka(p, redovi, r);
     if (!izaberi(knjiga, p, stavke))
         return rezultat;
-    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, stavke, *zadnji);
+    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji);
     if (rezultat.zapisano == stavke.size())
         inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),

@@ -6,6 +6,7 @@
 #include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "host/HostRights.h"
+#include "journal/Journal.h"
 #include "session/Clock.h"
 #include "session/ConnectionString.h"
 #include "session/Database.h"
@@ -117,6 +118,11 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     }
     if (demo && !fillDemoData(db, &error)) {
         *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
+        return false;
+    }
+    // The books as written are the journal's starting point.
+    if (demo && !journal::baselineEveryBook(db, &error)) {
+        *message = QStringLiteral("Upis dnevnika promjena nije uspio: ") + error;
         return false;
     }
     // The documents the DB book is generated from, in the same file: the generator's

@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
+#include "host/BookCommands.h"
 #include "host/Cli.h"
 #include "output/OfficeExport.h"
 #include "session/Database.h"
@@ -19,25 +20,10 @@ namespace {
 
 int usageError(const QString& message) { return complain(message + u'\n' + exportUsage(), Usage); }
 
-// A whole number within [low, high]; nothing for anything else.
-std::optional<int> wholeNumber(const QString& text, int low, int high)
-{
-    bool ok = false;
-    const int n = text.trimmed().toInt(&ok);
-    return ok && n >= low && n <= high ? std::optional<int>(n) : std::nullopt;
-}
-
 struct Period {
     QDate from;
     QDate to;
 };
-
-const BookKind* bookNamed(const QString& text)
-{
-    if (const auto code = wholeNumber(text, 0, 32767))
-        return findBook(*code);
-    return findBookByClass(text.trimmed());
-}
 
 struct Request {
     const BookKind* book = nullptr;
@@ -53,37 +39,19 @@ struct Request {
 // with the message printed.
 int readRequest(const Options& o, Request& r)
 {
-    if (o.positional.size() != 1)
-        return usageError(o.positional.isEmpty() ? QStringLiteral("Nedostaje knjiga (šifra, na primjer 96).")
-                                                 : QStringLiteral("Višak argumenata: %1").arg(o.positional.join(u' ')));
-    r.book = bookNamed(o.positional.front());
-    if (!r.book)
-        return usageError(QStringLiteral("Nepoznata knjiga: %1").arg(o.positional.front()));
-    for (const char* required : {"--company", "--year", "--out"})
-        if (o.values.value(QLatin1String(required)).trimmed().isEmpty())
-            return usageError(QStringLiteral("Nedostaje opcija %1.").arg(QLatin1String(required)));
-    const auto company = wholeNumber(o.values.value(QStringLiteral("--company")), 1, 32767);
-    if (!company)
-        return usageError(QStringLiteral("Poduzeće mora biti broj od 1 do 32767."));
-    const auto year = wholeNumber(o.values.value(QStringLiteral("--year")), 1900, 2100);
-    if (!year)
-        return usageError(QStringLiteral("Godina mora biti broj od 1900 do 2100."));
-    r.company = *company;
-    r.year = *year;
+    BookOptions b;
+    if (const int refused = readBook(o, exportUsage(), b, {QStringLiteral("--out")}))
+        return refused;
+    r.book = b.book;
+    r.company = b.company;
+    r.year = b.year;
+    r.salesPoint = b.salesPoint;
     if (o.values.contains(QStringLiteral("--period"))) {
         QString error;
         const auto period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), r.year, &error);
         if (!period)
             return usageError(error);
         r.period = Period{period->first, period->second};
-    }
-    if (o.values.contains(QStringLiteral("--prod"))) {
-        if (!isTradeBook(r.book->code))
-            return usageError(QStringLiteral("Prodajno mjesto (--prod) imaju samo knjige 125 i 126."));
-        const auto point = wholeNumber(o.values.value(QStringLiteral("--prod")), 1, 2147483647);
-        if (!point)
-            return usageError(QStringLiteral("Prodajno mjesto mora biti pozitivan broj."));
-        r.salesPoint = *point;
     }
     r.out = o.values.value(QStringLiteral("--out")).trimmed();
     r.options.separator = o.values.value(QStringLiteral("--separator"), QStringLiteral(";"));

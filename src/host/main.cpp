@@ -3,6 +3,7 @@
 // so and runs under a QApplication, the others under a QCoreApplication so that they
 // work without a display.
 
+#include "host/BookCommands.h"
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
 #include "host/HostWindows.h"
@@ -31,6 +32,10 @@ const Command commands[] = {
     {"open", true, knjige::host::runOpen, knjige::host::openUsage},
     {"print", true, knjige::host::runPrint, knjige::host::printUsage},
     {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
+    {"check", false, knjige::cli::runCheck, knjige::cli::checkUsage},
+    {"lock", false, knjige::cli::runLock, knjige::cli::lockUsage},
+    {"renumber", false, knjige::cli::runRenumber, knjige::cli::renumberUsage},
+    {"insert", false, knjige::cli::runInsert, knjige::cli::insertUsage},
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.

@@ -35,7 +35,7 @@ TEST(Schema, CreatesEveryTableAndTheAssetNumberingTrigger)
         EXPECT_GT(rs.fieldCount(), 1) << table.toStdString();
         EXPECT_EQ(rs.field(std::max(0, rs.indexOf("BrojPoduzeca"))).type, FieldType::Integer) << table.toStdString();
     }
-    EXPECT_EQ(schemaStatements().filter(QStringLiteral("CREATE TABLE")).size(), 11);
+    EXPECT_EQ(schemaStatements().filter(QStringLiteral("CREATE TABLE")).size(), 13);
     EXPECT_EQ(schemaStatements().filter(QStringLiteral("CREATE TRIGGER")).size(), 1);
 
     // An asset row without a number takes the next of its company and year.

@@ -2,10 +2,14 @@
 // the demo source (entries, numbers, kinds, amounts, cut texts), the checks and their
 // order, the questions, and the failures with their messages.
 #include "ResultText.h"
+#include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
 #include "generate/Generation.h"
 #include "generate/SourceDatabase.h"
+#include "journal/BookCheck.h"
+#include "journal/Journal.h"
+#include "journal/PeriodLock.h"
 #include "session/ConnectionString.h"
 #include "session/Session.h"
 #include "support/ScriptedInteraction.h"
@@ -131,6 +135,29 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         }
         EXPECT_EQ(sum, expected.money(0, 1));
     }
+    // Each run is one journal record that explains its rows to the check; a closed March
+    // refuses a run, and a run repeated after the unlock books its documents twice,
+    // which the check names.
+    std::vector<journal::Record> chain;
+    ASSERT_TRUE(journal::readChain(t.db(), 1, 2016, chain));
+    EXPECT_EQ(std::count_if(chain.begin(), chain.end(),
+                  [](const journal::Record& r) { return r.radnja == journal::Radnja::Generiranje; }),
+        7);
+    const auto findings = [this](const QString& text) {
+        return bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
+    };
+    EXPECT_EQ(findings(QStringLiteral("izvan programa")), QStringList());
+    EXPECT_EQ(findings(QStringLiteral("proknjižen")), QStringList());
+    QString error;
+    ASSERT_TRUE(periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
+    script->clear();
+    EXPECT_EQ(generiraj(march(DgpRacuni)).zapisano, 0);
+    EXPECT_TRUE(script->texts().last().startsWith(QStringLiteral("Razdoblje knjige je zaključano do 31.03.2016. "
+                                                                 "Generiranje bi upisalo stavke datirane ")));
+    ASSERT_TRUE(periodlock::unlock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QStringLiteral("Ponovo"), &error));
+    const int again = generiraj(march(DgpRacuni)).zapisano;
+    EXPECT_GT(again, 1);
+    EXPECT_EQ(findings(QStringLiteral("proknjižen 2 puta")).size(), again);
 }
 
 TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)

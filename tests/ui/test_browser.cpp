@@ -4,12 +4,17 @@
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
+#include "editors/widgets/MoneyBox.h"
+#include "editors/widgets/RecordEditor.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/Clock.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
 #include "test_browser_fixture.h"
 
 #include <QAction>
+#include <QDateEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QToolBar>
 
@@ -272,4 +277,55 @@ TEST_F(BrowserTest, InsertAndRenumberFromTheMenusReloadTheGrid)
     clock::setToday({});
     ASSERT_EQ(script->messages.size(), 2);
     EXPECT_TRUE(script->messages[1].text.contains("početna stanja za 2017"));
+}
+
+// Alati: the book check's report in the text viewer, the closing of a period (level 0
+// only) and an editor that refuses to save an entry of the closed period.
+TEST_F(BrowserTest, TheCheckShowsItsReportAndAClosedPeriodRefusesTheEditor)
+{
+    add(96, 1, { { "Datum", QDate(2016, 1, 10) } });
+    add(96, 2, { { "Datum", QDate(2016, 2, 10) } });
+    auto w = open(Knjiga::PrihRashFBiH);
+    db->exec("UPDATE dbo.KnjPrihRashFBiH SET Iznos=1 WHERE RBroj=2");
+    QString report;
+    script->onDialog = [&](QDialog& d) {
+        auto* viewer = dynamic_cast<frmPrikazTeksta*>(&d);
+        report = viewer ? viewer->txtPoruka->toPlainText() : QString();
+        return int(QDialog::Accepted);
+    };
+    w->menuItem(QStringLiteral("mnuProvjeraKnjige"))->trigger();
+    EXPECT_TRUE(report.startsWith("Provjera knjige: Knjiga prihoda i rashoda za FBiH (96)\nPoduzeće: 1, godina: 2016"))
+        << report.toStdString();
+    EXPECT_TRUE(report.contains("- Promijenjena izvan programa: stavka 2: IZNOS:")) << report.toStdString();
+
+    // The period is closed through the dialog, by an operator of level 0 only.
+    script->onDialog = [](QDialog& d) {
+        d.findChild<QDateEdit*>(QStringLiteral("dpZakljucanoDo"))->setDate(QDate(2016, 1, 31));
+        return int(QDialog::Accepted);
+    };
+    session().NivoPristupa = QStringLiteral("1");
+    w->ZaključajRazdoblje();
+    session().NivoPristupa = QStringLiteral("0");
+    w->ZaključajRazdoblje();
+    EXPECT_EQ(script->texts(),
+        (QStringList { "Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0.",
+            "Knjiga je zaključana do 31.01.2016." }));
+
+    // The editor refuses the January entry and lets the February one through.
+    for (int row : { 0, 1 }) {
+        script->messages.clear();
+        script->onDialog = [](QDialog& d) {
+            if (auto* e = dynamic_cast<RecordEditor*>(&d))
+                e->cmdSpremi->click();
+            return d.result();
+        };
+        w->postaviTrenutniRed(row);
+        w->IzmjenaZapisa(2);
+        EXPECT_EQ(script->texts(),
+            row == 0 ? QStringList { "Razdoblje knjige je zaključano do 31.01.2016. Stavka datirana 10.01.2016 ne može "
+                                     "se mijenjati ni brisati." }
+                     : QStringList());
+    }
+    EXPECT_EQ(table("SELECT Radnja FROM dbo.KnjDnevnik WHERE GodinaKnj=2016 AND TipKnjige=96 ORDER BY Redni"),
+        "osnova\nzaključavanje\nizmjena");
 }

@@ -392,8 +392,12 @@ TEST_F(PrihRashEditor, ChangingTheNumberCarriesTheReceivablesLink)
         save(*e, { { "ubRBroj=9" } });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    EXPECT_EQ(session().db().lastSql(),
-        "UPDATE dbo.KnjEvidPotrIObvFBiH SET RBrojKPR=9 WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBrojKPR=7");
+    // The entry's change and the links that followed it, journaled in that order.
+    std::vector<journal::Record> chain;
+    ASSERT_TRUE(journal::readChain(session().db(), 1, 2016, chain));
+    ASSERT_GE(chain.size(), 2u);
+    EXPECT_EQ(chain[chain.size() - 2].radnja + QString::number(chain[chain.size() - 2].rBroj.value_or(0)), "izmjena9");
+    EXPECT_EQ(chain.back().radnja + u':' + chain.back().poslije, "veze:=7>9\n");
     // Another year keeps its link.
     EXPECT_EQ(table("SELECT GodinaKnj,RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH ORDER BY GodinaKnj"), "2015|7\n2016|9");
     EXPECT_EQ(table("SELECT RBroj,Isprava FROM dbo.KnjPrihRashFBiH"), "9|D-7");

@@ -7,6 +7,7 @@
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/RecordEditor.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
@@ -18,6 +19,7 @@
 #include <QImage>
 #include <QMessageBox>
 #include <QPixmap>
+#include <QScreen>
 #include <QTimer>
 
 using namespace knjige;
@@ -152,6 +154,39 @@ TEST_F(BrowserTest, RenumberingScreenshots)
     w->ReNumeracijaPoDatumu();
     QApplication::processEvents();
     EXPECT_TRUE(w->grab().save(dir + QStringLiteral("/renumeracija-poslije.png")));
+
+    // The book check after an insertion at a position moved the receivables' links and
+    // someone changed an amount behind the program's back; then the refusal of an
+    // editor in a closed period, on the whole screen.
+    w->postaviTrenutniRed(2);
+    w->UbaciZapis();
+    db->exec("UPDATE dbo.KnjPrihRashFBiH SET Iznos=1 WHERE GodinaKnj=2016 AND RBroj=7");
+    QTimer::singleShot(300, [dir] {
+        QWidget* viewer = QApplication::activeModalWidget();
+        ASSERT_NE(viewer, nullptr);
+        viewer->resize(900, 560);
+        QApplication::processEvents();
+        EXPECT_TRUE(viewer->grab().save(dir + QStringLiteral("/provjera-knjige.png")));
+        viewer->close();
+    });
+    w->ProvjeraKnjige();
+    QString error;
+    ASSERT_TRUE(periodlock::lock(db->db(), { Knjiga::PrihRashFBiH, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
+    w->postaviTrenutniRed(3);
+    QTimer::singleShot(300, [dir] {
+        auto* editor = qobject_cast<RecordEditor*>(QApplication::activeModalWidget());
+        ASSERT_NE(editor, nullptr);
+        QTimer::singleShot(300, [dir, editor] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            EXPECT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).copy(0, 0, 900, 600).save(
+                dir + QStringLiteral("/zakljucano-odbijanje.png")));
+            box->button(QMessageBox::Ok)->click();
+            QTimer::singleShot(100, editor, &QDialog::reject);
+        });
+        editor->cmdSpremi->click();
+    });
+    w->IzmjenaZapisa(2);
     w->close();
 
     db->insert("dbo.KnjPopListaDugImovFBiH",

@@ -5,6 +5,7 @@
 #include "editors/EditorRules.h"
 #include "editors/widgets/EditorFactory.h"
 #include "editors/widgets/MoneyBox.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -120,9 +121,28 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
         + QStringLiteral(" zapisa! Pažljivo, jer više neće biti moguće vratiti podatke!");
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
         return;
+    // The rows go with a journal record that keeps each of them, in one transaction.
     Database& db = session().db();
-    if (!db.execute(sql)) {
-        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+    const Session& s = session();
+    const journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
+    QString error, locked;
+    {
+        TransactionGuard tx(db);
+        ResultSet gone;
+        const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
+            && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + WhereUvjet, gone);
+        if (read)
+            locked = periodlock::refuseRows(db, scope, gone, nullptr,
+                QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
+        const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt,
+            journal::rowsText(gone), {} };
+        if (locked.isEmpty() && error.isEmpty()
+            && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
+            && error.isEmpty())
+            error = db.errorDescription();
+    }
+    if (!locked.isEmpty() || !error.isEmpty()) {
+        warn(locked.isEmpty() ? QStringLiteral("Desila se greška: ") + error : locked);
         return;
     }
     OsvjeziZapise();

@@ -98,6 +98,11 @@ void frmSifarnikKnj::napraviIzbornike()
     alati->addSeparator();
     connect(addItem(alati, QStringLiteral("mnuBrisPrikPod"), QStringLiteral("Brisanje prikazanih podataka")),
             &QAction::triggered, this, [this] { BrisanjePrikazanihPodataka(); });
+    alati->addSeparator();
+    connect(addItem(alati, QStringLiteral("mnuProvjeraKnjige"), QStringLiteral("Provjera knjige")),
+            &QAction::triggered, this, [this] { ProvjeraKnjige(); });
+    connect(addItem(alati, QStringLiteral("mnuZakljucajRazdoblje"), QStringLiteral("Zaključaj razdoblje")),
+            &QAction::triggered, this, [this] { ZaključajRazdoblje(); });
 
     QMenu* uvozIzvoz = bar->addMenu(QStringLiteral("&Uvoz/Izvoz"));
     uvozIzvoz->setObjectName(QStringLiteral("mnuUvozIzvoz"));

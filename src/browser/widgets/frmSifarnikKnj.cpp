@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
+#include "journal/Journal.h"
 #include "session/HostServices.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -151,6 +152,10 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
     }
     // The company's name and configuration row head every printed report.
     DefVarijabli::CitajKonfiguraciju(true);
+    // A book the journal has not met yet is fingerprinted as it stands; the check
+    // reports (rather than this window) a journal that cannot be written.
+    QString ignored;
+    journal::ensureBaseline(session().db(), { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 }, &ignored);
     vratiPoziciju();
     if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || isTradeBook(m_tip))
         PostaviFilter();

@@ -82,6 +82,11 @@ public:
     void ReNumeracijaPoDatumu();
     void UbaciZapis();
     void PočetnoStanje();
+    // The book check's report in the text viewer (mnuProvjeraKnjige).
+    void ProvjeraKnjige();
+    // Closes (or, with a reason, opens) the book's period; operators of level 0 only
+    // (mnuZakljucajRazdoblje).
+    void ZaključajRazdoblje();
     void Generiranje(int vrsta);
     void PrebaciUExcel();
     void Rekapitulacija();

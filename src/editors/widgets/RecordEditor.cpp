@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
 #include "editors/widgets/MoneyBox.h"
+#include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
@@ -397,9 +398,27 @@ void RecordEditor::potvrdi()
     default:
         return;
     }
-    if (!zapisi())
+    // The entry, what follows from it and its journal record stand or fall together;
+    // a refusal is shown after the rollback, so no lock waits on the person.
+    QString failure;
+    m_notice.clear();
+    {
+        Database& db = session().db();
+        TransactionGuard tx(db);
+        m_writeError.clear();
+        if (zapisi(&failure)) {
+            afterWrite();
+            failure = m_writeError;
+            if (failure.isEmpty() && !tx.commit())
+                failure = db.errorDescription();
+        }
+    }
+    if (!failure.isEmpty()) {
+        warn(failure);
         return;
-    afterWrite();
+    }
+    if (!m_notice.isEmpty())
+        inform(m_notice, QStringLiteral("Napomena"), Icon::Exclamation);
     m_izisaoSaPrekidom = false;
     accept();
 }
@@ -463,16 +482,16 @@ bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
         return false;
     if (saved != proposed) {
         ubRBroj->setValue(Money::fromWhole(saved));
-        inform(QStringLiteral("Redni broj %1 je u međuvremenu dobila stavka koju je upisao drugi korisnik.\n"
-                              "Ova stavka je spremljena pod sljedećim slobodnim rednim brojem: %2.")
-                   .arg(proposed)
-                   .arg(saved),
-            QStringLiteral("Napomena"), Icon::Exclamation);
+        // Told once the save is committed: no lock waits while the person reads it.
+        m_notice = QStringLiteral("Redni broj %1 je u međuvremenu dobila stavka koju je upisao drugi korisnik.\n"
+                                  "Ova stavka je spremljena pod sljedećim slobodnim rednim brojem: %2.")
+                       .arg(proposed)
+                       .arg(saved);
     }
     return true;
 }
 
-bool RecordEditor::zapisi()
+bool RecordEditor::zapisi(QString* failure)
 {
     RowChange change;
     change.table = entryTable(m_tip);
@@ -489,15 +508,40 @@ bool RecordEditor::zapisi()
                 change.original.append({ m_stavka.field(c).name, m_stavka.value(0, c) });
     }
     Database& db = session().db();
-    QString failure;
+    const journal::Scope scope = journalScope(change);
+    QString error;
+    QList<QDate> dates;
+    for (const auto& [column, value] : change.values + change.original)
+        if (column.compare(QLatin1String("Datum"), Qt::CaseInsensitive) == 0)
+            dates << value.toDate();
     if (change.kind != RowChange::Kind::Insert && change.original.isEmpty())
-        failure = QStringLiteral("Stavka nije pročitana iz baze podataka.");
-    else if (proposedNumber(change) ? saveUnderFreeNumber(change) : db.writeRow(change))
-        return true;
-    else
-        failure = db.errorDescription();
-    warn(QStringLiteral("Desila se greška u spremanju stavke. Promjene nisu prihvaćene!") + u'\n' + failure);
+        error = QStringLiteral("Stavka nije pročitana iz baze podataka.");
+    else if (const QString locked = periodlock::refuseDates(db, scope, dates); !locked.isEmpty()) {
+        *failure = locked;
+        return false;
+    } else if (journal::ensureBaseline(db, scope, &error)
+        && !(proposedNumber(change) ? saveUnderFreeNumber(change) : db.writeRow(change)))
+        error = db.errorDescription();
+    else if (error.isEmpty()) {
+        // A new entry may have been saved under another free number than proposed.
+        for (auto& [column, value] : change.values)
+            if (column == QLatin1String("RBroj") && change.kind == RowChange::Kind::Insert)
+                value = spremljeniRBroj();
+        if (journal::appendRowChange(db, scope, change, &error))
+            return true;
+    }
+    *failure = QStringLiteral("Desila se greška u spremanju stavke. Promjene nisu prihvaćene!") + u'\n' + error;
     return false;
+}
+
+journal::Scope RecordEditor::journalScope(const RowChange& change) const
+{
+    const Session& s = session();
+    journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
+    for (const auto& [column, value] : change.values + change.original)
+        if (column.compare(QLatin1String("BrojProd"), Qt::CaseInsensitive) == 0)
+            scope.brojProd = value.toInt();
+    return scope;
 }
 
 // ---- keys ----

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editors/EditorRules.h"
+#include "journal/Journal.h"
 #include "session/Database.h"
 #include "session/ResultSet.h"
 
@@ -120,8 +121,9 @@ protected:
     virtual RowChange::Values rowValues() const = 0;
     // Before a deletion: false stops it (the message already shown).
     virtual bool mayDelete() { return true; }
-    // After a successful write.
+    // After a successful write, in its transaction; a text in m_writeError undoes both.
     virtual void afterWrite() { }
+    QString m_writeError;
     // Loading for the mode, before the entry is read.
     virtual void prepare() { }
     // Adds the empty search entry to the editor's kind list, when it has one.
@@ -147,7 +149,8 @@ protected:
 
 private:
     void potvrdi();
-    bool zapisi();
+    bool zapisi(QString* failure);
+    journal::Scope journalScope(const RowChange& change) const;
     void procitaj();
     void onDateChanged();
     void setSearchDates();
@@ -158,6 +161,7 @@ private:
     bool saveUnderFreeNumber(const RowChange& change);
 
     int m_tipRada = 0;
+    QString m_notice; // shown after a committed save
     bool m_izisaoSaPrekidom = true;
     bool m_quietDates = false;
     bool m_procitan = false;
