@@ -69,7 +69,7 @@ protected:
         for (const auto& [label, values] : expected) {
             QStringList cells { label };
             for (double v : values)
-                cells << formatMoney(Money::fromDouble(v), QLocale());
+                cells << formatMoney(Money::fromDouble(v), QLocale(QLocale::Bosnian));
             out << cells.join(u'|');
         }
         return out.join(u'\n').toStdString();
@@ -83,14 +83,21 @@ protected:
 
 } // namespace
 
+// Tried on a workstation whose locale is C: grid, panel and filter line still write
+// amounts the Bosnian way.
 TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 {
+    struct CLocale {
+        CLocale() { QLocale::setDefault(QLocale::c()); }
+        ~CLocale() { QLocale::setDefault(QLocale(QLocale::Bosnian, QLocale::BosniaAndHerzegovina)); }
+    } workstation;
     addPrihRash(1, 2016, 1, { 2016, 1, 10 }, 11, 117, 17, "O'Brien siječanj");
     addPrihRash(1, 2016, 2, { 2016, 2, 29 }, 16, 50, 5);
     addPrihRash(1, 2016, 3, { 2016, 3, 1 }, 12, 20, 2, "O'Brien ožujak");
     addPrihRash(1, 2016, 4, { 2016, 3, 31 }, 19, 10, 0);
     addPrihRash(1, 2016, 5, { 2016, 4, 1 }, 11, 1000, 0, "O'Brien travanj");
     auto w = open(96);
+    EXPECT_EQ(w->model().displayText(0, 7) + " " + w->model().displayText(1, 1), "1.137,00 2.016");
     EXPECT_EQ(panel(*w),
         rows({ { "Pr.od 01.01.16 do 12.31.16", { 1117, 20, 0, 19, 1118, 50, 0, 0, 10, 5, 55 } },
             { "Ukupno:", { 1117, 20, 0, 19, 1118, 50, 0, 0, 10, 5, 55 } } }));
@@ -104,10 +111,10 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // March and a description with an apostrophe: one row, its totals, the panel of
     // the period with the months before it.
-    answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien"), true; });
+    answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true; });
     w->mnu_Click(4);
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
-    EXPECT_EQ(w->OpisFiltera, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...'");
+    EXPECT_EQ(w->OpisFiltera, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...',Iznos: 20,00,PDV: 2,00");
     EXPECT_EQ(filterLine(*w), "Filter : " + w->OpisFiltera);
     EXPECT_EQ(std::pair(w->DatumOd, w->DatumDo), std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)));
     EXPECT_EQ(w->model().total(8), Money::fromWhole(20));

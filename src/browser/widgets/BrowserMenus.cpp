@@ -121,7 +121,7 @@ void frmSifarnikKnj::napraviAlatnuTraku()
     m_toolbar->setIconSize(QSize(20, 20));
     QStyle* st = style();
     struct Button {
-        QString key;
+        QString key;       // the button's key text, by which hosts and the menu know it
         QStyle::StandardPixmap icon;
         int command;   // 0: a separator
     };
@@ -146,7 +146,9 @@ void frmSifarnikKnj::napraviAlatnuTraku()
             m_tbButtons[n] = m_toolbar->addSeparator();
             continue;
         }
-        QAction* a = m_toolbar->addAction(st->standardIcon(b.icon), b.key);
+        // The print button's key is "Print"; the operator reads the menu's word.
+        const QString caption = b.command == 6 ? QStringLiteral("Ispis") : b.key;
+        QAction* a = m_toolbar->addAction(st->standardIcon(b.icon), caption);
         a->setObjectName(QStringLiteral("tb") + b.key);
         a->setData(b.key);
         QAction* command = m_mnu[b.command];

@@ -6,6 +6,7 @@
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 
 #include <QHeaderView>
 #include <QTreeWidget>
@@ -67,7 +68,7 @@ bool osvjeziPanel(
         warn(browser::totalsPanelFailure());
         return false;
     }
-    const QLocale locale;
+    const QLocale locale = componentLocale();
     for (const browser::PanelRow& row : browser::totalsPanelRows(bookKind, rs).rows)
         addRow(lvStanje, row, locale);
     // The widths are the least a column gets: a label or header that needs more on

@@ -7,6 +7,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "session/Workstation.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -23,6 +24,7 @@ frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
     : QDialog(parent, Qt::Window | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
 {
     setObjectName(QStringLiteral("frmSifarnikKnj"));
+    setLocale(componentLocale());
     setSizeGripEnabled(true);
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(4, 0, 4, 4);

@@ -6,6 +6,7 @@
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 #include "session/widgets/DateTyping.h"
 #include "session/widgets/SelectWholeText.h"
 
@@ -61,6 +62,8 @@ RecordEditor::RecordEditor(int bookKind, QWidget* parent)
     , m_tip(bookKind)
 {
     setModal(true);
+    // Dates and amounts in the component's conventions, children included.
+    setLocale(componentLocale());
     m_outer = new QVBoxLayout(this);
     m_grid = new QGridLayout;
     m_grid->setHorizontalSpacing(8);

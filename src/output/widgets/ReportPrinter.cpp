@@ -4,6 +4,7 @@
 #include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
 #include "session/Interaction.h"
+#include "session/Workstation.h"
 
 #include <QFontMetricsF>
 #include <QLocale>
@@ -119,7 +120,7 @@ void ReportPrinter::measure(QPagedPaintDevice& device)
     m->heading = GlyphText(font(points * 0.95, true), device);
     m->number = GlyphText(font(points * 0.85), device);
     m->foot = GlyphText(m->small, device);
-    m->locale = QLocale();
+    m->locale = componentLocale();
 
     const qreal digit = m->text.width(u"0");
     m->pad = digit * 0.6;
