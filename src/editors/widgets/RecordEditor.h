@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -152,6 +153,7 @@ private:
     void onDateChanged();
     void setSearchDates();
     bool handleKey(QWidget* control, QKeyEvent* event);
+    bool listKey(QComboBox* list, QKeyEvent* event);
     void moveFocus(bool next);
     bool numbersReadable();
     bool proposedNumber(const RowChange& change) const;
@@ -167,6 +169,8 @@ private:
     int m_rows = 0;
     QList<QWidget*> m_tabChain;
     QList<QWidget*> m_lookupButtons;
+    QString m_typedCode;          // digits typed into a kind list in quick succession
+    QElapsedTimer m_typedAt;
 };
 
 } // namespace knjige
