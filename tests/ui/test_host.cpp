@@ -319,20 +319,37 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
     EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
 }
 
+// The sales-point chooser offers the shops the trade books keep, not the suppliers
+// that share a town with them; by name or by code.
 TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
 {
     QString title;
-    m_script->onDialog = [&title](QDialog& d) {
+    QStringList offered;
+    QString typed;
+    m_script->onDialog = [&](QDialog& d) {
         title = d.windowTitle();
+        offered = names(static_cast<PartnerPickerDialog&>(d).visiblePartners());
         auto* search = d.findChild<QLineEdit*>("txtTrazi");
-        QTest::keyClicks(search, "grbav");
+        QTest::keyClicks(search, typed);
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
-    const auto shop = KomitentRegister(KomitentRegister::Kind::Shops).choose();
-    EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
-    ASSERT_TRUE(shop);
-    EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
+    KomitentRegister shops(KomitentRegister::Kind::Shops);
+    for (const auto& [search, code] : { std::pair("Ilid", demo::Maloprodaja1), std::pair("502", demo::Maloprodaja2) }) {
+        typed = search;
+        const auto shop = shops.choose();
+        EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
+        EXPECT_EQ(offered, QStringList({ "Maloprodaja 1 Ilidža", "Maloprodaja 2 Grbavica" }));
+        ASSERT_TRUE(shop) << search;
+        EXPECT_EQ(shop->SifKomit, code);
+    }
+    // Before the first entry of any trade book every partner is offered, and said so.
+    m_db.exec("DELETE FROM dbo.TrgKnjUsluga");
+    m_db.exec("DELETE FROM dbo.TrgKnjKomisiona");
+    typed = "Ilid";
+    EXPECT_EQ(shops.choose()->SifKomit, 202);
+    EXPECT_EQ(title, "Izbor maloprodaje / skladišta (trgovačke knjige još nemaju stavki: svi komitenti)");
+    EXPECT_EQ(offered.size(), KomitentRegister::readAll()->size());
 
     KomitentRegister partners(KomitentRegister::Kind::Partners);
     m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };
