@@ -2,6 +2,7 @@
 
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/widgets/DialogInteraction.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -185,7 +186,7 @@ std::optional<Partner> KomitentRegister::choose()
     }
     if (!all)
         return std::nullopt;
-    PartnerPickerDialog dialog(caption, *all, QApplication::activeWindow());
+    PartnerPickerDialog dialog(caption, *all, dialogOwner());
     if (interaction().exec(dialog) != QDialog::Accepted)
         return std::nullopt;
     return dialog.chosen();

@@ -221,13 +221,28 @@ TEST_F(BrowserTest, EachBookRemembersItsOwnPositionUnderItsCaptionButNotWhenMini
     EXPECT_EQ(settings::text(turnover, sec, "MainLeft"), QString());
 }
 
-TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettings)
+// The name column takes its width from the settings; the others fit their widest
+// cell, though it lies far below the rows in view; the empty last column takes none.
+TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettingsTheOthersTheirContent)
 {
     addPrihRash(1, 2016, 1, { 2016, 3, 1 }, 11, 100);
     settings::setNumber("Knjiga prihoda i rashoda za FBiH", settings::section(), "VelNazivaSifri", 4500);
     auto w = open(96);
     const int opis = w->rsStavke().indexOf("Opis");
     EXPECT_EQ(w->grid().columnWidth(opis), browser::twipsToPixels(4500, w->logicalDpiX()));
+    const int marker = w->model().columnCount() - 1;
+    EXPECT_EQ(w->rsStavke().field(marker).name, "I");
+    EXPECT_TRUE(w->grid().isColumnHidden(marker));
+
+    for (int i = 1; i <= 80; ++i)
+        add(99, i, { { "Vrsta", i == 80 ? 7 : 5 } });
+    auto rs = open(99);
+    const QString longest = "Prihod - Naplaćeni prihod od financiranja";
+    const int vrsta = rs->rsStavke().indexOf("Vrsta");
+    ASSERT_EQ(rs->model().displayText(rs->model().rowCount() - 2, vrsta), longest);
+    EXPECT_GT(rs->grid().columnWidth(vrsta), rs->grid().fontMetrics().horizontalAdvance(longest));
+    const int last = rs->model().columnCount() - 1;
+    EXPECT_LT(rs->grid().columnWidth(last), rs->grid().columnWidth(vrsta) / 2) << "no stretched last column";
 }
 
 namespace

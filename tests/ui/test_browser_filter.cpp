@@ -126,9 +126,14 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
             { "Pr.od 01.03.16 do 03.31.16", { 0, 20, 0, 2, 18, 0, 0, 0, 10, 0, 10 } },
             { "Ukupno:", { 117, 20, 0, 19, 118, 50, 0, 0, 10, 5, 55 } } }));
 
-    // Cancelled: the rows and the clause stay, description and period start over.
+    // Cancelled: the rows and the clause stay, description and period start over. The
+    // form opened with the filter in force.
     const QString where = w->WhereUvjet;
-    answer([](RecordEditor&) { return false; });
+    answer([](RecordEditor& e) {
+        EXPECT_TRUE(e.chkPoDatumima->isChecked());
+        EXPECT_EQ(values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
+        return false;
+    });
     w->PostaviFilter();
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
     EXPECT_EQ(w->WhereUvjet + w->OpisFiltera + filterLine(*w), where + "Filter: Svi");

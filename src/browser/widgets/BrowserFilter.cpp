@@ -11,6 +11,7 @@
 #include "session/HostServices.h"
 #include "session/Session.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 
 namespace knjige
@@ -84,6 +85,47 @@ browser::FilterInput filterInput(const RecordEditor& e)
     return in;
 }
 
+void setText(RecordEditor& e, const QString& name, const QString& value)
+{
+    if (auto* edit = qobject_cast<QLineEdit*>(e.control(name)))
+        edit->setText(value);
+}
+
+void setAmount(RecordEditor& e, const QString& name, Money value)
+{
+    if (auto* box = qobject_cast<MoneyBox*>(e.control(name)))
+        box->setValue(value);
+}
+
+// The filter form as it was when the filter in force was confirmed.
+void restoreInput(RecordEditor& e, const browser::FilterInput& in)
+{
+    e.dpDatum->setDate(in.dpDatum);
+    e.dpDatumDo->setDate(in.dpDatumDo);
+    // After the dates: changing a date ticks the box.
+    e.chkPoDatumima->setChecked(in.chkPoDatumima);
+    setText(e, QStringLiteral("txtIsprava"), in.txtIsprava);
+    setText(e, QStringLiteral("txtOpis"), in.txtOpis);
+    setText(e, QStringLiteral("txtKomitent"), in.txtKomitent);
+    setText(e, QStringLiteral("txtNazivSredstva"), in.txtNazivSredstva);
+    setText(e, QStringLiteral("txtNaziv"), in.txtNaziv);
+    setText(e, QStringLiteral("txtBrojDokumenta"), in.txtBrojDokumenta);
+    for (const QString& name : { QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta") })
+        if (auto* combo = qobject_cast<QComboBox*>(e.control(name)))
+            combo->setCurrentIndex(combo->findText(in.vrsta));
+    // The amount first: it computes a VAT share the remembered one replaces.
+    setAmount(e, QStringLiteral("ubIznos"), in.ubIznos);
+    setAmount(e, QStringLiteral("ubIznosPDV"), in.ubIznosPDV);
+    setAmount(e, QStringLiteral("ubKPR"), in.ubKPR);
+    setAmount(e, QStringLiteral("ubGotovina"), in.ubGotovina);
+    setAmount(e, QStringLiteral("ubCek"), in.ubCek);
+    setAmount(e, QStringLiteral("ubNabavna"), in.ubNabavna);
+    setAmount(e, QStringLiteral("ubKnjigovodstvena"), in.ubKnjigovodstvena);
+    setAmount(e, QStringLiteral("ubVijekTrajanja"), in.ubVijekTrajanja);
+    setAmount(e, QStringLiteral("ubZaduženje"), in.ubZaduženje);
+    setAmount(e, QStringLiteral("ubRazduženje"), in.ubRazduženje);
+}
+
 } // namespace
 
 void frmSifarnikKnj::PostaviFilter()
@@ -107,6 +149,8 @@ void frmSifarnikKnj::PostaviFilter()
     // A trade book filtered again offers the sales point it already shows.
     if (isTradeBook(m_tip) && BrojProd != 0)
         e->setSkladište(BrojProd);
+    if (UnosFiltera)
+        e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom()) {
         // A book asked for its filter before its first load has no rows to keep: it
@@ -115,7 +159,9 @@ void frmSifarnikKnj::PostaviFilter()
             OsvjeziZapise();
         return;
     }
-    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, filterInput(*e)));
+    const browser::FilterInput in = filterInput(*e);
+    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, in));
+    UnosFiltera = in;
 }
 
 void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
@@ -127,6 +173,11 @@ void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
     DatumDo = filter.periodEnd;
     if (filter.salesPoint != 0)
         BrojProd = filter.salesPoint;
+    // A filter put in force from outside the form (a period) is what the form shows next.
+    UnosFiltera = browser::FilterInput {};
+    UnosFiltera->chkPoDatumima = true;
+    UnosFiltera->dpDatum = DatumOd;
+    UnosFiltera->dpDatumDo = DatumDo;
     m_txtFilter->setText(browser::filterLine(OpisFiltera));
     OsvjeziZapise();
 }

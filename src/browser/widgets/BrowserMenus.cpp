@@ -53,6 +53,7 @@ void frmSifarnikKnj::napraviIzbornike()
     auto* bar = new QMenuBar(this);
     bar->setObjectName(QStringLiteral("menuBar"));
     layout()->setMenuBar(bar);
+    bar->installEventFilter(this);
 
     QMenu* naredbe = bar->addMenu(QStringLiteral("&Naredbe"));
     naredbe->setObjectName(QStringLiteral("mnuNaredbe"));

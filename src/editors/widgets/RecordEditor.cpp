@@ -290,6 +290,8 @@ void RecordEditor::Prikaži(int)
         SetEdit(false);
         cmdSpremi->setFocus();
     }
+    if (prijePrikaza)
+        prijePrikaza(*this);
     interaction().exec(*this);
 }
 

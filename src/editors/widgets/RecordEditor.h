@@ -13,6 +13,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <functional>
+
 class QGridLayout;
 class QVBoxLayout;
 
@@ -67,6 +69,9 @@ public:
     // through the interaction seam. The argument is the display mode of the original
     // program and is always modal here.
     void Prikaži(int modal = 1);
+    // Runs once the dialog is prepared for its mode, just before it is shown: the
+    // browser puts the filter in force back into a filter form here.
+    std::function<void(RecordEditor&)> prijePrikaza;
 
     // Fills the fields of a new entry from a row of the browser's list (the "same
     // entry" copy); the ordinal number is left to the caller.
