@@ -42,12 +42,13 @@ TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
                 + " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND "
                   "K.BrojPoduzeca=1 ORDER BY K.RBroj");
         // The SELECT's fields are the grid's columns, the marker column last where the
-        // book has one.
-        EXPECT_GT(w->model().columnCount(), 4) << book.code;
+        // book has one. A trade book whose sales point question was cancelled (as the
+        // script does) loads nothing.
+        EXPECT_EQ(w->model().columnCount() > 4, !isTradeBook(book.code)) << book.code;
         EXPECT_EQ(w->model().rowCount(), 0) << book.code;
         EXPECT_EQ(w->trenutniRed(), -1);
         EXPECT_EQ(w->trenutniRBroj(), 0);
-        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive)) {
+        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive) && !isTradeBook(book.code)) {
             EXPECT_EQ(w->rsStavke().fields().last().name, "I") << book.code;
         }
         EXPECT_EQ(w->DatumOd, QDate(2016, 1, 1));

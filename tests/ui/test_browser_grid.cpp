@@ -1,5 +1,6 @@
 // The browser's grid: totals rows, refresh with position and sort, keys and the
 // command menu, load failures and the grid dump.
+#include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
@@ -252,9 +253,13 @@ TEST_F(BrowserGridTest, TheGridDumpGoesToTheHomeFolderWhereThereIsNoDriveC)
     qputenv("HOME", home.toLocal8Bit());
     w->findChild<QPushButton*>("cmdFG")->click();
     qputenv("HOME", oldHome);
-    QFile dump(home + QStringLiteral("/PelunGrid.xls"));
+    QFile dump(home + QStringLiteral("/PelunGrid.xlsx"));
     ASSERT_TRUE(dump.exists()) << script->texts().join(u'\n').toStdString();
     ASSERT_TRUE(dump.open(QIODevice::ReadOnly));
     EXPECT_EQ(dump.read(2), QByteArray("PK"));
-    EXPECT_TRUE(script->messages.isEmpty());
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(script->messages[0].text, "Tablica je spremljena kao Excel radna knjiga u datoteku:\n" + dump.fileName());
+    EXPECT_EQ(script->messages[0].title, "Tablica u Excel");
+    // The fixed name on drive C keeps its old ending, and the message says what follows.
+    EXPECT_TRUE(browser::gridDumpMessage("c:/PelunGrid.xls").endsWith("odgovorite s \"Da\"."));
 }

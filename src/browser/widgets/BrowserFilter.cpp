@@ -152,13 +152,11 @@ void frmSifarnikKnj::PostaviFilter()
     if (UnosFiltera)
         e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);
-    if (e->IzišaoSaPrekidom()) {
-        // A book asked for its filter before its first load has no rows to keep: it
-        // shows what its opening clause lists rather than an empty window.
-        if (rsStavke().fieldCount() == 0)
-            OsvjeziZapise();
+    // Cancelled, nothing is reloaded: a trade book whose sales point was not chosen
+    // at its opening stays empty (rather than listing every shop's entries with the
+    // totals of none) until a filter chooses one.
+    if (e->IzišaoSaPrekidom())
         return;
-    }
     const browser::FilterInput in = filterInput(*e);
     applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, in));
     UnosFiltera = in;

@@ -191,8 +191,11 @@ void frmSifarnikKnj::mnu_Click(int index)
 void frmSifarnikKnj::SpremiGrid()
 {
     QString error;
-    if (!GridWorkbook::write(*m_model, browser::gridDumpPath(), &error))
+    const QString path = browser::gridDumpPath();
+    if (!GridWorkbook::write(*m_model, path, &error))
         warn(QStringLiteral("Desila se greška: ") + error);
+    else
+        inform(browser::gridDumpMessage(path), QStringLiteral("Tablica u Excel"), Icon::Information);
 }
 
 } // namespace knjige

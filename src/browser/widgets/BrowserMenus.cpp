@@ -188,7 +188,6 @@ void frmSifarnikKnj::napraviRaspored()
     m_lvStanje->setObjectName(QStringLiteral("lvStanje"));
     m_lvStanje->setRootIsDecorated(false);
     m_lvStanje->setMaximumHeight(m_fg->verticalHeader()->defaultSectionSize() * 5);
-    m_lvStanje->setVisible(false);
     layout()->addWidget(m_lvStanje);
 
     m_fg->onKey = [this](int key) { return fg_KeyDown(key); };

@@ -53,13 +53,14 @@ bool osvjeziPanel(
 {
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
+    lvStanje.setVisible(true);
     if (headers.isEmpty()) {
-        lvStanje.setColumnCount(0);
-        lvStanje.setVisible(false);
+        // A book without running totals shows the panel empty.
+        lvStanje.setColumnCount(1);
+        lvStanje.setHeaderLabels({ QStringLiteral(" ") });
         return true;
     }
     layColumns(lvStanje, headers);
-    lvStanje.setVisible(true);
     Session& s = session();
     ResultSet rs;
     const QString sql
