@@ -238,7 +238,6 @@ TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsTo
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(naredbe->menuAction()).center());
     ASSERT_TRUE(naredbe->isVisible());
     QTest::keyClick(naredbe, Qt::Key_Escape);
-    EXPECT_FALSE(naredbe->isVisible());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     EXPECT_FALSE(w->isVisible());
     EXPECT_EQ(commands(spy).last(), 7);

@@ -308,19 +308,10 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
     ASSERT_TRUE(search);
     QTest::keyClicks(search, "ilidza");
     EXPECT_EQ(names(dialog.visiblePartners()), QStringList({ "Elektro-Servis Ilidža d.o.o.", "Maloprodaja 1 Ilidža" }));
-    search->setText("50");
-    ASSERT_EQ(dialog.visiblePartners().size(), 2);
-    EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
-    QTest::keyClick(search, Qt::Key_Down);
-    QTest::keyClick(search, Qt::Key_Return);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    ASSERT_TRUE(dialog.chosen());
-    EXPECT_EQ(dialog.chosen()->SifKomit, demo::Maloprodaja2);
-    EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
 }
 
 // The sales-point chooser offers the shops the trade books keep, not the suppliers
-// that share a town with them; by name or by code.
+// that share a town with them; by name, or by code and the arrow key.
 TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
 {
     QString title;
@@ -331,11 +322,13 @@ TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
         offered = names(static_cast<PartnerPickerDialog&>(d).visiblePartners());
         auto* search = d.findChild<QLineEdit*>("txtTrazi");
         QTest::keyClicks(search, typed);
+        if (typed == "50")
+            QTest::keyClick(search, Qt::Key_Down);
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
     KomitentRegister shops(KomitentRegister::Kind::Shops);
-    for (const auto& [search, code] : { std::pair("Ilid", demo::Maloprodaja1), std::pair("502", demo::Maloprodaja2) }) {
+    for (const auto& [search, code] : { std::pair("Ilid", demo::Maloprodaja1), std::pair("50", demo::Maloprodaja2) }) {
         typed = search;
         const auto shop = shops.choose();
         EXPECT_EQ(title, "Izbor maloprodaje / skladišta");

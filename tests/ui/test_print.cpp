@@ -335,7 +335,6 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
             const QRect area = dialog.frameGeometry().united(print.frameGeometry());
             EXPECT_TRUE(dialog.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height())
                             .save(dir + QStringLiteral("/ispis-dijalog.png")));
-            print.hide();
         }
         return 0;
     };
