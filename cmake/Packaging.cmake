@@ -39,11 +39,12 @@ set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://example.com/knjige")
 # Libraries found by dpkg-shlibdeps; the plugins Qt loads at run time are not linked,
-# so they are named: the database drivers, FreeTDS for SQL Server and the window system.
+# so they are named: the database drivers, FreeTDS for SQL Server, the window system and
+# Qt's own translations (its print and file dialogs in Croatian, for Bosnian workstations).
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 # The dynamic linker's cache is refreshed by dpkg's trigger, not by maintainer scripts.
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${pkg}/triggers)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, libqt6sql6-odbc, unixodbc, tdsodbc, qt6-qpa-plugins")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, libqt6sql6-odbc, unixodbc, tdsodbc, qt6-qpa-plugins, qt6-translations-l10n")
 set(CPACK_GENERATOR DEB)
 include(CPack)

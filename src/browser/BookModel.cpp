@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "session/AmountText.h"
 #include "session/Dates.h"
+#include "session/Workstation.h"
 
 #include <QCollator>
 
@@ -83,6 +84,7 @@ QString formatValue(const ResultSet& rs, int row, int column, const QLocale& loc
 
 BookModel::BookModel(QObject* parent)
     : QAbstractTableModel(parent)
+    , m_locale(componentLocale())
 {
 }
 

@@ -94,7 +94,17 @@ QString gridDumpPath()
     if (QFileInfo(QStringLiteral("c:/")).isDir())
         return QStringLiteral("c:\\PelunGrid.xls");
 #endif
-    return QDir::home().filePath(QStringLiteral("PelunGrid.xls"));
+    return QDir::home().filePath(QStringLiteral("PelunGrid.xlsx"));
+}
+
+QString gridDumpMessage(const QString& path)
+{
+    QString text = QStringLiteral("Tablica je spremljena kao Excel radna knjiga u datoteku:\n")
+        + QDir::toNativeSeparators(path);
+    if (path.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive))
+        text += QStringLiteral("\nDatoteka je u formatu .xlsx pod imenom .xls: Excel pri otvaranju pita "
+                               "smije li je otvoriti, odgovorite s \"Da\".");
+    return text;
 }
 
 } // namespace knjige::browser

@@ -75,7 +75,12 @@ constexpr int kDefaultWidth = 9645;
 constexpr int kDefaultHeight = 5800;
 constexpr int kDefaultVelNazivaSifri = 3500;
 
-// The fixed path of the grid dump: drive C where there is one, else the home folder.
+// The fixed path of the grid dump: "c:\PelunGrid.xls" where there is a drive C, else
+// PelunGrid.xlsx in the home folder (the workbook is Office Open XML: no other system
+// opens it under the old name without a question).
 QString gridDumpPath();
+// What the operator is told once the grid is written: where, and for the fixed old
+// name, why Excel asks before opening it.
+QString gridDumpMessage(const QString& path);
 
 } // namespace knjige::browser

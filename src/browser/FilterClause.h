@@ -1,6 +1,7 @@
 #pragma once
 
 #include "session/Money.h"
+#include "session/Workstation.h"
 
 #include <QDate>
 #include <QLocale>
@@ -70,7 +71,7 @@ bool isFilterable(int bookKind);
 // The WHERE clause always begins " WHERE K.BrojPoduzeca=" + company + " AND ", and the
 // conditions begin with a blank, so the clause holds "AND  K.Datum" (two blanks).
 FilterState buildFilter(
-    int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale = QLocale());
+    int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale = componentLocale());
 
 // The filter of a confirmed form that holds only the period from..to (both valid, from
 // not after to) and, for the trade books, the sales point with the name its picker

@@ -99,6 +99,22 @@ int vrstaCode(const QString& text)
     return value;
 }
 
+int vrstaTyped(const QStringList& texts, const QString& digits)
+{
+    int begins = -1;
+    for (int i = 0; i < texts.size(); ++i) {
+        const int code = vrstaCode(texts[i]);
+        if (code == 0)
+            continue;
+        const QString shown = QString::number(code);
+        if (shown == digits)
+            return i;
+        if (begins < 0 && shown.startsWith(digits))
+            begins = i;
+    }
+    return begins;
+}
+
 int vrstaPosition(int bookKind, int code)
 {
     int position = -1;

@@ -38,6 +38,10 @@ QStringList vrstaTexts(int bookKind);
 // The numeric value of the first two characters of a list text (leading blanks
 // skipped, digits read up to the first non-digit); 0 when there is none.
 int vrstaCode(const QString& text);
+// The list position that the digits typed into a kind list name: the kind with
+// exactly that code, else the first whose code begins with them (typing "1" on the
+// way to "16"); -1 when no code fits. Blanks that align the texts do not matter.
+int vrstaTyped(const QStringList& texts, const QString& digits);
 // The list position that shows a stored code, -1 when the list has none. The
 // income/expense books use the position arithmetic of their lists; the others look
 // the code up.

@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 #include "session/widgets/DialogInteraction.h"
 
 #include <QAction>
@@ -18,6 +19,8 @@ void KnjigaKlasa::Show(QString level, const QString& operatorName)
     s.ImeOperatera = operatorName;
     // A host that brought no seam of its own gets real message boxes and dialogs.
     ensureDialogInteraction();
+    // And Qt's own dialogs in the workstation's language, unless the host has chosen.
+    installQtTranslations();
 
     auto* browser = new frmSifarnikKnj;
     browser->setTipSifarnika(m_kod);

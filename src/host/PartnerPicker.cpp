@@ -2,6 +2,7 @@
 
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/widgets/DialogInteraction.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -144,9 +145,15 @@ bool PartnerPickerDialog::eventFilter(QObject* watched, QEvent* event)
     return QDialog::eventFilter(watched, event);
 }
 
-QString KomitentRegister::listSql()
+QString KomitentRegister::listSql(Kind kind)
 {
-    return QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent ORDER BY SifKomit");
+    if (kind == Kind::Partners)
+        return QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent ORDER BY SifKomit");
+    const QString company = QString::number(session().BrojPoduzeca);
+    return QStringLiteral("SELECT P.BrojProd AS SifKomit,K.ImeKomit1 FROM (SELECT BrojProd FROM dbo.TrgKnjUsluga "
+                          "WHERE BrojPoduzeca=%1 UNION SELECT BrojProd FROM dbo.TrgKnjKomisiona WHERE BrojPoduzeca=%1) P "
+                          "LEFT JOIN dbo.Komitent K ON K.SifKomit=P.BrojProd ORDER BY P.BrojProd")
+        .arg(company);
 }
 
 QString KomitentRegister::title() const
@@ -154,27 +161,32 @@ QString KomitentRegister::title() const
     return m_kind == Kind::Shops ? QStringLiteral("Izbor maloprodaje / skladišta") : QStringLiteral("Izbor komitenta");
 }
 
-std::optional<QVector<Partner>> KomitentRegister::readAll()
+std::optional<QVector<Partner>> KomitentRegister::readAll(Kind kind)
 {
     Database& db = session().db();
     ResultSet rs;
-    if (!db.open(listSql(), rs)) {
+    if (!db.open(listSql(kind), rs)) {
         warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
         return std::nullopt;
     }
     QVector<Partner> out;
     out.reserve(rs.rowCount());
     for (int r = 0; r < rs.rowCount(); ++r)
-        out.append({ qint32(rs.integer(r, 0)), rs.text(r, 1).trimmed() });
+        out.append({ qint32(rs.integer(r, 0)), rs.isNull(r, 1) ? QString() : rs.text(r, 1).trimmed() });
     return out;
 }
 
 std::optional<Partner> KomitentRegister::choose()
 {
-    const auto all = readAll();
+    auto all = readAll(m_kind);
+    QString caption = title();
+    if (all && all->isEmpty() && m_kind == Kind::Shops) {
+        all = readAll(Kind::Partners);
+        caption += QStringLiteral(" (trgovačke knjige još nemaju stavki: svi komitenti)");
+    }
     if (!all)
         return std::nullopt;
-    PartnerPickerDialog dialog(title(), *all, QApplication::activeWindow());
+    PartnerPickerDialog dialog(caption, *all, dialogOwner());
     if (interaction().exec(dialog) != QDialog::Accepted)
         return std::nullopt;
     return dialog.chosen();

@@ -45,6 +45,9 @@ QString searchForm(const QString& text);
 
 // Partners or shops from dbo.Komitent on the session's database. choose() shows the
 // picker through the interaction seam; a failed read is reported and gives nothing.
+// The shops are the partners the company's trade books already keep as sales points
+// (the table has no mark for a shop); while no trade book has an entry, every partner
+// is offered, and the title says so.
 class KomitentRegister final : public PartnerRegister
 {
 public:
@@ -58,9 +61,9 @@ public:
     std::optional<Partner> find(qint32 code) override;
 
     QString title() const;
-    static QString listSql();
-    // Every partner, or nothing (with the failure reported) when the read fails.
-    static std::optional<QVector<Partner>> readAll();
+    static QString listSql(Kind kind = Kind::Partners);
+    // Every partner (or shop), or nothing (with the failure reported) when the read fails.
+    static std::optional<QVector<Partner>> readAll(Kind kind = Kind::Partners);
 
 private:
     Kind m_kind;

@@ -8,6 +8,7 @@
 #include "host/ExportCommand.h"
 #include "host/HostWindows.h"
 #include "host/PrintCommand.h"
+#include "session/Workstation.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -94,6 +95,9 @@ int main(int argc, char** argv)
     }
     const auto app = makeApplication(argc, argv, command && command->windows);
     QCoreApplication::setApplicationName(QStringLiteral("knjige"));
+    // Qt's own dialogs (printing, page setup, file choosers) in the workstation's language.
+    if (command && command->windows)
+        knjige::installQtTranslations();
     if (!command) {
         if (isHelp(argv[1])) {
             QTextStream(stdout) << help();

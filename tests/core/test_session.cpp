@@ -11,9 +11,12 @@
 #include "session/Registry.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
+
+#include <QCoreApplication>
 
 #include <gtest/gtest.h>
 
@@ -299,6 +302,29 @@ TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
         QStringLiteral("Broj može imati najviše 12 cijelih mjesta."));
     EXPECT_EQ(readAmount(QStringLiteral("0,5"), bs, { 14, 0 }).problem,
         QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala."));
+}
+
+// A workstation without conventions of its own (C, POSIX) gets the Bosnian ones, and
+// Qt's own dialogs speak Croatian wherever the component's Bosnian is spoken.
+TEST(Workstation, BosnianConventionsForCAndCroatianQtTextsForTheLanguagesOfBiH)
+{
+    const struct { QLocale locale; const char* amount; const char* catalogue; } cases[] = {
+        { QLocale::c(), "52.482,39", "qtbase_hr" },
+        { QLocale(QLocale::Bosnian, QLocale::BosniaAndHerzegovina), "52.482,39", "qtbase_hr" },
+        { QLocale(QLocale::Serbian, QLocale::LatinScript, QLocale::Serbia), "52.482,39", "qtbase_hr" },
+        { QLocale(QLocale::Serbian, QLocale::CyrillicScript, QLocale::BosniaAndHerzegovina), "52.482,39", "qtbase_sr" },
+        { QLocale(QLocale::English, QLocale::UnitedStates), "52,482.39", "" },
+        { QLocale(QLocale::German, QLocale::Germany), "52.482,39", "qtbase_de_DE" },
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(amountDisplay(Money::fromUnits(524823900), componentLocale(c.locale)), c.amount) << c.catalogue;
+        EXPECT_EQ(qtCatalogueName(c.locale), c.catalogue) << c.locale.name().toStdString();
+    }
+    const QLocale before;
+    QLocale::setDefault(QLocale::c());
+    EXPECT_TRUE(installQtTranslations()) << "qt6-translations-l10n (scripts/setup) gives qtbase_hr.qm";
+    QLocale::setDefault(before);
+    EXPECT_EQ(QCoreApplication::translate("QPrintPreviewDialog", "Page setup"), "Postavke stranice");
 }
 
 TEST(AmountText, DisplayRoundsAsSqlRoundDoes)

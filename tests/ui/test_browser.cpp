@@ -47,12 +47,13 @@ TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
                 + " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND "
                   "K.BrojPoduzeca=1 ORDER BY K.RBroj");
         // The SELECT's fields are the grid's columns, the marker column last where the
-        // book has one.
-        EXPECT_GT(w->model().columnCount(), 4) << book.code;
+        // book has one. A trade book whose sales point question was cancelled (as the
+        // script does) loads nothing.
+        EXPECT_EQ(w->model().columnCount() > 4, !isTradeBook(book.code)) << book.code;
         EXPECT_EQ(w->model().rowCount(), 0) << book.code;
         EXPECT_EQ(w->trenutniRed(), -1);
         EXPECT_EQ(w->trenutniRBroj(), 0);
-        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive)) {
+        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive) && !isTradeBook(book.code)) {
             EXPECT_EQ(w->rsStavke().fields().last().name, "I") << book.code;
         }
         EXPECT_EQ(w->DatumOd, QDate(2016, 1, 1));
@@ -70,7 +71,6 @@ TEST_F(BrowserTest, OpensTheYearOfTheCompanyFromTheFirstOfJanuaryWithoutAnUpperB
     addPrihRash(1, 2015, 5, { 2016, 2, 1 }, 11, 500); // another book year
     addPrihRash(1, 2016, 6, { 2016, 1, 1 }, 16, 600);
     auto w = open(96);
-    EXPECT_EQ(w->WhereUvjet, " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=1");
     EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 6 }));
     EXPECT_TRUE(script->messages.isEmpty());
 }
@@ -226,13 +226,25 @@ TEST_F(BrowserTest, EachBookRemembersItsOwnPositionUnderItsCaptionButNotWhenMini
     EXPECT_EQ(settings::text(turnover, sec, "MainLeft"), QString());
 }
 
-TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettings)
+// The name column takes its width from the settings; the others fit their widest
+// cell, though it lies far below the rows in view; the empty last column takes none.
+TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettingsTheOthersTheirContent)
 {
     addPrihRash(1, 2016, 1, { 2016, 3, 1 }, 11, 100);
     settings::setNumber("Knjiga prihoda i rashoda za FBiH", settings::section(), "VelNazivaSifri", 4500);
     auto w = open(96);
     const int opis = w->rsStavke().indexOf("Opis");
     EXPECT_EQ(w->grid().columnWidth(opis), browser::twipsToPixels(4500, w->logicalDpiX()));
+    EXPECT_TRUE(w->grid().isColumnHidden(w->model().columnCount() - 1)) << "the marker column I";
+
+    for (int i = 1; i <= 80; ++i)
+        add(99, i, { { "Vrsta", i == 80 ? 7 : 5 } });
+    auto rs = open(99);
+    const QString longest = "Prihod - Naplaćeni prihod od financiranja";
+    const int vrsta = rs->rsStavke().indexOf("Vrsta");
+    ASSERT_EQ(rs->model().displayText(rs->model().rowCount() - 2, vrsta), longest);
+    EXPECT_GT(rs->grid().columnWidth(vrsta), rs->grid().fontMetrics().horizontalAdvance(longest));
+    EXPECT_LT(rs->grid().columnWidth(rs->model().columnCount() - 1), rs->grid().columnWidth(vrsta) / 2);
 }
 
 namespace

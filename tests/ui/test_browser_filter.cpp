@@ -69,7 +69,7 @@ protected:
         for (const auto& [label, values] : expected) {
             QStringList cells { label };
             for (double v : values)
-                cells << formatMoney(Money::fromDouble(v), QLocale());
+                cells << formatMoney(Money::fromDouble(v), QLocale(QLocale::Bosnian));
             out << cells.join(u'|');
         }
         return out.join(u'\n').toStdString();
@@ -83,14 +83,21 @@ protected:
 
 } // namespace
 
+// Tried on a workstation whose locale is C: grid, panel and filter line still write
+// amounts the Bosnian way.
 TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 {
+    struct CLocale {
+        CLocale() { QLocale::setDefault(QLocale::c()); }
+        ~CLocale() { QLocale::setDefault(QLocale(QLocale::Bosnian, QLocale::BosniaAndHerzegovina)); }
+    } workstation;
     addPrihRash(1, 2016, 1, { 2016, 1, 10 }, 11, 117, 17, "O'Brien siječanj");
     addPrihRash(1, 2016, 2, { 2016, 2, 29 }, 16, 50, 5);
     addPrihRash(1, 2016, 3, { 2016, 3, 1 }, 12, 20, 2, "O'Brien ožujak");
     addPrihRash(1, 2016, 4, { 2016, 3, 31 }, 19, 10, 0);
     addPrihRash(1, 2016, 5, { 2016, 4, 1 }, 11, 1000, 0, "O'Brien travanj");
     auto w = open(96);
+    EXPECT_EQ(w->model().displayText(0, 7) + " " + w->model().displayText(1, 1), "1.137,00 2.016");
     EXPECT_EQ(panel(*w),
         rows({ { "Pr.od 01.01.16 do 12.31.16", { 1117, 20, 0, 19, 1118, 50, 0, 0, 10, 5, 55 } },
             { "Ukupno:", { 1117, 20, 0, 19, 1118, 50, 0, 0, 10, 5, 55 } } }));
@@ -104,10 +111,10 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // March and a description with an apostrophe: one row, its totals, the panel of
     // the period with the months before it.
-    answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien"), true; });
+    answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true; });
     w->mnu_Click(4);
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
-    EXPECT_EQ(w->OpisFiltera, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...'");
+    EXPECT_EQ(w->OpisFiltera, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...',Iznos: 20,00,PDV: 2,00");
     EXPECT_EQ(filterLine(*w), "Filter : " + w->OpisFiltera);
     EXPECT_EQ(std::pair(w->DatumOd, w->DatumDo), std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)));
     EXPECT_EQ(w->model().total(8), Money::fromWhole(20));
@@ -119,9 +126,14 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
             { "Pr.od 01.03.16 do 03.31.16", { 0, 20, 0, 2, 18, 0, 0, 0, 10, 0, 10 } },
             { "Ukupno:", { 117, 20, 0, 19, 118, 50, 0, 0, 10, 5, 55 } } }));
 
-    // Cancelled: the rows and the clause stay, description and period start over.
+    // Cancelled: the rows and the clause stay, description and period start over. The
+    // form opened with the filter in force.
     const QString where = w->WhereUvjet;
-    answer([](RecordEditor&) { return false; });
+    answer([](RecordEditor& e) {
+        EXPECT_TRUE(e.chkPoDatumima->isChecked());
+        EXPECT_EQ(values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
+        return false;
+    });
     w->PostaviFilter();
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
     EXPECT_EQ(w->WhereUvjet + w->OpisFiltera + filterLine(*w), where + "Filter: Svi");
@@ -140,6 +152,10 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
 {
     ASSERT_TRUE(fillDemo(db->db(), 2016));
+    // Cancelled at the opening, nothing is loaded: neither every shop's rows nor the
+    // totals of none.
+    answer([](RecordEditor&) { return false; });
+    EXPECT_EQ(open(126)->rsStavke().rowCount() + open(125)->findChild<QTreeWidget*>("lvStanje")->topLevelItemCount(), 0);
     answer([](RecordEditor& e) { return e.setSkladište(demo::Maloprodaja2), true; });
     for (int kind : { 125, 126, 125 }) {
         const int before = filters;
@@ -207,11 +223,11 @@ TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
     EXPECT_TRUE(script->messages.isEmpty()) << script->texts().join(u'\n').toStdString();
 }
 
-TEST_F(FilterTest, APanelReadFailureIsReportedAndAKindWithoutAPanelShowsNone)
+TEST_F(FilterTest, APanelReadFailureIsReportedAndAKindWithoutAPanelShowsItEmpty)
 {
     QTreeWidget list;
     EXPECT_TRUE(osvjeziPanel(list, 97, 0, { 2016, 1, 1 }, { 2016, 12, 31 }));
-    EXPECT_TRUE(list.columnCount() == 0 && list.isHidden());
+    EXPECT_TRUE(list.columnCount() == 1 && list.topLevelItemCount() == 0 && list.isVisible());
     db->exec("DROP TABLE dbo.TrgKnjKomisiona");
     EXPECT_FALSE(osvjeziPanel(list, 126, 3, { 2016, 3, 1 }, { 2016, 3, 31 }));
     EXPECT_TRUE(list.columnCount() == 3 && list.topLevelItemCount() == 0);

@@ -1,14 +1,19 @@
 // The browser's grid: totals rows, refresh with position and sort, keys and the
 // command menu, load failures and the grid dump.
+#include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
 #include "session/Session.h"
+#include "session/widgets/DialogInteraction.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QFile>
 #include <QFont>
 #include <QHeaderView>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -204,6 +209,7 @@ TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsTo
     for (int i = 1; i <= 8; ++i)
         EXPECT_EQ(w->mnu(i)->text(), captions[i - 1]);
     EXPECT_EQ(w->toolbarButton(1)->text(), "Novi");
+    EXPECT_EQ(w->toolbarButton(6)->text() + w->toolbarButton(6)->data().toString(), "IspisPrint");
     EXPECT_EQ(w->toolbarButton(8)->text(), "Izlaz");
     EXPECT_EQ(w->toolbarButton(10)->text(), "Prenesi");
     EXPECT_FALSE(w->toolbarButton(10)->isVisible());
@@ -219,6 +225,22 @@ TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsTo
     EXPECT_EQ(commands(spy), (QList<int> { 4, 5 }));
     w->toolbarButton(8)->trigger(); // Izlaz
     EXPECT_FALSE(w->isVisible());
+
+    // Esc closes the book even after a menu opened with the mouse was closed with Esc,
+    // which leaves the menu bar holding the keys.
+    w->show();
+    // A message that comes before the window system activates the window opens over it.
+    QApplication::setActiveWindow(nullptr);
+    EXPECT_EQ(dialogOwner(), w.get());
+    QApplication::setActiveWindow(w.get());
+    auto* bar = w->findChild<QMenuBar*>("menuBar");
+    QMenu* naredbe = w->findChild<QMenu*>("mnuNaredbe");
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(naredbe->menuAction()).center());
+    ASSERT_TRUE(naredbe->isVisible());
+    QTest::keyClick(naredbe, Qt::Key_Escape);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(w->isVisible());
+    EXPECT_EQ(commands(spy).last(), 7);
 }
 
 TEST_F(BrowserGridTest, TheGridDumpGoesToTheHomeFolderWhereThereIsNoDriveC)
@@ -230,9 +252,13 @@ TEST_F(BrowserGridTest, TheGridDumpGoesToTheHomeFolderWhereThereIsNoDriveC)
     qputenv("HOME", home.toLocal8Bit());
     w->findChild<QPushButton*>("cmdFG")->click();
     qputenv("HOME", oldHome);
-    QFile dump(home + QStringLiteral("/PelunGrid.xls"));
+    QFile dump(home + QStringLiteral("/PelunGrid.xlsx"));
     ASSERT_TRUE(dump.exists()) << script->texts().join(u'\n').toStdString();
     ASSERT_TRUE(dump.open(QIODevice::ReadOnly));
     EXPECT_EQ(dump.read(2), QByteArray("PK"));
-    EXPECT_TRUE(script->messages.isEmpty());
+    ASSERT_EQ(script->messages.size(), 1);
+    EXPECT_EQ(script->messages[0].text, "Tablica je spremljena kao Excel radna knjiga u datoteku:\n" + dump.fileName());
+    EXPECT_EQ(script->messages[0].title, "Tablica u Excel");
+    // The fixed name on drive C keeps its old ending, and the message says what follows.
+    EXPECT_TRUE(browser::gridDumpMessage("c:/PelunGrid.xls").endsWith("odgovorite s \"Da\"."));
 }

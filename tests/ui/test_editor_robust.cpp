@@ -9,6 +9,7 @@
 #include "session/Session.h"
 #include "test_editor_fixture.h"
 
+#include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
@@ -158,6 +159,39 @@ TEST_F(RobustEditor, KeysConfirmCancelAndMoveThroughTheFields)
         EXPECT_FALSE(e->isVisible());
     });
     EXPECT_TRUE(e->IzišaoSaPrekidom());
+}
+
+// Every kind list takes the code typed, whatever its text begins with (the DB list
+// aligns one-digit codes with a blank); Alt+Down and F4 open it, Down alone moves on.
+TEST_F(RobustEditor, KindListsTakeTheTypedCodeAndOpenWithAltDownOrF4)
+{
+    const struct { int book; const char* keys; const char* chosen; } cases[] = {
+        { 109, "5", " 5 - Prihod - Gotovina" },
+        { 109, "15", "15 - Rashod - Plaćen PPU" },
+        { 109, "1", "10 - Rashod - Žiro račun" },
+        { 96, "16", "16 - Rashod - Nabavka robe/materijala" },
+        { 96, "5", "" },
+        { 97, "21", "21 - Primljeni racuni" },
+        { 100, "13", "13 - Rashod - Rashodi koji se ne priznaju" },
+        { 99, "87", "7 - Prihod - Naplaćeni prihod od financiranja" }, // 87 is no code: 7 starts anew
+    };
+    for (const auto& c : cases) {
+        auto e = editor(c.book, 1);
+        auto* list = qobject_cast<QComboBox*>(e->control(c.book == 96 || c.book == 109 ? "cmbVrsta" : "cboVrsta"));
+        ASSERT_TRUE(list) << c.book;
+        run(*e, [&] {
+            list->setFocus();
+            QTest::keyClicks(list, c.keys);
+            EXPECT_EQ(list->currentText(), QString::fromUtf8(c.chosen)) << c.book << " " << c.keys;
+            for (const auto& [key, modifier] : { std::pair(Qt::Key_Down, Qt::AltModifier), std::pair(Qt::Key_F4, Qt::NoModifier) }) {
+                QTest::keyClick(list, key, modifier);
+                EXPECT_TRUE(list->view()->isVisible()) << c.book;
+                list->hidePopup();
+            }
+            QTest::keyClick(list, Qt::Key_Down);
+            EXPECT_NE(focusOf(*e), list->objectName());
+        });
+    }
 }
 
 TEST_F(RobustEditor, SearchModePreparesThePeriodAndChecksIt)

@@ -308,31 +308,41 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
     ASSERT_TRUE(search);
     QTest::keyClicks(search, "ilidza");
     EXPECT_EQ(names(dialog.visiblePartners()), QStringList({ "Elektro-Servis Ilidža d.o.o.", "Maloprodaja 1 Ilidža" }));
-    search->setText("50");
-    ASSERT_EQ(dialog.visiblePartners().size(), 2);
-    EXPECT_EQ(dialog.visiblePartners().first().SifKomit, demo::Maloprodaja1);
-    QTest::keyClick(search, Qt::Key_Down);
-    QTest::keyClick(search, Qt::Key_Return);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    ASSERT_TRUE(dialog.chosen());
-    EXPECT_EQ(dialog.chosen()->SifKomit, demo::Maloprodaja2);
-    EXPECT_EQ(dialog.chosen()->ImeKomit1, "Maloprodaja 2 Grbavica");
 }
 
+// The sales-point chooser offers the shops the trade books keep, not the suppliers
+// that share a town with them; by name, or by code and the arrow key.
 TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
 {
     QString title;
-    m_script->onDialog = [&title](QDialog& d) {
+    QStringList offered;
+    QString typed;
+    m_script->onDialog = [&](QDialog& d) {
         title = d.windowTitle();
+        offered = names(static_cast<PartnerPickerDialog&>(d).visiblePartners());
         auto* search = d.findChild<QLineEdit*>("txtTrazi");
-        QTest::keyClicks(search, "grbav");
+        QTest::keyClicks(search, typed);
+        if (typed == "50")
+            QTest::keyClick(search, Qt::Key_Down);
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
-    const auto shop = KomitentRegister(KomitentRegister::Kind::Shops).choose();
-    EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
-    ASSERT_TRUE(shop);
-    EXPECT_EQ(shop->SifKomit, demo::Maloprodaja2);
+    KomitentRegister shops(KomitentRegister::Kind::Shops);
+    for (const auto& [search, code] : { std::pair("Ilid", demo::Maloprodaja1), std::pair("50", demo::Maloprodaja2) }) {
+        typed = search;
+        const auto shop = shops.choose();
+        EXPECT_EQ(title, "Izbor maloprodaje / skladišta");
+        EXPECT_EQ(offered, QStringList({ "Maloprodaja 1 Ilidža", "Maloprodaja 2 Grbavica" }));
+        ASSERT_TRUE(shop) << search;
+        EXPECT_EQ(shop->SifKomit, code);
+    }
+    // Before the first entry of any trade book every partner is offered, and said so.
+    m_db.exec("DELETE FROM dbo.TrgKnjUsluga");
+    m_db.exec("DELETE FROM dbo.TrgKnjKomisiona");
+    typed = "Ilid";
+    EXPECT_EQ(shops.choose()->SifKomit, 202);
+    EXPECT_EQ(title, "Izbor maloprodaje / skladišta (trgovačke knjige još nemaju stavki: svi komitenti)");
+    EXPECT_EQ(offered.size(), KomitentRegister::readAll()->size());
 
     KomitentRegister partners(KomitentRegister::Kind::Partners);
     m_script->onDialog = [](QDialog&) { return int(QDialog::Rejected); };

@@ -18,6 +18,7 @@ namespace
 
 const QLocale kBosnian(QLocale::Bosnian, QLocale::BosniaAndHerzegovina);
 const QLocale kEnglish(QLocale::English, QLocale::UnitedStates);
+const QLocale kC = QLocale::c();
 
 enum class Way { Type, Paste, Keypad };
 
@@ -63,6 +64,7 @@ TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
         { kBosnian, Way::Type, "1234567890123", 1234567890120000, "123.456.789.012,00", true },
         { kBosnian, Way::Type, "1.2", 10000, "1.2", true }, // left incomplete, kept as typed
         { kBosnian, Way::Type, "0,5", 0, "0,5", true, true }, // no fractions in a whole number
+        { kC, Way::Type, "1.234,56", 12345600, "1.234,56", false }, // C: the Bosnian form
         { kEnglish, Way::Type, "1,234.56", 12345600, "1,234.56", false },
         { kEnglish, Way::Paste, "1.234,56", 0, "0.00", true },
         { kEnglish, Way::Type, "12.500", 125000, "12.50", true },

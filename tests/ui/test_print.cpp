@@ -9,16 +9,20 @@
 #include "output/widgets/ReportPrinter.h"
 #include "output/widgets/ReportText.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QImage>
+#include <QPrintDialog>
 #include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QPrintPreviewWidget>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScreen>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -415,14 +419,16 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
 }
 
 // Pictures for the documentation: the print preview of the demonstration company's
-// FBiH book and of its recapitulation, and the recapitulation as a PDF (the screenshot
-// script turns it into a picture). Runs only when KNJIGE_SCREENSHOT_DIR names a folder.
+// FBiH book and of its recapitulation, Qt's print dialog over the preview in the
+// workstation's language, and the recapitulation as a PDF (the screenshot script turns
+// it into a picture). Runs only when KNJIGE_SCREENSHOT_DIR names a folder.
 TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
 {
     const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
     if (dir.isEmpty())
         GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
     ASSERT_TRUE(fillDemo(db->db(), 2016));
+    ASSERT_TRUE(installQtTranslations());
     auto w = open(96);
     QString picture;
     script->onDialog = [&](QDialog& dialog) {
@@ -430,6 +436,18 @@ TEST_F(PrintTest, PicturesOfThePreviewAndTheRecapitulation)
         dialog.show();
         QApplication::processEvents();
         EXPECT_TRUE(dialog.grab().save(picture));
+        for (const QAction* a : dialog.findChildren<QAction*>())
+            EXPECT_FALSE(QStringList({ "Print", "Page setup", "Fit page" }).contains(a->text())) << a->text().toStdString();
+        if (picture.endsWith(QLatin1String("-96.png"))) {
+            QPrinter printer;
+            QPrintDialog print(&printer, &dialog);
+            print.show();
+            print.move(dialog.geometry().center() - print.rect().center());
+            QApplication::processEvents();
+            const QRect area = dialog.frameGeometry().united(print.frameGeometry());
+            EXPECT_TRUE(dialog.screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+                            .save(dir + QStringLiteral("/ispis-dijalog.png")));
+        }
         return 0;
     };
     picture = dir + QStringLiteral("/ispis-pregled-96.png");

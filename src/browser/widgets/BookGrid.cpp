@@ -5,6 +5,9 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QStyle>
+
+#include <algorithm>
 
 namespace knjige {
 
@@ -47,7 +50,6 @@ BookGrid::BookGrid(QWidget* parent)
     setTabKeyNavigation(false);
     horizontalHeader()->setSectionsClickable(true);
     horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     verticalHeader()->setHighlightSections(false);
@@ -58,6 +60,30 @@ BookGrid::BookGrid(QWidget* parent)
         if (m_rowFollowsMouse && index.isValid())
             setCurrentIndex(index);
     });
+}
+
+int BookGrid::contentWidth(int column) const
+{
+    const QAbstractItemModel* m = model();
+    const int rows = m ? m->rowCount() : 0;
+    QFont boldFont = font();
+    boldFont.setBold(true);
+    const QFontMetrics plain(font());
+    const QFontMetrics bold(boldFont);
+    const auto width = [&](int row) {
+        const QModelIndex index = m->index(row, column);
+        const QString text = index.data(Qt::DisplayRole).toString();
+        return (index.data(BookModel::BoldRole).toBool() ? bold : plain).horizontalAdvance(text);
+    };
+    constexpr int kSample = 5000;
+    const int step = std::max(1, rows / kSample);
+    int widest = 0;
+    for (int r = 0; r < rows; r += step)
+        widest = std::max(widest, width(r));
+    if (rows > 0)
+        widest = std::max(widest, width(rows - 1));
+    // The cell's own margins, as the view draws them.
+    return widest + 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1) + 2;
 }
 
 void BookGrid::setRowFollowsMouse(bool on)

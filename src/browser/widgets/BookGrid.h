@@ -29,8 +29,9 @@ public:
     std::function<bool(int key)> onKey;
     // Whether the current row follows the mouse.
     void setRowFollowsMouse(bool on);
-    // The width the cells of a column want, over the rows the view samples.
-    int contentWidth(int column) const { return sizeHintForColumn(column); }
+    // The width the cells of a column want, over every row (an even sample of a very
+    // long book, its totals rows always among them), not only those in view.
+    int contentWidth(int column) const;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

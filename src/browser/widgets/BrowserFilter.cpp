@@ -11,6 +11,7 @@
 #include "session/HostServices.h"
 #include "session/Session.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 
 namespace knjige
@@ -18,24 +19,49 @@ namespace knjige
 namespace
 {
 
-QString text(const RecordEditor& e, const QString& name)
+using browser::FilterInput;
+
+// The filter form's text boxes and number boxes and the fields they fill, in both
+// directions: read when the form is confirmed, put back when it opens again.
+const std::pair<const char*, QString FilterInput::*> kTexts[] = {
+    { "txtIsprava", &FilterInput::txtIsprava },
+    { "txtOpis", &FilterInput::txtOpis },
+    { "txtKomitent", &FilterInput::txtKomitent },
+    { "txtNazivSredstva", &FilterInput::txtNazivSredstva },
+    { "txtNaziv", &FilterInput::txtNaziv },
+    { "txtBrojDokumenta", &FilterInput::txtBrojDokumenta },
+};
+// The amount before its VAT share: setting the amount computes a share that the
+// remembered one then replaces.
+const std::pair<const char*, Money FilterInput::*> kAmounts[] = {
+    { "ubIznos", &FilterInput::ubIznos },
+    { "ubIznosPDV", &FilterInput::ubIznosPDV },
+    { "ubKPR", &FilterInput::ubKPR },
+    { "ubGotovina", &FilterInput::ubGotovina },
+    { "ubCek", &FilterInput::ubCek },
+    { "ubNabavna", &FilterInput::ubNabavna },
+    { "ubKnjigovodstvena", &FilterInput::ubKnjigovodstvena },
+    { "ubVijekTrajanja", &FilterInput::ubVijekTrajanja },
+    { "ubZaduženje", &FilterInput::ubZaduženje },
+    { "ubRazduženje", &FilterInput::ubRazduženje },
+};
+
+QLineEdit* textBox(const RecordEditor& e, const char* name)
 {
-    const auto* edit = qobject_cast<const QLineEdit*>(e.control(name));
-    return edit ? edit->text() : QString();
+    return qobject_cast<QLineEdit*>(e.control(QString::fromUtf8(name)));
 }
 
-Money amount(const RecordEditor& e, const QString& name)
+MoneyBox* amountBox(const RecordEditor& e, const char* name)
 {
-    const auto* box = qobject_cast<const MoneyBox*>(e.control(name));
-    return box ? box->value() : Money();
+    return qobject_cast<MoneyBox*>(e.control(QString::fromUtf8(name)));
 }
 
-QString kindText(const RecordEditor& e)
+QComboBox* kindList(const RecordEditor& e)
 {
     for (const QString& name : { QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta") })
-        if (const auto* combo = qobject_cast<const QComboBox*>(e.control(name)))
-            return combo->currentText();
-    return {};
+        if (auto* combo = qobject_cast<QComboBox*>(e.control(name)))
+            return combo;
+    return nullptr;
 }
 
 // The name the picker shows for a code; looked up when the picker has not caught up
@@ -56,23 +82,14 @@ browser::FilterInput filterInput(const RecordEditor& e)
     in.chkPoDatumima = e.chkPoDatumima->isChecked();
     in.dpDatum = e.dpDatum->date();
     in.dpDatumDo = e.dpDatumDo->date();
-    in.txtIsprava = text(e, QStringLiteral("txtIsprava"));
-    in.txtOpis = text(e, QStringLiteral("txtOpis"));
-    in.vrsta = kindText(e);
-    in.txtKomitent = text(e, QStringLiteral("txtKomitent"));
-    in.txtNazivSredstva = text(e, QStringLiteral("txtNazivSredstva"));
-    in.txtNaziv = text(e, QStringLiteral("txtNaziv"));
-    in.txtBrojDokumenta = text(e, QStringLiteral("txtBrojDokumenta"));
-    in.ubIznos = amount(e, QStringLiteral("ubIznos"));
-    in.ubIznosPDV = amount(e, QStringLiteral("ubIznosPDV"));
-    in.ubKPR = amount(e, QStringLiteral("ubKPR"));
-    in.ubGotovina = amount(e, QStringLiteral("ubGotovina"));
-    in.ubCek = amount(e, QStringLiteral("ubCek"));
-    in.ubNabavna = amount(e, QStringLiteral("ubNabavna"));
-    in.ubKnjigovodstvena = amount(e, QStringLiteral("ubKnjigovodstvena"));
-    in.ubVijekTrajanja = amount(e, QStringLiteral("ubVijekTrajanja"));
-    in.ubZaduženje = amount(e, QStringLiteral("ubZaduženje"));
-    in.ubRazduženje = amount(e, QStringLiteral("ubRazduženje"));
+    for (const auto& [name, field] : kTexts)
+        if (const QLineEdit* box = textBox(e, name))
+            in.*field = box->text();
+    for (const auto& [name, field] : kAmounts)
+        if (const MoneyBox* box = amountBox(e, name))
+            in.*field = box->value();
+    if (const QComboBox* list = kindList(e))
+        in.vrsta = list->currentText();
     if (e.TipSifarnika() == Knjiga::EvidPotObvRS) {
         if (const auto* evid = qobject_cast<const frmKnjEvidPotObvFBiH*>(&e))
             in.imeKomitenta = nameOf(evid->cKomit(), in.txtKomitent.trimmed().toInt(), *hostServices().partners);
@@ -82,6 +99,23 @@ browser::FilterInput filterInput(const RecordEditor& e)
         in.imeProdavnice = nameOf(trg->cSkladište(), in.prodavnica, *hostServices().shops);
     }
     return in;
+}
+
+// The filter form as it was when the filter in force was confirmed.
+void restoreInput(RecordEditor& e, const FilterInput& in)
+{
+    e.dpDatum->setDate(in.dpDatum);
+    e.dpDatumDo->setDate(in.dpDatumDo);
+    // After the dates: changing a date ticks the box.
+    e.chkPoDatumima->setChecked(in.chkPoDatumima);
+    for (const auto& [name, field] : kTexts)
+        if (QLineEdit* box = textBox(e, name))
+            box->setText(in.*field);
+    for (const auto& [name, field] : kAmounts)
+        if (MoneyBox* box = amountBox(e, name))
+            box->setValue(in.*field);
+    if (QComboBox* list = kindList(e))
+        list->setCurrentIndex(list->findText(in.vrsta));
 }
 
 } // namespace
@@ -107,15 +141,17 @@ void frmSifarnikKnj::PostaviFilter()
     // A trade book filtered again offers the sales point it already shows.
     if (isTradeBook(m_tip) && BrojProd != 0)
         e->setSkladište(BrojProd);
+    if (UnosFiltera)
+        e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);
-    if (e->IzišaoSaPrekidom()) {
-        // A book asked for its filter before its first load has no rows to keep: it
-        // shows what its opening clause lists rather than an empty window.
-        if (rsStavke().fieldCount() == 0)
-            OsvjeziZapise();
+    // Cancelled, nothing is reloaded: a trade book whose sales point was not chosen
+    // at its opening stays empty (rather than listing every shop's entries with the
+    // totals of none) until a filter chooses one.
+    if (e->IzišaoSaPrekidom())
         return;
-    }
-    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, filterInput(*e)));
+    const browser::FilterInput in = filterInput(*e);
+    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, in));
+    UnosFiltera = in;
 }
 
 void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
@@ -127,6 +163,11 @@ void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
     DatumDo = filter.periodEnd;
     if (filter.salesPoint != 0)
         BrojProd = filter.salesPoint;
+    // A filter put in force from outside the form (a period) is what the form shows next.
+    UnosFiltera = browser::FilterInput {};
+    UnosFiltera->chkPoDatumima = true;
+    UnosFiltera->dpDatum = DatumOd;
+    UnosFiltera->dpDatumDo = DatumDo;
     m_txtFilter->setText(browser::filterLine(OpisFiltera));
     OsvjeziZapise();
 }

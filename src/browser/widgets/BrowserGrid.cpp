@@ -84,20 +84,25 @@ void frmSifarnikKnj::OsvjeziZapise()
 }
 
 // Widths are set once, on the first fill: later refreshes keep what the operator set.
-// Name columns take "VelNazivaSifri"; the others fit their contents up to a cap, and
-// the empty marker column I takes what is left.
+// Name columns take "VelNazivaSifri"; the others fit their contents (a kind's name
+// included) up to a cap against runaway texts, and the empty marker column I, always
+// the last, takes no room.
 void frmSifarnikKnj::postaviŠirineKolona()
 {
     if (m_sirinePostavljene || m_model->columnCount() == 0)
         return;
     m_sirinePostavljene = true;
     QHeaderView* header = m_fg->horizontalHeader();
-    const int cap = m_fg->fontMetrics().horizontalAdvance(QLatin1Char('0')) * 28;
+    const int cap = m_fg->fontMetrics().horizontalAdvance(QLatin1Char('0')) * 60;
     const int nameWidth = browser::twipsToPixels(m_velNazivaSifri, logicalDpiX());
     static const QStringList nameColumns = {QStringLiteral("Opis"), QStringLiteral("Naziv"),
                                             QStringLiteral("ImeKomit1"), QStringLiteral("ImeProd")};
     for (int c = 0; c < m_model->columnCount(); ++c) {
         const QString name = rsStavke().field(c).name;
+        if (c == m_model->columnCount() - 1 && name == QLatin1String("I")) {
+            header->setSectionHidden(c, true);
+            continue;
+        }
         if (nameColumns.contains(name, Qt::CaseInsensitive)) {
             header->resizeSection(c, nameWidth);
             continue;
@@ -186,8 +191,11 @@ void frmSifarnikKnj::mnu_Click(int index)
 void frmSifarnikKnj::SpremiGrid()
 {
     QString error;
-    if (!GridWorkbook::write(*m_model, browser::gridDumpPath(), &error))
+    const QString path = browser::gridDumpPath();
+    if (!GridWorkbook::write(*m_model, path, &error))
         warn(QStringLiteral("Desila se greška: ") + error);
+    else
+        inform(browser::gridDumpMessage(path), QStringLiteral("Tablica u Excel"), Icon::Information);
 }
 
 } // namespace knjige

@@ -53,6 +53,7 @@ void frmSifarnikKnj::napraviIzbornike()
     auto* bar = new QMenuBar(this);
     bar->setObjectName(QStringLiteral("menuBar"));
     layout()->setMenuBar(bar);
+    bar->installEventFilter(this);
 
     QMenu* naredbe = bar->addMenu(QStringLiteral("&Naredbe"));
     naredbe->setObjectName(QStringLiteral("mnuNaredbe"));
@@ -126,7 +127,7 @@ void frmSifarnikKnj::napraviAlatnuTraku()
     m_toolbar->setIconSize(QSize(20, 20));
     QStyle* st = style();
     struct Button {
-        QString key;
+        QString key;       // the button's key text, by which hosts and the menu know it
         QStyle::StandardPixmap icon;
         int command;   // 0: a separator
     };
@@ -151,7 +152,9 @@ void frmSifarnikKnj::napraviAlatnuTraku()
             m_tbButtons[n] = m_toolbar->addSeparator();
             continue;
         }
-        QAction* a = m_toolbar->addAction(st->standardIcon(b.icon), b.key);
+        // The print button's key is "Print"; the operator reads the menu's word.
+        const QString caption = b.command == 6 ? QStringLiteral("Ispis") : b.key;
+        QAction* a = m_toolbar->addAction(st->standardIcon(b.icon), caption);
         a->setObjectName(QStringLiteral("tb") + b.key);
         a->setData(b.key);
         QAction* command = m_mnu[b.command];
@@ -190,7 +193,6 @@ void frmSifarnikKnj::napraviRaspored()
     m_lvStanje->setObjectName(QStringLiteral("lvStanje"));
     m_lvStanje->setRootIsDecorated(false);
     m_lvStanje->setMaximumHeight(m_fg->verticalHeader()->defaultSectionSize() * 5);
-    m_lvStanje->setVisible(false);
     layout()->addWidget(m_lvStanje);
 
     m_fg->onKey = [this](int key) { return fg_KeyDown(key); };

@@ -6,6 +6,7 @@
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 
 #include <QHeaderView>
 #include <QTreeWidget>
@@ -52,13 +53,14 @@ bool osvjeziPanel(
 {
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
+    lvStanje.setVisible(true);
     if (headers.isEmpty()) {
-        lvStanje.setColumnCount(0);
-        lvStanje.setVisible(false);
+        // A book without running totals shows the panel empty.
+        lvStanje.setColumnCount(1);
+        lvStanje.setHeaderLabels({ QStringLiteral(" ") });
         return true;
     }
     layColumns(lvStanje, headers);
-    lvStanje.setVisible(true);
     Session& s = session();
     ResultSet rs;
     const QString sql
@@ -67,7 +69,7 @@ bool osvjeziPanel(
         warn(browser::totalsPanelFailure());
         return false;
     }
-    const QLocale locale;
+    const QLocale locale = componentLocale();
     for (const browser::PanelRow& row : browser::totalsPanelRows(bookKind, rs).rows)
         addRow(lvStanje, row, locale);
     // The widths are the least a column gets: a label or header that needs more on

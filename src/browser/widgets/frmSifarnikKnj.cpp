@@ -8,9 +8,12 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "session/Workstation.h"
+#include "session/widgets/DialogInteraction.h"
 
 #include <QAction>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -24,6 +27,7 @@ frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
     : QDialog(parent, Qt::Window | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
 {
     setObjectName(QStringLiteral("frmSifarnikKnj"));
+    setLocale(componentLocale());
     setSizeGripEnabled(true);
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(4, 0, 4, 4);
@@ -164,6 +168,7 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
     m_nacinPrikaza = mode;
     primijeniNivoPristupa();
     m_prikazan = true;
+    setBookWindow(this);
     if (mode == 1)
         interaction().exec(*this);
     else
@@ -270,6 +275,27 @@ void frmSifarnikKnj::spremiPoziciju()
     settings::setNumber(app, sec, browser::keys::mainTop(), browser::pixelsToTwips(y(), dpiY));
     settings::setNumber(app, sec, browser::keys::mainWidth(), browser::pixelsToTwips(width(), dpiX));
     settings::setNumber(app, sec, browser::keys::mainHeight(), browser::pixelsToTwips(height(), dpiY));
+}
+
+// Esc closes the book whatever had the keys before: a menu opened with the mouse and
+// closed with Esc leaves the menu bar holding them, and the bar would take the next Esc
+// for itself.
+bool frmSifarnikKnj::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress && watched == layout()->menuBar()
+        && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        mnu_Click(7);
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmSifarnikKnj::changeEvent(QEvent* event)
+{
+    // The book last used owns the messages that come while no window is active.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        setBookWindow(this);
+    QDialog::changeEvent(event);
 }
 
 void frmSifarnikKnj::done(int result)

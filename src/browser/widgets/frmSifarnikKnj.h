@@ -8,6 +8,8 @@
 #include <QVariant>
 #include <QVector>
 
+#include <optional>
+
 class QAction;
 class QLineEdit;
 class QMenu;
@@ -120,6 +122,9 @@ public:
     QDate DatumOd;
     QDate DatumDo;
     qint32 BrojProd = 0;          // the sales point of a trade book
+    // What the filter form held when the filter in force was confirmed; the next
+    // filter form opens with it.
+    std::optional<browser::FilterInput> UnosFiltera;
     qint32 RBrojZaPovratak = 0;   // entry to return to after a reload; 0: none
     bool KoristiNoviPrikaz = true;
 
@@ -129,6 +134,8 @@ signals:
 
 protected:
     void done(int result) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void napraviIzbornike();

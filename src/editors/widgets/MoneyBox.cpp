@@ -52,7 +52,8 @@ public:
             return Acceptable;
         m_box->noteRefusal(
             QStringLiteral("Broj mora biti između %1 i %2.")
-                .arg(wholeDisplay(m_box->minimum(), m_box->locale()), wholeDisplay(m_box->maximum(), m_box->locale())));
+                .arg(wholeDisplay(m_box->minimum(), m_box->numberLocale()),
+                    wholeDisplay(m_box->maximum(), m_box->numberLocale())));
         return Invalid;
     }
 
@@ -118,6 +119,11 @@ bool MoneyBox::isReadable() const
     return readAmount(text(), conventions(), limits()).exact();
 }
 
+QLocale MoneyBox::numberLocale() const
+{
+    return componentLocale(locale());
+}
+
 QString MoneyBox::editText() const
 {
     return amountEditText(m_value, conventions());
@@ -129,9 +135,9 @@ void MoneyBox::showValue()
     if (hasFocus())
         setText(editText());
     else if (!m_whole)
-        setText(amountDisplay(m_value, locale()));
+        setText(amountDisplay(m_value, numberLocale()));
     else if (m_value.units() % Money::Scale == 0)
-        setText(wholeDisplay(integerValue(), locale()));
+        setText(wholeDisplay(integerValue(), numberLocale()));
     else
         setText(editText()); // a fraction in a whole-number box is shown, not hidden
     m_updating = false;

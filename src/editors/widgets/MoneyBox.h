@@ -2,6 +2,7 @@
 
 #include "session/AmountText.h"
 #include "session/Money.h"
+#include "session/Workstation.h"
 
 #include <QLineEdit>
 #include <limits>
@@ -50,7 +51,9 @@ public:
     // set its value (even the same number again).
     bool typedByPerson() const { return m_typed; }
 
-    NumberConventions conventions() const { return NumberConventions::of(locale()); }
+    NumberConventions conventions() const { return NumberConventions::of(numberLocale()); }
+    // The box's locale as the component writes numbers in it (Bosnian for C).
+    QLocale numberLocale() const;
     // What the box takes now: the base limits widened to what the set value needs.
     AmountLimits limits() const;
     // Remembers why the validator refused a text, for the sign that follows.

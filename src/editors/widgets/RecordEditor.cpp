@@ -7,9 +7,11 @@
 #include "session/Clock.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/Workstation.h"
 #include "session/widgets/DateTyping.h"
 #include "session/widgets/SelectWholeText.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -62,6 +64,8 @@ RecordEditor::RecordEditor(int bookKind, QWidget* parent)
     , m_tip(bookKind)
 {
     setModal(true);
+    // Dates and amounts in the component's conventions, children included.
+    setLocale(componentLocale());
     m_outer = new QVBoxLayout(this);
     m_grid = new QGridLayout;
     m_grid->setHorizontalSpacing(8);
@@ -287,6 +291,8 @@ void RecordEditor::Prikaži(int)
         SetEdit(false);
         cmdSpremi->setFocus();
     }
+    if (prijePrikaza)
+        prijePrikaza(*this);
     interaction().exec(*this);
 }
 
@@ -560,6 +566,8 @@ bool RecordEditor::handleKey(QWidget* control, QKeyEvent* event)
     }
     if (!isInput(control))
         return false;
+    if (auto* list = qobject_cast<QComboBox*>(control); list && listKey(list, event))
+        return true;
     const bool textCheckOrCombo
         = qobject_cast<QLineEdit*>(control) || qobject_cast<QCheckBox*>(control) || qobject_cast<QComboBox*>(control);
     if (key == Qt::Key_Return || key == Qt::Key_Enter || (key == Qt::Key_Down && textCheckOrCombo)) {
@@ -571,6 +579,37 @@ bool RecordEditor::handleKey(QWidget* control, QKeyEvent* event)
         return true;
     }
     return false;
+}
+
+// A kind list opens with Alt+Down or F4 (Down alone moves on, as in every field) and
+// takes the kind's code typed, whatever blank its text begins with.
+bool RecordEditor::listKey(QComboBox* list, QKeyEvent* event)
+{
+    const int key = event->key();
+    if (key == Qt::Key_F4 || ((key == Qt::Key_Down || key == Qt::Key_Up) && (event->modifiers() & Qt::AltModifier))) {
+        list->showPopup();
+        return true;
+    }
+    const QString typed = event->text();
+    if (typed.size() != 1 || !typed.front().isDigit() || typed.front().unicode() > 127)
+        return false;
+    if (!m_typedAt.isValid() || m_typedAt.elapsed() > QApplication::keyboardInputInterval())
+        m_typedCode.clear();
+    m_typedAt.start();
+    QStringList texts;
+    for (int i = 0; i < list->count(); ++i)
+        texts << list->itemText(i);
+    int position = vrstaTyped(texts, m_typedCode + typed);
+    if (position >= 0) {
+        m_typedCode += typed;
+    } else {
+        // A digit that continues no code starts a new one.
+        m_typedCode = typed;
+        position = vrstaTyped(texts, m_typedCode);
+    }
+    if (position >= 0)
+        list->setCurrentIndex(position);
+    return true;
 }
 
 void RecordEditor::moveFocus(bool next)

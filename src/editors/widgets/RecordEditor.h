@@ -9,9 +9,12 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <functional>
 
 class QGridLayout;
 class QVBoxLayout;
@@ -67,6 +70,9 @@ public:
     // through the interaction seam. The argument is the display mode of the original
     // program and is always modal here.
     void Prikaži(int modal = 1);
+    // Runs once the dialog is prepared for its mode, just before it is shown: the
+    // browser puts the filter in force back into a filter form here.
+    std::function<void(RecordEditor&)> prijePrikaza;
 
     // Fills the fields of a new entry from a row of the browser's list (the "same
     // entry" copy); the ordinal number is left to the caller.
@@ -155,6 +161,7 @@ private:
     void onDateChanged();
     void setSearchDates();
     bool handleKey(QWidget* control, QKeyEvent* event);
+    bool listKey(QComboBox* list, QKeyEvent* event);
     void moveFocus(bool next);
     bool numbersReadable();
     bool proposedNumber(const RowChange& change) const;
@@ -171,6 +178,8 @@ private:
     int m_rows = 0;
     QList<QWidget*> m_tabChain;
     QList<QWidget*> m_lookupButtons;
+    QString m_typedCode;          // digits typed into a kind list in quick succession
+    QElapsedTimer m_typedAt;
 };
 
 } // namespace knjige

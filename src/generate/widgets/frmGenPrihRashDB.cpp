@@ -6,6 +6,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
+#include "session/Workstation.h"
 #include "session/widgets/DateTyping.h"
 #include "session/widgets/SelectWholeText.h"
 
@@ -73,6 +74,7 @@ frmGenPrihRashDB::frmGenPrihRashDB(QWidget* parent)
 {
     setObjectName(QStringLiteral("frmGenPrihRashDB"));
     setModal(true);
+    setLocale(componentLocale());
     napraviKontrole();
     setMinimumWidth(600);
 }
@@ -153,7 +155,7 @@ void frmGenPrihRashDB::napraviKontrole()
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    OKButton = button(this, QStringLiteral("OKButton"), QStringLiteral("OK"));
+    OKButton = button(this, QStringLiteral("OKButton"), QStringLiteral("U redu"));
     OKButton->setDefault(true);
     CancelButton = button(this, QStringLiteral("CancelButton"), QStringLiteral("Odustani"));
     buttons->addWidget(OKButton);

@@ -6,6 +6,7 @@
 #include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
 #include "session/widgets/QuietFileIcons.h"
+#include "session/Workstation.h"
 
 #include <QFontMetricsF>
 #include <QLocale>
@@ -123,7 +124,7 @@ void ReportPrinter::measure(QPagedPaintDevice& device)
     m->heading = GlyphText(font(points * 0.95, true), device);
     m->number = GlyphText(font(points * 0.85), device);
     m->foot = GlyphText(m->small, device);
-    m->locale = QLocale();
+    m->locale = componentLocale();
 
     const qreal digit = m->text.width(u"0");
     m->pad = digit * 0.6;

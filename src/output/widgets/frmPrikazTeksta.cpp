@@ -69,7 +69,7 @@ frmPrikazTeksta::frmPrikazTeksta(QWidget* parent)
     cmdSpremiTekst = button(this, "cmdSpremiTekst", QStringLiteral("&Spremi tekst"));
     cmdDa = button(this, "cmdDa", QStringLiteral("&Da"));
     cmdNe = button(this, "cmdNe", QStringLiteral("&Ne"));
-    OKButton = button(this, "OKButton", QStringLiteral("OK"));
+    OKButton = button(this, "OKButton", QStringLiteral("U redu"));
     cmdDa->setVisible(false);
     cmdNe->setVisible(false);
     buttons->addWidget(cmdSpremiTekst);

@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProcess>
 
 namespace knjige {
@@ -57,6 +58,12 @@ Answer answerOf(int button)
     }
 }
 
+QPointer<QWidget>& bookWindow()
+{
+    static QPointer<QWidget> window;
+    return window;
+}
+
 // "CSV datoteka (*.csv)|*.csv" (the program's own filter form) or Qt's form.
 QString qtFilter(const QString& filter)
 {
@@ -75,7 +82,7 @@ bool isLongText(const QString& text)
 // stands as the question under the text.
 Answer showInViewer(const Message& message)
 {
-    frmPrikazTeksta viewer(QApplication::activeWindow());
+    frmPrikazTeksta viewer(dialogOwner());
     const bool ask = message.buttons == Buttons::YesNo;
     QString text = message.text;
     QString question;
@@ -111,7 +118,7 @@ Answer DialogInteraction::show(const Message& message)
         return showInViewer(message);
     QMessageBox box(boxIcon(message.icon),
                     message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
-                    boxButtons(message.buttons), QApplication::activeWindow());
+                    boxButtons(message.buttons), dialogOwner());
     box.setDefaultButton(boxButton(message.buttons == Buttons::Ok ? Answer::Ok : message.defaultAnswer));
     nameButtons(box);
     const int button = box.exec();
@@ -120,11 +127,20 @@ Answer DialogInteraction::show(const Message& message)
     return answerOf(button);
 }
 
-int DialogInteraction::exec(QDialog& dialog) { return dialog.exec(); }
+int DialogInteraction::exec(QDialog& dialog)
+{
+    // A dialog of its own (no parent) still opens over the window it belongs to.
+    QWidget* owner = dialog.parentWidget() ? nullptr : dialogOwner();
+    if (owner && owner != &dialog && owner->isVisible()) {
+        dialog.adjustSize();
+        dialog.move(owner->frameGeometry().center() - dialog.rect().center());
+    }
+    return dialog.exec();
+}
 
 std::unique_ptr<QFileDialog> fileChooser(const FileChoice& choice, QFileDialog::AcceptMode mode)
 {
-    auto dialog = std::make_unique<QFileDialog>(QApplication::activeWindow(), choice.title, choice.directory,
+    auto dialog = std::make_unique<QFileDialog>(dialogOwner(), choice.title, choice.directory,
                                                 qtFilter(choice.filter));
     dialog->setAcceptMode(mode);
 #ifndef Q_OS_WIN
@@ -160,6 +176,21 @@ QString DialogInteraction::chooseOpenFile(const FileChoice& choice)
 bool DialogInteraction::startProgram(const QString& program, const QStringList& arguments)
 {
     return QProcess::startDetached(program, arguments);
+}
+
+QWidget* dialogOwner()
+{
+    if (QWidget* modal = QApplication::activeModalWidget(); modal && modal->isVisible())
+        return modal;
+    if (QWidget* active = QApplication::activeWindow())
+        return active;
+    QWidget* book = bookWindow();
+    return book && book->isVisible() ? book : nullptr;
+}
+
+void setBookWindow(QWidget* window)
+{
+    bookWindow() = window;
 }
 
 void ensureDialogInteraction()

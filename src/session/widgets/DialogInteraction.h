@@ -27,4 +27,11 @@ std::unique_ptr<QFileDialog> fileChooser(const FileChoice& choice, QFileDialog::
 // person stays in charge.
 void ensureDialogInteraction();
 
+// The window a message box or dialog belongs to, so that it opens centred on it: the
+// modal dialog in front, else the active window, else the book window last shown (a
+// window just shown is not yet active: the window system activates it later).
+QWidget* dialogOwner();
+// The book window that owns messages while no window is active.
+void setBookWindow(QWidget* window);
+
 } // namespace knjige
