@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -18,6 +19,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace knjige {
 namespace {
@@ -33,6 +35,58 @@ QString engineText(const QSqlError& e)
     if (e.nativeErrorCode() == QLatin1String("5") || e.nativeErrorCode() == QLatin1String("6"))
         return QStringLiteral("Baza podataka je zauzeta (drugi korisnik upravo piše u nju): ") + e.databaseText();
     return e.databaseText().isEmpty() ? e.text() : e.databaseText();
+}
+
+// The value a parameterised row write binds to `column`: the helper's own
+// "INSERT INTO T (a,b) VALUES (?,?)" and "UPDATE T SET a = ?,b = ? WHERE ...".
+std::optional<QVariant> boundValue(const QString& sql, const QVariantList& values, const QString& column)
+{
+    static const QRegularExpression insert(QStringLiteral("^INSERT INTO \\S+ \\(([^)]*)\\) (VALUES|SELECT)"));
+    static const QRegularExpression update(QStringLiteral("^UPDATE \\S+ SET (.*?) WHERE"));
+    QStringList columns;
+    if (const auto m = insert.match(sql); m.hasMatch())
+        columns = m.captured(1).split(u',');
+    else if (const auto u = update.match(sql); u.hasMatch())
+        for (const QString& set : u.captured(1).split(u','))
+            columns << set.section(u'=', 0, 0);
+    for (int i = 0; i < columns.size() && i < values.size(); ++i)
+        if (columns[i].trimmed().compare(column, Qt::CaseInsensitive) == 0)
+            return values[i];
+    return std::nullopt;
+}
+
+// A table's check (named "tsql:<type>:<column>" by TSqlCreateTable.cpp) refused a
+// value: the server's message for it, with the value where the write bound it.
+QString checkFailure(const QString& text, const std::optional<QVariant>& value)
+{
+    static const QRegularExpression check(QStringLiteral("CHECK constraint failed: tsql:(\\w+):(.+)$"));
+    const auto m = check.match(text);
+    if (!m.hasMatch())
+        return text;
+    const QString type = m.captured(1);
+    if (type == u"nvarchar")
+        return QStringLiteral("String or binary data would be truncated.");
+    if (type == u"datetime")
+        return QStringLiteral("Conversion failed when converting date and/or time from character string.");
+    const bool isText = value && value->typeId() == QMetaType::QString;
+    if (type == u"money")
+        return isText ? QStringLiteral("Cannot convert a char value to money. The char value has incorrect syntax.")
+                      : tsql::overflowMessage("money");
+    if (type == u"numeric" || type == u"float")
+        return QStringLiteral("Error converting data type nvarchar to %1.").arg(type);
+    bool whole = false;
+    if (isText)
+        value->toString().trimmed().toLongLong(&whole);
+    if (isText && !whole)
+        return QStringLiteral("Conversion failed when converting the nvarchar value '%1' to data type %2.")
+            .arg(value->toString(), type);
+    // A bound fraction: the statements cut one off, a parameter is refused.
+    if (value && value->typeId() == QMetaType::Double && std::isfinite(value->toDouble())
+        && std::fabs(value->toDouble()) < 9e18 && std::trunc(value->toDouble()) != value->toDouble())
+        return QStringLiteral("Conversion failed when converting the float value '%1' to data type %2.")
+            .arg(value->toDouble())
+            .arg(type);
+    return tsql::overflowMessage(type.toLatin1().constData());
 }
 
 // The storage class of a value decides the type of a column the adapter could not type.
@@ -67,7 +121,8 @@ bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32
         const double d = v.toDouble();
         if (isReal && !(d > -9223372036854775808.0 && d < 9223372036854775808.0))
             return false;
-        const qint64 i = isReal ? qint64(std::llround(d)) : v.toLongLong();
+        // A fraction in a whole-number column is cut off, as the server converts it.
+        const qint64 i = isReal ? qint64(std::trunc(d)) : v.toLongLong();
         if (!inRange(i, int32))
             return false;
         rs.setInteger(c, i);
@@ -197,8 +252,12 @@ public:
             return fail(q.lastError(), error);
         for (const QVariant& v : values)
             q.addBindValue(bindable(v));
-        if (!q.exec())
-            return fail(q.lastError(), error);
+        if (!q.exec()) {
+            fail(q.lastError(), error);
+            const auto column = QRegularExpression(QStringLiteral("tsql:\\w+:(.+)$")).match(*error).captured(1);
+            *error = checkFailure(*error, boundValue(sql, values, column));
+            return false;
+        }
         if (rowsAffected)
             *rowsAffected = q.numRowsAffected();
         return true;
@@ -223,7 +282,7 @@ public:
 private:
     static bool fail(const QSqlError& e, QString* error)
     {
-        *error = engineText(e);
+        *error = checkFailure(engineText(e), std::nullopt);
         return false;
     }
 
@@ -339,7 +398,7 @@ private:
         else if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
             *error = QStringLiteral("Baza podataka je zauzeta (drugi korisnik upravo piše u nju): ") + text;
         else
-            *error = text;
+            *error = checkFailure(text, std::nullopt);
         return false;
     }
 

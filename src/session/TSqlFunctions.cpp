@@ -225,21 +225,6 @@ void tsqlMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
     sqlite3_result_double(ctx, roundDecimal(v, 4));
 }
 
-// A whole number written into an int column: the server's int holds 32 bits.
-void tsqlInt(sqlite3_context* ctx, int, sqlite3_value** argv)
-{
-    if (isNull(argv[0])) {
-        sqlite3_result_null(ctx);
-        return;
-    }
-    const double v = sqlite3_value_double(argv[0]);
-    if (!(v >= -2147483648.0 && v <= 2147483647.0)) {
-        overflow(ctx, "expression", "int");
-        return;
-    }
-    sqlite3_result_value(ctx, argv[0]);
-}
-
 void tsqlStr(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
     if (isNull(argv[0])) {
@@ -349,7 +334,7 @@ bool registerFunctions(sqlite3* db)
     static const Def defs[] = {
         { "tsql_div", 2, tsqlDiv },     { "tsql_divm", 2, tsqlDivMoney }, { "tsql_round", 2, tsqlRound },
         { "tsql_round", 3, tsqlRound }, { "tsql_money", 1, tsqlMoney },   { "tsql_money", 2, tsqlMoney },
-        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_int", 1, tsqlInt },     { "tsql_str", 2, tsqlStr },       { "tsql_len", 1, tsqlLen },
+        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_str", 2, tsqlStr },       { "tsql_len", 1, tsqlLen },
         { "YEAR", 1, datePart<0> },     { "MONTH", 1, datePart<1> },      { "DAY", 1, datePart<2> },
     };
     for (const Def& d : defs) {
@@ -357,7 +342,7 @@ bool registerFunctions(sqlite3* db)
         if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr) != SQLITE_OK)
             return false;
     }
-    return registerCollation(db);
+    return registerConversions(db) && registerCollation(db);
 }
 
 } // namespace knjige::tsql

@@ -75,7 +75,7 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
         // + joins only character data.
         { "SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
           "rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E FROM dbo.KnjPrihRashFBiH K",
-            "SELECT K.Isprava||'-'||K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+            "SELECT K.Isprava||'-'||K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, tsql_int('7', 'int', 'varchar')+K.Vrsta AS D, "
             "rtrim(CAST(K.Vrsta AS TEXT))||'x' AS E FROM KnjPrihRashFBiH K" },
         // Every division goes through the registered function; a money quotient keeps four decimals.
         { "SELECT 100.0/K.VijekTr/12*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K",
@@ -123,8 +123,14 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
             "SELECT * FROM TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016 AND BrojProd=2 AND RBroj=1" },
         { "CREATE TABLE dbo.X (A smallint NOT NULL, B money NULL DEFAULT (0), C datetime, D nvarchar(25) NULL, "
           "E int IDENTITY(1,1), CONSTRAINT PK_X PRIMARY KEY CLUSTERED (A))",
-            "CREATE TABLE X (A INTEGER NOT NULL, B MONEY_REAL NULL DEFAULT (0), C DATETIME_TEXT, D NVARCHAR(25) NULL, "
-            "E INTEGER (1,1), CONSTRAINT PK_X PRIMARY KEY  (A))" },
+            "CREATE TABLE X (A INTEGER NOT NULL CONSTRAINT \"tsql:smallint:A\" CHECK (typeof(\"A\") IN "
+            "('integer','null') AND \"A\" BETWEEN -32768 AND 32767), B MONEY_REAL NULL DEFAULT (0) CONSTRAINT "
+            "\"tsql:money:B\" CHECK (typeof(\"B\") IN ('real','null') AND abs(\"B\") <= 922337203685477.5807), "
+            "C DATETIME_TEXT CONSTRAINT \"tsql:datetime:C\" CHECK (\"C\" IS NULL OR (typeof(\"C\") = 'text' AND "
+            "date(substr(\"C\",1,10)) IS substr(\"C\",1,10) AND substr(\"C\",11,1) IN ('',' ','T'))), "
+            "D NVARCHAR(25) NULL CONSTRAINT \"tsql:nvarchar:D\" CHECK (length(rtrim(\"D\",' ')) <= 25), "
+            "E INTEGER (1,1) CONSTRAINT \"tsql:int:E\" CHECK (typeof(\"E\") IN ('integer','null') AND \"E\" "
+            "BETWEEN -2147483648 AND 2147483647), CONSTRAINT PK_X PRIMARY KEY  (A))" },
     };
     for (const auto& [tsql, sqlite] : cases)
         EXPECT_EQ(tr(tsql).sql.toStdString(), sqlite.toStdString());
