@@ -253,9 +253,9 @@ public:
         for (const QVariant& v : values)
             q.addBindValue(bindable(v));
         if (!q.exec()) {
-            fail(q.lastError(), error);
-            const auto column = QRegularExpression(QStringLiteral("tsql:\\w+:(.+)$")).match(*error).captured(1);
-            *error = checkFailure(*error, boundValue(sql, values, column));
+            const QString text = engineText(q.lastError());
+            static const QRegularExpression check(QStringLiteral("tsql:\\w+:(.+)$"));
+            *error = checkFailure(text, boundValue(sql, values, check.match(text).captured(1)));
             return false;
         }
         if (rowsAffected)

@@ -491,6 +491,11 @@ private:
             n->rewrite = Node::Rewrite::Divide;
         else if (op == u"%")
             n->rewrite = Node::Rewrite::Modulo;
+        // Money adds and subtracts on its exact ten-thousandths: a double cannot tell
+        // the largest amount from one past it.
+        const auto moneyOrInt = [](SqlType t) { return t == SqlType::Money || t == SqlType::Int || t == SqlType::Bit; };
+        if ((op == u"+" || op == u"-") && (l == SqlType::Money || r == SqlType::Money) && moneyOrInt(l) && moneyOrInt(r))
+            n->rewrite = Node::Rewrite::MoneySum;
         // A text in arithmetic with a number becomes that number's type, or the
         // statement fails as the server's conversion would ('a'+1).
         if (l == SqlType::Text && isNumericType(r))

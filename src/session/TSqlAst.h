@@ -18,7 +18,7 @@ struct Node {
         Literal, Name, Star, Param, Func, Cast, Case, Unary, Binary, Between, In, IsNull, Exists, Paren, Subquery,
         Select, Compound, Insert, Update, Delete
     };
-    enum class Rewrite { None, Divide, Modulo, IntAverage, CastMoney, CastText, CastInteger, CastReal, CastDrop, Today };
+    enum class Rewrite { None, Divide, Modulo, MoneySum, IntAverage, CastMoney, CastText, CastInteger, CastReal, CastDrop, Today };
 
     Kind kind = Kind::Literal;
     int first = 0;

@@ -71,10 +71,10 @@ QString columnCheck(const ColumnDef& col, QString typeName)
         check = QStringLiteral("typeof(%1) IN ('real','integer','null')").arg(name);
         break;
     case SqlType::Date:
-        // "yyyy-MM-dd" of a real day (date() moves 30 February on), which another
-        // program's time of day may follow.
+        // "yyyy-MM-dd" of a real day (with a modifier date() moves 30 February on),
+        // which another program's time of day may follow.
         typeName = QStringLiteral("datetime");
-        check = QStringLiteral("%1 IS NULL OR (typeof(%1) = 'text' AND date(substr(%1,1,10)) IS substr(%1,1,10) "
+        check = QStringLiteral("%1 IS NULL OR (typeof(%1) = 'text' AND date(substr(%1,1,10),'+0 days') IS substr(%1,1,10) "
                                "AND substr(%1,11,1) IN ('',' ','T'))").arg(name);
         break;
     case SqlType::Text:

@@ -193,6 +193,36 @@ void tsqlRoundMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         overflow(ctx, "expression", "money");
 }
 
+// An operand of money arithmetic in ten-thousandths: a whole number exactly, a
+// double as money reads it.
+std::optional<qint64> moneyOperand(sqlite3_value* v)
+{
+    if (sqlite3_value_numeric_type(v) == SQLITE_INTEGER) {
+        const sqlite3_int64 whole = sqlite3_value_int64(v);
+        if (whole > std::numeric_limits<qint64>::max() / 10000 || whole < std::numeric_limits<qint64>::min() / 10000)
+            return std::nullopt;
+        return whole * 10000;
+    }
+    return moneyUnits(sqlite3_value_double(v));
+}
+
+// a + b and a - b of money, the overflow error past either end of the range.
+template<bool Subtract>
+void tsqlMoneySum(sqlite3_context* ctx, int, sqlite3_value** argv)
+{
+    if (isNull(argv[0]) || isNull(argv[1])) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const auto a = moneyOperand(argv[0]), b = moneyOperand(argv[1]);
+    const Money sum = a && b ? (Subtract ? Money::fromUnits(*a) - Money::fromUnits(*b) : Money::fromUnits(*a) + Money::fromUnits(*b))
+                             : Money::outOfRange();
+    if (sum.isOutOfRange())
+        overflow(ctx, "expression", "money");
+    else
+        sqlite3_result_double(ctx, double(sum.units()) / 10000.0);
+}
+
 void tsqlMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
 {
     if (isNull(argv[0])) {
@@ -334,7 +364,8 @@ bool registerFunctions(sqlite3* db)
     static const Def defs[] = {
         { "tsql_div", 2, tsqlDiv },     { "tsql_divm", 2, tsqlDivMoney }, { "tsql_round", 2, tsqlRound },
         { "tsql_round", 3, tsqlRound }, { "tsql_money", 1, tsqlMoney },   { "tsql_money", 2, tsqlMoney },
-        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_str", 2, tsqlStr },       { "tsql_len", 1, tsqlLen },
+        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_str", 2, tsqlStr },
+        { "tsql_madd", 2, tsqlMoneySum<false> }, { "tsql_msub", 2, tsqlMoneySum<true> },       { "tsql_len", 1, tsqlLen },
         { "YEAR", 1, datePart<0> },     { "MONTH", 1, datePart<1> },      { "DAY", 1, datePart<2> },
     };
     for (const Def& d : defs) {

@@ -45,6 +45,9 @@ public:
     QString rewritten(const Node* n) const
     {
         switch (n->rewrite) {
+        case Node::Rewrite::MoneySum:
+            return (n->op == u"+" ? QStringLiteral("tsql_madd(") : QStringLiteral("tsql_msub(")) + node(n->a)
+                + QStringLiteral(", ") + node(n->b) + u')';
         case Node::Rewrite::Modulo:
             return QStringLiteral("tsql_mod(") + node(n->a) + QStringLiteral(", ") + node(n->b) + u')';
         case Node::Rewrite::IntAverage:
