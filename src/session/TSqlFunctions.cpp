@@ -318,7 +318,22 @@ std::optional<qint64> moneyUnits(double value)
         return std::numeric_limits<qint64>::max();
     if (scaled <= -9223372036854775808.0)
         return std::numeric_limits<qint64>::min();
-    return roundHalfEven(scaled);
+    // A stored amount k/10000 is the double nearest it: the exact product value*10000
+    // lies within 10000*ulp(value)/2 of k, less than half a unit while |value| < 2^39.
+    // The nearest whole number to the exact product (fma gives what the rounded
+    // product lost) is then k: every amount up to 549,755,813,888.0002 reads back as
+    // written, 549,755,813,888.0003 is the first that may not.
+    const double nearest = std::nearbyint(scaled);
+    const double off = (scaled - nearest) + std::fma(value, 10000.0, -scaled);
+    // A computed value a hair off a decimal half (1.00005) rounds half to even, as
+    // Money does; the hair is what holding a decimal in a double can move it, and
+    // where it grows near half a unit no half is told apart any more.
+    const double hair = std::fabs(scaled) * std::numeric_limits<double>::epsilon();
+    if (hair < 0.25 && std::fabs(std::fabs(off) - 0.5) <= std::max(hair, 1e-9)) {
+        const double lower = off > 0 ? nearest : nearest - 1;
+        return qint64(std::fmod(lower, 2.0) == 0 ? lower : lower + 1);
+    }
+    return qint64(off > 0.5 ? nearest + 1 : off < -0.5 ? nearest - 1 : nearest);
 }
 
 QString overflowMessage(const char* type)

@@ -287,6 +287,12 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "CAST(-922337203685477.5808 AS money) - CAST(0.0001 AS money)", money("expression"), nullptr },
         { "CAST(1e16 AS money)", money("float"), nullptr },
         { "CAST(12.34565 AS money)", {}, "12.3457" },
+        // Money is a double on the embedded database: exact to the ten-thousandth up to
+        // 549,755,813,888.0002 (the last below 2^39 whose neighbours stay apart).
+        { "CAST(549755813888.0002 AS money)", {}, "549755813888.0002" },
+        { "CAST(-549755813887.9999 AS money)", {}, "-549755813887.9999" },
+        { "CAST(549755813888.0003 AS money)", {}, "549755813888.0002" },
+        { "CAST(499999999999.9999 AS money)", {}, "499999999999.9999" },
         { "ROUND(CAST(922337203685477.5807 AS money), 0)", money("expression"), nullptr },
         { "CAST(922337203685477 AS money) + CAST(1 AS money)", money("expression"), nullptr },
         { "CAST(900000000000000 AS money) * 2", money("expression"), nullptr },
