@@ -22,6 +22,8 @@ namespace knjige::tsql {
 //                     money range the server's "Arithmetic overflow error converting
 //                     <source> to data type money."; a text x is read as an exact
 //                     decimal, so the range's edge is judged exactly
+//   tsql_madd(a, b), tsql_msub(a, b)  money a + b, a - b on the exact
+//                     ten-thousandths, the overflow error past either end
 //   tsql_int(x [, type [, source]])  x as a whole number of the type ('int'):
 //                     a fraction cut off toward zero, past the range the overflow
 //                     error, a text that is no whole number "Conversion failed when
