@@ -467,6 +467,12 @@ private:
             dateContext(a, false);
         if (comparesAsText(ta, tb))
             a->collate = true;
+        // A text compared with a number becomes a number, or the statement fails as
+        // the server's conversion would (K.Isprava=5 over an 'R-1').
+        if (ta == SqlType::Text && isNumericType(tb))
+            a->convertTo = tb == SqlType::Bit ? SqlType::Int : tb;
+        else if (tb == SqlType::Text && isNumericType(ta))
+            b->convertTo = ta == SqlType::Bit ? SqlType::Int : ta;
     }
 
     SqlType binary(Node* n, const Scope* scope)

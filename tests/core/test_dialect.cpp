@@ -312,6 +312,8 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "1+N' 2 '", {}, "3" },
         { "CAST(1 AS money)+'x'", charToMoney, nullptr },
         { "1.5+'x'", "Error converting data type varchar to numeric.", nullptr },
+        { "CASE WHEN N'x' = 5 THEN 1 ELSE 0 END", failed("nvarchar", "x"), nullptr },
+        { "CASE WHEN 5 IN ('4', ' 5') THEN 1 ELSE 0 END", {}, "1" },
         { "5 % 0", byZero, nullptr },
         { "5.5 % 0", byZero, nullptr },
         { "-7 % 3", {}, "-1" },
@@ -377,6 +379,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         EXPECT_FALSE(t.db().writeRow(change)) << values[0].first.toStdString();
         EXPECT_EQ(t.db().errorDescription().toStdString(), error) << values[0].first.toStdString();
     }
+    EXPECT_EQ(errorOf(t, QStringLiteral("SELECT COUNT(*) AS N FROM dbo.KnjPrihRashDB K WHERE K.Opis=1")), failed("nvarchar", "x"));
     // Blanks past the width are dropped on the server, not refused.
     t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 3 }, { "GodinaKnj", 2016 },
                                     { "Opis", QString(100, u'b') + "   " } });
