@@ -37,22 +37,67 @@ QString engineText(const QSqlError& e)
     return e.databaseText().isEmpty() ? e.text() : e.databaseText();
 }
 
-// The value a parameterised row write binds to `column`: the helper's own
-// "INSERT INTO T (a,b) VALUES (?,?)" and "UPDATE T SET a = ?,b = ? WHERE ...".
+// The table and columns a parameterised row write binds its first values to: the
+// helper's own "INSERT INTO T (a,b) VALUES (?,?)" and "UPDATE T SET a = ?,b = ? WHERE".
+struct BoundColumns {
+    QString table;
+    QStringList columns;
+};
+BoundColumns boundColumns(const QString& sql)
+{
+    static const QRegularExpression insert(QStringLiteral("^INSERT INTO (\\S+) \\(([^)]*)\\) (VALUES|SELECT)"));
+    static const QRegularExpression update(QStringLiteral("^UPDATE (\\S+) SET (.*?) WHERE"));
+    BoundColumns out;
+    if (const auto m = insert.match(sql); m.hasMatch()) {
+        out.table = m.captured(1);
+        for (const QString& c : m.captured(2).split(u','))
+            out.columns << c.trimmed();
+    } else if (const auto u = update.match(sql); u.hasMatch()) {
+        out.table = u.captured(1);
+        for (const QString& set : u.captured(2).split(u','))
+            out.columns << set.section(u'=', 0, 0).trimmed();
+    }
+    return out;
+}
+
 std::optional<QVariant> boundValue(const QString& sql, const QVariantList& values, const QString& column)
 {
-    static const QRegularExpression insert(QStringLiteral("^INSERT INTO \\S+ \\(([^)]*)\\) (VALUES|SELECT)"));
-    static const QRegularExpression update(QStringLiteral("^UPDATE \\S+ SET (.*?) WHERE"));
-    QStringList columns;
-    if (const auto m = insert.match(sql); m.hasMatch())
-        columns = m.captured(1).split(u',');
-    else if (const auto u = update.match(sql); u.hasMatch())
-        for (const QString& set : u.captured(1).split(u','))
-            columns << set.section(u'=', 0, 0);
+    const QStringList columns = boundColumns(sql).columns;
     for (int i = 0; i < columns.size() && i < values.size(); ++i)
-        if (columns[i].trimmed().compare(column, Qt::CaseInsensitive) == 0)
+        if (columns[i].compare(column, Qt::CaseInsensitive) == 0)
             return values[i];
     return std::nullopt;
+}
+
+// A bound value as the server converts a parameter into its column: a fraction into
+// a whole number is cut off, a number into a date counts days from 1900-01-01, a
+// month-first text into a date is read as SET DATEFORMAT mdy reads it. What cannot
+// be converted is left for the column's check to refuse.
+QVariant convertedFor(SqlType column, const QVariant& v)
+{
+    if (column == SqlType::Int && v.typeId() == QMetaType::Double) {
+        const double d = std::trunc(v.toDouble());
+        return std::fabs(d) < 9e18 ? QVariant(qlonglong(d)) : v;
+    }
+    if (column != SqlType::Date)
+        return v;
+    QDate date;
+    switch (v.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::Double: {
+        const double days = std::floor(v.toDouble());
+        if (days >= -53690.0 && days <= 2958463.0)
+            date = QDate(1900, 1, 1).addDays(qint64(days));
+        break;
+    }
+    case QMetaType::QString:
+        if (!dates::fromIsoText(v.toString()).isValid())
+            date = dates::parseMonthFirst(v.toString().trimmed());
+        break;
+    default: break;
+    }
+    return date.isValid() ? QVariant(dates::isoText(date)) : v;
 }
 
 // A table's check (named "tsql:<type>:<column>" by TSqlCreateTable.cpp) refused a
@@ -80,12 +125,6 @@ QString checkFailure(const QString& text, const std::optional<QVariant>& value)
     if (isText && !whole)
         return QStringLiteral("Conversion failed when converting the nvarchar value '%1' to data type %2.")
             .arg(value->toString(), type);
-    // A bound fraction: the statements cut one off, a parameter is refused.
-    if (value && value->typeId() == QMetaType::Double && std::isfinite(value->toDouble())
-        && std::fabs(value->toDouble()) < 9e18 && std::trunc(value->toDouble()) != value->toDouble())
-        return QStringLiteral("Conversion failed when converting the float value '%1' to data type %2.")
-            .arg(value->toDouble())
-            .arg(type);
     return tsql::overflowMessage(type.toLatin1().constData());
 }
 
@@ -250,8 +289,12 @@ public:
         QSqlQuery q(m_db);
         if (!q.prepare(sql))
             return fail(q.lastError(), error);
-        for (const QVariant& v : values)
-            q.addBindValue(bindable(v));
+        const BoundColumns target = boundColumns(sql);
+        const tsql::TableDef* table = target.table.isEmpty() ? nullptr : m_catalog.find(target.table);
+        for (int i = 0; i < values.size(); ++i) {
+            const tsql::ColumnDef* column = table && i < target.columns.size() ? table->column(target.columns[i]) : nullptr;
+            q.addBindValue(bindable(column ? convertedFor(column->type, values[i]) : values[i]));
+        }
         if (!q.exec()) {
             const QString text = engineText(q.lastError());
             static const QRegularExpression check(QStringLiteral("tsql:\\w+:(.+)$"));
