@@ -89,7 +89,8 @@ TextInt intFromText(const char* p, qint64* out)
 }
 
 // tsql_int(x [, type [, source]]): x converted to a whole number of the type ('int'
-// unless named) as the server converts it: a fraction is cut off toward zero, a
+// unless named) as the server converts it: a fraction is cut off toward zero (money,
+// `source` 'money', rounds half away from zero), a
 // value past the type's range overflows, a text must be a whole number. `source`
 // names the text's type in the message ('varchar' for a plain literal).
 void tsqlInt(sqlite3_context* ctx, int argc, sqlite3_value** argv)
@@ -104,7 +105,9 @@ void tsqlInt(sqlite3_context* ctx, int argc, sqlite3_value** argv)
     switch (sqlite3_value_type(argv[0])) {
     case SQLITE_INTEGER: v = sqlite3_value_int64(argv[0]); break;
     case SQLITE_FLOAT: {
-        const double d = std::trunc(sqlite3_value_double(argv[0]));
+        // Money rounds to a whole number (half away from zero); float and decimal are cut off.
+        const double x = sqlite3_value_double(argv[0]);
+        const double d = std::strcmp(argText(argc, argv, 2, ""), "money") == 0 ? std::round(x) : std::trunc(x);
         if (!(d >= double(range.low) && d <= double(range.high)) || !(std::fabs(d) < 9223372036854775808.0)) {
             error(ctx, overflowed(type));
             return;

@@ -31,7 +31,9 @@ public:
         switch (n->convertTo) {
         case SqlType::Int:
             return QStringLiteral("tsql_int(") + text
-                + (n->type == SqlType::Text ? QStringLiteral(", 'int', '") + source + u'\'' : QString()) + u')';
+                + (n->type == SqlType::Text || n->type == SqlType::Money ? QStringLiteral(", 'int', '") + source + u'\''
+                                                                        : QString())
+                + u')';
         case SqlType::Money: return QStringLiteral("tsql_money(") + text + QStringLiteral(", '") + source + QStringLiteral("')");
         case SqlType::Decimal:
         case SqlType::Float:
@@ -128,7 +130,8 @@ private:
         if (literal->kind == Kind::Literal && literal->op == u"NUMBER" && literal->type != SqlType::Float)
             return QStringLiteral("tsql_money('") + (literal == n ? QString() : QStringLiteral("-"))
                 + m_tokens[literal->first].text + QStringLiteral("', 'numeric')");
-        return QStringLiteral("tsql_money(") + converted(n, rewritten(n)) + QStringLiteral(", '") + sourceName(n)
+        const QString source = n->type == SqlType::Money ? QStringLiteral("expression") : sourceName(n);
+        return QStringLiteral("tsql_money(") + converted(n, rewritten(n)) + QStringLiteral(", '") + source
             + QStringLiteral("')");
     }
 
@@ -139,6 +142,7 @@ private:
         switch (n->type) {
         case SqlType::Float: return QStringLiteral("float");
         case SqlType::Decimal: return QStringLiteral("numeric");
+        case SqlType::Money: return QStringLiteral("money");
         case SqlType::Text:
             return n->kind == Kind::Literal && m_tokens[n->first].kind == Token::Kind::String ? QStringLiteral("varchar")
                                                                                                 : QStringLiteral("nvarchar");

@@ -304,6 +304,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "(SELECT AVG(X.N) FROM (SELECT -1 AS N UNION ALL SELECT -2 AS N) X)", {}, "-1" },
         { "ISNULL(CAST(NULL AS int),2.7)", {}, "2" },
         { "CAST(-3.7 AS int)", {}, "-3" },
+        { "CAST(CAST(-2.5 AS money) AS int)", {}, "-3" },
         { "CAST(70000 AS smallint)", "Arithmetic overflow error converting expression to data type smallint.", nullptr },
         // A text meets a number: converted to the number's type, or refused.
         { "'a'+1", failed("varchar", "a"), nullptr },
