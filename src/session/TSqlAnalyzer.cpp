@@ -470,9 +470,26 @@ private:
         // A text compared with a number becomes a number, or the statement fails as
         // the server's conversion would (K.Isprava=5 over an 'R-1').
         if (ta == SqlType::Text && isNumericType(tb))
-            a->convertTo = tb == SqlType::Bit ? SqlType::Int : tb;
+            convert(a, tb);
         else if (tb == SqlType::Text && isNumericType(ta))
-            b->convertTo = ta == SqlType::Bit ? SqlType::Int : ta;
+            convert(b, ta);
+    }
+
+    // The value converted to a number type; the list of an IN (SELECT ...) through the
+    // column each of its selects gives.
+    void convert(Node* n, SqlType to)
+    {
+        if (to == SqlType::Bit)
+            to = SqlType::Int;
+        if (n->kind != Kind::Select && n->kind != Kind::Compound) {
+            n->convertTo = to;
+            return;
+        }
+        std::vector<Node*> selects;
+        collectSelects(n, selects);
+        for (Node* s : selects)
+            if (Node* e = itemExpr(s, 0); e && e->type == SqlType::Text)
+                e->convertTo = to;
     }
 
     SqlType binary(Node* n, const Scope* scope)

@@ -315,6 +315,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "1.5+'x'", "Error converting data type varchar to numeric.", nullptr },
         { "CASE WHEN N'x' = 5 THEN 1 ELSE 0 END", failed("nvarchar", "x"), nullptr },
         { "CASE WHEN 5 IN ('4', ' 5') THEN 1 ELSE 0 END", {}, "1" },
+        { "CASE WHEN 5 IN (SELECT '5') THEN 1 ELSE 0 END", {}, "1" },
         { "5 % 0", byZero, nullptr },
         { "5.5 % 0", byZero, nullptr },
         { "-7 % 3", {}, "-1" },
