@@ -26,9 +26,10 @@ qint64 roundHalfEven(double value)
 
 Money Money::fromDouble(double value)
 {
-    // 2^63 is the first double past the range; NaN fails the test too.
+    // -2^63 is the lowest amount and 2^63 the first double past the range; NaN fails
+    // the test too.
     const double scaled = value * Scale;
-    if (!(std::abs(scaled) < 9223372036854775808.0))
+    if (!(scaled >= -9223372036854775808.0 && scaled < 9223372036854775808.0))
         return outOfRange();
     return Money::fromUnits(roundHalfEven(scaled));
 }
@@ -59,12 +60,15 @@ std::optional<Money> Money::parse(const QString& text)
     for (QChar c : whole + frac)
         if (!c.isDigit())
             return std::nullopt;
-    if (whole.size() > 14)
+    // The magnitude in ten-thousandths, checked against the range of its sign: 15
+    // whole digits reach 922,337,203,685,477.
+    const QString digits = whole.mid(std::max<qsizetype>(0, whole.indexOf(QRegularExpression(QStringLiteral("[1-9]")))));
+    if (digits.size() > 15)
         return std::nullopt;
-    qint64 units = whole.isEmpty() ? 0 : whole.toLongLong() * Scale;
+    quint64 units = (whole.isEmpty() ? 0 : whole.toULongLong()) * Scale;
     // Digits past the fourth decimal round half to even, like any other conversion.
     const QString kept = frac.left(4).leftJustified(4, u'0');
-    units += kept.toLongLong();
+    units += kept.toULongLong();
     if (frac.size() > 4) {
         const QString rest = frac.mid(4);
         const bool aboveHalf = rest[0] > u'5' || (rest[0] == u'5' && rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]"))));
@@ -72,14 +76,16 @@ std::optional<Money> Money::parse(const QString& text)
         if (aboveHalf || (exactlyHalf && units % 2 != 0))
             ++units;
     }
-    return Money(negative ? -units : units);
+    if (units > (negative ? quint64(Max) + 1 : quint64(Max)))
+        return std::nullopt;
+    return Money(negative ? qint64(0 - units) : qint64(units));
 }
 
 QString Money::toString() const
 {
     if (isOutOfRange())
         return QString::fromUtf8(OutOfRangeText);
-    const qint64 a = m_units < 0 ? -m_units : m_units;
+    const quint64 a = magnitude(m_units);
     return QStringLiteral("%1%2.%3")
         .arg(m_units < 0 ? QStringLiteral("-") : QString())
         .arg(a / Scale)
@@ -120,8 +126,8 @@ QString Money::toDisplayString(QChar groupSeparator, QChar decimalMark) const
     if (isOutOfRange())
         return QString::fromUtf8(OutOfRangeText);
     // Half away from zero on the magnitude.
-    const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
-    const quint64 a = (magnitude / 100 + (magnitude % 100 >= 50 ? 1 : 0));
+    const quint64 m = magnitude(m_units);
+    const quint64 a = (m / 100 + (m % 100 >= 50 ? 1 : 0));
     const bool negative = m_units < 0 && a != 0;
     QString whole = QString::number(a / 100);
     for (qsizetype i = whole.size() - 3; i > 0; i -= 3)
@@ -137,16 +143,16 @@ Money Money::fraction(qint64 numerator, qint64 denominator) const
     // and r * n below d * d, so nothing overflows.
     if (isOutOfRange())
         return *this;
-    const quint64 magnitude = m_units < 0 ? 0 - quint64(m_units) : quint64(m_units);
+    const quint64 m = magnitude(m_units);
     const quint64 n = quint64(numerator);
     const quint64 d = quint64(denominator);
-    const quint64 q = magnitude / d;
-    const quint64 rest = (magnitude % d) * n;
+    const quint64 q = m / d;
+    const quint64 rest = (m % d) * n;
     quint64 result = q * n + rest / d;
     const quint64 twice = 2 * (rest % d);
     if (twice > d || (twice == d && result % 2 != 0))
         ++result;
-    return Money(m_units < 0 ? -qint64(result) : qint64(result));
+    return Money(m_units < 0 ? qint64(0 - result) : qint64(result));
 }
 
 Money Money::dividedBy(double divisor) const

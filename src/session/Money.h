@@ -14,9 +14,11 @@ namespace knjige {
 // keeps it. Every conversion from a wider or fractional value rounds half to even
 // (banker's rounding), so the same input always gives the same four decimals.
 //
-// Arithmetic never wraps around: a sum, difference or product that leaves the range
-// (about 922 trillion either way) gives the out-of-range amount, as the server refuses
-// such a sum with an arithmetic overflow error. It stays out of range through further
+// Every count of ten-thousandths a signed 64-bit number holds is an amount, the lowest
+// (-922,337,203,685,477.5808) included, as in the server's money type. Arithmetic never
+// wraps around: a sum, difference or product that leaves the range gives the
+// out-of-range amount, a mark of its own beside the count, as the server refuses such
+// a sum with an arithmetic overflow error. It stays out of range through further
 // arithmetic and shows as OutOfRangeText, so a total too large to hold is never shown
 // as a wrong amount.
 class Money {
@@ -27,15 +29,21 @@ public:
     constexpr Money() = default;
     static constexpr Money fromUnits(qint64 tenThousandths) { return Money(tenThousandths); }
     static constexpr Money fromWhole(qint64 whole) { return Money::fromUnits(whole) * Scale; }
-    static constexpr Money outOfRange() { return Money(OutOfRangeUnits); }
+    static constexpr Money outOfRange()
+    {
+        Money m;
+        m.m_outOfRange = true;
+        return m;
+    }
     // Rounds half to even at the fourth decimal; out of range beyond the range or NaN.
     static Money fromDouble(double value);
     // Accepts "1234.5", "-0,25", "1.234,56" is not accepted: one decimal mark, point or
-    // comma, no grouping. Empty or malformed text gives nothing.
+    // comma, no grouping. Empty or malformed text, or an amount past the range, gives
+    // nothing.
     static std::optional<Money> parse(const QString& text);
 
     constexpr qint64 units() const { return m_units; }
-    constexpr bool isOutOfRange() const { return m_units == OutOfRangeUnits; }
+    constexpr bool isOutOfRange() const { return m_outOfRange; }
     // NaN when out of range.
     double toDouble() const;
     constexpr bool isZero() const { return m_units == 0; }
@@ -52,20 +60,40 @@ public:
     // Rounds half to even to the given number of decimals (0 to 4).
     Money rounded(int decimals) const;
 
-    constexpr Money operator-() const { return isOutOfRange() ? *this : Money(-m_units); }
-    constexpr Money operator+(Money o) const { return sum(m_units, o.m_units); }
-    constexpr Money operator-(Money o) const { return *this + -o; }
+    constexpr Money operator-() const
+    {
+        return isOutOfRange() || m_units == Min ? outOfRange() : Money(-m_units);
+    }
+    constexpr Money operator+(Money o) const
+    {
+        const qint64 a = m_units, b = o.m_units;
+        if (isOutOfRange() || o.isOutOfRange() || (b > 0 && a > Max - b) || (b < 0 && a < Min - b))
+            return outOfRange();
+        return Money(a + b);
+    }
+    constexpr Money operator-(Money o) const
+    {
+        const qint64 a = m_units, b = o.m_units;
+        if (isOutOfRange() || o.isOutOfRange() || (b < 0 && a > Max + b) || (b > 0 && a < Min + b))
+            return outOfRange();
+        return Money(a - b);
+    }
     constexpr Money& operator+=(Money o) { return *this = *this + o; }
     constexpr Money& operator-=(Money o) { return *this = *this - o; }
     constexpr Money operator*(qint64 factor) const
     {
-        if (isOutOfRange() || factor == OutOfRangeUnits)
+        if (isOutOfRange())
             return outOfRange();
-        const qint64 f = factor < 0 ? -factor : factor;
-        const qint64 a = m_units < 0 ? -m_units : m_units;
-        if (f != 0 && a > Max / f)
+        if (m_units == 0 || factor == 0)
+            return Money();
+        // On magnitudes: the negative side holds one count more than the positive.
+        const bool negative = (m_units < 0) != (factor < 0);
+        const quint64 a = magnitude(m_units), f = magnitude(factor);
+        const quint64 limit = negative ? quint64(Max) + 1 : quint64(Max);
+        if (a > limit / f)
             return outOfRange();
-        return Money(m_units * factor);
+        const quint64 product = a * f;
+        return Money(negative ? qint64(0 - product) : qint64(product));
     }
     // The exact share numerator/denominator of the amount, rounded half to even at the
     // fourth decimal; never overflows. Requires 0 <= numerator <= denominator < 2^31.
@@ -74,21 +102,23 @@ public:
     // type does when a fraction is assigned to it.
     Money dividedBy(double divisor) const;
 
-    constexpr auto operator<=>(const Money&) const = default;
+    constexpr bool operator==(const Money&) const = default;
+    // The out-of-range amount orders below every amount.
+    constexpr std::strong_ordering operator<=>(const Money& o) const
+    {
+        if (m_outOfRange != o.m_outOfRange)
+            return m_outOfRange ? std::strong_ordering::less : std::strong_ordering::greater;
+        return m_units <=> o.m_units;
+    }
 
 private:
-    // The range is symmetric; the one count left over marks the out-of-range amount.
     static constexpr qint64 Max = std::numeric_limits<qint64>::max();
-    static constexpr qint64 OutOfRangeUnits = std::numeric_limits<qint64>::min();
+    static constexpr qint64 Min = std::numeric_limits<qint64>::min();
 
     constexpr explicit Money(qint64 units) : m_units(units) {}
-    static constexpr Money sum(qint64 a, qint64 b)
-    {
-        if (a == OutOfRangeUnits || b == OutOfRangeUnits || (b > 0 && a > Max - b) || (b < 0 && a < -Max - b))
-            return outOfRange();
-        return Money(a + b);
-    }
-    qint64 m_units = 0;
+    static constexpr quint64 magnitude(qint64 v) { return v < 0 ? 0 - quint64(v) : quint64(v); }
+    qint64 m_units = 0;          // 0 when out of range
+    bool m_outOfRange = false;
 };
 
 // Rounds half to even to the nearest integer; the rounding of every value that

@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -20,6 +21,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace knjige {
 namespace {
@@ -35,6 +37,97 @@ QString engineText(const QSqlError& e)
     if (e.nativeErrorCode() == QLatin1String("5") || e.nativeErrorCode() == QLatin1String("6"))
         return QStringLiteral("Baza podataka je zauzeta (drugi korisnik upravo piše u nju): ") + e.databaseText();
     return e.databaseText().isEmpty() ? e.text() : e.databaseText();
+}
+
+// The table and columns a parameterised row write binds its first values to: the
+// helper's own "INSERT INTO T (a,b) VALUES (?,?)" and "UPDATE T SET a = ?,b = ? WHERE".
+struct BoundColumns {
+    QString table;
+    QStringList columns;
+};
+BoundColumns boundColumns(const QString& sql)
+{
+    static const QRegularExpression insert(QStringLiteral("^INSERT INTO (\\S+) \\(([^)]*)\\) (VALUES|SELECT)"));
+    static const QRegularExpression update(QStringLiteral("^UPDATE (\\S+) SET (.*?) WHERE"));
+    BoundColumns out;
+    if (const auto m = insert.match(sql); m.hasMatch()) {
+        out.table = m.captured(1);
+        for (const QString& c : m.captured(2).split(u','))
+            out.columns << c.trimmed();
+    } else if (const auto u = update.match(sql); u.hasMatch()) {
+        out.table = u.captured(1);
+        for (const QString& set : u.captured(2).split(u','))
+            out.columns << set.section(u'=', 0, 0).trimmed();
+    }
+    return out;
+}
+
+std::optional<QVariant> boundValue(const QString& sql, const QVariantList& values, const QString& column)
+{
+    const QStringList columns = boundColumns(sql).columns;
+    for (int i = 0; i < columns.size() && i < values.size(); ++i)
+        if (columns[i].compare(column, Qt::CaseInsensitive) == 0)
+            return values[i];
+    return std::nullopt;
+}
+
+// A bound value as the server converts a parameter into its column: a fraction into
+// a whole number is cut off, a number into a date counts days from 1900-01-01, a
+// month-first text into a date is read as SET DATEFORMAT mdy reads it. What cannot
+// be converted is left for the column's check to refuse.
+QVariant convertedFor(SqlType column, const QVariant& v)
+{
+    if (column == SqlType::Int && v.typeId() == QMetaType::Double) {
+        const double d = std::trunc(v.toDouble());
+        return std::fabs(d) < 9e18 ? QVariant(qlonglong(d)) : v;
+    }
+    if (column != SqlType::Date)
+        return v;
+    QDate date;
+    switch (v.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::Double: {
+        const double days = std::floor(v.toDouble());
+        if (days >= -53690.0 && days <= 2958463.0)
+            date = QDate(1900, 1, 1).addDays(qint64(days));
+        break;
+    }
+    case QMetaType::QString:
+        if (!dates::fromIsoText(v.toString()).isValid())
+            date = dates::parseMonthFirst(v.toString().trimmed());
+        break;
+    default: break;
+    }
+    return date.isValid() ? QVariant(dates::isoText(date)) : v;
+}
+
+// A table's check (named "tsql:<type>:<column>" by TSqlCreateTable.cpp) refused a
+// value: the server's message for it, with the value where the write bound it.
+QString checkFailure(const QString& text, const std::optional<QVariant>& value)
+{
+    static const QRegularExpression check(QStringLiteral("CHECK constraint failed: tsql:(\\w+):(.+)$"));
+    const auto m = check.match(text);
+    if (!m.hasMatch())
+        return text;
+    const QString type = m.captured(1);
+    if (type == u"nvarchar")
+        return QStringLiteral("String or binary data would be truncated.");
+    if (type == u"datetime")
+        return QStringLiteral("Conversion failed when converting date and/or time from character string.");
+    const bool isText = value && value->typeId() == QMetaType::QString;
+    if (type == u"money")
+        return isText ? QStringLiteral("Cannot convert a char value to money. The char value has incorrect syntax.")
+                      : tsql::overflowMessage("money");
+    if (type == u"numeric" || type == u"float")
+        return QStringLiteral("Error converting data type nvarchar to %1.").arg(type);
+    bool whole = false;
+    if (isText)
+        value->toString().trimmed().toLongLong(&whole);
+    if (isText && !whole)
+        return QStringLiteral("Conversion failed when converting the nvarchar value '%1' to data type %2.")
+            .arg(value->toString(), type);
+    return tsql::overflowMessage(type.toLatin1().constData());
 }
 
 // The storage class of a value decides the type of a column the adapter could not type.
@@ -69,7 +162,8 @@ bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32
         const double d = v.toDouble();
         if (isReal && !(d > -9223372036854775808.0 && d < 9223372036854775808.0))
             return false;
-        const qint64 i = isReal ? qint64(std::llround(d)) : v.toLongLong();
+        // A fraction in a whole-number column is cut off, as the server converts it.
+        const qint64 i = isReal ? qint64(std::trunc(d)) : v.toLongLong();
         if (!inRange(i, int32))
             return false;
         rs.setInteger(c, i);
@@ -201,10 +295,18 @@ public:
         QSqlQuery q(m_db);
         if (!q.prepare(sql))
             return fail(q.lastError(), error);
-        for (const QVariant& v : values)
-            q.addBindValue(bindable(v));
-        if (!q.exec())
-            return fail(q.lastError(), error);
+        const BoundColumns target = boundColumns(sql);
+        const tsql::TableDef* table = target.table.isEmpty() ? nullptr : m_catalog.find(target.table);
+        for (int i = 0; i < values.size(); ++i) {
+            const tsql::ColumnDef* column = table && i < target.columns.size() ? table->column(target.columns[i]) : nullptr;
+            q.addBindValue(bindable(column ? convertedFor(column->type, values[i]) : values[i]));
+        }
+        if (!q.exec()) {
+            const QString text = engineText(q.lastError());
+            static const QRegularExpression check(QStringLiteral("tsql:\\w+:(.+)$"));
+            *error = checkFailure(text, boundValue(sql, values, check.match(text).captured(1)));
+            return false;
+        }
         if (rowsAffected)
             *rowsAffected = q.numRowsAffected();
         return true;
@@ -229,7 +331,7 @@ public:
 private:
     static bool fail(const QSqlError& e, QString* error)
     {
-        *error = engineText(e);
+        *error = checkFailure(engineText(e), std::nullopt);
         return false;
     }
 
@@ -345,7 +447,7 @@ private:
         else if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
             *error = QStringLiteral("Baza podataka je zauzeta (drugi korisnik upravo piše u nju): ") + text;
         else
-            *error = text;
+            *error = checkFailure(text, std::nullopt);
         return false;
     }
 

@@ -1,8 +1,12 @@
 #include "session/TSqlAnalyzer.h"
 
+#include "session/Dates.h"
 #include "session/StackDepth.h"
 #include "session/TSqlDateText.h"
 
+#include <QDate>
+
+#include <cmath>
 #include <map>
 
 namespace knjige::tsql {
@@ -209,16 +213,26 @@ private:
     {
         const bool plain = value->kind == Kind::Name || value->kind == Kind::Param;
         switch (column) {
-        case SqlType::Date: dateContext(value, true); break;
+        case SqlType::Date:
+            dateContext(value, true);
+            // A number counts days from 1900-01-01, a text is read as a date or refused.
+            if (value->kind != Kind::Param && value->type != SqlType::Date && value->type != SqlType::Null)
+                value->convertTo = SqlType::Date;
+            break;
         case SqlType::Money:
             if (!plain && value->type != SqlType::Null && value->rewrite != Node::Rewrite::CastMoney
                 && !(value->kind == Kind::Literal && value->type == SqlType::Int))
                 value->storedAsMoney = true;
             break;
-        case SqlType::Int:
-            if (value->type == SqlType::Int && !plain && value->kind != Kind::Literal)
-                value->storedAsInt = true;
+        case SqlType::Int: {
+            // A whole number as it is needs nothing; a fraction is cut off, a text
+            // converted or refused, a computed value checked against the range.
+            const bool whole = value->type == SqlType::Int || value->type == SqlType::Bit || value->type == SqlType::Unknown;
+            if (value->kind != Kind::Param && value->type != SqlType::Null
+                && !(whole && (value->kind == Kind::Name || value->kind == Kind::Literal)))
+                value->convertTo = SqlType::Int;
             break;
+        }
         default: break;
         }
     }
@@ -325,6 +339,8 @@ private:
         case Kind::Literal:
             if (n->op == u"STRING")
                 dateLiteral(n, stored);
+            else if (n->op == u"NUMBER")
+                dateNumber(n);
             break;
         case Kind::Case:
             for (size_t i = 1; i < n->args.size(); i += 2)
@@ -368,6 +384,20 @@ private:
         case DateText::Status::OutOfRange: fail(outOfRangeMessage(t.kind == Token::Kind::NString)); break;
         case DateText::Status::NotADate: fail(notADateMessage()); break;
         }
+    }
+
+    // A number where a datetime is wanted: that many days after 1 January 1900 (a
+    // fraction is a time of day, which the stored date drops).
+    void dateNumber(Node* n)
+    {
+        bool ok = false;
+        const double days = std::floor(m_tokens[n->first].text.toDouble(&ok));
+        if (!ok || !(days >= -53690.0 && days <= 2958463.0)) {
+            fail(QStringLiteral("Arithmetic overflow error converting expression to data type datetime."));
+            return;
+        }
+        m_edits.replace[n->first] = quoteString(dates::isoText(QDate(1900, 1, 1).addDays(qint64(days))));
+        n->type = SqlType::Date;
     }
 
     SqlType expr(Node* n, const Scope* scope)
@@ -437,6 +467,29 @@ private:
             dateContext(a, false);
         if (comparesAsText(ta, tb))
             a->collate = true;
+        // A text compared with a number becomes a number, or the statement fails as
+        // the server's conversion would (K.Isprava=5 over an 'R-1').
+        if (ta == SqlType::Text && isNumericType(tb))
+            convert(a, tb);
+        else if (tb == SqlType::Text && isNumericType(ta))
+            convert(b, ta);
+    }
+
+    // The value converted to a number type; the list of an IN (SELECT ...) through the
+    // column each of its selects gives.
+    void convert(Node* n, SqlType to)
+    {
+        if (to == SqlType::Bit)
+            to = SqlType::Int;
+        if (n->kind != Kind::Select && n->kind != Kind::Compound) {
+            n->convertTo = to;
+            return;
+        }
+        std::vector<Node*> selects;
+        collectSelects(n, selects);
+        for (Node* s : selects)
+            if (Node* e = itemExpr(s, 0); e && e->type == SqlType::Text)
+                e->convertTo = to;
     }
 
     SqlType binary(Node* n, const Scope* scope)
@@ -459,6 +512,19 @@ private:
             return SqlType::Text;
         if (op == u"/")
             n->rewrite = Node::Rewrite::Divide;
+        else if (op == u"%")
+            n->rewrite = Node::Rewrite::Modulo;
+        // Money adds and subtracts on its exact ten-thousandths: a double cannot tell
+        // the largest amount from one past it.
+        const auto moneyOrInt = [](SqlType t) { return t == SqlType::Money || t == SqlType::Int || t == SqlType::Bit; };
+        if ((op == u"+" || op == u"-") && (l == SqlType::Money || r == SqlType::Money) && moneyOrInt(l) && moneyOrInt(r))
+            n->rewrite = Node::Rewrite::MoneySum;
+        // A text in arithmetic with a number becomes that number's type, or the
+        // statement fails as the server's conversion would ('a'+1).
+        if (l == SqlType::Text && isNumericType(r))
+            n->a->convertTo = r == SqlType::Bit ? SqlType::Int : r;
+        else if (r == SqlType::Text && isNumericType(l))
+            n->b->convertTo = l == SqlType::Bit ? SqlType::Int : l;
         if (l == SqlType::Null || r == SqlType::Null)
             return l == SqlType::Null ? r : l;
         return higher(l, r);
@@ -545,6 +611,11 @@ private:
             if (f == u"COALESCE" || first == SqlType::Null)
                 for (SqlType a : args)
                     t = higherIgnoringNull(t, a);
+            // ISNULL takes its first argument's type: ISNULL(int, 2.7) is 2.
+            else if (isNumericType(first) && first != SqlType::Bit)
+                for (size_t i = 1; i < n->args.size(); ++i)
+                    if (args[int(i)] == SqlType::Text || (isNumericType(args[int(i)]) && higher(args[int(i)], first) != first))
+                        n->args[i]->convertTo = first;
             if (t == SqlType::Date)
                 dateContext(n, false);
             return t;
@@ -555,7 +626,7 @@ private:
             return SqlType::Text;
         }
         if (f == u"SUBSTRING") {
-            m_edits.replace[n->opToken] = QStringLiteral("SUBSTR");
+            m_edits.replace[n->opToken] = n->args.size() == 3 ? QStringLiteral("tsql_substring") : QStringLiteral("SUBSTR");
             return SqlType::Text;
         }
         if (f == u"LEN") {
@@ -569,6 +640,11 @@ private:
         if (f == u"GETDATE") {
             n->rewrite = Node::Rewrite::Today;
             return SqlType::Date;
+        }
+        if (f == u"AVG" && (first == SqlType::Int || first == SqlType::Bit)) {
+            // The average of whole numbers is a whole number, cut off toward zero.
+            n->rewrite = Node::Rewrite::IntAverage;
+            return SqlType::Int;
         }
         if (f == u"SUM" || f == u"MIN" || f == u"MAX" || f == u"ABS" || f == u"AVG")
             return first;

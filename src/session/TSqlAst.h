@@ -18,7 +18,7 @@ struct Node {
         Literal, Name, Star, Param, Func, Cast, Case, Unary, Binary, Between, In, IsNull, Exists, Paren, Subquery,
         Select, Compound, Insert, Update, Delete
     };
-    enum class Rewrite { None, Divide, CastMoney, CastText, CastInteger, CastReal, CastDrop, Today };
+    enum class Rewrite { None, Divide, Modulo, MoneySum, IntAverage, CastMoney, CastText, CastInteger, CastReal, CastDrop, Today };
 
     Kind kind = Kind::Literal;
     int first = 0;
@@ -69,8 +69,10 @@ struct Node {
     Rewrite rewrite = Rewrite::None;
     // A value stored into a money column: the server keeps four decimals of it.
     bool storedAsMoney = false;
-    // A computed whole number stored into an int column: the server checks its range.
-    bool storedAsInt = false;
+    // The value converted as the server converts it where it stands: a text in
+    // arithmetic with a number, a fraction or text stored into an int column, a
+    // number or text stored into a date column. Unknown: no conversion.
+    SqlType convertTo = SqlType::Unknown;
     // Compared as text: the comparison takes the server's case-insensitive collation.
     bool collate = false;
 };

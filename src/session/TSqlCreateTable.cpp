@@ -1,6 +1,7 @@
 #include "session/TSqlEdits.h"
 #include "session/TSqlTranslator.h"
 
+#include <utility>
 #include <vector>
 
 namespace knjige::tsql {
@@ -38,8 +39,59 @@ bool isConstraint(const Token& head)
     return false;
 }
 
-// Reads a column's name and type at p; returns the position after the type.
-size_t column(const Cursor& c, size_t p, CreateTable& out)
+// The check a column of the type keeps on every value stored in it: SQLite would
+// store a text in a whole-number, money or date column, or any length in any text
+// column, and the row would then read back as 0 or NULL. Plain SQL, so that any
+// SQLite tool can still write the file; the constraint's name "tsql:<type>:<column>"
+// lets the backend give the server's message (checkFailure, SqliteBackend.cpp).
+QString columnCheck(const ColumnDef& col, QString typeName)
+{
+    const QString name = u'"' + QString(col.name).replace(u'"', QStringLiteral("\"\"")) + u'"';
+    QString check;
+    switch (col.type) {
+    case SqlType::Int:
+    case SqlType::Bit: {
+        if (typeName == u"integer")
+            typeName = QStringLiteral("int");
+        check = QStringLiteral("typeof(%1) IN ('integer','null')").arg(name);
+        static const std::pair<const char*, const char*> ranges[] = { { "int", "-2147483648 AND 2147483647" },
+            { "smallint", "-32768 AND 32767" }, { "tinyint", "0 AND 255" } };
+        for (const auto& [type, range] : ranges)
+            if (typeName == QLatin1String(type))
+                check += QStringLiteral(" AND %1 BETWEEN %2").arg(name, QLatin1String(range));
+        break;
+    }
+    case SqlType::Money:
+        typeName = QStringLiteral("money");
+        check = QStringLiteral("typeof(%1) IN ('real','null') AND abs(%1) <= 922337203685477.5807").arg(name);
+        break;
+    case SqlType::Decimal:
+    case SqlType::Float:
+        typeName = col.type == SqlType::Float ? QStringLiteral("float") : QStringLiteral("numeric");
+        check = QStringLiteral("typeof(%1) IN ('real','integer','null')").arg(name);
+        break;
+    case SqlType::Date:
+        // "yyyy-MM-dd" of a real day (with a modifier date() moves 30 February on),
+        // which another program's time of day may follow.
+        typeName = QStringLiteral("datetime");
+        check = QStringLiteral("%1 IS NULL OR (typeof(%1) = 'text' AND date(substr(%1,1,10),'+0 days') IS substr(%1,1,10) "
+                               "AND substr(%1,11,1) IN ('',' ','T'))").arg(name);
+        break;
+    case SqlType::Text:
+        // Blanks past the width are dropped on the server, not refused.
+        if (col.width <= 0)
+            return QString();
+        typeName = QStringLiteral("nvarchar");
+        check = QStringLiteral("length(rtrim(%1,' ')) <= %2").arg(name).arg(col.width);
+        break;
+    default: return QString();
+    }
+    return QStringLiteral("CONSTRAINT \"tsql:%1:%2\" CHECK (%3)").arg(typeName, QString(col.name).replace(u'"', QStringLiteral("\"\"")), check);
+}
+
+// Reads a column's name and type at p; returns the position after the type and
+// sets `check` to the column's check.
+size_t column(const Cursor& c, size_t p, CreateTable& out, QString& check)
 {
     ColumnDef col;
     col.name = c.at(p).name();
@@ -47,7 +99,8 @@ size_t column(const Cursor& c, size_t p, CreateTable& out)
     const int typeToken = c.index(q);
     if (typeToken < 0)
         return q;
-    col.type = typeFromTSqlName(c.at(q).text);
+    const QString typeName = c.at(q).text.toLower();
+    col.type = typeFromTSqlName(typeName);
     int lastTypeToken = typeToken;
     ++q;
     if (c.at(q).is("(")) {
@@ -65,6 +118,7 @@ size_t column(const Cursor& c, size_t p, CreateTable& out)
         for (int i = typeToken; i <= lastTypeToken; ++i)
             out.edits.replace[i] = QString();
         out.edits.replace[typeToken] = sqliteDeclaredType(col.type, col.width);
+        check = columnCheck(col, typeName);
     }
     out.table.columns << col;
     return q;
@@ -89,7 +143,8 @@ std::optional<CreateTable> createTable(const QVector<Token>& tokens)
         return std::nullopt;
     ++p;
     while (!c.atEnd(p)) {
-        size_t q = isConstraint(c.at(p)) ? p + 1 : column(c, p, out);
+        QString check;
+        size_t q = isConstraint(c.at(p)) ? p + 1 : column(c, p, out, check);
         // The rest of the definition, to the comma or parenthesis that closes it.
         int depth = 0;
         for (; !c.atEnd(q); ++q) {
@@ -101,6 +156,8 @@ std::optional<CreateTable> createTable(const QVector<Token>& tokens)
             if (t.is("IDENTITY"))   // the embedded tables number nothing themselves
                 out.edits.replace[c.index(q)] = QString();
         }
+        if (!check.isEmpty() && q > p)
+            out.edits.append[c.index(q - 1)] += u' ' + check;
         if (c.atEnd(q) || c.at(q).is(")"))
             break;
         p = q + 1;

@@ -193,6 +193,36 @@ void tsqlRoundMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         overflow(ctx, "expression", "money");
 }
 
+// An operand of money arithmetic in ten-thousandths: a whole number exactly, a
+// double as money reads it.
+std::optional<qint64> moneyOperand(sqlite3_value* v)
+{
+    if (sqlite3_value_numeric_type(v) == SQLITE_INTEGER) {
+        const sqlite3_int64 whole = sqlite3_value_int64(v);
+        if (whole > std::numeric_limits<qint64>::max() / 10000 || whole < std::numeric_limits<qint64>::min() / 10000)
+            return std::nullopt;
+        return whole * 10000;
+    }
+    return moneyUnits(sqlite3_value_double(v));
+}
+
+// a + b and a - b of money, the overflow error past either end of the range.
+template<bool Subtract>
+void tsqlMoneySum(sqlite3_context* ctx, int, sqlite3_value** argv)
+{
+    if (isNull(argv[0]) || isNull(argv[1])) {
+        sqlite3_result_null(ctx);
+        return;
+    }
+    const auto a = moneyOperand(argv[0]), b = moneyOperand(argv[1]);
+    const Money sum = a && b ? (Subtract ? Money::fromUnits(*a) - Money::fromUnits(*b) : Money::fromUnits(*a) + Money::fromUnits(*b))
+                             : Money::outOfRange();
+    if (sum.isOutOfRange())
+        overflow(ctx, "expression", "money");
+    else
+        sqlite3_result_double(ctx, double(sum.units()) / 10000.0);
+}
+
 void tsqlMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
 {
     if (isNull(argv[0])) {
@@ -223,21 +253,6 @@ void tsqlMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         return;
     }
     sqlite3_result_double(ctx, roundDecimal(v, 4));
-}
-
-// A whole number written into an int column: the server's int holds 32 bits.
-void tsqlInt(sqlite3_context* ctx, int, sqlite3_value** argv)
-{
-    if (isNull(argv[0])) {
-        sqlite3_result_null(ctx);
-        return;
-    }
-    const double v = sqlite3_value_double(argv[0]);
-    if (!(v >= -2147483648.0 && v <= 2147483647.0)) {
-        overflow(ctx, "expression", "int");
-        return;
-    }
-    sqlite3_result_value(ctx, argv[0]);
 }
 
 void tsqlStr(sqlite3_context* ctx, int, sqlite3_value** argv)
@@ -303,7 +318,22 @@ std::optional<qint64> moneyUnits(double value)
         return std::numeric_limits<qint64>::max();
     if (scaled <= -9223372036854775808.0)
         return std::numeric_limits<qint64>::min();
-    return roundHalfEven(scaled);
+    // A stored amount k/10000 is the double nearest it: the exact product value*10000
+    // lies within 10000*ulp(value)/2 of k, less than half a unit while |value| < 2^39.
+    // The nearest whole number to the exact product (fma gives what the rounded
+    // product lost) is then k: every amount up to 549,755,813,888.0002 reads back as
+    // written, 549,755,813,888.0003 is the first that may not.
+    const double nearest = std::nearbyint(scaled);
+    const double off = (scaled - nearest) + std::fma(value, 10000.0, -scaled);
+    // A computed value a hair off a decimal half (1.00005) rounds half to even, as
+    // Money does; the hair is what holding a decimal in a double can move it, and
+    // where it grows near half a unit no half is told apart any more.
+    const double hair = std::fabs(scaled) * std::numeric_limits<double>::epsilon();
+    if (hair < 0.25 && std::fabs(std::fabs(off) - 0.5) <= std::max(hair, 1e-9)) {
+        const double lower = off > 0 ? nearest : nearest - 1;
+        return qint64(std::fmod(lower, 2.0) == 0 ? lower : lower + 1);
+    }
+    return qint64(off > 0.5 ? nearest + 1 : off < -0.5 ? nearest - 1 : nearest);
 }
 
 QString overflowMessage(const char* type)
@@ -349,7 +379,8 @@ bool registerFunctions(sqlite3* db)
     static const Def defs[] = {
         { "tsql_div", 2, tsqlDiv },     { "tsql_divm", 2, tsqlDivMoney }, { "tsql_round", 2, tsqlRound },
         { "tsql_round", 3, tsqlRound }, { "tsql_money", 1, tsqlMoney },   { "tsql_money", 2, tsqlMoney },
-        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_int", 1, tsqlInt },     { "tsql_str", 2, tsqlStr },       { "tsql_len", 1, tsqlLen },
+        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_str", 2, tsqlStr },
+        { "tsql_madd", 2, tsqlMoneySum<false> }, { "tsql_msub", 2, tsqlMoneySum<true> },       { "tsql_len", 1, tsqlLen },
         { "YEAR", 1, datePart<0> },     { "MONTH", 1, datePart<1> },      { "DAY", 1, datePart<2> },
     };
     for (const Def& d : defs) {
@@ -357,7 +388,7 @@ bool registerFunctions(sqlite3* db)
         if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr) != SQLITE_OK)
             return false;
     }
-    return registerCollation(db);
+    return registerConversions(db) && registerCollation(db);
 }
 
 } // namespace knjige::tsql

@@ -16,9 +16,7 @@ public:
     {
         if (stackLeft() < kStackReserve)
             throw NestingError {};
-        QString text = n->storedAsMoney ? money(n)
-            : n->storedAsInt           ? QStringLiteral("tsql_int(") + rewritten(n) + u')'
-                                       : rewritten(n);
+        QString text = n->storedAsMoney ? money(n) : converted(n, rewritten(n));
         if (!n->collate)
             return text;
         if (!atomic(n))
@@ -26,9 +24,36 @@ public:
         return text + QStringLiteral(" COLLATE ") + QLatin1String(kCollation);
     }
 
+    // The node's text converted to n->convertTo as the server converts it.
+    QString converted(const Node* n, const QString& text) const
+    {
+        const QString source = sourceName(n);
+        switch (n->convertTo) {
+        case SqlType::Int:
+            return QStringLiteral("tsql_int(") + text
+                + (n->type == SqlType::Text || n->type == SqlType::Money ? QStringLiteral(", 'int', '") + source + u'\''
+                                                                        : QString())
+                + u')';
+        case SqlType::Money: return QStringLiteral("tsql_money(") + text + QStringLiteral(", '") + source + QStringLiteral("')");
+        case SqlType::Decimal:
+        case SqlType::Float:
+            return QStringLiteral("tsql_num(") + text + (n->convertTo == SqlType::Float ? QStringLiteral(", 'float', '") : QStringLiteral(", 'numeric', '"))
+                + source + QStringLiteral("')");
+        case SqlType::Date: return QStringLiteral("tsql_date(") + text + u')';
+        default: return text;
+        }
+    }
+
     QString rewritten(const Node* n) const
     {
         switch (n->rewrite) {
+        case Node::Rewrite::MoneySum:
+            return (n->op == u"+" ? QStringLiteral("tsql_madd(") : QStringLiteral("tsql_msub(")) + node(n->a)
+                + QStringLiteral(", ") + node(n->b) + u')';
+        case Node::Rewrite::Modulo:
+            return QStringLiteral("tsql_mod(") + node(n->a) + QStringLiteral(", ") + node(n->b) + u')';
+        case Node::Rewrite::IntAverage:
+            return QStringLiteral("CAST(") + splice(n->first, n->last, n->kids) + QStringLiteral(" AS INTEGER)");
         case Node::Rewrite::Divide:
             // SQL Server divides integers as integers and stops on a zero divisor;
             // money quotients keep four decimals.
@@ -36,8 +61,19 @@ public:
                 + node(n->a) + QStringLiteral(", ") + node(n->b) + u')';
         case Node::Rewrite::CastMoney: return money(n->a);
         case Node::Rewrite::CastText: return castText(n);
-        case Node::Rewrite::CastInteger: return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS INTEGER)");
-        case Node::Rewrite::CastReal: return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS REAL)");
+        case Node::Rewrite::CastInteger:
+            if (n->op == u"bit")
+                return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS INTEGER)");
+            // CAST('3.5' AS int) fails on the server; CAST(3.5 AS int) is 3.
+            return QStringLiteral("tsql_int(") + node(n->a) + QStringLiteral(", '")
+                + (n->op == u"integer" ? QStringLiteral("int") : n->op) + QStringLiteral("', '") + sourceName(n->a)
+                + QStringLiteral("')");
+        case Node::Rewrite::CastReal:
+            if (n->a->type == SqlType::Text)
+                return QStringLiteral("tsql_num(") + node(n->a)
+                    + (n->type == SqlType::Float ? QStringLiteral(", 'float', '") : QStringLiteral(", 'numeric', '"))
+                    + sourceName(n->a) + QStringLiteral("')");
+            return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS REAL)");
         case Node::Rewrite::CastDrop: return node(n->a);
         case Node::Rewrite::Today: return QStringLiteral("date('now','localtime')");
         case Node::Rewrite::None: break;
@@ -81,7 +117,7 @@ private:
         case Kind::Paren:
         case Kind::Subquery:
         case Kind::Func: return true;
-        default: return n->storedAsMoney || n->storedAsInt;
+        default: return n->storedAsMoney || n->convertTo != SqlType::Unknown;
         }
     }
 
@@ -94,16 +130,22 @@ private:
         if (literal->kind == Kind::Literal && literal->op == u"NUMBER" && literal->type != SqlType::Float)
             return QStringLiteral("tsql_money('") + (literal == n ? QString() : QStringLiteral("-"))
                 + m_tokens[literal->first].text + QStringLiteral("', 'numeric')");
-        return QStringLiteral("tsql_money(") + rewritten(n) + QStringLiteral(", '") + sourceName(n->type)
+        const QString source = n->type == SqlType::Money ? QStringLiteral("expression") : sourceName(n);
+        return QStringLiteral("tsql_money(") + converted(n, rewritten(n)) + QStringLiteral(", '") + source
             + QStringLiteral("')");
     }
 
-    static QString sourceName(SqlType t)
+    // The type the server names in a conversion's message: a plain '..' literal is
+    // varchar, the tables' texts and N'..' are nvarchar.
+    QString sourceName(const Node* n) const
     {
-        switch (t) {
+        switch (n->type) {
         case SqlType::Float: return QStringLiteral("float");
         case SqlType::Decimal: return QStringLiteral("numeric");
-        case SqlType::Text: return QStringLiteral("varchar");
+        case SqlType::Money: return QStringLiteral("money");
+        case SqlType::Text:
+            return n->kind == Kind::Literal && m_tokens[n->first].kind == Token::Kind::String ? QStringLiteral("varchar")
+                                                                                                : QStringLiteral("nvarchar");
         default: return QStringLiteral("expression");
         }
     }
@@ -189,9 +231,12 @@ Translation::Statement translateStatement(const QString& tsql, const Catalog& ca
     Edits edits;
     tokenEdits(st.tokens, edits);
     if (!st.root) {
-        if (auto ct = createTable(st.tokens))
+        if (auto ct = createTable(st.tokens)) {
             for (auto it = ct->edits.replace.cbegin(); it != ct->edits.replace.cend(); ++it)
                 edits.replace[it.key()] = it.value();
+            for (auto it = ct->edits.append.cbegin(); it != ct->edits.append.cend(); ++it)
+                edits.append[it.key()] += it.value();
+        }
         Emitter emitter(st.tokens, edits);
         emitter.copy(0, int(st.tokens.size()) - 1, out.sql);
         return out;

@@ -75,7 +75,7 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
         // + joins only character data.
         { "SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
           "rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E FROM dbo.KnjPrihRashFBiH K",
-            "SELECT K.Isprava||'-'||K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
+            "SELECT K.Isprava||'-'||K.Opis AS A, tsql_madd(K.Iznos, K.IznosPDV) AS B, K.Vrsta+1 AS C, tsql_int('7', 'int', 'varchar')+K.Vrsta AS D, "
             "rtrim(CAST(K.Vrsta AS TEXT))||'x' AS E FROM KnjPrihRashFBiH K" },
         // Every division goes through the registered function; a money quotient keeps four decimals.
         { "SELECT 100.0/K.VijekTr/12*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K",
@@ -123,8 +123,14 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
             "SELECT * FROM TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016 AND BrojProd=2 AND RBroj=1" },
         { "CREATE TABLE dbo.X (A smallint NOT NULL, B money NULL DEFAULT (0), C datetime, D nvarchar(25) NULL, "
           "E int IDENTITY(1,1), CONSTRAINT PK_X PRIMARY KEY CLUSTERED (A))",
-            "CREATE TABLE X (A INTEGER NOT NULL, B MONEY_REAL NULL DEFAULT (0), C DATETIME_TEXT, D NVARCHAR(25) NULL, "
-            "E INTEGER (1,1), CONSTRAINT PK_X PRIMARY KEY  (A))" },
+            "CREATE TABLE X (A INTEGER NOT NULL CONSTRAINT \"tsql:smallint:A\" CHECK (typeof(\"A\") IN "
+            "('integer','null') AND \"A\" BETWEEN -32768 AND 32767), B MONEY_REAL NULL DEFAULT (0) CONSTRAINT "
+            "\"tsql:money:B\" CHECK (typeof(\"B\") IN ('real','null') AND abs(\"B\") <= 922337203685477.5807), "
+            "C DATETIME_TEXT CONSTRAINT \"tsql:datetime:C\" CHECK (\"C\" IS NULL OR (typeof(\"C\") = 'text' AND "
+            "date(substr(\"C\",1,10),'+0 days') IS substr(\"C\",1,10) AND substr(\"C\",11,1) IN ('',' ','T'))), "
+            "D NVARCHAR(25) NULL CONSTRAINT \"tsql:nvarchar:D\" CHECK (length(rtrim(\"D\",' ')) <= 25), "
+            "E INTEGER (1,1) CONSTRAINT \"tsql:int:E\" CHECK (typeof(\"E\") IN ('integer','null') AND \"E\" "
+            "BETWEEN -2147483648 AND 2147483647), CONSTRAINT PK_X PRIMARY KEY  (A))" },
     };
     for (const auto& [tsql, sqlite] : cases)
         EXPECT_EQ(tr(tsql).sql.toStdString(), sqlite.toStdString());
@@ -252,55 +258,144 @@ TEST(DialectHardening, DeepStatementsAreRefusedOnAOneMebibyteStack)
     EXPECT_EQ(errors, (std::vector<std::string> { kTooDeep, kTooDeep, "" }));
 }
 
-TEST(DialectHardening, MoneyAndIntOverflowGiveTheServersErrorNeverAWrongSign)
+TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
 {
     TestDatabase t;
     const auto money = [](const char* source) {
         return std::string("Arithmetic overflow error converting ") + source + " to data type money.";
     };
     const std::string intOverflow = "Arithmetic overflow error converting expression to data type int.";
-    struct Case {
-        const char* sql;
-        std::string error;
-        qint64 units;   // the money result in ten-thousandths when it runs
+    const auto failed = [](const char* source, const char* value, const char* type = "int") {
+        return std::string("Conversion failed when converting the ") + source + " value '" + value + "' to data type "
+            + type + ".";
     };
-    const qint64 max = std::numeric_limits<qint64>::max();
+    const std::string byZero = "Divide by zero error encountered.";
+    const std::string charToMoney = "Cannot convert a char value to money. The char value has incorrect syntax.";
+    const std::string truncated = "String or binary data would be truncated.";
+    const std::string notADate = "Conversion failed when converting date and/or time from character string.";
+    struct Case {
+        const char* expr;
+        std::string error;
+        const char* value;   // the result as ResultSet::text gives it when it runs
+    };
     const Case cases[] = {
-        { "SELECT CAST(922337203685477.5807 AS money) AS M", {}, max },
-        { "SELECT CAST(-922337203685477.5808 AS money) AS M", {}, std::numeric_limits<qint64>::min() },
-        { "SELECT CAST(922337203685477.5808 AS money) AS M", money("numeric"), 0 },
-        { "SELECT CAST(-922337203685477.5809 AS money) AS M", money("numeric"), 0 },
-        { "SELECT CAST(1e16 AS money) AS M", money("float"), 0 },
-        { "SELECT CAST(12.34565 AS money) AS M", {}, 123457 },
-        { "SELECT ROUND(CAST(922337203685477.5807 AS money), 0) AS M", money("expression"), 0 },
-        { "SELECT CAST(922337203685477 AS money) + CAST(1 AS money) AS M", money("expression"), 0 },
-        { "SELECT CAST(900000000000000 AS money) * 2 AS M", money("expression"), 0 },
-        { "SELECT 2147483647 + 1 AS M", intOverflow, 0 },
-        { "SELECT ROUND(2147483647, -1) AS M", intOverflow, 0 },
-        { "SELECT -2147483647 - 1 AS M", {}, -2147483648LL * 10000 },
+        { "CAST(922337203685477.5807 AS money)", {}, "922337203685477.5807" },
+        { "CAST(-922337203685477.5808 AS money)", {}, "-922337203685477.5808" },
+        { "CAST(922337203685477.5808 AS money)", money("numeric"), nullptr },
+        { "CAST(-922337203685477.5809 AS money)", money("numeric"), nullptr },
+        { "CAST(922337203685477.5807 AS money) + CAST(0.0001 AS money)", money("expression"), nullptr },
+        { "CAST(-922337203685477.5808 AS money) - CAST(0.0001 AS money)", money("expression"), nullptr },
+        { "CAST(1e16 AS money)", money("float"), nullptr },
+        { "CAST(12.34565 AS money)", {}, "12.3457" },
+        // Money is a double on the embedded database: exact to the ten-thousandth up to
+        // 549,755,813,888.0002 (the last below 2^39 whose neighbours stay apart).
+        { "CAST(549755813888.0002 AS money)", {}, "549755813888.0002" },
+        { "CAST(-549755813887.9999 AS money)", {}, "-549755813887.9999" },
+        { "CAST(549755813888.0003 AS money)", {}, "549755813888.0002" },
+        { "CAST(499999999999.9999 AS money)", {}, "499999999999.9999" },
+        { "ROUND(CAST(922337203685477.5807 AS money), 0)", money("expression"), nullptr },
+        { "CAST(922337203685477 AS money) + CAST(1 AS money)", money("expression"), nullptr },
+        { "CAST(900000000000000 AS money) * 2", money("expression"), nullptr },
+        { "2147483647 + 1", intOverflow, nullptr },
+        { "ROUND(2147483647, -1)", intOverflow, nullptr },
+        { "-2147483647 - 1", {}, "-2147483648" },
+        // Whole numbers stay whole: an average, ISNULL's first type, a cast cut off.
+        { "(SELECT AVG(X.N) FROM (SELECT 1 AS N UNION ALL SELECT 2 AS N) X)", {}, "1" },
+        { "(SELECT AVG(X.N) FROM (SELECT -1 AS N UNION ALL SELECT -2 AS N) X)", {}, "-1" },
+        { "ISNULL(CAST(NULL AS int),2.7)", {}, "2" },
+        { "CAST(-3.7 AS int)", {}, "-3" },
+        { "CAST(CAST(-2.5 AS money) AS int)", {}, "-3" },
+        { "CAST(70000 AS smallint)", "Arithmetic overflow error converting expression to data type smallint.", nullptr },
+        // A text meets a number: converted to the number's type, or refused.
+        { "'a'+1", failed("varchar", "a"), nullptr },
+        { "1+'1.5'", failed("varchar", "1.5"), nullptr },
+        { "CAST('3.5' AS int)", failed("varchar", "3.5"), nullptr },
+        { "1+N' 2 '", {}, "3" },
+        { "CAST(1 AS money)+'x'", charToMoney, nullptr },
+        { "1.5+'x'", "Error converting data type varchar to numeric.", nullptr },
+        { "CASE WHEN N'x' = 5 THEN 1 ELSE 0 END", failed("nvarchar", "x"), nullptr },
+        { "CASE WHEN 5 IN ('4', ' 5') THEN 1 ELSE 0 END", {}, "1" },
+        { "CASE WHEN 5 IN (SELECT '5') THEN 1 ELSE 0 END", {}, "1" },
+        { "5 % 0", byZero, nullptr },
+        { "5.5 % 0", byZero, nullptr },
+        { "-7 % 3", {}, "-1" },
+        { "5.5 % 2", {}, "1.5" },
+        { "SUBSTRING(N'abcdef',-1,3)", {}, "a" },
+        { "SUBSTRING(N'abcdef',2,3)", {}, "bcd" },
+        { "SUBSTRING(N'abc',0,1)", {}, "" },
+        { "SUBSTRING(N'abc',1,-1)", "Invalid length parameter passed to the substring function.", nullptr },
+        { "UPPER(N'čšžđć äöß')", {}, "ČŠŽĐĆ ÄÖß" },
+        { "LOWER(N'ČŠŽĐĆ ÄÖ Ǆ')", {}, "čšžđć äö ǆ" },
+        // A number where a date is wanted counts days from 1 January 1900.
+        { "CAST(45000 AS datetime)", {}, "2023-03-17" },
+        { "(SELECT COUNT(*) FROM dbo.KnjPrihRashDB WHERE Datum = 45000)", {}, "0" },
     };
     for (const Case& c : cases) {
+        const QString sql = QStringLiteral("SELECT ") + QString::fromUtf8(c.expr) + QStringLiteral(" AS R");
         ResultSet rs;
-        const bool ok = t.db().open(QString::fromLatin1(c.sql), rs);
-        EXPECT_EQ(ok ? std::string() : t.db().errorDescription().toStdString(), c.error) << c.sql;
-        if (ok && c.error.empty()) {
-            EXPECT_EQ(rs.money(0, 0).units(), c.units) << c.sql;
+        const bool ok = t.db().open(sql, rs);
+        EXPECT_EQ(ok ? std::string() : t.db().errorDescription().toStdString(), c.error) << c.expr;
+        if (ok && c.value) {
+            EXPECT_EQ(rs.text(0, 0).toStdString(), c.value) << c.expr;
         }
     }
-    // Stored amounts: the edge goes in, what overflows changes nothing.
-    t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,1,2016,922337203685477.5807)");
-    const char* const refused[] = {
-        "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,2,2016,1e16)",
-        "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Iznos) VALUES (1,2,2016,922337203685477.5808)",
-        "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos",
-        "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
+
+    // Stored values: what the column's type holds goes in as the server converts it,
+    // the rest is refused and changes nothing, as a statement and as a bound write.
+    const char* const insert = "INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj,Datum,Opis,Iznos) VALUES ";
+    const std::pair<QString, std::string> writes[] = {
+        { "(1,1,2016,NULL,'x',922337203685477.5807)", {} },
+        { "(1,4.7,2016,45000,'y',-922337203685477.5808)", {} },
+        { "(1,2,2016,NULL,'x',1e16)", money("float") },
+        { "(1,2,2016,NULL,'x',922337203685477.5808)", money("numeric") },
+        { "(1,'x',2016,NULL,'x',0)", failed("varchar", "x") },
+        { "(1,2,2016,'x',NULL,0)", notADate },
+        { "(1,2,2016,NULL,'" + QString(10000, u'a') + "',0)", truncated },
+        { "(1,2,70000,NULL,'x',0)", "Arithmetic overflow error converting expression to data type smallint." },
+        { "(1,2,2016,NULL,'x','abc')", charToMoney },
     };
-    for (const char* sql : refused)
+    for (const auto& [values, error] : writes)
+        EXPECT_EQ(errorOf(t, QString::fromLatin1(insert) + values), error) << values.left(60).toStdString();
+    for (const char* sql : { "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos", "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
+             "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos-CAST(1 AS money) WHERE Iznos<0" })
         EXPECT_EQ(errorOf(t, QString::fromLatin1(sql)).rfind("Arithmetic overflow error", 0), 0u) << sql;
-    const ResultSet rs = t.query("SELECT RBroj, Iznos FROM dbo.KnjPrihRashDB");
-    ASSERT_EQ(rs.rowCount(), 1);
-    EXPECT_EQ(rs.integer(0, 0), 1);
-    EXPECT_EQ(rs.money(0, 1).units(), max);
+    const std::pair<RowChange::Values, std::string> bound[] = {
+        { { { "RBroj", "x" } }, failed("nvarchar", "x") },
+        { { { "GodinaKnj", 70000 } }, "Arithmetic overflow error converting expression to data type smallint." },
+        { { { "Datum", "2016-02-30" } }, notADate },
+        { { { "Opis", QString(101, u'a') } }, truncated },
+        { { { "Iznos", "abc" } }, charToMoney },
+        { { { "Iznos", 1e16 } }, money("expression") },
+    };
+    for (const auto& [values, error] : bound) {
+        RowChange change { RowChange::Kind::Insert, "dbo.KnjPrihRashDB",
+                           { { "BrojPoduzeca", 1 }, { "RBroj", 3 }, { "GodinaKnj", 2016 } }, {} };
+        for (const auto& [column, value] : values)
+            for (auto& [name, old] : change.values)
+                if (name == column)
+                    old = value;
+        if (change.values.size() == 3 && change.values[1].first != values[0].first && change.values[2].first != values[0].first)
+            change.values.append(values[0]);
+        EXPECT_FALSE(t.db().writeRow(change)) << values[0].first.toStdString();
+        EXPECT_EQ(t.db().errorDescription().toStdString(), error) << values[0].first.toStdString();
+    }
+    EXPECT_EQ(errorOf(t, QStringLiteral("SELECT COUNT(*) AS N FROM dbo.KnjPrihRashDB K WHERE K.Opis=1")), failed("nvarchar", "x"));
+    // Bound as the server takes a parameter: 3.9 cut off, a day number and a month-first
+    // text as dates; blanks past the width are dropped on the server, not refused.
+    t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 3.9 }, { "GodinaKnj", 2016 },
+                                    { "Datum", 45001 }, { "Opis", QString(100, u'b') + "   " } });
+    t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 5 }, { "GodinaKnj", 2016 },
+                                    { "Datum", "03.15.2016" } });
+    const ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
+    ASSERT_EQ(rs.rowCount(), 4);
+    EXPECT_EQ(rs.text(0, 0), "1");
+    EXPECT_EQ(rs.money(0, 2).units(), std::numeric_limits<qint64>::max());
+    EXPECT_EQ(rs.text(1, 0), "3");
+    EXPECT_EQ(rs.text(1, 1), "2023-03-18");
+    EXPECT_EQ(rs.text(2, 0), "4");   // 4.7 cut off
+    EXPECT_EQ(rs.text(2, 1), "2023-03-17");
+    EXPECT_EQ(rs.money(2, 2).units(), std::numeric_limits<qint64>::min());
+    EXPECT_EQ(rs.text(3, 1), "2016-03-15");
 }
 
 TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)

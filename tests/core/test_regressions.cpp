@@ -34,6 +34,7 @@ const QString outOfRange = QString::fromUtf8(Money::OutOfRangeText);
 TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
 {
     const Money big = Money::fromWhole(500000000000000);
+    const qint64 lowest = std::numeric_limits<qint64>::min(), highest = std::numeric_limits<qint64>::max();
     struct Case {
         Money value;
         const char* shown;
@@ -47,6 +48,18 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
         {Money::fromDouble(1e300), nullptr},
         {big + Money::fromUnits(4000000000000001200), "900,000,000,000,000.12"},
         {-big - Money::fromUnits(4223372036854775807), "-922,337,203,685,477.58"},
+        // The whole range holds amounts; one past either end is out of range.
+        {Money::fromUnits(lowest), "-922,337,203,685,477.58"},
+        {Money::fromUnits(lowest + 2), "-922,337,203,685,477.58"},
+        {Money::fromUnits(-4611686018427387904) * 2, "-922,337,203,685,477.58"},
+        {Money::fromUnits(highest) - Money::fromUnits(highest) + Money::fromUnits(lowest), "-922,337,203,685,477.58"},
+        {Money::fromUnits(highest), "922,337,203,685,477.58"},
+        {Money::fromUnits(lowest) - Money::fromUnits(1), nullptr},
+        {Money::fromUnits(lowest) + Money::fromUnits(-1), nullptr},
+        {-Money::fromUnits(lowest), nullptr},
+        {Money::fromUnits(lowest) * -1, nullptr},
+        {Money::fromUnits(highest) + Money::fromUnits(1), nullptr},
+        {Money::fromUnits(highest) - Money::fromUnits(-1), nullptr},
     };
     for (const Case& c : cases) {
         if (c.shown) {
