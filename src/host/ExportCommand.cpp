@@ -4,6 +4,7 @@
 #include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "host/Cli.h"
+#include "host/HostRights.h"
 #include "output/OfficeExport.h"
 #include "session/Database.h"
 #include "session/Dates.h"
@@ -32,13 +33,6 @@ struct Period {
     QDate to;
 };
 
-const BookKind* bookNamed(const QString& text)
-{
-    if (const auto code = wholeNumber(text, 0, 32767))
-        return findBook(*code);
-    return findBookByClass(text.trimmed());
-}
-
 struct Request {
     const BookKind* book = nullptr;
     int company = 0;
@@ -56,7 +50,7 @@ int readRequest(const Options& o, Request& r)
     if (o.positional.size() != 1)
         return usageError(o.positional.isEmpty() ? QStringLiteral("Nedostaje knjiga (šifra, na primjer 96).")
                                                  : QStringLiteral("Višak argumenata: %1").arg(o.positional.join(u' ')));
-    r.book = bookNamed(o.positional.front());
+    r.book = findBookByName(o.positional.front());
     if (!r.book)
         return usageError(QStringLiteral("Nepoznata knjiga: %1").arg(o.positional.front()));
     for (const char* required : {"--company", "--year", "--out"})
@@ -122,7 +116,7 @@ QString exportUsage()
     return QStringLiteral(
         "knjige export KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
         "              --out DATOTEKA.csv [--period OD-DO] [--prod N] [--separator \";\"]\n"
-        "              [--decimal \",\"] [--quote] [--encoding cp1250|utf-8] [--force]\n"
+        "              [--decimal \",\"] [--quote] [--encoding cp1250|utf-8] [--force] [--operator IME]\n"
         "  Zapiše knjigu (šifra 96 ... 126 ili naziv klase) poduzeća i godine kao CSV datoteku,\n"
         "  istu kakvu piše \"Prebaci u Excel\" u pregledu knjige, redom po rednom broju.\n"
         "  --period OD-DO  samo stavke s datumom u periodu, na primjer 1.3.2016-31.3.2016\n"
@@ -132,6 +126,7 @@ QString exportUsage()
         "  --quote         nazivi i tekstovi u navodnicima\n"
         "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
         "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta)\n"
+        "  --operator IME  operater čija prava iz dbo.PRAVA vrijede (zadano: korisnik sustava)\n"
         "  Primjer: knjige export 96 --db knjige.db --company 1 --year 2026 --out knjiga-96.csv\n");
 }
 
@@ -141,7 +136,8 @@ int runExport(const QStringList& args)
                                      {QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
                                       QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
                                       QStringLiteral("--out"), QStringLiteral("--separator"),
-                                      QStringLiteral("--decimal"), QStringLiteral("--encoding")},
+                                      QStringLiteral("--decimal"), QStringLiteral("--encoding"),
+                                      QStringLiteral("--operator")},
                                      {QStringLiteral("--quote"), QStringLiteral("--force")});
     if (!o.error.isEmpty())
         return usageError(o.error);
@@ -165,6 +161,11 @@ int runExport(const QStringList& args)
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    const QString op = o.values.value(QStringLiteral("--operator")).trimmed();
+    if (const QString refused = host::commandRefusal(connection, op.isEmpty() ? host::defaultOperatorName() : op,
+                                                     r.book->code, OperatorRights::Izvoz);
+        !refused.isEmpty())
+        return complain(refused);
     const QString sql = r.book->selectSql
         + exportWhere(r.book->code, r.period ? r.period->from : QDate(), r.period ? r.period->to : QDate(), r.company,
                       r.year, r.salesPoint)

@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "host/Cli.h"
+#include "host/HostRights.h"
 #include "browser/BrowserRules.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
@@ -29,14 +30,9 @@ int usageError(const QString& message)
 
 using cli::Options;
 
-// "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH"; 0 for none.
 int bookCode(const QString& text)
 {
-    bool number = false;
-    const int code = text.toInt(&number);
-    if (number)
-        return findBook(code) ? code : 0;
-    const BookKind* b = findBookByClass(text.section(u'.', -1));
+    const BookKind* b = findBookByName(text);
     return b ? b->code : 0;
 }
 
@@ -119,6 +115,9 @@ int print(const Request& r)
     Database& db = s.db();
     if (!db.isConnected())
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    const QString op = s.ImeOperatera.isEmpty() ? defaultOperatorName() : s.ImeOperatera;
+    if (const QString refused = commandRefusal(r.conn, op, r.kind, OperatorRights::Ispis); !refused.isEmpty())
+        return complain(refused);
     QString name;
     if (r.shop) {
         bool found = false;
@@ -156,7 +155,7 @@ QString printUsage()
         "  KNJIGA je šifra (96, 97, ..., 126) ili naziv klase knjige.\n"
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina)\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
-        "  --operator ime operatera u podnožju ispisa\n"
+        "  --operator ime operatera u podnožju ispisa; njegova prava iz dbo.PRAVA (zadano: korisnik sustava)\n"
         "  --pdf      datoteka ispisa (postojeća se zamijeni)\n"
         "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
 }
