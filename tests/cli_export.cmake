@@ -50,6 +50,8 @@ set(base export 96 --db "${db}" --company 4 --year 2016 --out bad.csv)
 knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${base} --separator ,)
 knjige(2 "Početni datum perioda (29.2.2016) je iza završnog (1.2.2016)." ${base} --period 29.2.2016-1.2.2016)
 knjige(2 "Prodajno mjesto (--prod) imaju samo knjige 125 i 126." ${base} --prod 2)
+knjige(2 "Opcija --year je zadana više puta; zadajte je jednom." ${base} --year=2015)
+knjige(2 "Početni datum perioda (01.01.0001) je prije 01.01.1753" ${base} --period 01.01.0001-31.12.2016)
 knjige(2 "Nepoznata knjiga: 97x" export 97x --db "${db}" --company 4 --year 2016 --out bad.csv)
 # Every command takes a book by code, class or programmatic identifier.
 knjige(0 "" export ArbosaPOSKnjige17.clsKnjPrihRashFBiH --db "${db}" --company 4 --year 2016 --out cls.csv)

@@ -132,6 +132,8 @@ QString exportUsage()
 
 int runExport(const QStringList& args)
 {
+    // The file is written whatever becomes of the report line after it.
+    reportClosedOutputAsWriteError();
     const Options o = commandOptions(args,
                                      {QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
                                       QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),

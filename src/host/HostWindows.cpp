@@ -221,7 +221,7 @@ int saveScreenshot(QWidget* window, const QString& file)
 struct WindowsScope {
     ~WindowsScope()
     {
-        session().db().disconnect();
+        session().closeDb();
         installHostServices({});
         if (previous)
             setInteraction(std::move(previous));

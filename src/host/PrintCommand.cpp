@@ -178,7 +178,7 @@ int runPrint(const QStringList& args)
         return code;
     session().ImeOperatera = o.values.value(QStringLiteral("--operator"));
     const int result = print(r);
-    session().db().disconnect();
+    session().closeDb();
     return result;
 }
 
