@@ -61,18 +61,11 @@ DateField::DateField(QWidget* parent)
     // A date set from elsewhere (the calendar, the entry read, a step with the arrow
     // keys) replaces the one typed.
     connect(this, &QDateEdit::dateChanged, this, [this] {
-        if (m_typedDay != 0 && (!m_typing || dayIn(text()) != m_shownDay)) {
+        if (m_typedDay != 0 && text() != m_validated) {
             m_typedDay = 0;
             markTyped();
         }
     });
-}
-
-void DateField::keyPressEvent(QKeyEvent* event)
-{
-    m_typing = true;
-    QDateEdit::keyPressEvent(event);
-    m_typing = false;
 }
 
 // `typed` is the text as the person left it, `input` what Qt's picker made of it.
@@ -92,6 +85,7 @@ void DateField::restoreTypedDay(const QString& typed, QString& input) const
         }
     }
     m_shownDay = dayIn(input);
+    m_validated = input;
 }
 
 QValidator::State DateField::validate(QString& input, int& pos) const

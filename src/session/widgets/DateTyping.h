@@ -33,9 +33,6 @@ public:
     // Empty when the field holds the date typed; otherwise the message that names it.
     QString typedDateProblem() const;
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     void restoreTypedDay(const QString& typed, QString& input) const;
     void markTyped();
@@ -44,7 +41,7 @@ private:
     // 0 when there is none.
     mutable int m_typedDay = 0;
     mutable int m_shownDay = 0;
-    bool m_typing = false;
+    mutable QString m_validated; // the text last checked as typed
 };
 
 // Shows the first date field under `root` whose text is no date (a visible one only),
