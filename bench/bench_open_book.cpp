@@ -32,6 +32,7 @@ void settle() { QApplication::processEvents(); }
 
 std::unique_ptr<frmSifarnikKnj> openWindow()
 {
+    session().NivoPristupa = QStringLiteral("0");
     auto w = std::make_unique<frmSifarnikKnj>();
     w->setTipSifarnika(Knjiga::PrihRashFBiH);
     w->Prikaži(0);

@@ -75,7 +75,15 @@ knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${b
 knjige(2 "Početni datum perioda (29.2.2016) je iza završnog (1.2.2016)." ${base} --period 29.2.2016-1.2.2016)
 knjige(2 "Prodajno mjesto (--prod) imaju samo knjige 125 i 126." ${base} --prod 2)
 knjige(2 "Opcije --quote i --no-quote se isključuju." ${base} --quote --no-quote)
+knjige(2 "Opcija --year je zadana više puta; zadajte je jednom." ${base} --year=2015)
+knjige(2 "Početni datum perioda (01.01.0001) je prije 01.01.1753" ${base} --period 01.01.0001-31.12.2016)
 knjige(2 "Nepoznata knjiga: 97x" export 97x --db "${db}" --company 4 --year 2016 --out bad.csv)
+# Every command takes a book by code, class or programmatic identifier.
+knjige(0 "" export ArbosaPOSKnjige17.clsKnjPrihRashFBiH --db "${db}" --company 4 --year 2016 --out cls.csv)
+# The rights the book's window asks: op1 may open 96 but not export it, and may not open 98.
+knjige(0 "" query --db "${db}" "INSERT INTO dbo.PRAVA (OPERATER, PROGRAM, PRAVO) VALUES ('op1', 'KNJIGE', '96')<semi> INSERT INTO dbo.PRAVA (OPERATER, PROGRAM, PRAVO) VALUES ('op1', 'KNJIGE', '96.1')")
+knjige(1 "Nemate pravo pristupa !\nOperater \"op1\" nema pravo izvoza knjige 96." ${base} --operator op1)
+knjige(1 "Operater \"op1\" nema pravo otvoriti knjigu 98." export 98 --db "${db}" --company 4 --year 2016 --out bad.csv --operator op1)
 if(EXISTS "${WORK}/bad.csv")
   message(FATAL_ERROR "a refused export wrote a file")
 endif()

@@ -205,6 +205,15 @@ endif()
 knjige(replaced query --db "${db}" "SELECT COUNT(Napomena) AS Broj FROM dbo.Ifakture")
 expect_refusal(replaced "the replaced database still has the old table" "Napomena")
 
+# --- query: a reader that stops early (| head -1) ends the command quietly ---------------
+find_program(HEAD_PROGRAM head)
+if(HEAD_PROGRAM)
+  # Far more than a pipe holds, so the reader is gone before the writing ends.
+  execute_process(COMMAND "${KNJIGE}" query --db "${db}" "SELECT a.Opis, b.Opis AS O2 FROM dbo.KnjPrihRashFBiH a CROSS JOIN dbo.KnjPrihRashFBiH b"
+    COMMAND "${HEAD_PROGRAM}" -1 RESULTS_VARIABLE pipe_rc OUTPUT_VARIABLE pipe_out ERROR_VARIABLE pipe_err)
+  expect_equal("${pipe_rc};${pipe_out};${pipe_err}" "3;0;Opis,O2\n;" "query into a pipe closed early")
+endif()
+
 # --- print: the demo books into PDF files; bad books, periods and databases refused -------
 string(TIMESTAMP year "%Y")
 set(common --company 1 --year ${year})

@@ -118,6 +118,19 @@ const BookKind* findBookByClass(const QString& className)
     return nullptr;
 }
 
+const BookKind* findBookByName(const QString& name)
+{
+    const QString text = name.trimmed();
+    bool number = false;
+    const int code = text.toInt(&number);
+    if (number)
+        return findBook(code);
+    const QString library = programmaticId(QString());
+    if (text.startsWith(library, Qt::CaseInsensitive))
+        return findBookByClass(text.mid(library.size()));
+    return findBookByClass(text);
+}
+
 bool isTradeBook(int code) { return code == Knjiga::TrgUsluga || code == Knjiga::TrgKomisiona; }
 bool isAssetList(int code) { return code == Knjiga::PopListaRS || code == Knjiga::PopListaFBiH; }
 bool isIncomeExpense(int code) { return code == Knjiga::PrihRashFBiH || code == Knjiga::PrihRashDB; }

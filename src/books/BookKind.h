@@ -45,6 +45,10 @@ const QVector<BookKind>& allBooks();
 // nullptr for a code that is not a book.
 const BookKind* findBook(int code);
 const BookKind* findBookByClass(const QString& className);
+// A book as a person names it on a command line: its code ("96"), its class
+// ("clsKnjPrihRashFBiH", any letter case) or its programmatic identifier
+// ("ArbosaPOSKnjige17.clsKnjPrihRashFBiH"); nullptr for anything else.
+const BookKind* findBookByName(const QString& name);
 
 bool isTradeBook(int code);      // 125, 126: kept per sales point
 bool isAssetList(int code);      // 101, 105

@@ -71,7 +71,15 @@ LevelRestrictions levelRestrictions(const QString& nivoPristupa)
 
 bool levelSkipsRightsService(const QString& nivoPristupa)
 {
-    return QString::compare(nivoPristupa, QStringLiteral("2"), Qt::CaseSensitive) > 0;
+    return accessLevelProblem(nivoPristupa).isEmpty()
+        && QString::compare(nivoPristupa, QStringLiteral("2"), Qt::CaseSensitive) > 0;
+}
+
+QString accessLevelProblem(const QString& nivoPristupa)
+{
+    if (nivoPristupa.size() == 1 && nivoPristupa[0] >= u'0' && nivoPristupa[0] <= u'9')
+        return {};
+    return QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(nivoPristupa);
 }
 
 int twipsToPixels(int twips, int dpi) { return int(std::lround(double(twips) * dpi / 1440.0)); }

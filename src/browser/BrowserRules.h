@@ -42,8 +42,13 @@ struct LevelRestrictions {
 };
 LevelRestrictions levelRestrictions(const QString& nivoPristupa);
 
-// A level above "2", compared as text, is trusted without asking the rights service.
+// A level above "2" is trusted without asking the rights service.
 bool levelSkipsRightsService(const QString& nivoPristupa);
+
+// A host's access level is one ASCII digit. Anything else (empty, "12", a full-width
+// "０" or an Arabic-Indic "٠", which Unicode counts as digits and which compare above
+// "2" as text) is no level: no book opens for it. The message says so; empty for a level.
+QString accessLevelProblem(const QString& nivoPristupa);
 
 // Window positions are kept in twips, the unit the settings have always used.
 int twipsToPixels(int twips, int dpi);

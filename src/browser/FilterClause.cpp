@@ -260,6 +260,10 @@ std::optional<std::pair<QDate, QDate>> parsePeriod(const QString& text, int year
     if (from > to)
         return fail(
             QStringLiteral("Početni datum perioda (%1) je iza završnog (%2).").arg(m.captured(1), m.captured(2)));
+    // SQL Server's datetime starts there; an earlier date would fail only in the query.
+    if (from < QDate(1753, 1, 1))
+        return fail(QStringLiteral("Početni datum perioda (%1) je prije 01.01.1753, najranijeg datuma koji baza prima.")
+                        .arg(m.captured(1)));
     if (year != 0 && (to < dates::firstOfYear(year) || from > dates::lastOfYear(year)))
         return fail(QStringLiteral("Period %1-%2 nije u radnoj godini %3.")
                         .arg(m.captured(1), m.captured(2), QString::number(year)));

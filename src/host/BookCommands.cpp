@@ -35,8 +35,7 @@ int readBook(const Options& o, const QString& usage, BookOptions& b, const QStri
         return refuse(o.positional.isEmpty() ? QStringLiteral("Nedostaje knjiga (šifra, na primjer 96).")
                                              : QStringLiteral("Višak argumenata: %1").arg(o.positional.join(u' ')));
     const QString name = o.positional.front().trimmed();
-    const auto code = wholeNumber(name, 0, 32767);
-    b.book = code ? findBook(*code) : findBookByClass(name);
+    b.book = findBookByName(name);
     if (!b.book)
         return refuse(QStringLiteral("Nepoznata knjiga: %1").arg(name));
     for (const QString& required : QStringList { QStringLiteral("--company"), QStringLiteral("--year") } + alsoRequired)

@@ -38,6 +38,11 @@ Options parseOptions(const QStringList& args, const QStringList& valueOptions, c
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
         const QString name = a.section(u'=', 0, 0);
+        // A second value would silently win over the first.
+        if ((valueOptions.contains(name) && o.values.contains(name)) || (flagOptions.contains(a) && o.flags.contains(a))) {
+            o.error = QStringLiteral("Opcija %1 je zadana više puta; zadajte je jednom.").arg(name);
+            return o;
+        }
         if (valueOptions.contains(name)) {
             if (a.contains(u'=')) {
                 o.values[name] = a.section(u'=', 1);
@@ -238,6 +243,8 @@ bool flushed(QTextStream& out)
 
 int cannotWrite()
 {
+    if (outputClosedByReader())
+        return OutputClosed;
     return complain(QStringLiteral("Rezultat nije moguće ispisati na standardni izlaz (disk je pun ili je izlaz "
                                    "zatvoren)."));
 }
@@ -388,6 +395,7 @@ int runInit(const QStringList& args)
 
 int runQuery(const QStringList& args)
 {
+    reportClosedOutputAsWriteError();
     const Options o = parseOptions(args, {QStringLiteral("--db"), QStringLiteral("--conn")}, {QStringLiteral("--types")});
     if (!o.error.isEmpty())
         return complain(o.error + u'\n' + queryUsage(), Usage);

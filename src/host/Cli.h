@@ -7,8 +7,16 @@
 
 namespace knjige::cli {
 
-// The exit codes of every command: 0 done, 1 the work failed, 2 the command line is wrong.
-enum Exit { Done = 0, Failed = 1, Usage = 2 };
+// The exit codes of every command: 0 done, 1 the work failed, 2 the command line is
+// wrong, 3 the reader of standard output went away before everything was written
+// (`knjige query ... | head -1`), which is no failure worth a message.
+enum Exit { Done = 0, Failed = 1, Usage = 2, OutputClosed = 3 };
+
+// A write to a pipe whose reader has gone fails as a write instead of ending the
+// process (POSIX sends SIGPIPE); the commands that print results call it first.
+void reportClosedOutputAsWriteError();
+// Whether standard output failed because its reader has gone.
+bool outputClosedByReader();
 
 // Writes a problem to standard error and gives the exit code to return.
 int complain(const QString& message, int code = Failed);

@@ -5,6 +5,7 @@
 #include "browser/FilterClause.h"
 #include "host/BookCommands.h"
 #include "host/Cli.h"
+#include "host/HostRights.h"
 #include "output/OfficeExport.h"
 #include "session/Database.h"
 #include "session/Dates.h"
@@ -108,7 +109,7 @@ QString exportUsage()
     return QStringLiteral(
         "knjige export KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
         "              --out DATOTEKA.csv [--period OD-DO] [--prod N] [--separator \";\"]\n"
-        "              [--decimal \",\"] [--no-quote] [--encoding cp1250|utf-8] [--force]\n"
+        "              [--decimal \",\"] [--no-quote] [--encoding cp1250|utf-8] [--force] [--operator IME]\n"
         "  Zapiše knjigu (šifra 96 ... 126 ili naziv klase) poduzeća i godine kao CSV datoteku,\n"
         "  istu kakvu piše \"Prebaci u Excel\" u pregledu knjige, redom po rednom broju.\n"
         "  --period OD-DO  samo stavke s datumom u periodu, na primjer 1.3.2016-31.3.2016\n"
@@ -119,16 +120,20 @@ QString exportUsage()
         "                  --quote se prihvata i ne mijenja ništa)\n"
         "  --encoding      cp1250 (Windows-1250, zadano) ili utf-8 (s oznakom BOM)\n"
         "  --force         zamijeni postojeću datoteku (bez toga ostaje netaknuta); bazu nikad\n"
+        "  --operator IME  operater čija prava iz dbo.PRAVA vrijede (zadano: korisnik sustava)\n"
         "  Primjer: knjige export 96 --db knjige.db --company 1 --year 2026 --out knjiga-96.csv\n");
 }
 
 int runExport(const QStringList& args)
 {
+    // The file is written whatever becomes of the report line after it.
+    reportClosedOutputAsWriteError();
     const Options o = commandOptions(args,
                                      {QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
                                       QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
                                       QStringLiteral("--out"), QStringLiteral("--separator"),
-                                      QStringLiteral("--decimal"), QStringLiteral("--encoding")},
+                                      QStringLiteral("--decimal"), QStringLiteral("--encoding"),
+                                      QStringLiteral("--operator")},
                                      {QStringLiteral("--quote"), QStringLiteral("--no-quote"),
                                       QStringLiteral("--force")});
     if (!o.error.isEmpty())
@@ -149,6 +154,11 @@ int runExport(const QStringList& args)
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    const QString op = o.values.value(QStringLiteral("--operator")).trimmed();
+    if (const QString refused = host::commandRefusal(connection, op.isEmpty() ? host::defaultOperatorName() : op,
+                                                     r.book->code, OperatorRights::Izvoz);
+        !refused.isEmpty())
+        return complain(refused);
     const QString sql = r.book->selectSql
         + exportWhere(r.book->code, r.period ? r.period->from : QDate(), r.period ? r.period->to : QDate(), r.company,
                       r.year, r.salesPoint)

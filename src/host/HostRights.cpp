@@ -6,6 +6,30 @@
 namespace knjige::host
 {
 
+QString defaultOperatorName()
+{
+    QString name = qEnvironmentVariable("USER");
+    if (name.isEmpty())
+        name = qEnvironmentVariable("USERNAME");
+    return name.isEmpty() ? QStringLiteral("operater") : name;
+}
+
+QString commandRefusal(const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group)
+{
+    PravaRights rights;
+    rights.setConnectionString(connString);
+    rights.setOperatorName(operatorName);
+    const QString refused = QStringLiteral("Nemate pravo pristupa !\n");
+    if (!rights.mayOpenBook(bookKind))
+        return refused + QStringLiteral("Operater \"%1\" nema pravo otvoriti knjigu %2.").arg(operatorName).arg(bookKind);
+    if (!rights.hasRight(bookKind, group))
+        return refused
+            + QStringLiteral("Operater \"%1\" nema pravo %2 knjige %3.")
+                  .arg(operatorName, group == OperatorRights::Ispis ? QStringLiteral("ispisa") : QStringLiteral("izvoza"))
+                  .arg(bookKind);
+    return {};
+}
+
 QString PravaRights::sql()
 {
     return QStringLiteral("SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");

@@ -18,6 +18,15 @@ namespace knjige::host
 // the books named, and in a book for which no group is named every group is allowed.
 // When dbo.PRAVA cannot be read (no such table, no connection, no permission) nobody
 // may open a book: the operator is told why, and nothing is allowed on a guess.
+// The operator a command works for when none is named: the system's user.
+QString defaultOperatorName();
+
+// What a console command (print, export) may do, asked of the program's rights service
+// exactly as the book's window asks when it opens: the right to open the book, then
+// the command's group. Like the window it fails closed: rights that cannot be read
+// allow nothing. Empty when allowed; otherwise the message for the person.
+QString commandRefusal(const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group);
+
 class PravaRights final : public OperatorRights
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "books/DemoData.h"
+#include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "host/BookChooser.h"
@@ -110,14 +111,6 @@ public:
     bool startProgram(const QString&, const QStringList&) override { return false; }
 };
 
-QString operatorFromSystem()
-{
-    QString name = qEnvironmentVariable("USER");
-    if (name.isEmpty())
-        name = qEnvironmentVariable("USERNAME");
-    return name.isEmpty() ? QStringLiteral("operater") : name;
-}
-
 // The connection the window commands work on; empty with the problem printed. The
 // demo database is made where it is missing, and only that one.
 QString connectionFor(const Options& o, bool* isDemo, int* code)
@@ -177,10 +170,10 @@ bool valuesFor(const Options& o, BookRequest* r, int* code)
                 code, QStringLiteral("Neispravan broj firme: %1").arg(o.values.value(QStringLiteral("--company"))));
         r->company = qint16(company);
     }
-    r->operatorName = o.values.value(QStringLiteral("--operator"), operatorFromSystem());
+    r->operatorName = o.values.value(QStringLiteral("--operator"), defaultOperatorName());
     r->level = o.values.value(QStringLiteral("--level"), QStringLiteral("0"));
-    if (r->level.size() != 1 || !r->level[0].isDigit())
-        return refuse(code, QStringLiteral("Nivo pristupa je jedna znamenka (0, 1, 2, ...): %1").arg(r->level));
+    if (const QString problem = browser::accessLevelProblem(r->level); !problem.isEmpty())
+        return refuse(code, problem);
     return true;
 }
 
@@ -228,7 +221,7 @@ int saveScreenshot(QWidget* window, const QString& file)
 struct WindowsScope {
     ~WindowsScope()
     {
-        session().db().disconnect();
+        session().closeDb();
         installHostServices({});
         if (previous)
             setInteraction(std::move(previous));
@@ -283,18 +276,10 @@ bool periodFor(const Options& o, int book, PeriodRequest* p, int* code)
     return true;
 }
 
-// "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH".
 int bookCodeOf(const QString& text)
 {
-    bool number = false;
-    const int code = text.toInt(&number);
-    if (number)
-        return findBook(code) ? code : 0;
-    const QString name = text.section(u'.', -1);
-    for (const BookKind& b : allBooks())
-        if (b.className.compare(name, Qt::CaseInsensitive) == 0)
-            return b.code;
-    return 0;
+    const BookKind* b = findBookByName(text);
+    return b ? b->code : 0;
 }
 
 QString bookList()

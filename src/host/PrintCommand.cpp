@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
+#include "host/HostRights.h"
 #include "browser/BrowserRules.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
@@ -30,14 +31,9 @@ int usageError(const QString& message)
 
 using cli::Options;
 
-// "96", "clsKnjPrihRashFBiH" or "ArbosaPOSKnjige17.clsKnjPrihRashFBiH"; 0 for none.
 int bookCode(const QString& text)
 {
-    bool number = false;
-    const int code = text.toInt(&number);
-    if (number)
-        return findBook(code) ? code : 0;
-    const BookKind* b = findBookByClass(text.section(u'.', -1));
+    const BookKind* b = findBookByName(text);
     return b ? b->code : 0;
 }
 
@@ -124,6 +120,9 @@ int print(const Request& r)
     Database& db = s.db();
     if (!db.isConnected())
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
+    const QString op = s.ImeOperatera.isEmpty() ? defaultOperatorName() : s.ImeOperatera;
+    if (const QString refused = commandRefusal(r.conn, op, r.kind, OperatorRights::Ispis); !refused.isEmpty())
+        return complain(refused);
     QString name;
     if (r.shop) {
         bool found = false;
@@ -167,7 +166,7 @@ QString printUsage()
         "  --period   samo stavke tog razdoblja (zadano: cijela radna godina); razdoblje koje ne\n"
         "             počinje 1. januara nastavlja knjigu: Donos i ukupno od početka godine\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
-        "  --operator ime operatera u podnožju ispisa\n"
+        "  --operator ime operatera u podnožju ispisa; njegova prava iz dbo.PRAVA (zadano: korisnik sustava)\n"
         "  --pdf      datoteka ispisa\n"
         "  --force    zamijeni postojeću datoteku (bez toga ostaje netaknuta); bazu nikad\n"
         "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
@@ -191,7 +190,7 @@ int runPrint(const QStringList& args)
         return code;
     session().ImeOperatera = o.values.value(QStringLiteral("--operator"));
     const int result = print(r);
-    session().db().disconnect();
+    session().closeDb();
     return result;
 }
 

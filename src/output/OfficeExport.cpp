@@ -188,8 +188,10 @@ QString defaultFileName()
 #ifdef Q_OS_WIN
     return QStringLiteral("C:\\Export.csv");
 #else
+    // A documents folder is named on every desktop but made only on some.
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QDir(documents.isEmpty() ? QDir::homePath() : documents).filePath(QStringLiteral("Export.csv"));
+    const bool there = !documents.isEmpty() && QFileInfo(documents).isDir();
+    return QDir(there ? documents : QDir::homePath()).filePath(QStringLiteral("Export.csv"));
 #endif
 }
 

@@ -50,7 +50,8 @@ QString reportText(const QString& fileName, qint64 rows);
 // The note on characters written as "?"; empty when there were none.
 QString unmappableNote(const QString& characters, qint64 firstLine);
 
-// The default file: "C:\Export.csv" on Windows, Export.csv in the documents folder elsewhere.
+// The default file: "C:\Export.csv" on Windows, Export.csv in the documents folder
+// elsewhere, or in the home folder where there is no documents folder.
 QString defaultFileName();
 // The program that opens a file with the desktop's default application for its type
 // (explorer on Windows, open on macOS, xdg-open elsewhere); empty when there is none.

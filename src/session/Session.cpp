@@ -15,7 +15,9 @@ Session& session()
     return instance;
 }
 
-Database& Session::db()
+namespace {
+
+Database& helperDb()
 {
     static Database helper;
     // The database drivers go with the application object; close the connection
@@ -26,14 +28,27 @@ Database& Session::db()
         return true;
     }();
     Q_UNUSED(closesWithApplication);
+    return helper;
+}
+
+} // namespace
+
+Database& Session::db()
+{
+    Database& helper = helperDb();
     if (helper.connectionString() != ConnString || !helper.isConnected())
         helper.connect(ConnString);
     return helper;
 }
 
+void Session::closeDb()
+{
+    helperDb().disconnect();
+}
+
 void Session::reset()
 {
-    db().disconnect();
+    closeDb();
     *this = Session();
 }
 

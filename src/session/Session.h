@@ -24,6 +24,9 @@ struct Session {
     // The one data-access helper, created on first use and kept for the process. It
     // follows ConnString: a changed string reconnects on the next call.
     Database& db();
+    // Closes the helper's connection without first making one: after a server that did
+    // not answer, closing must not wait for it a second time.
+    void closeDb();
 
     // Back to the empty state (tests; a host that closes every book).
     void reset();

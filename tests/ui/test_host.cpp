@@ -428,7 +428,8 @@ TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
     EXPECT_EQ(host::runOpen({ "clsNemaTakve" }), 2);
     EXPECT_EQ(host::runOpen({}), 2);
     EXPECT_EQ(host::runOpen({ "96", "--year", "dvije" }), 2);
-    EXPECT_EQ(host::runOpen({ "96", "--level", "12" }), 2);
+    for (const QString& level : { QStringLiteral("12"), QStringLiteral("\uFF10"), QStringLiteral("\u0660") })
+        EXPECT_EQ(host::runOpen({ "96", "--level", level }), 2) << level.toStdString();
     EXPECT_EQ(host::runChooser({ "--nepoznato" }), 2);
     // A period that is no period, or not of the year; a sales point of a book without one.
     for (const char* period : { "31.03.2016-01.03.2016", "1.3.2016", "01.03.2015-31.03.2015" })
@@ -636,5 +637,16 @@ TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
     book.Show("0", "Ana");
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Nemate pravo pristupa !") });
     EXPECT_FALSE(openBrowser());
+    // A level is one ASCII digit: Unicode's other digits compare above "2" as text and
+    // would pass by the rights service.
+    installRights(true);
+    for (const QString& level : { QStringLiteral("\uFF10"), QStringLiteral("\u0660"), QStringLiteral("\uFF19"),
+             QStringLiteral("12"), QString() }) {
+        script->clear();
+        book.Show(level, "Ana");
+        EXPECT_EQ(script->texts(),
+            QStringList { QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(level) });
+        EXPECT_FALSE(openBrowser());
+    }
     closeAll();
 }

@@ -73,6 +73,9 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     const QString program = QCoreApplication::applicationFilePath();
     exportFrom(*w, [&](frmOfficeExportPost& f) {
         EXPECT_EQ(f.txtNazivDat->text(), output::defaultFileName());
+        EXPECT_TRUE(QFileInfo(QFileInfo(output::defaultFileName()).absolutePath()).isDir());
+        QString chosen;
+        const QString missing = scratchDir() + QStringLiteral("/nema");
         EXPECT_EQ(f.txtSeparator->text(), ";");
         EXPECT_EQ(f.txtDecTočka->text(), ",");
         struct Step {
@@ -101,16 +104,26 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
              },
                 "Mora se upisati ime EXE datoteke!" },
             { [&] { f.txtLokacijaEXE->setText("/nema/ovog/programa"); }, "Uneseno ime EXE datoteke je neispravno !" },
+            { [&] {
+                 f.txtLokacijaEXE->setText(program);
+                 chosen = f.txtNazivDat->text();
+                 f.txtNazivDat->setText(missing + QStringLiteral("/knjiga.csv"));
+             },
+                "" },
         };
         for (const Step& s : steps) {
             s.change();
             f.cmdPrebaciPodatke->click();
             ASSERT_FALSE(script->messages.isEmpty());
-            EXPECT_EQ(script->messages.last().text, QString::fromUtf8(s.message));
+            EXPECT_EQ(script->messages.last().text,
+                *s.message ? QString::fromUtf8(s.message)
+                           : QStringLiteral("Desila se greška: mapa %1 ne postoji. Izaberite drugu mapu za datoteku.")
+                                 .arg(QDir::toNativeSeparators(missing)));
             EXPECT_EQ(script->messages.last().icon, Icon::Exclamation);
             EXPECT_FALSE(QFile::exists(path)) << s.message;
         }
-        EXPECT_EQ(f.txtNazivDat->text(), QDir::toNativeSeparators(path));
+        EXPECT_EQ(chosen, QDir::toNativeSeparators(path));
+        f.txtNazivDat->setText(chosen);
         script->files.enqueue(program);
         f.cmdLokacija->click();
         f.chkPrikazNavodnika->setChecked(false);

@@ -3,6 +3,7 @@
 // the print command's PDF against the window's, the recapitulation and the preview.
 #include "books/BookKind.h"
 #include "browser/widgets/BrowserPrint.h"
+#include "host/HostRights.h"
 #include "host/PrintCommand.h"
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
@@ -320,8 +321,21 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
             EXPECT_EQ(sum, w->model().total(tc.gridColumn)->rounded(2)) << field.toStdString();
         }
 
-        // The print command writes the same report as the window.
+        // The print command asks the rights the window asks: Edin may open book 96 but
+        // not print it, and may not open the others; rights that cannot be read allow nothing.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
+        const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year",
+            "2016", "--operator", "Edin", "--pdf", cliPdf };
+        EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
+        ASSERT_EQ(script->messages.size(), 1);
+        EXPECT_TRUE(script->messages[0].text.startsWith("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA"));
+        script->clear();
+        db->exec(host::PravaRights::createSql());
+        for (const char* right : { "96", "96.1" })
+            db->insert("dbo.PRAVA", { { "OPERATER", "Edin" }, { "PROGRAM", "KNJIGE" }, { "PRAVO", right } });
+        EXPECT_EQ(host::runPrint(edin), 1);
+        EXPECT_FALSE(QFileInfo::exists(cliPdf));
+        // The print command writes the same report as the window.
         QStringList args = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
             "--operator", "Ana", "--pdf", cliPdf };
         if (filtered)

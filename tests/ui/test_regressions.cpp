@@ -11,6 +11,7 @@
 #include "session/ResultSet.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
+#include "session/widgets/DateTyping.h"
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
@@ -199,13 +200,16 @@ using RegressionEditor = test::EditorTest;
 
 // Every editor selects a field's whole text when it gains the focus; in a date picker
 // that made the first digit typed a refused date. And a separator typed after a full
-// day or month skipped the next part, so "15.03.2016" could not be typed either.
+// day or month skipped the next part, so "15.03.2016" could not be typed either. A day
+// the month shown before lacks was cut to fit it (31.03 typed over November became
+// 30.03); a date that does not exist is refused with the date as typed.
 TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
 {
     struct Case {
         int book;
         const char* typed;
-        QDate date;
+        QDate date; // invalid: refused on saving
+        QDate shown = {2016, 3, 20};
     };
     const Case cases[] = {
         {98, "15.03.2016", {2016, 3, 15}},
@@ -213,17 +217,36 @@ TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
         {96, "01.01.2016", {2016, 1, 1}},
         {109, "1.3.2016", {2016, 3, 1}},
         {125, "31122016", {2016, 12, 31}},
+        {96, "31.03.2026", {2026, 3, 31}, {2026, 11, 25}},
+        {97, "31032026", {2026, 3, 31}, {2026, 11, 25}},
+        {98, "31.12.2026", {2026, 12, 31}, {2026, 11, 25}},
+        {109, "29.02.2028", {2028, 2, 29}, {2026, 11, 25}},
+        {96, "29.02.2027", {}, {2026, 11, 25}},
+        {125, "31.11.2026", {}, {2026, 9, 25}},
     };
     for (const Case& c : cases) {
         std::unique_ptr<RecordEditor> e = createEditor(c.book);
         e->setTipRada(1);
         run(*e, [&] {
-            e->dpDatum->setDate(QDate(2016, 3, 20));
+            e->dpDatum->setDate(c.shown);
             e->ubRBroj->setFocus();
             e->dpDatum->setFocus();
             QApplication::processEvents();
             QTest::keyClicks(e->dpDatum, QString::fromLatin1(c.typed));
-            EXPECT_EQ(e->dpDatum->date(), c.date) << c.book << " " << c.typed;
+            if (c.date.isValid()) {
+                EXPECT_EQ(e->dpDatum->date(), c.date) << c.book << " " << c.typed;
+                return;
+            }
+            script->clear();
+            e->ubRBroj->setFocus();
+            e->cmdSpremi->click();
+            EXPECT_EQ(script->texts(),
+                QStringList{QStringLiteral("Datum %1 ne postoji. Upišite ispravan datum.").arg(c.typed)});
+            EXPECT_TRUE(e->isVisible()) << c.typed;
+            EXPECT_TRUE(e->dpDatum->hasFocus()) << c.typed;
+            // A date chosen in the calendar takes the place of the one typed.
+            e->dpDatum->setDate(c.shown);
+            EXPECT_EQ(static_cast<DateField*>(e->dpDatum)->typedDateProblem(), QString()) << c.typed;
         });
     }
 }

@@ -150,6 +150,10 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
         SelectTekst = book->selectSql;
     WhereUvjet = browser::openingWhere(DatumOd, s.RadnaGodina, s.BrojPoduzeca);
 
+    if (const QString problem = browser::accessLevelProblem(s.NivoPristupa); !problem.isEmpty()) {
+        warn(problem);
+        return;
+    }
     if (!ProvjeraPristupa()) {
         inform(QStringLiteral("Nemate pravo pristupa !"));
         return;

@@ -34,7 +34,7 @@ namespace
 
 QDateEdit* makeDateEdit(QWidget* parent, const QString& name)
 {
-    auto* edit = new QDateEdit(parent);
+    auto* edit = new DateField(parent);
     edit->setObjectName(name);
     edit->setCalendarPopup(true);
     edit->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
@@ -385,6 +385,8 @@ bool RecordEditor::runChecks(const Findings& findings)
 
 void RecordEditor::potvrdi()
 {
+    if (!typedDatesHold(this))
+        return;
     switch (m_tipRada) {
     case Novi:
     case Izmjena:

@@ -43,7 +43,8 @@ QLineEdit* edit(QWidget* parent, const QString& name, int width = 0)
 
 QDateEdit* dateEdit(QWidget* parent, const QString& name, const QDate& date)
 {
-    auto* d = new QDateEdit(date, parent);
+    auto* d = new DateField(parent);
+    d->setDate(date);
     d->setObjectName(name);
     d->setCalendarPopup(true);
     d->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
@@ -292,7 +293,7 @@ std::optional<QString> frmGenPrihRashDB::lozinka()
 
 void frmGenPrihRashDB::OKButton_Click()
 {
-    if (!gen::valjanaVrsta(m_vrsta))
+    if (!gen::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
         return;
     gen::Parametri p = parametri();
     if (!gen::provjeri(p))

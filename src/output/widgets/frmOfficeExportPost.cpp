@@ -182,6 +182,17 @@ bool frmOfficeExportPost::PrebaciPodatke()
         warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(name), windowTitle());
         return false;
     }
+    // The system's own words would name the failure in English only once writing began.
+    const QFileInfo folder(QFileInfo(name).absolutePath());
+    if (!folder.isDir() || !folder.isWritable()) {
+        warn(QStringLiteral("Desila se greška: ")
+                 + (folder.isDir() ? QStringLiteral("u mapu %1 nije dopušteno pisati.")
+                                   : QStringLiteral("mapa %1 ne postoji."))
+                       .arg(QDir::toNativeSeparators(folder.absoluteFilePath()))
+                 + QStringLiteral(" Izaberite drugu mapu za datoteku."),
+             windowTitle());
+        return false;
+    }
     if (QFileInfo::exists(name) && !pitajZaPrepisivanje(name))
         return false;
     ExportResult result;

@@ -1,0 +1,16 @@
+#include "host/Cli.h"
+
+#include <cerrno>
+
+namespace knjige::cli {
+
+// Windows sends no signal: the write fails with a broken pipe, which the runtime
+// gives as EPIPE.
+void reportClosedOutputAsWriteError() {}
+
+bool outputClosedByReader()
+{
+    return errno == EPIPE;
+}
+
+} // namespace knjige::cli
