@@ -19,6 +19,14 @@ namespace
 const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 
+// The numbers change in a few statements inside one transaction, so the operator sees
+// its steps, and stopping is not offered: the rows read may no longer be the book's.
+std::unique_ptr<Progress> showSteps(int steps)
+{
+    return interaction().startProgress(
+        { QStringLiteral("Renumeracija"), QStringLiteral("Renumeracija: korak %1 od %2"), steps, false });
+}
+
 QString num(qint64 v)
 {
     return QString::number(v);
@@ -140,6 +148,7 @@ std::unordered_map<qint64, qint64> followAllLinks(
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
     const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
 {
+    const auto progress = showSteps(2);
     TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
@@ -148,9 +157,12 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!rewriteNumbers(db, rowsTarget, rows, book, error)
-        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error)))
+    if (!rewriteNumbers(db, rowsTarget, rows, book, error))
         return false;
+    progress->advance(1);
+    if (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
+        return false;
+    progress->advance(2);
     if (!tx.commit()) {
         *error = db.errorDescription();
         db.rollback();
@@ -201,6 +213,7 @@ enum class DateStep { Done, Begin, Read, Write };
 // takes its place in that order.
 DateStep renumberByDate(Database& db, const Book& b, QString* error)
 {
+    const auto progress = showSteps(3);
     TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
@@ -211,11 +224,15 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         *error = db.errorDescription();
         return DateStep::Read;
     }
+    progress->advance(1);
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
-    if (!rewriteNumbers(db, target, rows, ordinalNumbers(numbers, 0), error)
-        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, error)))
+    if (!rewriteNumbers(db, target, rows, ordinalNumbers(numbers, 0), error))
         return DateStep::Write;
+    progress->advance(2);
+    if (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, error))
+        return DateStep::Write;
+    progress->advance(3);
     if (!tx.commit()) {
         *error = db.errorDescription();
         db.rollback();

@@ -493,6 +493,10 @@ int upiši(Database& db, QVector<RowChange::Values>& stavke, qint64 zadnji)
         return 0;
     }
     TransactionGuard transakcija(db);
+    // Gone before any message: the rows written before a failure stay, so stopping
+    // is not offered.
+    auto napredak = interaction().startProgress({ QStringLiteral("Generiranje"),
+        QStringLiteral("Generiranje: %1 od %2 zapisa"), stavke.size(), false });
     int zapisano = 0;
     for (RowChange::Values& v : stavke) {
         const qint64 rBroj = zadnji + zapisano + 1;
@@ -502,11 +506,13 @@ int upiši(Database& db, QVector<RowChange::Values>& stavke, qint64 zadnji)
         if (!stane || !db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} })) {
             if (transakcija.isActive())
                 transakcija.commit();
+            napredak.reset();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
-        ++zapisano;
+        napredak->advance(++zapisano);
     }
+    napredak.reset();
     if (transakcija.isActive() && !transakcija.commit()) {
         warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
