@@ -23,9 +23,9 @@ public:
             return false;
         r.done = done;
         r.texts.last() = progressText(m_label, done, r.total);
-        if (r.cancellable && m_script.cancelAt >= 0 && done >= m_script.cancelAt) {
+        if (r.cancellable && !m_script.cancelAt.isEmpty() && r.texts.last().startsWith(m_script.cancelAt)) {
             r.cancelled = true;
-            m_script.cancelAt = -1;
+            m_script.cancelAt.clear();
         }
         return !r.cancelled;
     }
@@ -96,7 +96,7 @@ void ScriptedInteraction::clear()
     files.clear();
     startedPrograms.clear();
     progress.clear();
-    cancelAt = -1;
+    cancelAt.clear();
 }
 
 ScopedScript::ScopedScript()

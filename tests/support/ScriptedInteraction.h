@@ -32,9 +32,9 @@ public:
     // Runs a modal dialog; without a handler the dialog is rejected at once.
     std::function<int(QDialog&)> onDialog;
     QList<ProgressRecord> progress;
-    // Where stopping is offered, the person stops the next operation once it reports
-    // this count (in any stage); -1: never.
-    qint64 cancelAt = -1;
+    // Where stopping is offered, the person stops the next operation once its text
+    // begins with this ("Ispis: stranica 2 od"); empty: never.
+    QString cancelAt;
 
     Answer show(const Message& message) override;
     int exec(QDialog& dialog) override;
