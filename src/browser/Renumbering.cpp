@@ -21,6 +21,14 @@ const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kLockedNumber = QStringLiteral("Renumeracija bi promijenila redni broj stavke %1 datirane %2.");
 
+// The numbers change in a few statements inside one transaction, so the operator sees
+// its steps, and stopping is not offered: the rows read may no longer be the book's.
+std::unique_ptr<Progress> showSteps(int steps)
+{
+    return interaction().startProgress(
+        { QStringLiteral("Renumeracija"), QStringLiteral("Renumeracija: korak %1 od %2"), steps, false });
+}
+
 QString num(qint64 v)
 {
     return QString::number(v);
@@ -157,6 +165,7 @@ bool journalNumbers(Database& db, const Book& b, const QString& numbers, const Q
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
     const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
 {
+    const auto progress = showSteps(2);
     TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
@@ -165,11 +174,14 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!journal::ensureBaseline(db, scopeOf(b), error) || !rewriteNumbers(db, rowsTarget, rows, book, error)
-        || (links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
+    if (!journal::ensureBaseline(db, scopeOf(b), error) || !rewriteNumbers(db, rowsTarget, rows, book, error))
+        return false;
+    progress->advance(1);
+    if ((links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
         || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), book),
             journal::numberChanges(links, QStringLiteral("RBroj"), linked), error))
         return false;
+    progress->advance(2);
     if (!tx.commit()) {
         *error = db.errorDescription();
         db.rollback();
@@ -221,6 +233,7 @@ enum class DateStep { Done, Begin, Read, Locked, Write };
 // takes its place in that order.
 DateStep renumberByDate(Database& db, const Book& b, QString* error)
 {
+    const auto progress = showSteps(3);
     TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
@@ -233,17 +246,21 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         *error = db.errorDescription();
         return DateStep::Read;
     }
+    progress->advance(1);
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
     *error = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
     if (!error->isEmpty())
         return DateStep::Locked;
+    if (!rewriteNumbers(db, target, rows, changes, error))
+        return DateStep::Write;
+    progress->advance(2);
     QString links;
-    if (!rewriteNumbers(db, target, rows, changes, error)
-        || (b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
+    if ((b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
         || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), changes), links, error))
         return DateStep::Write;
+    progress->advance(3);
     if (!tx.commit()) {
         *error = db.errorDescription();
         db.rollback();

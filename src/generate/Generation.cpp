@@ -516,6 +516,10 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
         warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
+    // Gone before any message: the rows written before a failure stay, so stopping
+    // is not offered.
+    auto napredak = interaction().startProgress({ QStringLiteral("Generiranje"),
+        QStringLiteral("Generiranje: %1 od %2 zapisa"), stavke.size(), false });
     int zapisano = 0;
     for (RowChange::Values& v : stavke) {
         const qint64 rBroj = zadnji + zapisano + 1;
@@ -530,11 +534,13 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
                 zapisano = 0;
             else if (transakcija.isActive())
                 transakcija.commit();
+            napredak.reset();
             warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
-        ++zapisano;
+        napredak->advance(++zapisano);
     }
+    napredak.reset();
     if (transakcija.isActive() && (!zapišiDnevnik() || !transakcija.commit())) {
         warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;

@@ -2,6 +2,7 @@
 #include "host/BookCommands.h"
 
 #include "books/BookKind.h"
+#include "browser/BrowserRules.h"
 #include "browser/Renumbering.h"
 #include "generate/SourceDatabase.h"
 #include "host/Cli.h"
@@ -93,6 +94,9 @@ int openSession(const Options& o, const QString& usage, BookOptions& b)
 {
     if (const int refused = readBook(o, usage, b))
         return refused;
+    const QString level = o.values.value(QStringLiteral("--level"), periodlock::kLevel);
+    if (const QString problem = browser::accessLevelProblem(level); !problem.isEmpty())
+        return complain(problem + u'\n' + usage, Usage);
     int code = Done;
     const QString connection = commandConnection(o, usage, &code);
     if (connection.isEmpty())
@@ -102,7 +106,7 @@ int openSession(const Options& o, const QString& usage, BookOptions& b)
     s.BrojPoduzeca = qint16(b.company);
     s.RadnaGodina = qint16(b.year);
     s.ImeOperatera = o.values.value(QStringLiteral("--operator"), gen::imeOperateraSustava());
-    s.NivoPristupa = o.values.value(QStringLiteral("--level"), periodlock::kLevel);
+    s.NivoPristupa = level;
     if (!s.db().connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + s.db().errorDescription());
     return Done;

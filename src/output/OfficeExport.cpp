@@ -2,6 +2,7 @@
 
 #include "output/CodePage.h"
 #include "output/OutputFile.h"
+#include "session/Interaction.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -302,12 +303,19 @@ bool OfficeExportWriter::flush()
 
 bool OfficeExportWriter::finish() { return flush(); }
 
-ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device)
+ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device,
+                               Progress* progress)
 {
     OfficeExportWriter writer(device, options);
     bool ok = writer.writeHeader(rows.fields());
-    for (int r = 0; ok && r < rows.rowCount(); ++r)
+    for (int r = 0; ok && r < rows.rowCount(); ++r) {
         ok = writer.writeRow(rows, r);
+        if (ok && progress && !progress->advance(r + 1)) {
+            ExportResult stopped = writer.result();
+            stopped.cancelled = true;
+            return stopped;
+        }
+    }
     if (ok)
         writer.finish();
     return writer.result();
@@ -321,7 +329,16 @@ ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, c
         failed.error = QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(path, file.errorString());
         return failed;
     }
-    ExportResult result = writeOfficeExport(rows, options, file.device());
+    ExportResult result;
+    {
+        const auto progress = interaction().startProgress({QStringLiteral("Izvoz"), QStringLiteral("Izvoz: %1 od %2 redova"),
+                                                           rows.rowCount(), file.cancelLeavesNoTrace()});
+        result = writeOfficeExport(rows, options, file.device(), progress.get());
+    }
+    if (result.cancelled) {
+        file.cancel();
+        return result;
+    }
     if (result.ok() && !file.commit())
         result.error = file.errorString();
     if (!result.ok()) {

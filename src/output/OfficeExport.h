@@ -10,6 +10,10 @@
 
 class QIODevice;
 
+namespace knjige {
+class Progress;
+}
+
 namespace knjige::output {
 
 // How the text of an exported file is encoded: Windows-1250, the code page of the
@@ -62,7 +66,8 @@ struct ExportResult {
     QString unmappable;           // distinct characters the code page lacks, written as "?"
     qint64 firstUnmappableLine = 0;   // line of the file (the header is line 1) where the first was
     QString error;                // the device's error when writing failed; empty otherwise
-    bool ok() const { return error.isEmpty(); }
+    bool cancelled = false;       // the person stopped it; nothing was written
+    bool ok() const { return error.isEmpty() && !cancelled; }
 };
 
 // Writes a result set as delimited text for office programs, one line at a time, in
@@ -103,11 +108,14 @@ private:
 };
 
 // Header and every row; the result tells how many rows were written and what failed.
-ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device);
+// Each row is reported to `progress`, which may stop the writing.
+ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device,
+                               Progress* progress = nullptr);
 
 // Writes the file whole or not at all: an existing file is replaced only once the new
 // one is complete, so a failure halfway leaves it as it was. The error names the file
-// and the step that failed.
+// and the step that failed. The rows written are shown through the interaction seam;
+// the person may stop where the file is left as it was.
 ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, const QString& path);
 
 // Settings keys of the export, under settings::sharedApplication(), section "Settings".

@@ -65,6 +65,11 @@ void OutputFile::cancel()
         m_special->close();
 }
 
+bool OutputFile::cancelLeavesNoTrace() const
+{
+    return m_whole && QFileInfo(QFileInfo(m_path).absolutePath()).isWritable();
+}
+
 QString OutputFile::errorString() const
 {
     if (!m_error.isEmpty())

@@ -25,6 +25,10 @@ public:
     bool commit();
     // Drops what was written (a regular file keeps its old contents).
     void cancel();
+    // True when cancel() leaves the path as it was: the new file grows beside the old
+    // one. Not so for a device or pipe, which has taken the bytes already, nor where
+    // the folder takes no new file and the file itself is rewritten.
+    bool cancelLeavesNoTrace() const;
     QString errorString() const;
 
 private:

@@ -31,7 +31,34 @@ std::unique_ptr<Interaction>& current()
     return instance;
 }
 
+class SilentProgress final : public Progress {
+public:
+    bool advance(qint64) override { return true; }
+    void restart(const QString&, qint64) override {}
+};
+
+QString groupedCount(qint64 n)
+{
+    QString digits = QString::number(n < 0 ? -n : n);
+    for (qsizetype at = digits.size() - 3; at > 0; at -= 3)
+        digits.insert(at, u'.');
+    return n < 0 ? u'-' + digits : digits;
+}
+
 } // namespace
+
+QString progressText(const QString& label, qint64 done, qint64 total)
+{
+    if (!label.contains(QLatin1String("%1")))
+        return label;
+    return label.contains(QLatin1String("%2")) ? label.arg(groupedCount(done), groupedCount(total))
+                                               : label.arg(groupedCount(done));
+}
+
+std::unique_ptr<Progress> Interaction::startProgress(const ProgressSpec&)
+{
+    return std::make_unique<SilentProgress>();
+}
 
 Interaction& interaction() { return *current(); }
 

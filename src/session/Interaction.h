@@ -35,6 +35,30 @@ struct FileChoice {
     QString defaultSuffix;    // without the point
 };
 
+// An operation that may run for seconds on a large book: a printout, an export, a
+// renumbering. The person sees how far it got and, where stopping loses nothing (no
+// file half written, nothing half changed), may stop it.
+struct ProgressSpec {
+    QString title;            // the window's title
+    QString label;            // "%1" and "%2" become the count done and the total
+    qint64 total = 0;
+    bool cancellable = false;
+};
+
+class Progress {
+public:
+    virtual ~Progress() = default;      // the operation is over
+    // `done` of the total. False once the person asked to stop; never where no
+    // stopping was offered. Cheap enough to call for every row.
+    virtual bool advance(qint64 done) = 0;
+    // The next stage of the same operation, with a label and a total of its own.
+    virtual void restart(const QString& label, qint64 total) = 0;
+};
+
+// "Ispis: stranica 12 od 459": the label with the counts put in, grouped by thousands
+// ("12.000 od 20.000").
+QString progressText(const QString& label, qint64 done, qint64 total);
+
 class Interaction {
 public:
     virtual ~Interaction() = default;
@@ -46,6 +70,9 @@ public:
     virtual QString chooseSaveFile(const FileChoice& choice) = 0;
     virtual QString chooseOpenFile(const FileChoice& choice) = 0;
     virtual bool startProgram(const QString& program, const QStringList& arguments) = 0;
+    // Shows how an operation advances. The default shows nothing and never stops it:
+    // the command-line tools keep their output to the result (and a script's log clean).
+    virtual std::unique_ptr<Progress> startProgress(const ProgressSpec& spec);
 };
 
 // The process-wide seam. Without an installed one, messages go to standard error and

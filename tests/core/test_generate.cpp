@@ -116,6 +116,9 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         EXPECT_EQ(script->texts().last(),
             QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(n));
         EXPECT_TRUE(script->texts().contains(QStringLiteral("Postoje %1").arg(n) + opisVrste(c.vrsta).upitBroja));
+        ASSERT_EQ(script->progress.size(), 1);
+        EXPECT_EQ(script->progress[0].texts, QStringList { QStringLiteral("Generiranje: %1 od %1 zapisa").arg(n) });
+        EXPECT_TRUE(script->progress[0].finished && !script->progress[0].cancellable);
 
         const ResultSet rs = entriesAfter(last);
         ASSERT_EQ(rs.rowCount(), n);

@@ -142,6 +142,9 @@ TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
     renumber::byOrdinal(sessionBook(96));
     EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 4, 3 }));
     EXPECT_EQ(byLabel(t, kEvid, kKpr).values(), (QList<qint64> { 4, 2, 3 }));
+    // A "No" changes nothing and shows no progress; the two runs show their steps.
+    ASSERT_EQ(script->progress.size(), 2);
+    EXPECT_EQ(script->progress[1].texts, QStringList { QStringLiteral("Renumeracija: korak 2 od 2") });
 }
 
 TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
@@ -187,6 +190,11 @@ TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
         QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po "
                        "datumima dokumenata?\nPažljivo. Svi redni brojevi se mijenjaju!"));
     EXPECT_EQ(script->messages[0].defaultAnswer, Answer::No);
+    ASSERT_EQ(script->progress.size(), 1);
+    const ProgressRecord& steps = script->progress[0];
+    EXPECT_EQ(steps.title, QStringLiteral("Renumeracija"));
+    EXPECT_EQ(steps.texts, QStringList { QStringLiteral("Renumeracija: korak 3 od 3") });
+    EXPECT_TRUE(steps.finished && !steps.cancellable);
 }
 
 TEST(Renumbering, ByDateInATradeBookTouchesOnlyItsSalesPoint)

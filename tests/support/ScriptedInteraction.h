@@ -9,6 +9,17 @@
 
 namespace knjige::test {
 
+// One operation's progress as the person would have seen it.
+struct ProgressRecord {
+    QString title;
+    QStringList texts;          // each stage's text as last shown: "Ispis: stranica 3 od 3"
+    qint64 total = 0;           // of the last stage
+    qint64 done = -1;           // the last count reported
+    bool cancellable = false;
+    bool cancelled = false;     // the script stopped it
+    bool finished = false;      // the operation let it go
+};
+
 // Stands in for the person at the screen: records every message, answers questions
 // from a script (the message's default when the script runs dry), and lets a test
 // drive each modal dialog with a handler of its own.
@@ -20,12 +31,17 @@ public:
     QList<QStringList> startedPrograms;     // program first, then its arguments
     // Runs a modal dialog; without a handler the dialog is rejected at once.
     std::function<int(QDialog&)> onDialog;
+    QList<ProgressRecord> progress;
+    // Where stopping is offered, the person stops the next operation once its text
+    // begins with this ("Ispis: stranica 2 od"); empty: never.
+    QString cancelAt;
 
     Answer show(const Message& message) override;
     int exec(QDialog& dialog) override;
     QString chooseSaveFile(const FileChoice&) override;
     QString chooseOpenFile(const FileChoice&) override;
     bool startProgram(const QString& program, const QStringList& arguments) override;
+    std::unique_ptr<Progress> startProgress(const ProgressSpec& spec) override;
 
     QStringList texts() const;
     void clear();

@@ -168,8 +168,27 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
             EXPECT_EQ(read(path), "staro");
         }
     }
-    EXPECT_TRUE(read(path).startsWith("\"RBroj\";\"GodinaKnj\";"));
-    EXPECT_TRUE(read(path).contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
+    // Stopped halfway the export leaves the file as it was and the form open, silent.
+    const QByteArray written = read(path);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
+    old.close();
+    script->clear();
+    script->answers.enqueue(Answer::Yes);
+    script->cancelAt = QStringLiteral("Izvoz: 2 od");
+    exportFrom(*w, [&](frmOfficeExportPost& f) {
+        f.txtNazivDat->setText(path);
+        f.cmdPrebaciPodatke->click();
+        EXPECT_NE(f.result(), QDialog::Accepted);
+    });
+    EXPECT_EQ(script->messages.size(), 1);
+    ASSERT_EQ(script->progress.size(), 1);
+    EXPECT_EQ(script->progress[0].title, QStringLiteral("Izvoz"));
+    EXPECT_EQ(script->progress[0].texts, QStringList { QStringLiteral("Izvoz: 2 od 3 redova") });
+    EXPECT_TRUE(script->progress[0].cancelled && script->progress[0].finished);
+    EXPECT_EQ(read(path), "staro");
+    EXPECT_EQ(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files), QStringList { "knjiga.csv" });
+    EXPECT_TRUE(written.startsWith("\"RBroj\";\"GodinaKnj\";"));
+    EXPECT_TRUE(written.contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
 }
 
 // The database the browser works on is never an output, under any of its names and

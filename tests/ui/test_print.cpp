@@ -213,10 +213,36 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const QString pdf = dir + QStringLiteral("/knjiga%1.pdf").arg(book.code);
         const auto printer = bookReport(*w);
         QString error;
+        // Stopped halfway, in the measuring or in the painting, the file stays as it was.
+        if (book.code < 100) {
+            QFile old(pdf);
+            ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
+            old.close();
+            script->progress.clear();
+            script->cancelAt = book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od") : QStringLiteral("Ispis: stranica 2 od");
+            EXPECT_FALSE(printer->writePdf(pdf, &error));
+            EXPECT_TRUE(printer->cancelled());
+            EXPECT_EQ(error, QStringLiteral("ispis u datoteku %1 je prekinut").arg(pdf));
+            QFile kept(pdf);
+            EXPECT_TRUE(kept.open(QIODevice::ReadOnly) && kept.readAll() == "staro");
+            ASSERT_EQ(script->progress.size(), 1);
+            EXPECT_TRUE(script->progress[0].cancelled && script->progress[0].finished);
+            EXPECT_EQ(script->progress[0].texts.size(), book.code == 96 ? 1 : 2);
+            EXPECT_EQ(script->progress[0].texts.last(),
+                book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od 140 redova")
+                                : QStringLiteral("Ispis: stranica 2 od %1").arg(script->progress[0].total));
+        }
+        script->progress.clear();
         ASSERT_TRUE(printer->writePdf(pdf, &error)) << error.toStdString();
         const QStringList pages = pdfPages(pdf);
         ASSERT_GE(pages.size(), 3);
         ASSERT_EQ(pages.size(), printer->pages().size());
+        ASSERT_EQ(script->progress.size(), 1);
+        EXPECT_EQ(script->progress[0].title, QStringLiteral("Ispis"));
+        EXPECT_TRUE(script->progress[0].cancellable && !script->progress[0].cancelled);
+        EXPECT_EQ(script->progress[0].texts,
+            QStringList({ QStringLiteral("Priprema ispisa: 140 od 140 redova"),
+                QStringLiteral("Ispis: stranica %1 od %1").arg(pages.size()) }));
 
         // The head of the book and the page numbers.
         const QString& first = pages.first();

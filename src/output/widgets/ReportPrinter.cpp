@@ -11,10 +11,12 @@
 #include <QFontMetricsF>
 #include <QLocale>
 #include <QPageLayout>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QTimer>
 #include <algorithm>
 
 namespace knjige
@@ -184,7 +186,7 @@ int ReportPrinter::rowLines(int row, QVector<QStringList>* cells) const
     return lines;
 }
 
-QVector<report::Page> ReportPrinter::paginate() const
+QVector<report::Page> ReportPrinter::paginate(Progress& progress)
 {
     const Metrics& m = *m_m;
     const qreal foot = m.page.bottom() - m.foot.lineSpacing() * 1.5;
@@ -200,28 +202,41 @@ QVector<report::Page> ReportPrinter::paginate() const
         for (int i = 0; i < summed.size(); ++i)
             values[i] = m_bound->money(m_rows, r, summed[i]);
         paginator.add(rowLines(r, nullptr), values);
+        if (!progress.advance(r + 1)) {
+            m_cancelled = true;
+            return {};
+        }
     }
     return paginator.finish();
 }
 
-int ReportPrinter::paint(QPagedPaintDevice& device)
+int ReportPrinter::paint(QPagedPaintDevice& device, bool cancellable)
 {
     m_pages.clear();
     m_lastRow = {};
+    m_cancelled = false;
     if (!isReady())
         return 0;
+    const auto progress = interaction().startProgress({ QStringLiteral("Ispis"),
+        QStringLiteral("Priprema ispisa: %1 od %2 redova"), m_rows.rowCount(), cancellable });
     measure(device);
-    m_pages = paginate();
+    m_pages = paginate(*progress);
+    if (m_cancelled)
+        return 0;
+    progress->restart(QStringLiteral("Ispis: stranica %1 od %2"), m_pages.size());
     QPainter p;
     if (!p.begin(&device))
         return 0;
     p.setPen(QPen(Qt::black, 0));
-    for (int i = 0; i < m_pages.size(); ++i) {
+    for (int i = 0; i < m_pages.size() && !m_cancelled; ++i) {
         if (i > 0)
             device.newPage();
         paintPage(p, i);
+        m_cancelled = !progress->advance(i + 1);
     }
     p.end();
+    if (m_cancelled)
+        m_pages.clear();
     return int(m_pages.size());
 }
 
@@ -426,8 +441,9 @@ bool ReportPrinter::writePdf(const QString& path, QString* error)
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
             m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
             QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
-        if (paint(writer) == 0) {
-            *error = QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
+        if (paint(writer, file.cancelLeavesNoTrace()) == 0) {
+            *error = m_cancelled ? QStringLiteral("ispis u datoteku %1 je prekinut").arg(path)
+                                 : QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
             file.cancel();
             return false;
         }
@@ -450,12 +466,17 @@ void ReportPrinter::preview(QWidget* parent)
     dialog.resize(1000, 760);
     // The printer dialog's "print to file" may name the database; its painter would
     // truncate the file the moment it begins.
-    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this](QPrinter* target) {
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this, &dialog](QPrinter* target) {
         if (target->outputFormat() == QPrinter::PdfFormat && isOpenDatabaseFile(target->outputFileName())) {
             warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(target->outputFileName()));
             return;
         }
-        paint(*target);
+        // Pages for the screen may be given up (the preview closes); a job for the
+        // printer, once begun, goes out whole.
+        const bool onScreen = target->paintEngine() && target->paintEngine()->type() == QPaintEngine::Picture;
+        paint(*target, onScreen);
+        if (m_cancelled && onScreen)
+            QTimer::singleShot(0, &dialog, &QDialog::reject);
     });
     // The printer button opens the toolkit's printer dialog, whose file name completer
     // lists folders on its own.

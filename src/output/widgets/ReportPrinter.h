@@ -20,6 +20,7 @@ namespace knjige
 {
 
 class GlyphText;
+class Progress;
 
 // Prints one report on paper or into a PDF file: the header, the numbered column
 // headings on every page, the rows with their texts wrapped whole into their columns,
@@ -49,10 +50,14 @@ public:
     // False, with *error naming the missing field, when the rows do not fit the layout.
     bool isReady(QString* error = nullptr) const;
 
-    // Paints every page on the device as its page layout stands. Returns the number of
-    // pages, 0 when nothing could be painted.
-    int paint(QPagedPaintDevice& device);
-    // A4 in the layout's orientation, written to `path` (overwritten).
+    // Paints every page on the device as its page layout stands, showing the rows
+    // measured and the pages painted. Returns the number of pages, 0 when nothing
+    // could be painted or the person stopped it (offered only when `cancellable`).
+    int paint(QPagedPaintDevice& device, bool cancellable = false);
+    // The last paint was stopped by the person.
+    bool cancelled() const { return m_cancelled; }
+    // A4 in the layout's orientation, written to `path` (overwritten). Stopping is
+    // offered where the old file would stay as it was.
     bool writePdf(const QString& path, QString* error);
     // The print preview with its print and page set-up buttons, run as a modal dialog
     // through the interaction seam.
@@ -66,7 +71,7 @@ public:
 private:
     struct Metrics;
     void measure(QPagedPaintDevice& device);
-    QVector<report::Page> paginate() const;
+    QVector<report::Page> paginate(Progress& progress);
     int rowLines(int row, QVector<QStringList>* cells) const;
     void paintPage(QPainter& p, int index) const;
     qreal paintHead(QPainter* p, int index) const;
@@ -89,6 +94,7 @@ private:
     QString m_error;
     std::unique_ptr<Metrics> m_m;
     QVector<report::Page> m_pages;
+    bool m_cancelled = false;
     // The cells of the row the last page ended in: a row running on over many pages is
     // wrapped once for all of them, not again on each.
     struct WrappedRow {

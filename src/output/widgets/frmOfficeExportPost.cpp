@@ -216,7 +216,8 @@ bool frmOfficeExportPost::pitajZaPrepisivanje(const QString& name) const
 bool frmOfficeExportPost::upisi(const QString& name, ExportResult* result) const
 {
     *result = exportToFile(m_rows, opcije(), name);
-    if (!result->ok())
+    // Stopped by the person: the file stays as it was and the form open.
+    if (!result->ok() && !result->cancelled)
         warn(QStringLiteral("Desila se greška: ") + result->error, windowTitle());
     return result->ok();
 }

@@ -5,11 +5,17 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProcess>
+#include <QProgressDialog>
+
+#include <algorithm>
+#include <climits>
 
 namespace knjige {
 namespace {
@@ -110,6 +116,97 @@ void nameButtons(QMessageBox& box)
             b->setText(QString::fromUtf8(name));
 }
 
+// Where stopping was not offered, neither the title bar's close button nor Escape
+// stops the operation.
+class ProgressWindow final : public QProgressDialog {
+public:
+    ProgressWindow(bool cancellable, QWidget* parent)
+        : QProgressDialog(parent), m_cancellable(cancellable)
+    {
+    }
+    void reject() override
+    {
+        if (m_cancellable)
+            cancel();
+    }
+
+protected:
+    void closeEvent(QCloseEvent* event) override
+    {
+        if (m_cancellable)
+            QProgressDialog::closeEvent(event);
+        else
+            event->ignore();
+    }
+
+private:
+    bool m_cancellable;
+};
+
+// The window is brought up to date a few times a second, not on every row: each update
+// lets the toolkit handle its events, which costs more than painting a row.
+class WindowProgress final : public Progress {
+public:
+    explicit WindowProgress(const ProgressSpec& spec)
+        : m_window(new ProgressWindow(spec.cancellable, QApplication::activeWindow())), m_label(spec.label)
+    {
+        m_window->setObjectName(QStringLiteral("frmNapredak"));
+        m_window->setWindowTitle(spec.title.isEmpty() ? QApplication::applicationDisplayName() : spec.title);
+        m_window->setWindowModality(Qt::ApplicationModal);
+        m_window->setMinimumDuration(kShowAfterMs);
+        m_window->setAutoClose(false);
+        m_window->setAutoReset(false);
+        m_window->setMinimumWidth(360);
+        if (spec.cancellable)
+            m_window->setCancelButtonText(QStringLiteral("&Odustani"));
+        else
+            m_window->setCancelButton(nullptr);
+        restart(spec.label, spec.total);
+    }
+    ~WindowProgress() override { delete m_window.data(); }
+
+    bool advance(qint64 done) override
+    {
+        if (!m_window)
+            return true;
+        if (m_window->wasCanceled())
+            return false;
+        if (m_sinceUpdate.isValid() && m_sinceUpdate.elapsed() < kUpdateMs && done < m_total)
+            return true;
+        m_sinceUpdate.start();
+        m_window->setLabelText(progressText(m_label, done, m_total));
+        // Shows the window once the operation looks to outlast a second, then lets the
+        // toolkit repaint and take the cancel button's click.
+        m_window->setValue(scaled(done));
+        return !m_window || !m_window->wasCanceled();
+    }
+
+    void restart(const QString& label, qint64 total) override
+    {
+        m_label = label;
+        m_total = std::max<qint64>(total, 0);
+        m_scale = std::max<qint64>(1, m_total / INT_MAX + 1);
+        if (!m_window)
+            return;
+        m_window->setRange(0, std::max(1, scaled(m_total)));
+        m_window->setLabelText(progressText(m_label, 0, m_total));
+        m_window->setValue(0);
+        m_sinceUpdate.invalidate();
+    }
+
+private:
+    static constexpr int kShowAfterMs = 1000;
+    static constexpr qint64 kUpdateMs = 80;
+
+    int scaled(qint64 n) const { return int(std::clamp<qint64>(n, 0, m_total) / m_scale); }
+
+    QPointer<ProgressWindow> m_window;
+    QString m_label;
+    qint64 m_total = 0;
+    qint64 m_scale = 1;
+    QElapsedTimer m_sinceUpdate;
+};
+
 } // namespace
 
 Answer DialogInteraction::show(const Message& message)
@@ -191,6 +288,11 @@ QWidget* dialogOwner()
 void setBookWindow(QWidget* window)
 {
     bookWindow() = window;
+}
+
+std::unique_ptr<Progress> DialogInteraction::startProgress(const ProgressSpec& spec)
+{
+    return std::make_unique<WindowProgress>(spec);
 }
 
 void ensureDialogInteraction()

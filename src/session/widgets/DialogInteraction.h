@@ -17,6 +17,10 @@ public:
     QString chooseSaveFile(const FileChoice& choice) override;
     QString chooseOpenFile(const FileChoice& choice) override;
     bool startProgram(const QString& program, const QStringList& arguments) override;
+    // A modal progress window over the active one, shown once the operation looks to
+    // take more than a second: while it is up the book's window takes no input, so
+    // nothing can start a second operation or close the window underneath.
+    std::unique_ptr<Progress> startProgress(const ProgressSpec& spec) override;
 };
 
 // The file chooser the seam shows, not yet shown: the toolkit's own dialog (a desktop's
