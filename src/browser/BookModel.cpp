@@ -6,6 +6,7 @@
 #include "session/Dates.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace knjige {
@@ -219,9 +220,23 @@ void BookModel::applySort()
                 m_textKeys.resize(m_rows.fieldCount());
             if (!m_textKeys[f])
                 m_textKeys[f] = std::make_shared<const TextSortKeys>(m_rows, f, m_loadOrder);
-            const TextSortKeys& keys = *m_textKeys[f];
-            orderRows(order, m_loadOrder, nulls, m_loadOrder, key.descending,
-                      [&keys](int a, int b) { return keys.compare(a, b); });
+            // NULL before any text ascending, after every one descending, each in the
+            // query's order; the texts ordered by position and mapped back to rows.
+            std::vector<int> nullRows;
+            std::vector<int> positions;
+            positions.reserve(n);
+            for (int r = 0; r < n; ++r)
+                (nulls[r] ? nullRows : positions).push_back(m_loadOrder[r]);
+            std::sort(nullRows.begin(), nullRows.end());
+            m_textKeys[f]->order(positions, key.descending);
+            std::vector<int> rowAt(n);
+            for (int r = 0; r < n; ++r)
+                rowAt[m_loadOrder[r]] = r;
+            order.clear();
+            for (const std::vector<int>* part : key.descending ? std::array{&positions, &nullRows}
+                                                               : std::array{&nullRows, &positions})
+                for (int p : *part)
+                    order.push_back(rowAt[p]);
             break;
         }
         case FieldType::Decimal:

@@ -212,6 +212,35 @@ TextSortKeys::TextSortKeys(const ResultSet& rows, int column, const std::vector<
             m_collator[position[r]] = collator.sortKey(rows.text(r, column));
 }
 
+void TextSortKeys::order(std::vector<int>& positions, bool descending) const
+{
+    if (!m_own) {
+        std::stable_sort(positions.begin(), positions.end(), [&](int a, int b) {
+            const int c = compare(a, b);
+            return c != 0 ? (descending ? c > 0 : c < 0) : a < b;
+        });
+        return;
+    }
+    // The first eight bytes beside the position: most comparisons end there, in
+    // memory read in order.
+    struct Item {
+        quint64 prefix;
+        int position;
+    };
+    std::vector<Item> items;
+    items.reserve(positions.size());
+    for (int p : positions)
+        items.push_back({m_prefix[p], p});
+    std::sort(items.begin(), items.end(), [&](const Item& a, const Item& b) {
+        if (a.prefix != b.prefix)
+            return descending ? a.prefix > b.prefix : a.prefix < b.prefix;
+        const int c = compare(a.position, b.position);
+        return c != 0 ? (descending ? c > 0 : c < 0) : a.position < b.position;
+    });
+    for (size_t i = 0; i < items.size(); ++i)
+        positions[i] = items[i].position;
+}
+
 int TextSortKeys::compare(int a, int b) const
 {
     if (!m_own)

@@ -25,6 +25,9 @@ public:
     // <0, 0, >0 as the key at index a sorts before, with or after the one at b. NULL
     // cells have an empty key; the caller places them.
     int compare(int a, int b) const;
+    // Orders rows (given by their positions) as compare() does, ties by position, the
+    // order reversed but ties kept when descending.
+    void order(std::vector<int>& positions, bool descending) const;
 
 private:
     bool m_own = false;

@@ -439,6 +439,14 @@ private:
                 rs.setMoney(c, Money::fromUnits(*units));
                 return true;
             }
+            // A whole number: the "else 0" of a CASE, half the cells of a book's amounts.
+            if (storage == SQLITE_INTEGER) {
+                const qint64 whole = sqlite3_column_int64(stmt, c);
+                if (!tsql::moneyUnits(double(whole)))
+                    return false;
+                rs.setMoney(c, Money::fromWhole(whole));
+                return true;
+            }
             break;
         case FieldType::Decimal:
         case FieldType::Float:
