@@ -179,7 +179,7 @@ TextSortKeys::TextSortKeys(const ResultSet& rows, int column, const std::vector<
     const Alphabet& alphabet = Alphabet::instance();
     m_own = alphabet.usable();
     if (m_own) {
-        m_prefix.assign(n, 0);
+        m_prefix.assign(n, Prefix{});
         m_start.assign(n, 0);
         m_length.assign(n, 0);
         std::vector<quint8> key;
@@ -188,14 +188,15 @@ TextSortKeys::TextSortKeys(const ResultSet& rows, int column, const std::vector<
             if (!rows.isNull(r, column))
                 m_own = alphabet.append(rows.utf8(r, column), key);
             const int i = position[r];
-            quint64 prefix = 0;
-            for (size_t k = 0; k < 8; ++k)
-                prefix = (prefix << 8) | (k < key.size() ? key[k] : 0);
-            m_prefix[i] = prefix;
+            Prefix& prefix = m_prefix[i];
+            for (size_t k = 0; k < 16; ++k) {
+                quint64& half = k < 8 ? prefix.high : prefix.low;
+                half = (half << 8) | (k < key.size() ? key[k] : 0);
+            }
             m_start[i] = qint64(m_rest.size());
-            if (key.size() > 8) {
-                m_length[i] = qint64(key.size() - 8);
-                m_rest.insert(m_rest.end(), key.begin() + 8, key.end());
+            if (key.size() > 16) {
+                m_length[i] = qint64(key.size() - 16);
+                m_rest.insert(m_rest.end(), key.begin() + 16, key.end());
             }
         }
         if (m_own)
@@ -221,10 +222,10 @@ void TextSortKeys::order(std::vector<int>& positions, bool descending) const
         });
         return;
     }
-    // The first eight bytes beside the position: most comparisons end there, in
-    // memory read in order.
+    // The first bytes beside the position: most comparisons end there, in memory
+    // read in order.
     struct Item {
-        quint64 prefix;
+        Prefix prefix;
         int position;
     };
     std::vector<Item> items;
@@ -232,8 +233,8 @@ void TextSortKeys::order(std::vector<int>& positions, bool descending) const
     for (int p : positions)
         items.push_back({m_prefix[p], p});
     std::sort(items.begin(), items.end(), [&](const Item& a, const Item& b) {
-        if (a.prefix != b.prefix)
-            return descending ? a.prefix > b.prefix : a.prefix < b.prefix;
+        if (!(a.prefix == b.prefix))
+            return descending ? b.prefix < a.prefix : a.prefix < b.prefix;
         const int c = compare(a.position, b.position);
         return c != 0 ? (descending ? c > 0 : c < 0) : a.position < b.position;
     });
@@ -245,7 +246,7 @@ int TextSortKeys::compare(int a, int b) const
 {
     if (!m_own)
         return m_collator[a].compare(m_collator[b]);
-    if (m_prefix[a] != m_prefix[b])
+    if (!(m_prefix[a] == m_prefix[b]))
         return m_prefix[a] < m_prefix[b] ? -1 : 1;
     const qint64 la = m_length[a];
     const qint64 lb = m_length[b];
