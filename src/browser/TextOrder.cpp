@@ -82,9 +82,23 @@ private:
     // Pairs are looked up by first letter (d, l, n in either case) and second.
     static int pairIndex(char32_t first, char32_t second)
     {
-        const int f = QStringView(u"dDlLnN").indexOf(QChar(char16_t(first)));
-        const int s = QStringView(u"jJ\u017e\u017d").indexOf(QChar(char16_t(second)));
-        return f < 0 || s < 0 ? 0 : 1 + f * 4 + s;
+        int f = 0;
+        switch (first) {
+        case u'd': f = 0; break;
+        case u'D': f = 1; break;
+        case u'l': f = 2; break;
+        case u'L': f = 3; break;
+        case u'n': f = 4; break;
+        case u'N': f = 5; break;
+        default: return 0;
+        }
+        switch (second) {
+        case u'j': return 1 + f * 4;
+        case u'J': return 2 + f * 4;
+        case 0x17e: return 3 + f * 4;
+        case 0x17d: return 4 + f * 4;
+        default: return 0;
+        }
     }
 
     Alphabet()
