@@ -3,7 +3,8 @@
 // on the same rows.
 //
 // Counters: "ratio" = window time / plain fetch time, both measured in the same
-// iterations. Aims: an open within 1.5 times the plain fetch, a header sort under 0.3 s.
+// iterations. Aims: an open within 1.5 times the plain fetch, a refresh sorted by a text
+// column within 2 times, a first click on a text column's header within 40 ms.
 #include "bench_book.h"
 #include "books/BookKind.h"
 #include "browser/BookModel.h"

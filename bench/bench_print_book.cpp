@@ -3,7 +3,8 @@
 // BM_PrintCommand runs `knjige print` as a nightly job would, in a process of its own,
 // and reports its wall time and peak resident memory (aims: at most 10 s and 300 MB).
 // BM_PrintInProcess splits the same work: reading the rows, and laying out and
-// writing the pages.
+// writing the pages; "ratio" is the two together over the plain fetch of the same
+// query in the same iterations (aim: at most 30).
 #include "bench_book.h"
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
@@ -86,11 +87,16 @@ void BM_PrintInProcess(benchmark::State& state)
     const QString pdf = pdfPath();
     Session& s = session();
     const int kYear = bench::kYear;
+    bench::PlainFetch plain;
+    double plainTime = 0;
     double read = 0;
     double write = 0;
     int pages = 0;
     for (auto _ : state) {
         auto t0 = std::chrono::steady_clock::now();
+        plain.run();
+        plainTime += seconds(t0);
+        t0 = std::chrono::steady_clock::now();
         ResultSet rows;
         if (!s.db().open(sql, rows)) {
             state.SkipWithError("the query failed");
@@ -113,6 +119,8 @@ void BM_PrintInProcess(benchmark::State& state)
     state.counters["pages"] = pages;
     state.counters["read_ms"] = read * 1000 / n;
     state.counters["layout_and_pdf_ms"] = write * 1000 / n;
+    state.counters["plain_ms"] = plainTime * 1000 / n;
+    state.counters["ratio"] = plainTime > 0 ? (read + write) / plainTime : 0;
 }
 BENCHMARK(BM_PrintInProcess)->Unit(benchmark::kMillisecond)->Iterations(2);
 

@@ -1,13 +1,13 @@
 #include "browser/BookModel.h"
 
 #include "books/BookKind.h"
+#include "browser/TextOrder.h"
 #include "session/AmountText.h"
 #include "session/Dates.h"
 #include "session/Workstation.h"
 
-#include <QCollator>
-
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 namespace knjige {
@@ -110,6 +110,7 @@ void BookModel::setResultSet(ResultSet rows)
     m_rows = std::move(rows);
     m_loadOrder.resize(m_rows.rowCount());
     std::iota(m_loadOrder.begin(), m_loadOrder.end(), 0);
+    m_textKeys.assign(m_rows.fieldCount(), nullptr);
     applySort();
     computeTotals();
     endResetModel();
@@ -191,26 +192,6 @@ void orderRows(std::vector<int>& order, const std::vector<Key>& keys, const std:
     });
 }
 
-// Bosnian alphabetical order (C, Č, Ć, D, Dž, Đ, ... S, Š, Z, Ž), letter case ignored.
-// Where the collation data has no Bosnian tailoring the Croatian one, which has the same
-// alphabet, stands in.
-QCollator textCollator()
-{
-    auto make = [](QLocale::Language language) {
-        QCollator c{QLocale(language)};
-        c.setCaseSensitivity(Qt::CaseInsensitive);
-        return c;
-    };
-    static const bool bosnianKnown = [&make] {
-        const QCollator bs = make(QLocale::Bosnian);
-        // Only a tailoring makes Č and Ž letters of their own; the root order takes them
-        // for C and Z with an accent, which "Ča" before "Cz" would show.
-        return bs.compare(QStringLiteral("Ča"), QStringLiteral("Cz")) > 0
-            && bs.compare(QStringLiteral("Ža"), QStringLiteral("Zz")) > 0;
-    }();
-    return make(bosnianKnown ? QLocale::Bosnian : QLocale::Croatian);
-}
-
 template <class T>
 int threeWay(const T& a, const T& b)
 {
@@ -236,15 +217,28 @@ void BookModel::applySort()
             nulls[r] = m_rows.isNull(r, f);
         switch (m_rows.field(f).type) {
         case FieldType::Text: {
-            // One collation key per text, so the comparisons of the sort are plain byte
-            // compares rather than a collation each.
-            const QCollator collator = textCollator();
-            std::vector<QCollatorSortKey> keys;
-            keys.reserve(n);
+            // Keys by position in the query's order, so they outlive the re-orderings.
+            if (f >= int(m_textKeys.size()))
+                m_textKeys.resize(m_rows.fieldCount());
+            if (!m_textKeys[f])
+                m_textKeys[f] = std::make_shared<const TextSortKeys>(m_rows, f, m_loadOrder);
+            // NULL before any text ascending, after every one descending, each in the
+            // query's order; the texts ordered by position and mapped back to rows.
+            std::vector<int> nullRows;
+            std::vector<int> positions;
+            positions.reserve(n);
             for (int r = 0; r < n; ++r)
-                keys.push_back(collator.sortKey(m_rows.text(r, f)));
-            orderRows(order, keys, nulls, m_loadOrder, key.descending,
-                      [](const QCollatorSortKey& a, const QCollatorSortKey& b) { return a.compare(b); });
+                (nulls[r] ? nullRows : positions).push_back(m_loadOrder[r]);
+            std::sort(nullRows.begin(), nullRows.end());
+            m_textKeys[f]->order(positions, key.descending);
+            std::vector<int> rowAt(n);
+            for (int r = 0; r < n; ++r)
+                rowAt[m_loadOrder[r]] = r;
+            order.clear();
+            for (const std::vector<int>* part : key.descending ? std::array{&positions, &nullRows}
+                                                               : std::array{&nullRows, &positions})
+                for (int p : *part)
+                    order.push_back(rowAt[p]);
             break;
         }
         case FieldType::Decimal:

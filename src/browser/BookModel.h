@@ -7,10 +7,13 @@
 #include <QLocale>
 #include <QVector>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
 namespace knjige {
+
+class TextSortKeys;
 
 // A summed column of a book's "Ukupno:" row, as a grid column (field + 1).
 struct TotalsColumn {
@@ -117,6 +120,9 @@ private:
     QLocale m_locale;
     ResultSet m_rows;
     std::vector<int> m_loadOrder;   // position of each row in the query's own order
+    // The sort keys of each text column sorted since the load, by position in the
+    // query's order: a second click or a refresh's re-sort does not make them again.
+    std::vector<std::shared_ptr<const TextSortKeys>> m_textKeys;
     QString m_sort;
     QVector<TotalsColumn> m_totalsLayout;
     std::vector<std::optional<Money>> m_totals;   // per field

@@ -263,14 +263,23 @@ int runBatch(Database& db, const QStringList& statements, bool withTypes)
         const QString before = i == 0 ? QString()
                                       : QStringLiteral("\nNaredbe prije nje su izvršene (%1).").arg(i);
         if (returnsRows(sql)) {
-            ResultSet rows;
-            if (!db.open(sql, rows))
+            // Each part is written as it is read: a result of any size prints in the
+            // memory of one part. A closed output stops the read.
+            bool headed = false;
+            const bool read = db.openInParts(sql, [&](const ResultSet& part) {
+                if (part.fieldCount() == 0)
+                    return true;
+                if (!headed) {
+                    headed = true;
+                    if (printed++ > 0)
+                        out << '\n';
+                    writeCsvHeader(part, withTypes, out);
+                }
+                writeCsvRows(part, out);
+                return out.status() == QTextStream::Ok;
+            });
+            if (!read)
                 return flushed(out) ? complain(failed + db.errorDescription() + before) : cannotWrite();
-            if (rows.fieldCount() > 0) {
-                if (printed++ > 0)
-                    out << '\n';
-                writeCsv(rows, withTypes, out);
-            }
         } else {
             int affected = 0;
             if (!db.execute(sql, &affected))

@@ -50,7 +50,7 @@ QString csvValue(const ResultSet& rows, int row, int column)
     return {};
 }
 
-void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out)
+void writeCsvHeader(const ResultSet& rows, bool withTypes, QTextStream& out)
 {
     QStringList line;
     for (const Field& f : rows.fields())
@@ -62,12 +62,23 @@ void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out)
             line << fieldTypeName(f.type);
         out << line.join(u',') << '\n';
     }
+}
+
+void writeCsvRows(const ResultSet& rows, QTextStream& out)
+{
+    QStringList line;
     for (int r = 0; r < rows.rowCount(); ++r) {
         line.clear();
         for (int c = 0; c < rows.fieldCount(); ++c)
             line << csvValue(rows, r, c);
         out << line.join(u',') << '\n';
     }
+}
+
+void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out)
+{
+    writeCsvHeader(rows, withTypes, out);
+    writeCsvRows(rows, out);
     out.flush();
 }
 

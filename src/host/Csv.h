@@ -21,6 +21,10 @@ QString plainNumber(double value);
 QString csvValue(const ResultSet& rows, int row, int column);
 // The header line of field names, the line of field types when asked, then the rows.
 void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out);
+// The same in steps, for a result read in parts: the header lines once, then the rows
+// of each part.
+void writeCsvHeader(const ResultSet& rows, bool withTypes, QTextStream& out);
+void writeCsvRows(const ResultSet& rows, QTextStream& out);
 
 } // namespace cli
 } // namespace knjige

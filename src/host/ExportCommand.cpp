@@ -7,6 +7,7 @@
 #include "host/Cli.h"
 #include "host/HostRights.h"
 #include "output/OfficeExport.h"
+#include "output/OutputFile.h"
 #include "session/Database.h"
 #include "session/Dates.h"
 
@@ -163,12 +164,38 @@ int runExport(const QStringList& args)
         + exportWhere(r.book->code, r.period ? r.period->from : QDate(), r.period ? r.period->to : QDate(), r.company,
                       r.year, r.salesPoint)
         + browser::orderBy();
-    ResultSet rows;
-    if (!db.open(sql, rows))
-        return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
-    const output::ExportResult result = output::exportToFile(rows, r.options, r.out);
-    if (!result.ok())
-        return complain(QStringLiteral("Desila se greška: ") + result.error);
+    // Each row is written as it is read, so a book of any size exports in the memory of
+    // a few hundred rows; the file replaces an existing one only once it is complete.
+    output::OutputFile file(r.out);
+    if (!file.open())
+        return complain(QStringLiteral("Desila se greška: ")
+                        + QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString()));
+    output::OfficeExportWriter writer(file.device(), r.options);
+    bool headed = false;
+    const bool read = db.openInParts(sql, [&](const ResultSet& part) {
+        if (!headed) {
+            headed = true;
+            if (!writer.writeHeader(part.fields()))
+                return false;
+        }
+        for (int row = 0; row < part.rowCount(); ++row)
+            if (!writer.writeRow(part, row))
+                return false;
+        return true;
+    });
+    bool ok = read && writer.result().ok() && writer.finish();
+    output::ExportResult result = writer.result();
+    if (ok && !file.commit()) {
+        result.error = file.errorString();
+        ok = false;
+    }
+    if (!ok) {
+        file.cancel();
+        if (!read && result.ok())
+            return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
+        return complain(QStringLiteral("Desila se greška: ")
+                        + QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error));
+    }
     if (!result.unmappable.isEmpty())
         complain(output::unmappableNote(result.unmappable, result.firstUnmappableLine));
     QTextStream(stdout) << output::reportText(r.out, result.rows) << '\n';

@@ -74,6 +74,19 @@ bool Database::open(const QString& sql, ResultSet& result)
     return true;
 }
 
+bool Database::openInParts(const QString& sql, const std::function<bool(const ResultSet& part)>& part)
+{
+    m_lastSql = sql;
+    if (!ensureConnected())
+        return false;
+    ++m_requests;
+    QString error;
+    if (!m_backend->selectInParts(sql, part, &error))
+        return fail(error);
+    m_error.clear();
+    return true;
+}
+
 std::optional<ResultSet> Database::query(const QString& sql)
 {
     ResultSet rs;

@@ -7,6 +7,7 @@
 #include <QVariant>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -59,6 +60,12 @@ public:
 
     // Reads the whole result of a SELECT.
     bool open(const QString& sql, ResultSet& result);
+    // Reads a SELECT in parts of a few hundred rows and hands each to `part` as soon as
+    // it is read, so that a result of any size can be written out without being held:
+    // every part has the result's fields and only its own rows, and the last part,
+    // handed over even when empty, ends the result. `part` returns false to stop the
+    // read, which then fails. A failure met after some parts fails the read too.
+    bool openInParts(const QString& sql, const std::function<bool(const ResultSet& part)>& part);
     std::optional<ResultSet> query(const QString& sql);
     bool execute(const QString& sql, int* rowsAffected = nullptr);
 

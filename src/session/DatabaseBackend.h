@@ -17,6 +17,21 @@ public:
 
     virtual SqlDialect dialect() const = 0;
     virtual bool select(const QString& tsql, ResultSet& result, QString* error) = 0;
+    // As Database::openInParts. An engine that cannot do better reads the whole
+    // result and hands it over as one part.
+    virtual bool selectInParts(const QString& tsql, const std::function<bool(const ResultSet&)>& part, QString* error)
+    {
+        ResultSet whole;
+        if (!select(tsql, whole, error))
+            return false;
+        return part(whole) || stopped(error);
+    }
+    // The description of a read its consumer stopped.
+    static bool stopped(QString* error)
+    {
+        *error = QStringLiteral("Čitanje rezultata je prekinuto.");
+        return false;
+    }
     virtual bool execute(const QString& tsql, int* rowsAffected, QString* error) = 0;
     // A statement with `?` placeholders written by the component itself (never a
     // system text), run with the values bound in order.

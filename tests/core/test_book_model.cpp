@@ -3,6 +3,7 @@
 #include "books/BookKind.h"
 #include "browser/BookModel.h"
 #include "browser/BrowserRules.h"
+#include "browser/TextOrder.h"
 #include "output/GridWorkbook.h"
 #include "support/Sandbox.h"
 
@@ -272,6 +273,37 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
     // A field the rows do not have: the query's order.
     m.setSortExpression(QStringLiteral("[Nema] ASC"));
     EXPECT_EQ(column(m, 0), "1,2,3,4,5,6,7,8,9");
+
+    // Whichever keys a column gets, the alphabet's own or, for a letter outside it, the
+    // collator's, the order is the collator's: two-letter letters in every case, digits,
+    // signs, the empty text, beginnings longer than a key's first sixteen letters.
+    const char* tricky[] = { "lja", "Lk", "LJUBAV", "ljubav", "nje", "Nk", "NJ", "džem", "dzz", "Džin", "đak", "dŽ",
+        "a-b", "a b", "ab", "A1", "10", "9", "R-12", "R.12", "(x)", "", "stavka dugačka 000001",
+        "Stavka dugačka 00000", "STAVKA DUGAČKA 000002", "šuma", "Sx", "ž", "Zz", "Ljiljan" };
+    const QCollator collator = textCollator();
+    for (const bool foreign : { false, true }) {
+        ResultSet texts({ { "Opis", FieldType::Text } });
+        QStringList expected;
+        for (const char* t : tricky)
+            expected << QString::fromUtf8(t);
+        if (foreign)
+            expected << QStringLiteral("café");
+        for (const QString& t : expected) {
+            texts.appendRow();
+            texts.setText(0, t);
+        }
+        QStringList descending = expected;
+        std::stable_sort(expected.begin(), expected.end(),
+            [&](const QString& a, const QString& b) { return collator.compare(a, b) < 0; });
+        std::stable_sort(descending.begin(), descending.end(),
+            [&](const QString& a, const QString& b) { return collator.compare(a, b) > 0; });
+        BookModel sorted;
+        sorted.setResultSet(texts);
+        sorted.headerSort(1);
+        EXPECT_EQ(column(sorted, 0), expected.join(u',').toStdString()) << foreign;
+        sorted.headerSort(1);
+        EXPECT_EQ(column(sorted, 0), descending.join(u',').toStdString()) << foreign;
+    }
 }
 
 TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)

@@ -20,6 +20,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using namespace knjige;
 using knjige::test::ScopedScript;
 using knjige::test::TestDatabase;
@@ -58,6 +60,50 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
     rs.permute({ 2, 0, 1 });
     for (int r = 0; r < 3; ++r)
         EXPECT_EQ(test::rowText(rs, r), rows[(r + 2) % 3]);
+
+    // The compact columns at their edges: whole numbers and amounts past 32 bits after
+    // small ones (the column widens, keeping what it had), the first and last dates, a
+    // NULL among them, texts shared while they repeat and stored one by one once they
+    // do not, a long one, an empty one beside NULL, one set twice; and a part's rows
+    // cleared and read again.
+    ResultSet edges({ { "N", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
+        { "Vrsta", FieldType::Text }, { "Opis", FieldType::Text } });
+    const qint64 numbers[] = { 1, -2147483648LL, 2147483648LL, std::numeric_limits<qint64>::max(),
+        std::numeric_limits<qint64>::min() + 1, 0 };
+    const QDate days[] = { QDate(1753, 1, 1), QDate(), QDate(9999, 12, 31) };
+    const QString longText = QString(200, u'ž');
+    for (int pass = 0; pass < 2; ++pass) {
+        edges.clearRows();
+        for (int r = 0; r < 600; ++r) {
+            edges.appendRow();
+            edges.setInteger(0, numbers[r % 6]);
+            edges.setMoney(1, Money::fromUnits(numbers[(r + 1) % 6]));
+            edges.setDate(2, days[r % 3]);
+            edges.setText(3, r % 7 == 6 ? QString() : QStringLiteral("Rashod - Doprinosi %1").arg(r % 7));
+            edges.setText(4, QStringLiteral("prvi"));
+            if (r % 5 != 4)
+                edges.setText(4, r == 1 ? longText : QStringLiteral("Stavka %1").arg(r));
+        }
+        ASSERT_EQ(edges.rowCount(), 600);
+        for (int r = 0; r < 600; ++r) {
+            ASSERT_EQ(edges.integer(r, 0), numbers[r % 6]) << r;
+            ASSERT_EQ(edges.money(r, 1).units(), numbers[(r + 1) % 6]) << r;
+            ASSERT_EQ(edges.isNull(r, 2), r % 3 == 1) << r;
+            ASSERT_EQ(edges.date(r, 2), days[r % 3]) << r;
+            ASSERT_FALSE(edges.isNull(r, 3)) << r;
+            ASSERT_EQ(edges.text(r, 3), r % 7 == 6 ? QString() : QStringLiteral("Rashod - Doprinosi %1").arg(r % 7));
+            ASSERT_EQ(edges.text(r, 4),
+                r % 5 == 4 ? QStringLiteral("prvi") : (r == 1 ? longText : QStringLiteral("Stavka %1").arg(r))) << r;
+        }
+    }
+    std::vector<int> reversed(600);
+    for (int i = 0; i < 600; ++i)
+        reversed[i] = 599 - i;
+    edges.permute(reversed);
+    EXPECT_EQ(edges.integer(599, 0), 1);
+    EXPECT_EQ(edges.money(0, 1).units(), numbers[0]);   // row 599: (599 + 1) % 6 == 0
+    EXPECT_EQ(edges.text(598, 4), longText);
+    EXPECT_EQ(edges.utf8(598, 4).size(), 400);
 }
 
 TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)

@@ -1,17 +1,55 @@
 // Filling and refreshing the grid, its keys, header sort and the command menu.
 #include "browser/BrowserRules.h"
 #include "browser/widgets/BookGrid.h"
+#include "browser/widgets/TotalsPanelView.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "output/GridWorkbook.h"
 #include "session/Interaction.h"
+#include "session/ReadAside.h"
 #include "session/Session.h"
 
 #include <QAction>
 #include <QHeaderView>
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace knjige {
+namespace {
+
+// The width the cells of a column want, over the rows a first look shows and the rows
+// after them up to a thousand, and the totals rows: the cells with the longest texts
+// measured as the grid draws them. Measuring each of the thousand cells the grid's own
+// way took a tenth of a large book's opening.
+int sadrzajKolone(const QTableView& grid, int column)
+{
+    const QAbstractItemModel* model = grid.model();
+    const int rows = model->rowCount();
+    constexpr int kSampled = 1000;
+    constexpr int kMeasured = 8;
+    std::vector<std::pair<qsizetype, int>> longest;   // text length, row
+    auto consider = [&](int row) {
+        const qsizetype length = model->data(model->index(row, column)).toString().size();
+        longest.emplace_back(length, row);
+    };
+    for (int row = 0; row < std::min(rows, kSampled); ++row)
+        consider(row);
+    if (rows > kSampled)
+        consider(rows - 1);
+    const auto cut = longest.begin() + std::min<qsizetype>(kMeasured, qsizetype(longest.size()));
+    std::partial_sort(longest.begin(), cut, longest.end(),
+                      [](const auto& a, const auto& b) { return a.first > b.first || (a.first == b.first && a.second < b.second); });
+    int width = 0;
+    for (auto it = longest.begin(); it != cut; ++it)
+        width = std::max(width, grid.sizeHintForIndex(model->index(it->second, column)).width());
+    // A flag's check box has no text to go by.
+    if (!longest.empty() && model->data(model->index(longest.front().second, column), Qt::CheckStateRole).isValid())
+        width = std::max(width, grid.sizeHintForIndex(model->index(0, column)).width());
+    return grid.showGrid() ? width + 1 : width;
+}
+
+} // namespace
 
 int frmSifarnikKnj::trenutniRed() const
 {
@@ -57,6 +95,8 @@ int frmSifarnikKnj::redZaOznaku() const
 void frmSifarnikKnj::OsvjeziZapise()
 {
     const int remembered = m_model->entryCount() > 0 ? redZaOznaku() : -1;
+    // The running totals are summed aside while the rows are read.
+    const std::unique_ptr<ReadAside> panel = pocniCitanjePanela(m_tip, BrojProd, DatumOd, DatumDo);
     Database& db = session().db();
     ResultSet rows;
     if (!db.open(upit(), rows)) {
@@ -79,7 +119,7 @@ void frmSifarnikKnj::OsvjeziZapise()
     postaviŠirineKolona();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);
-    OsvjeziStanje();
+    osvjeziPanel(*m_lvStanje, m_tip, BrojProd, DatumOd, DatumDo, panel.get());
     m_fg->setUpdatesEnabled(true);
 }
 
@@ -107,7 +147,7 @@ void frmSifarnikKnj::postaviŠirineKolona()
             header->resizeSection(c, nameWidth);
             continue;
         }
-        const int fit = std::max(m_fg->contentWidth(c), header->sectionSizeHint(c));
+        const int fit = std::max(sadrzajKolone(*m_fg, c), header->sectionSizeHint(c));
         header->resizeSection(c, std::min(fit + 6, cap));
     }
 }

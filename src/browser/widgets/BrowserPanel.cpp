@@ -5,6 +5,7 @@
 #include "browser/widgets/TotalsPanelView.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Interaction.h"
+#include "session/ReadAside.h"
 #include "session/Session.h"
 #include "session/Workstation.h"
 
@@ -48,8 +49,18 @@ void addRow(QTreeWidget& list, const browser::PanelRow& row, const QLocale& loca
 
 } // namespace
 
-bool osvjeziPanel(
-    QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
+std::unique_ptr<ReadAside> pocniCitanjePanela(
+    int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
+{
+    if (!browser::hasTotalsPanel(bookKind))
+        return nullptr;
+    const Session& s = session();
+    return std::make_unique<ReadAside>(
+        browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd));
+}
+
+bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart,
+    const QDate& periodEnd, ReadAside* started)
 {
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
@@ -61,11 +72,14 @@ bool osvjeziPanel(
         return true;
     }
     layColumns(lvStanje, headers);
-    Session& s = session();
+    std::unique_ptr<ReadAside> own;
+    if (!started) {
+        own = pocniCitanjePanela(bookKind, salesPoint, periodStart, periodEnd);
+        started = own.get();
+    }
     ResultSet rs;
-    const QString sql
-        = browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd);
-    if (!s.db().open(sql, rs)) {
+    QString error;
+    if (!started->wait(rs, &error)) {
         warn(browser::totalsPanelFailure());
         return false;
     }

@@ -284,6 +284,8 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
             paintSums(p, m_forward.totalLabel, page.carried, y);
         }
     }
+    m.text.flush(p);
+    m.bold.flush(p);
     paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
     if (last && m_layout.signature)
         paintSignature(p, y + m.line);
@@ -300,7 +302,7 @@ void ReportPrinter::paintCell(
     const qreal room = m.width(column);
     const qreal w = font.width(text);
     if (!right || w <= room) {
-        font.draw(p, QPointF(right ? m.x[column + 1] - m.pad - w : m.x[column] + m.pad, baseline), text);
+        font.add(QPointF(right ? m.x[column + 1] - m.pad - w : m.x[column] + m.pad, baseline), text);
         return;
     }
     p.save();

@@ -40,6 +40,8 @@ qreal GlyphText::width(QStringView text) const
 
 void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text) const
 {
+    // Its own run: what add() keeps is drawn by flush() alone, under the painter's
+    // transform of then.
     QList<quint32> indexes;
     QList<QPointF> positions;
     indexes.reserve(text.size());
@@ -56,6 +58,30 @@ void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text)
     run.setGlyphIndexes(indexes);
     run.setPositions(positions);
     painter.drawGlyphRun(origin, run);
+}
+
+void GlyphText::add(const QPointF& origin, QStringView text) const
+{
+    qreal x = origin.x();
+    for (QChar c : text) {
+        const Glyph& g = glyph(c.unicode());
+        m_keptIndexes << g.index;
+        m_keptPositions << QPointF(x, origin.y());
+        x += g.advance;
+    }
+}
+
+void GlyphText::flush(QPainter& painter) const
+{
+    if (m_keptIndexes.isEmpty())
+        return;
+    QGlyphRun run;
+    run.setRawFont(m_raw);
+    run.setGlyphIndexes(m_keptIndexes);
+    run.setPositions(m_keptPositions);
+    painter.drawGlyphRun(QPointF(0, 0), run);
+    m_keptIndexes.clear();
+    m_keptPositions.clear();
 }
 
 QStringList wrapText(const QString& text, qreal width, const GlyphText& font, int maxLines)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QList>
+#include <QPointF>
 #include <QRawFont>
 #include <QString>
 #include <QStringList>
@@ -31,6 +33,11 @@ public:
     qreal lineSpacing() const { return m_raw.ascent() + m_raw.descent() + m_raw.leading(); }
     // Draws `text` with its left end at origin.x() and its baseline at origin.y().
     void draw(QPainter& painter, const QPointF& origin, QStringView text) const;
+    // As draw, but kept and drawn with every other text kept by flush(): a page's cells
+    // go to the printer as one text rather than one each, which is most of a long
+    // book's printing time.
+    void add(const QPointF& origin, QStringView text) const;
+    void flush(QPainter& painter) const;
 
 private:
     struct Glyph {
@@ -41,6 +48,8 @@ private:
 
     QRawFont m_raw;
     mutable std::vector<Glyph> m_glyphs; // by UTF-16 code unit
+    mutable QList<quint32> m_keptIndexes;
+    mutable QList<QPointF> m_keptPositions;
 };
 
 // Lines of `text` (blanks and line breaks simplified) no wider than `width`: broken at
