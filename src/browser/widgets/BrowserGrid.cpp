@@ -59,7 +59,7 @@ void frmSifarnikKnj::OsvjeziZapise()
     const int remembered = m_model->entryCount() > 0 ? redZaOznaku() : -1;
     Database& db = session().db();
     ResultSet rows;
-    if (!db.open(upit(), rows)) {
+    if (!db.open(m_query.sql(), rows)) {
         warn(QStringLiteral("Desila se greška u pristupu podacima. Ponovite!") + QStringLiteral("\r\n")
                  + db.errorDescription(),
              QStringLiteral("Greška u pristupu podacima"));
@@ -68,14 +68,14 @@ void frmSifarnikKnj::OsvjeziZapise()
     m_fg->setUpdatesEnabled(false);
     m_model->setResultSet(std::move(rows));
     int current = BookModel::rowAfterReload(remembered, m_model->entryCount());
-    if (RBrojZaPovratak != 0 && current >= 0) {
-        const int found = m_model->findRBroj(RBrojZaPovratak);
+    if (m_query.returnTo != 0 && current >= 0) {
+        const int found = m_model->findRBroj(m_query.returnTo);
         if (found >= 0)
             current = found;
     }
     // The number is a one-time request of the operation that changed data; a later
     // refresh keeps whatever row the operator has moved to since.
-    RBrojZaPovratak = 0;
+    m_query.returnTo = 0;
     postaviŠirineKolona();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);

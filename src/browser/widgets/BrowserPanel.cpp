@@ -48,9 +48,9 @@ void addRow(QTreeWidget& list, const browser::PanelRow& row, const QLocale& loca
 
 } // namespace
 
-bool osvjeziPanel(
-    QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
+bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query)
 {
+    const int bookKind = query.bookKind;
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
     lvStanje.setVisible(true);
@@ -63,8 +63,8 @@ bool osvjeziPanel(
     layColumns(lvStanje, headers);
     Session& s = session();
     ResultSet rs;
-    const QString sql
-        = browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd);
+    const QString sql = browser::totalsPanelSql(bookKind, query.company, query.year, query.salesPoint(),
+        query.filter.periodStart, query.filter.periodEnd);
     if (!s.db().open(sql, rs)) {
         warn(browser::totalsPanelFailure());
         return false;
@@ -84,7 +84,7 @@ bool osvjeziPanel(
 
 void frmSifarnikKnj::OsvjeziStanje()
 {
-    osvjeziPanel(*m_lvStanje, m_tip, BrojProd, DatumOd, DatumDo);
+    osvjeziPanel(*m_lvStanje, m_query);
 }
 
 } // namespace knjige

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDate>
+#include "browser/BookQuery.h"
 
 class QTreeWidget;
 
@@ -8,10 +8,10 @@ namespace knjige
 {
 
 // Rebuilds the running totals list under a book's grid (lvStanje): clears it, lays the
-// kind's columns, reads the rows of the period from the session's database and adds
+// kind's columns, reads the rows of the query's period (and sales point) from the
+// session's database and adds
 // the total row. A kind without a panel leaves the list empty and hidden. A failed
 // read is reported to the person and leaves the columns without rows; false then.
-bool osvjeziPanel(
-    QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd);
+bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query);
 
 } // namespace knjige
