@@ -1,7 +1,6 @@
 #include "host/ExportCommand.h"
 
 #include "books/BookKind.h"
-#include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "host/BookCommands.h"
 #include "host/Cli.h"

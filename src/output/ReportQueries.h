@@ -1,13 +1,10 @@
 #pragma once
 
-#include "browser/FilterClause.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 
 #include <QDate>
 #include <QString>
-#include <optional>
-#include <utility>
 
 namespace knjige::report
 {

@@ -97,7 +97,7 @@ void frmSifarnikKnj::setTipSifarnika(int kod)
     m_query = browser::openingQuery(kod, session().BrojPoduzeca, session().RadnaGodina);
     if (const BookKind* book = findBook(kod))
         setWindowTitle(book->caption);
-    m_model->setBookKind(kod);
+    m_model->setBookKind(m_query.bookKind);
     citajPostavke();
 }
 
