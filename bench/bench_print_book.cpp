@@ -104,9 +104,8 @@ void BM_PrintInProcess(benchmark::State& state)
         }
         read += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        const report::BookFilter filter { {}, browser::periodStart(kYear), browser::periodEnd(kYear), 0, {} };
-        ReportPrinter printer(
-            report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(Knjiga::PrihRashFBiH, filter, rows), rows);
+        const browser::BookQuery query = browser::openingQuery(Knjiga::PrihRashFBiH, 1, kYear);
+        ReportPrinter printer(report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(query, rows), rows);
         QString error;
         if (!printer.writePdf(pdf, &error)) {
             state.SkipWithError(qPrintable(error));

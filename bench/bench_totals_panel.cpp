@@ -31,6 +31,8 @@ void BM_TotalsPanelAgainstPlainFetch(benchmark::State& state)
     const bool march = state.range(0) == 1;
     const QDate from = march ? QDate(kYear, 3, 1) : QDate(kYear, 1, 1);
     const QDate to = march ? QDate(kYear, 3, 31) : QDate(kYear, 12, 31);
+    const browser::BookQuery query
+        = browser::commandQuery(Knjiga::PrihRashFBiH, 1, qint16(kYear), std::make_pair(from, to));
     QTreeWidget lvStanje;
     double plainTime = 0;
     double panelTime = 0;
@@ -45,7 +47,7 @@ void BM_TotalsPanelAgainstPlainFetch(benchmark::State& state)
         plainCpu += std::clock() - c0;
         t0 = std::chrono::steady_clock::now();
         c0 = std::clock();
-        if (!osvjeziPanel(lvStanje, Knjiga::PrihRashFBiH, 0, from, to))
+        if (!osvjeziPanel(lvStanje, query))
             state.SkipWithError("the panel's read failed");
         QApplication::processEvents();
         panelTime += bench::seconds(t0);

@@ -1,6 +1,7 @@
 #include "browser/Renumbering.h"
 
 #include "books/BookKind.h"
+#include "browser/BookQuery.h"
 #include "journal/PeriodLock.h"
 #include "session/BulkNumbers.h"
 #include "session/Interaction.h"
@@ -275,6 +276,11 @@ Book sessionBook(int tip, qint32 brojProd)
 {
     const Session& s = session();
     return Book { tip, s.BrojPoduzeca, s.RadnaGodina, brojProd };
+}
+
+Book bookOf(const browser::BookQuery& query)
+{
+    return Book { query.bookKind, query.company, query.year, query.salesPoint() };
 }
 
 bool takesPart(int tip)

@@ -2,6 +2,10 @@
 
 #include <QString>
 
+namespace knjige::browser {
+struct BookQuery;
+}
+
 namespace knjige::renumber
 {
 
@@ -16,6 +20,8 @@ struct Book {
 
 // The book of the session's company and year.
 Book sessionBook(int tip, qint32 brojProd = 0);
+// The book a query reads: its kind, company, year and sales point.
+Book bookOf(const browser::BookQuery& query);
 
 // Every book takes part in insertion and renumbering except the asset lists.
 bool takesPart(int tip);

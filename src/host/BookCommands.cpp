@@ -29,6 +29,11 @@ std::optional<int> wholeNumber(const QString& text, int low, int high)
 
 } // namespace
 
+browser::BookQuery BookOptions::query(const std::optional<std::pair<QDate, QDate>>& period) const
+{
+    return browser::commandQuery(book->code, qint16(company), qint16(year), period, salesPoint);
+}
+
 int readBook(const Options& o, const QString& usage, BookOptions& b, const QStringList& alsoRequired)
 {
     const auto refuse = [&usage](const QString& message) { return complain(message + u'\n' + usage, Usage); };
@@ -216,7 +221,7 @@ int runRenumber(const QStringList& args)
         return refused;
     if (!renumber::takesPart(b.book->code))
         return complain(QStringLiteral("Knjiga %1 nema renumeraciju.").arg(b.book->code), Usage);
-    const renumber::Book book = renumber::sessionBook(b.book->code, b.salesPoint);
+    const renumber::Book book = renumber::bookOf(b.query());
     return unattended([&] {
         byDate ? renumber::byDate(book) : renumber::byOrdinal(book);
         return true;
@@ -251,7 +256,7 @@ int runInsert(const QStringList& args)
                             .arg(b.book->code)
                             .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
             Usage);
-    const renumber::Book book = renumber::sessionBook(b.book->code, b.salesPoint);
+    const renumber::Book book = renumber::bookOf(b.query());
     const int code = unattended([&] { return renumber::insertAt(book, qint32(*at)); });
     if (code != Done && !session().db().errorDescription().isEmpty())
         return complain(QStringLiteral("Umetanje nije uspjelo: ") + session().db().errorDescription());
@@ -295,8 +300,9 @@ int runCheck(const QStringList& args)
     Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription(), Usage);
+    const browser::BookQuery query = b.query();
     const bookcheck::Report report
-        = bookcheck::check(db, { b.book->code, qint16(b.company), qint16(b.year), qint32(b.salesPoint) });
+        = bookcheck::check(db, { query.bookKind, query.company, query.year, query.salesPoint() });
     QTextStream(stdout) << report.text;
     switch (report.status) {
     case bookcheck::Report::Status::Clean: return Done;

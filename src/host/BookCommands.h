@@ -1,5 +1,7 @@
 #pragma once
 
+#include "browser/BookQuery.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +20,9 @@ struct BookOptions {
     int company = 0;
     int year = 0;
     int salesPoint = 0;
+
+    // The book as the browser would read it, narrowed to `period` when one is given.
+    browser::BookQuery query(const std::optional<std::pair<QDate, QDate>>& period = std::nullopt) const;
 };
 // Reads them from the command line, with the options the command also requires; 0
 // when complete, else the exit code with the message (and `usage`) printed.

@@ -1,7 +1,6 @@
 #include "host/ExportCommand.h"
 
 #include "books/BookKind.h"
-#include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "host/BookCommands.h"
 #include "host/Cli.h"
@@ -22,17 +21,9 @@ namespace {
 
 int usageError(const QString& message) { return complain(message + u'\n' + exportUsage(), Usage); }
 
-struct Period {
-    QDate from;
-    QDate to;
-};
-
 struct Request {
-    const BookKind* book = nullptr;
-    int company = 0;
-    int year = 0;
-    std::optional<Period> period;
-    int salesPoint = 0;
+    BookOptions book;
+    std::optional<std::pair<QDate, QDate>> period;
     QString out;
     output::ExportOptions options;
 };
@@ -41,19 +32,13 @@ struct Request {
 // with the message printed.
 int readRequest(const Options& o, Request& r)
 {
-    BookOptions b;
-    if (const int refused = readBook(o, exportUsage(), b, {QStringLiteral("--out")}))
+    if (const int refused = readBook(o, exportUsage(), r.book, {QStringLiteral("--out")}))
         return refused;
-    r.book = b.book;
-    r.company = b.company;
-    r.year = b.year;
-    r.salesPoint = b.salesPoint;
     if (o.values.contains(QStringLiteral("--period"))) {
         QString error;
-        const auto period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), r.year, &error);
-        if (!period)
+        r.period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), r.book.year, &error);
+        if (!r.period)
             return usageError(error);
-        r.period = Period{period->first, period->second};
     }
     r.out = o.values.value(QStringLiteral("--out")).trimmed();
     r.options.separator = o.values.value(QStringLiteral("--separator"), QStringLiteral(";"));
@@ -75,22 +60,6 @@ int readRequest(const Options& o, Request& r)
 }
 
 } // namespace
-
-// The clause the browser would have: the opening one, or the filter form's with the
-// period checked and, in a trade book, the sales point chosen.
-QString exportWhere(int kind, const QDate& from, const QDate& to, int company, int year, int salesPoint)
-{
-    const bool bounded = from.isValid() && to.isValid();
-    if (!bounded && salesPoint == 0)
-        return browser::openingWhere(browser::periodStart(year), year, company);
-    browser::FilterInput in;
-    in.chkPoDatumima = bounded;
-    in.dpDatum = from;
-    in.dpDatumDo = to;
-    if (isTradeBook(kind))
-        in.prodavnica = salesPoint;
-    return browser::buildFilter(kind, qint16(company), qint16(year), in).where;
-}
 
 int refuseOutput(const QString& path, bool force)
 {
@@ -157,13 +126,10 @@ int runExport(const QStringList& args)
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     const QString op = o.values.value(QStringLiteral("--operator")).trimmed();
     if (const QString refused = host::commandRefusal(connection, op.isEmpty() ? host::defaultOperatorName() : op,
-                                                     r.book->code, OperatorRights::Izvoz);
+                                                     r.book.book->code, OperatorRights::Izvoz);
         !refused.isEmpty())
         return complain(refused);
-    const QString sql = r.book->selectSql
-        + exportWhere(r.book->code, r.period ? r.period->from : QDate(), r.period ? r.period->to : QDate(), r.company,
-                      r.year, r.salesPoint)
-        + browser::orderBy();
+    const QString sql = r.book.query(r.period).sql();
     // Each row is written as it is read, so a book of any size exports in the memory of
     // a few hundred rows; the file replaces an existing one only once it is complete.
     output::OutputFile file(r.out);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDate>
 #include <QString>
 #include <QStringList>
 
@@ -16,10 +15,5 @@ QString exportUsage();
 // a folder, or a file that exists while --force is not given. 0 when it may be written.
 // (The open database itself is refused at writing, --force or not.)
 int refuseOutput(const QString& path, bool force);
-
-// The browser's WHERE clause for a book narrowed to a period (both dates valid) or,
-// with invalid dates, to the year from 1 January, and for the trade books to a sales
-// point when `salesPoint` is not 0: the form the filter gives the same choices.
-QString exportWhere(int kind, const QDate& from, const QDate& to, int company, int year, int salesPoint);
 
 } // namespace knjige::cli

@@ -407,7 +407,7 @@ int runOpen(const QStringList& args)
     if (auto* w = qobject_cast<frmSifarnikKnj*>(window); w && period.given) {
         const QDate from = period.from.isValid() ? period.from : dates::firstOfYear(request.year);
         const QDate to = period.to.isValid() ? period.to : dates::lastOfYear(request.year);
-        const qint32 shop = period.salesPoint ? period.salesPoint : w->BrojProd;
+        const qint32 shop = period.salesPoint ? period.salesPoint : w->BrojProd();
         const std::optional<Partner> named = shop ? hostServices().shops->find(shop) : std::nullopt;
         w->applyFilter(browser::periodFilter(book, from, to, request.company, request.year, shop,
                                              named ? named->ImeKomit1 : QString()));

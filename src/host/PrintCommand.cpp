@@ -4,7 +4,7 @@
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
 #include "host/HostRights.h"
-#include "browser/BrowserRules.h"
+#include "browser/BookQuery.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
@@ -130,20 +130,23 @@ int print(const Request& r)
         if (!found)
             return complain(QStringLiteral("Prodajno mjesto %1 nije među komitentima baze.").arg(r.shop));
     }
-    const browser::FilterState sel = report::bookSelection(r.kind, r.company, r.year, r.period, r.shop, name);
+    // A printout always has a period: a sales point without one prints the whole year.
+    std::optional<std::pair<QDate, QDate>> period = r.period;
+    if (!period && r.shop)
+        period = std::make_pair(browser::periodStart(r.year), browser::periodEnd(r.year));
+    const browser::BookQuery query = browser::commandQuery(r.kind, r.company, r.year, period, r.shop, name);
     ResultSet rows;
-    if (!db.open(findBook(r.kind)->selectSql + sel.where + browser::orderBy(), rows))
+    if (!db.open(query.sql(), rows))
         return complain(QStringLiteral("Knjigu nije moguće pročitati: ") + db.errorDescription());
     DefVarijabli::CitajKonfiguraciju(true);
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
-    const report::BookFilter filter { sel.description, sel.periodStart, sel.periodEnd, sel.salesPoint, sel.where };
-    const report::Layout layout = report::bookLayout(r.kind, sel.salesPoint);
+    const report::Layout layout = report::bookLayout(r.kind, query.salesPoint());
     report::BroughtForward forward;
     QString error;
-    if (!report::broughtForward(r.kind, layout, filter, &forward, &error))
+    if (!report::broughtForward(query, layout, &forward, &error))
         return complain(QStringLiteral("Donos iz ranijeg dijela godine nije moguće pročitati: ") + error);
-    ReportPrinter printer(layout, report::bookHeader(r.kind, filter, rows), rows);
+    ReportPrinter printer(layout, report::bookHeader(query, rows), rows);
     printer.bringForward(forward);
     if (!printer.writePdf(r.pdf, &error))
         return complain(QStringLiteral("Ispis nije uspio: ") + error);

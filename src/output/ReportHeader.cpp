@@ -81,8 +81,10 @@ QString salesPointLine(qint32 salesPoint, const QString& name)
     return joined({ QStringLiteral("Prodajno mjesto: ") + QString::number(salesPoint), name }, QStringLiteral(" "));
 }
 
-Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows)
+Header bookHeader(const browser::BookQuery& query, const ResultSet& rows)
 {
+    const int bookKind = query.bookKind;
+    const browser::FilterState& filter = query.filter;
     const Session& s = session();
     Header h;
     h.company = s.NazivFirme;
@@ -90,7 +92,7 @@ Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows)
     const Layout layout = bookLayout(bookKind);
     h.title = layout.title;
     h.form = layout.form;
-    h.period = periodLine(filter.from, filter.to);
+    h.period = periodLine(filter.periodStart, filter.periodEnd);
     h.filter = browser::filterLine(filter.description);
     if (isTradeBook(bookKind)) {
         QString name;

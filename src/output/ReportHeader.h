@@ -1,5 +1,6 @@
 #pragma once
 
+#include "browser/BookQuery.h"
 #include "session/ResultSet.h"
 
 #include <QDate>
@@ -34,18 +35,10 @@ QString printedLine(const QDateTime& printed, const QString& operatorName);
 // "Prodajno mjesto: 501 Maloprodaja 1"; "Prodajno mjesto: sva" for 0.
 QString salesPointLine(qint32 salesPoint, const QString& name);
 
-// What a printed book takes from the browser besides its rows.
-struct BookFilter {
-    QString description; // OpisFiltera
-    QDate from; // DatumOd
-    QDate to; // DatumDo
-    qint32 salesPoint = 0; // BrojProd
-    QString where; // WhereUvjet: what selected the rows
-};
-
 // A book's header from the session (company, configuration row, operator) and the
-// browser's filter; a trade book's sales point is named from the rows' ImeProd.
-Header bookHeader(int bookKind, const BookFilter& filter, const ResultSet& rows);
+// query that read the rows: its period, filter and sales point, which is named from
+// the rows' ImeProd.
+Header bookHeader(const browser::BookQuery& query, const ResultSet& rows);
 // The recapitulation's: the company's name, its title and the filter text.
 Header recapitulationHeader(const QString& filterDescription);
 

@@ -22,21 +22,6 @@ QString recapitulationSql(const QString& whereClause)
         + whereClause + QStringLiteral(" GROUP BY K.Vrsta ORDER BY K.Vrsta");
 }
 
-browser::FilterState bookSelection(int bookKind, qint16 company, qint16 year,
-    const std::optional<std::pair<QDate, QDate>>& period, qint32 salesPoint, const QString& salesPointName)
-{
-    const QDate from = period ? period->first : browser::periodStart(year);
-    const QDate to = period ? period->second : browser::periodEnd(year);
-    if (!period && !(isTradeBook(bookKind) && salesPoint != 0)) {
-        browser::FilterState opening;
-        opening.where = browser::openingWhere(from, year, company);
-        opening.periodStart = from;
-        opening.periodEnd = to;
-        return opening;
-    }
-    return browser::periodFilter(bookKind, from, to, company, year, salesPoint, salesPointName);
-}
-
 namespace
 {
 
@@ -50,22 +35,27 @@ QString dateRange(const QDate& from, const QDate& to)
 // the form's numbered columns), so when only the period narrows the book, the panel's
 // own "Promet do" statement gives the figures and paper and window cannot disagree. A
 // trade book printed for all its sales points is not one the panel sums.
-bool panelSumsAsPrinted(int bookKind, int summedColumns, const BookFilter& filter, qint16 company, qint16 year)
+bool panelSumsAsPrinted(int summedColumns, const browser::BookQuery& query)
 {
+    const int bookKind = query.bookKind;
+    const browser::FilterState& filter = query.filter;
     return browser::totalsPanelHeaders(bookKind).size() == summedColumns
         && !(isTradeBook(bookKind) && filter.salesPoint == 0)
         && filter.where
-        == browser::periodFilter(bookKind, filter.from, filter.to, company, year, filter.salesPoint).where;
+        == browser::periodFilter(bookKind, filter.periodStart, filter.periodEnd, query.company, query.year,
+            filter.salesPoint).where;
 }
 
 } // namespace
 
-bool broughtForward(int bookKind, const Layout& layout, const BookFilter& filter, BroughtForward* out, QString* error)
+bool broughtForward(const browser::BookQuery& query, const Layout& layout, BroughtForward* out, QString* error)
 {
     *out = {};
-    const Session& s = session();
-    const qint16 year = s.RadnaGodina;
-    const qint16 company = s.BrojPoduzeca;
+    const int bookKind = query.bookKind;
+    const qint16 year = query.year;
+    const qint16 company = query.company;
+    const QDate from = query.filter.periodStart;
+    const QDate to = query.filter.periodEnd;
     QVector<int> summed;
     for (int c = 0; c < layout.columns.size(); ++c)
         if (layout.columns[c].sums)
@@ -74,17 +64,17 @@ bool broughtForward(int bookKind, const Layout& layout, const BookFilter& filter
     // An asset list is what is owned, dated by acquisition, and a year's list holds the
     // assets bought in the years before: its rows dated before a period are no part of
     // a running book, so a period of it prints as a selection, with nothing brought.
-    if (summed.isEmpty() || isAssetList(bookKind) || !filter.from.isValid() || filter.from <= yearStart)
+    if (summed.isEmpty() || isAssetList(bookKind) || !from.isValid() || from <= yearStart)
         return true;
-    const QDate before = filter.from.addDays(-1);
+    const QDate before = from.addDays(-1);
     out->continues = true;
     out->sums = QVector<Money>(summed.size());
     const QString f = QStringLiteral("dd.MM.yyyy");
-    out->totalLabel = QStringLiteral("Ukupno od %1 do %2:").arg(yearStart.toString(f), filter.to.toString(f));
+    out->totalLabel = QStringLiteral("Ukupno od %1 do %2:").arg(yearStart.toString(f), to.toString(f));
     Database& db = session().db();
     ResultSet rs;
-    if (panelSumsAsPrinted(bookKind, int(summed.size()), filter, company, year)) {
-        if (!db.open(browser::totalsPanelSql(bookKind, company, year, filter.salesPoint, filter.from, filter.to), rs)) {
+    if (panelSumsAsPrinted(int(summed.size()), query)) {
+        if (!db.open(browser::totalsPanelSql(bookKind, company, year, query.salesPoint(), from, to), rs)) {
             *error = db.errorDescription();
             return false;
         }
@@ -98,16 +88,16 @@ bool broughtForward(int bookKind, const Layout& layout, const BookFilter& filter
     }
     // Any other book, or a filter with more than the period: the book's own rows
     // before the period under the same conditions, summed as the printed columns sum.
-    const QString period = dateRange(filter.from, filter.to);
-    QString where = filter.where;
+    const QString period = dateRange(from, to);
+    QString where = query.filter.where;
     const qsizetype at = where.indexOf(period);
     if (at < 0) {
         *error = QStringLiteral("filter knjige nema razdoblja od %1 do %2")
-                     .arg(filter.from.toString(f), filter.to.toString(f));
+                     .arg(from.toString(f), to.toString(f));
         return false;
     }
     where.replace(at, period.size(), dateRange(yearStart, before));
-    if (!db.open(findBook(bookKind)->selectSql + where, rs)) {
+    if (!db.open(query.select + where, rs)) {
         *error = db.errorDescription();
         return false;
     }

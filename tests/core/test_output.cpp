@@ -148,9 +148,9 @@ TEST(ReportLayouts, FormColumnsTakeTheirEntryKinds)
     EXPECT_FALSE(bookLayout(103).isValid());
 }
 
-// Without a period or a shop a printed book is the book as it opens; with either, the
-// filter the operator would set, the whole year standing in for a missing period.
-TEST(ReportQueries, SelectionsOfAPrintedBook)
+// Without a period or a shop a command's book is the book as it opens; with either, the
+// filter the operator would set, without an upper bound when no period is given.
+TEST(ReportQueries, TheBookACommandReads)
 {
     const auto march = std::make_pair(QDate(2016, 3, 1), QDate(2016, 3, 31));
     struct Case {
@@ -166,14 +166,20 @@ TEST(ReportQueries, SelectionsOfAPrintedBook)
         { 98, march, 0,
             " WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND K.GodinaKnj=2016",
             "Period od 01.03.16 do 31.03.16" },
-        { 126, std::nullopt, 502,
+        { 126, std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31)), 502,
             " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.Datum<='12.31.2016' AND K.GodinaKnj=2016 AND  "
             "K.BrojProd=502",
             "Period od 01.01.16 do 31.12.16,Broj prod.: 502 Maloprodaja" },
+        { 125, std::nullopt, 7,
+            " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7",
+            "Period od 01.01.16,Broj prod.: 7 Maloprodaja" },
     };
     for (const Case& c : cases) {
-        const browser::FilterState s = bookSelection(c.book, 3, 2016, c.period, c.shop, QStringLiteral("Maloprodaja"));
-        EXPECT_EQ(s.where, QString::fromUtf8(c.where)) << c.book;
+        const browser::BookQuery q
+            = browser::commandQuery(c.book, 3, 2016, c.period, c.shop, QStringLiteral("Maloprodaja"));
+        const browser::FilterState& s = q.filter;
+        EXPECT_EQ(q.sql(), findBook(c.book)->selectSql + QString::fromUtf8(c.where) + " ORDER BY K.RBroj") << c.book;
+        EXPECT_EQ(q.salesPoint(), c.shop);
         EXPECT_EQ(s.description, QString::fromUtf8(c.description)) << c.book;
         EXPECT_EQ(s.periodStart, c.period ? c.period->first : QDate(2016, 1, 1));
         EXPECT_EQ(s.periodEnd, c.period ? c.period->second : QDate(2016, 12, 31));

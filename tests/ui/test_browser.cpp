@@ -42,7 +42,7 @@ TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
         EXPECT_EQ(w->windowTitle(), book.caption);
         EXPECT_TRUE(w->jePrikazan()) << book.code;
         EXPECT_TRUE(w->isVisible());
-        EXPECT_EQ(w->upit(),
+        EXPECT_EQ(w->query().sql(),
             book.selectSql
                 + " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND "
                   "K.BrojPoduzeca=1 ORDER BY K.RBroj");
@@ -56,8 +56,8 @@ TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
         if (book.selectSql.contains("AS I ", Qt::CaseInsensitive) && !isTradeBook(book.code)) {
             EXPECT_EQ(w->rsStavke().fields().last().name, "I") << book.code;
         }
-        EXPECT_EQ(w->DatumOd, QDate(2016, 1, 1));
-        EXPECT_EQ(w->DatumDo, QDate(2016, 12, 31));
+        EXPECT_EQ(w->query().filter.periodStart, QDate(2016, 1, 1));
+        EXPECT_EQ(w->query().filter.periodEnd, QDate(2016, 12, 31));
     }
     EXPECT_TRUE(script->messages.isEmpty()) << script->texts().join(u'\n').toStdString();
 }

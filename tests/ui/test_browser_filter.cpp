@@ -105,7 +105,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     // Nothing filled in: the year from its first day, every entry, both lines reset.
     answer([](RecordEditor&) { return true; });
     w->fg_KeyDown(Qt::Key_F3);
-    EXPECT_EQ(w->WhereUvjet, " WHERE K.BrojPoduzeca=1 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016");
+    EXPECT_EQ(w->query().filter.where, " WHERE K.BrojPoduzeca=1 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016");
     EXPECT_EQ(filterLine(*w), "Filter : Period od 01.01.16");
     EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 2, 3, 4, 5 }));
 
@@ -114,9 +114,10 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true; });
     w->mnu_Click(4);
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
-    EXPECT_EQ(w->OpisFiltera, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...',Iznos: 20,00,PDV: 2,00");
-    EXPECT_EQ(filterLine(*w), "Filter : " + w->OpisFiltera);
-    EXPECT_EQ(std::pair(w->DatumOd, w->DatumDo), std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)));
+    EXPECT_EQ(w->query().filter.description, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...',Iznos: 20,00,PDV: 2,00");
+    EXPECT_EQ(filterLine(*w), "Filter : " + w->query().filter.description);
+    EXPECT_EQ(std::pair(w->query().filter.periodStart, w->query().filter.periodEnd),
+        std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)));
     EXPECT_EQ(w->model().total(8), Money::fromWhole(20));
     auto* lv = w->findChild<QTreeWidget*>("lvStanje");
     EXPECT_EQ(lv->headerItem()->text(0) + lv->headerItem()->text(11), " 21. Ukupni rashodi");
@@ -128,7 +129,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // Cancelled: the rows and the clause stay, description and period start over. The
     // form opened with the filter in force.
-    const QString where = w->WhereUvjet;
+    const QString where = w->query().filter.where;
     answer([](RecordEditor& e) {
         EXPECT_TRUE(e.chkPoDatumima->isChecked());
         EXPECT_EQ(values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
@@ -136,8 +137,9 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     });
     w->PostaviFilter();
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
-    EXPECT_EQ(w->WhereUvjet + w->OpisFiltera + filterLine(*w), where + "Filter: Svi");
-    EXPECT_EQ(std::pair(w->DatumOd, w->DatumDo), std::pair(QDate(2016, 1, 1), QDate(2016, 12, 31)));
+    EXPECT_EQ(w->query().filter.where + w->query().filter.description + filterLine(*w), where + "Filter: Svi");
+    EXPECT_EQ(std::pair(w->query().filter.periodStart, w->query().filter.periodEnd),
+        std::pair(QDate(2016, 1, 1), QDate(2016, 12, 31)));
     EXPECT_EQ(filters, 3);
 
     // With the option set, the next opening asks first.
@@ -161,13 +163,13 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
         const int before = filters;
         auto w = open(kind);
         EXPECT_EQ(filters, before + 1) << kind;
-        EXPECT_EQ(w->BrojProd, demo::Maloprodaja2);
+        EXPECT_EQ(w->BrojProd(), demo::Maloprodaja2);
         const ResultSet& rs = w->rsStavke();
         const int shop = rs.indexOf("BrojProd");
         ASSERT_GT(rs.rowCount(), 0);
         for (int r = 0; r < rs.rowCount(); ++r)
             EXPECT_EQ(rs.integer(r, shop), demo::Maloprodaja2);
-        EXPECT_TRUE(w->OpisFiltera.contains("Broj prod.: 502 "));
+        EXPECT_TRUE(w->query().filter.description.contains("Broj prod.: 502 "));
         // The panel's year total is the grid's total: the filter is the whole year.
         const QStringList lines = QString::fromStdString(panel(*w)).split(u'\n');
         ASSERT_EQ(lines.size(), 2);
@@ -226,10 +228,11 @@ TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
 TEST_F(FilterTest, APanelReadFailureIsReportedAndAKindWithoutAPanelShowsItEmpty)
 {
     QTreeWidget list;
-    EXPECT_TRUE(osvjeziPanel(list, 97, 0, { 2016, 1, 1 }, { 2016, 12, 31 }));
+    EXPECT_TRUE(osvjeziPanel(list, browser::commandQuery(97, 1, 2016, {})));
     EXPECT_TRUE(list.columnCount() == 1 && list.topLevelItemCount() == 0 && list.isVisible());
     db->exec("DROP TABLE dbo.TrgKnjKomisiona");
-    EXPECT_FALSE(osvjeziPanel(list, 126, 3, { 2016, 3, 1 }, { 2016, 3, 31 }));
+    EXPECT_FALSE(
+        osvjeziPanel(list, browser::commandQuery(126, 1, 2016, std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)), 3)));
     EXPECT_TRUE(list.columnCount() == 3 && list.topLevelItemCount() == 0);
     ASSERT_EQ(script->messages.size(), 1);
     EXPECT_EQ(script->messages[0].text, "Desila se greška: u čitanju podataka o prethodnom periodu!");

@@ -62,6 +62,13 @@ protected:
     QString table(const QString& sql) { return dump(db->query(sql)); }
     // RBroj of the entries in grid order.
     static QList<qint64> rBrojevi(frmSifarnikKnj& w);
+    // Changes the query the window reads with next.
+    template<typename Edit> static void change(frmSifarnikKnj& w, Edit edit)
+    {
+        browser::BookQuery q = w.query();
+        edit(q);
+        w.setQuery(q);
+    }
     std::shared_ptr<RecordingRights::Log> installRights(bool mayOpen, QList<OperatorRights::Group> denied = {});
 
     std::unique_ptr<TestDatabase> db;

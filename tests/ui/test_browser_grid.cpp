@@ -125,7 +125,7 @@ TEST_F(BrowserGridTest, RefreshKeepsThePositionOrGoesToTheRememberedEntryOnce)
 
     addPrihRash(1, 2016, 5, { 2016, 3, 1 }, 17, 1500, 0, "Plaće");
     w->fg_HeaderClick(5); // sorted by Opis: RBroj 3 is the third row
-    w->RBrojZaPovratak = 3;
+    change(*w, [](browser::BookQuery& q) { q.returnTo = 3; });
     w->OsvjeziZapise();
     EXPECT_EQ(w->trenutniRBroj(), 3);
     EXPECT_EQ(w->trenutniRed(), 2);
@@ -136,7 +136,7 @@ TEST_F(BrowserGridTest, RefreshKeepsThePositionOrGoesToTheRememberedEntryOnce)
     EXPECT_EQ(w->trenutniRed(), 4);
 
     w->postaviTrenutniRed(1);
-    w->RBrojZaPovratak = 77; // not in the book: the position stays
+    change(*w, [](browser::BookQuery& q) { q.returnTo = 77; }); // not in the book: the position stays
     w->OsvjeziZapise();
     EXPECT_EQ(w->trenutniRed(), 1);
 }
@@ -145,7 +145,7 @@ TEST_F(BrowserGridTest, ALoadFailureIsReportedAndTheGridStaysAsItWas)
 {
     fillFive();
     auto w = open(96);
-    w->WhereUvjet = " WHERE  K.NemaTakveKolone=1";
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE  K.NemaTakveKolone=1"; });
     w->OsvjeziZapise();
     ASSERT_EQ(script->messages.size(), 1);
     const Message& msg = script->messages[0];

@@ -172,7 +172,7 @@ TEST_F(Dispatch, TradeBookEntriesAreAddedChangedCopiedAndDeletedPerShop)
     add(125, 1, { { "BrojProd", 1 }, { "Iznos", money(10) } });
     add(125, 2, { { "BrojProd", 1 }, { "Iznos", money(20) } });
     auto w = open(125);
-    w->BrojProd = 2;
+    change(*w, [](browser::BookQuery& q) { q.filter.salesPoint = 2; });
     saveWith("txtOpis=Prva u Zapadu;ubIznos=5");
     key(*w, Qt::Key_F9);
     EXPECT_EQ(shown, QStringList { "1|0|1|2016-12-31" });

@@ -601,7 +601,7 @@ TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
     EXPECT_EQ(session().ImeOperatera, "Marko");
     EXPECT_EQ(w->TipSifarnika(), 98);
     EXPECT_EQ(w->windowTitle(), "Knjiga prometa za FBiH");
-    EXPECT_TRUE(w->WhereUvjet.endsWith("K.GodinaKnj=2016 AND K.BrojPoduzeca=1"));
+    EXPECT_TRUE(w->query().filter.where.endsWith("K.GodinaKnj=2016 AND K.BrojPoduzeca=1"));
     EXPECT_FALSE(w->toolbarButton(10)->isVisible());
     EXPECT_TRUE(w->testAttribute(Qt::WA_DeleteOnClose));
     QPointer<frmSifarnikKnj> guard(w);

@@ -229,7 +229,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
 TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
 {
     auto w = open(96);
-    w->WhereUvjet = " WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'";
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'"; });
     w->OsvjeziZapise();
     w->fg_HeaderClick(1);
     w->fg_HeaderClick(1); // RBroj descending
@@ -274,17 +274,6 @@ TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
         EXPECT_TRUE(f.grab().save(dir + QStringLiteral("/export-dialog.png")));
         f.hide();
     });
-}
-
-TEST(ExportCommand, PeriodAndSalesPointNarrowTheOpeningClause)
-{
-    EXPECT_EQ(cli::exportWhere(96, {}, {}, 3, 2016, 0),
-        " WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3");
-    EXPECT_EQ(cli::exportWhere(96, { 2016, 3, 1 }, { 2016, 3, 31 }, 3, 2016, 0),
-        " WHERE K.BrojPoduzeca=3 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' AND "
-        "K.GodinaKnj=2016");
-    EXPECT_EQ(cli::exportWhere(125, {}, {}, 3, 2016, 7),
-        " WHERE K.BrojPoduzeca=3 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND  K.BrojProd=7");
 }
 
 namespace

@@ -203,12 +203,9 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
             period = std::make_pair(QDate(2016, 1, 2), QDate(2016, 12, 31));
-        const browser::FilterState sel = report::bookSelection(book.code, 1, 2016, period, shop, "Maloprodaja Centar");
-        w->WhereUvjet = sel.where;
-        w->OpisFiltera = sel.description;
-        w->DatumOd = sel.periodStart;
-        w->DatumDo = sel.periodEnd;
-        w->BrojProd = sel.salesPoint;
+        else if (shop) // as the print command reads a shop without a period
+            period = std::make_pair(QDate(2016, 1, 1), QDate(2016, 12, 31));
+        w->setQuery(browser::commandQuery(book.code, 1, 2016, period, shop, "Maloprodaja Centar"));
         w->OsvjeziZapise();
         ASSERT_EQ(w->rsStavke().rowCount(), kRows);
 
@@ -250,8 +247,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const QString& first = pages.first();
         for (const QString& expected : QStringList { "Obrt Šimić", "Titova 3, 71000 Sarajevo", "ID broj: 4200000000001",
                  book.caption, filtered ? "Period od 02.01.2016 do 31.12.2016" : "Period od 01.01.2016 do 31.12.2016",
-                 sel.description.isEmpty() ? QStringLiteral("Filter: Svi")
-                                           : QStringLiteral("Filter : ") + sel.description })
+                 browser::filterLine(w->query().filter.description) })
             EXPECT_TRUE(first.contains(expected)) << expected.toStdString();
         EXPECT_EQ(first.contains("Prodajno mjesto: 501 Maloprodaja Centar"), shop != 0);
         // The Federation's forms by their names, the closing block on the last page only.
@@ -288,7 +284,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         EXPECT_FALSE(all.contains(QStringLiteral("…")));
 
         // Each page brings forward the rows of the pages before it and hands on its own.
-        const auto bound = report::BoundLayout::bind(report::bookLayout(book.code, w->BrojProd), rs, &error);
+        const auto bound = report::BoundLayout::bind(report::bookLayout(book.code, w->BrojProd()), rs, &error);
         ASSERT_TRUE(bound);
         const QVector<int>& summed = bound->summed();
         // A period from the 2nd brings forward the 1st, asset lists excepted, and ends
@@ -389,10 +385,7 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     addPrihRash(1, 2016, 7, { 2016, 4, 1 }, 19, 10); // after it
     addPrihRash(2, 2016, 8, { 2016, 3, 1 }, 11, 5000); // another company
     auto w = open(96);
-    const browser::FilterState sel
-        = report::bookSelection(96, 1, 2016, std::make_pair(QDate(2016, 2, 1), QDate(2016, 3, 31)));
-    w->WhereUvjet = sel.where;
-    w->OpisFiltera = sel.description;
+    w->setQuery(browser::commandQuery(96, 1, 2016, std::make_pair(QDate(2016, 2, 1), QDate(2016, 3, 31))));
 
     int previews = 0;
     int previewPages = 0;
@@ -451,7 +444,7 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     EXPECT_EQ(previewPages, 1);
 
     // A condition the database refuses: the data layer's words, no preview.
-    w->WhereUvjet = " WHERE K.Nema=1";
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE K.Nema=1"; });
     script->clear();
     w->Rekapitulacija();
     EXPECT_EQ(previews, 1);

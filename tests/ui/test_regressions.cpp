@@ -138,7 +138,8 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
         return 0;
     };
     const ResultSet rows = t.query(findBook(96)->selectSql);
-    ReportPrinter(report::bookLayout(96, 0), report::bookHeader(96, {}, rows), rows).preview(nullptr);
+    ReportPrinter(report::bookLayout(96, 0), report::bookHeader(browser::openingQuery(96, 1, 2016), rows), rows)
+        .preview(nullptr);
     EXPECT_TRUE(printerDialog);
     EXPECT_EQ(script->texts().join(u'\n').toStdString(),
               QStringLiteral("Desila se greška: Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "

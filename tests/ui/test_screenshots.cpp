@@ -89,7 +89,7 @@ TEST_F(EditorScreenshots, EveryBookInEveryMode)
             auto w = open(book.code);
             ASSERT_TRUE(w->jePrikazan()) << book.code;
             if (isTradeBook(book.code))
-                w->BrojProd = demo::Maloprodaja1;
+                change(*w, [](browser::BookQuery& q) { q.filter.salesPoint = demo::Maloprodaja1; });
             const QString file = QDir(out).filePath(QStringLiteral("editor-%1-%2.png").arg(book.code).arg(mode));
             int shown = 0;
             script->onDialog = [&](QDialog& d) -> int {

@@ -38,26 +38,26 @@ std::optional<qint32> nextNumber(int tip)
 
 void frmSifarnikKnj::NoviZapis()
 {
-    RBrojZaPovratak = 0;
-    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    m_query.returnTo = 0;
+    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
     if (!e)
         return;
     // Trade books number per shop: their editor proposes the number of its shop.
-    if (!isTradeBook(m_tip)) {
-        const std::optional<qint32> next = nextNumber(m_tip);
+    if (!isTradeBook(m_query.bookKind)) {
+        const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
         e->ubRBroj->setValue(Money::fromWhole(*next));
     }
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
-    if (isTradeBook(m_tip))
-        e->setSkladište(BrojProd);
+    if (isTradeBook(m_query.bookKind))
+        e->setSkladište(BrojProd());
     e->dpDatum->setDate(editors::newEntryDate(clock::today(), session().RadnaGodina));
-    pripremiEditor(*e, m_tip);
+    pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
-        RBrojZaPovratak = e->spremljeniRBroj();
+        m_query.returnTo = e->spremljeniRBroj();
         OsvjeziZapise();
     }
 }
@@ -69,7 +69,7 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     const int rbrojField = rsStavke().indexOf(QStringLiteral("RBroj"));
     if (row < 0 || rbrojField < 0 || rsStavke().isNull(row, rbrojField))
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(mode);
@@ -78,13 +78,13 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     e->sRedniBroj = trenutniRBroj();
     // A trade-book entry is read within its own shop.
     const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
-    if (isTradeBook(m_tip) && shopField >= 0)
+    if (isTradeBook(m_query.bookKind) && shopField >= 0)
         e->setSkladište(qint32(rsStavke().integer(row, shopField)));
-    pripremiEditor(*e, m_tip);
+    pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom())
         return;
-    RBrojZaPovratak = mode == editors::Izmjena ? e->spremljeniRBroj() : 0;
+    m_query.returnTo = mode == editors::Izmjena ? e->spremljeniRBroj() : 0;
     OsvjeziZapise();
 }
 
@@ -93,29 +93,29 @@ void frmSifarnikKnj::IstaStavka()
     const int row = trenutniRed();
     if (row < 0)
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_tip, this);
+    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
     e->PreuzmiStavku(rsStavke(), row);
-    if (!isTradeBook(m_tip)) {
-        const std::optional<qint32> next = nextNumber(m_tip);
+    if (!isTradeBook(m_query.bookKind)) {
+        const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
         e->ubRBroj->setValue(Money::fromWhole(*next));
     }
-    pripremiEditor(*e, m_tip);
+    pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
-        RBrojZaPovratak = e->spremljeniRBroj();
+        m_query.returnTo = e->spremljeniRBroj();
         OsvjeziZapise();
     }
 }
 
 void frmSifarnikKnj::BrisanjePrikazanihPodataka()
 {
-    const QString sql = QStringLiteral("DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K") + WhereUvjet;
+    const QString sql = QStringLiteral("DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K") + m_query.filter.where;
     const QString question = QStringLiteral("Želite li zaista obrisati sve prikazane podatke ?") + u'\n'
         + QStringLiteral("Izbrisati će se ") + QString::number(rsStavke().rowCount())
         + QStringLiteral(" zapisa! Pažljivo, jer više neće biti moguće vratiti podatke!");
@@ -123,14 +123,13 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
         return;
     // The rows go with a journal record that keeps each of them, in one transaction.
     Database& db = session().db();
-    const Session& s = session();
-    const journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
+    const journal::Scope scope { m_query.bookKind, m_query.company, m_query.year, 0 };
     QString error, locked;
     {
         TransactionGuard tx(db);
         ResultSet gone;
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
-            && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + WhereUvjet, gone);
+            && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + m_query.filter.where, gone);
         if (read)
             locked = periodlock::refuseRows(db, scope, gone, nullptr,
                 QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));

@@ -124,23 +124,23 @@ void frmSifarnikKnj::PostaviFilter()
 {
     // The description and the period start over before the dialog, so a cancelled
     // dialog leaves them reset while the rows and the WHERE clause stay.
-    const Session& s = session();
-    OpisFiltera.clear();
-    DatumOd = browser::periodStart(s.RadnaGodina);
-    DatumDo = browser::periodEnd(s.RadnaGodina);
-    m_txtFilter->setText(browser::filterLine(OpisFiltera));
-    std::unique_ptr<RecordEditor> e = browser::isFilterable(m_tip) ? createEditor(m_tip, this) : nullptr;
+    m_query.filter.description.clear();
+    m_query.filter.periodStart = browser::periodStart(m_query.year);
+    m_query.filter.periodEnd = browser::periodEnd(m_query.year);
+    m_txtFilter->setText(browser::filterLine(m_query.filter.description));
+    std::unique_ptr<RecordEditor> e
+        = browser::isFilterable(m_query.bookKind) ? createEditor(m_query.bookKind, this) : nullptr;
     if (!e) {
         OsvjeziZapise();
         return;
     }
-    e->setTipSifarnika(m_tip);
+    e->setTipSifarnika(m_query.bookKind);
     e->setTipRada(editors::Pretrazivanje);
     e->ubRBroj->setVisible(false);
-    pripremiEditor(*e, m_tip);
+    pripremiEditor(*e, m_query.bookKind);
     // A trade book filtered again offers the sales point it already shows.
-    if (isTradeBook(m_tip) && BrojProd != 0)
-        e->setSkladište(BrojProd);
+    if (isTradeBook(m_query.bookKind) && BrojProd() != 0)
+        e->setSkladište(BrojProd());
     if (UnosFiltera)
         e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);
@@ -150,25 +150,19 @@ void frmSifarnikKnj::PostaviFilter()
     if (e->IzišaoSaPrekidom())
         return;
     const browser::FilterInput in = filterInput(*e);
-    applyFilter(browser::buildFilter(m_tip, s.BrojPoduzeca, s.RadnaGodina, in));
+    applyFilter(browser::buildFilter(m_query.bookKind, m_query.company, m_query.year, in));
     UnosFiltera = in;
 }
 
 void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
 {
-    WhereUvjet = filter.where;
-    UvjetiFiltera = filter.conditions;
-    OpisFiltera = filter.description;
-    DatumOd = filter.periodStart;
-    DatumDo = filter.periodEnd;
-    if (filter.salesPoint != 0)
-        BrojProd = filter.salesPoint;
+    browser::applyFilter(m_query, filter);
     // A filter put in force from outside the form (a period) is what the form shows next.
     UnosFiltera = browser::FilterInput {};
     UnosFiltera->chkPoDatumima = true;
-    UnosFiltera->dpDatum = DatumOd;
-    UnosFiltera->dpDatumDo = DatumDo;
-    m_txtFilter->setText(browser::filterLine(OpisFiltera));
+    UnosFiltera->dpDatum = m_query.filter.periodStart;
+    UnosFiltera->dpDatumDo = m_query.filter.periodEnd;
+    m_txtFilter->setText(browser::filterLine(m_query.filter.description));
     OsvjeziZapise();
 }
 

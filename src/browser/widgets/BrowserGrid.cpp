@@ -96,10 +96,10 @@ void frmSifarnikKnj::OsvjeziZapise()
 {
     const int remembered = m_model->entryCount() > 0 ? redZaOznaku() : -1;
     // The running totals are summed aside while the rows are read.
-    const std::unique_ptr<ReadAside> panel = pocniCitanjePanela(m_tip, BrojProd, DatumOd, DatumDo);
+    const std::unique_ptr<ReadAside> panel = pocniCitanjePanela(m_query);
     Database& db = session().db();
     ResultSet rows;
-    if (!db.open(upit(), rows)) {
+    if (!db.open(m_query.sql(), rows)) {
         warn(QStringLiteral("Desila se greška u pristupu podacima. Ponovite!") + QStringLiteral("\r\n")
                  + db.errorDescription(),
              QStringLiteral("Greška u pristupu podacima"));
@@ -108,18 +108,18 @@ void frmSifarnikKnj::OsvjeziZapise()
     m_fg->setUpdatesEnabled(false);
     m_model->setResultSet(std::move(rows));
     int current = BookModel::rowAfterReload(remembered, m_model->entryCount());
-    if (RBrojZaPovratak != 0 && current >= 0) {
-        const int found = m_model->findRBroj(RBrojZaPovratak);
+    if (m_query.returnTo != 0 && current >= 0) {
+        const int found = m_model->findRBroj(m_query.returnTo);
         if (found >= 0)
             current = found;
     }
     // The number is a one-time request of the operation that changed data; a later
     // refresh keeps whatever row the operator has moved to since.
-    RBrojZaPovratak = 0;
+    m_query.returnTo = 0;
     postaviŠirineKolona();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);
-    osvjeziPanel(*m_lvStanje, m_tip, BrojProd, DatumOd, DatumDo, panel.get());
+    osvjeziPanel(*m_lvStanje, m_query, panel.get());
     m_fg->setUpdatesEnabled(true);
 }
 

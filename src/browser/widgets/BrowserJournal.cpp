@@ -19,8 +19,8 @@ namespace knjige
 
 void frmSifarnikKnj::ProvjeraKnjige()
 {
-    const Session& s = session();
-    const bookcheck::Report report = bookcheck::check(session().db(), { m_tip, s.BrojPoduzeca, s.RadnaGodina, BrojProd });
+    const bookcheck::Report report
+        = bookcheck::check(session().db(), { m_query.bookKind, m_query.company, m_query.year, BrojProd() });
     frmPrikazTeksta viewer(this);
     viewer.Prikaži(QStringLiteral("Provjera knjige"), report.text, false, {});
 }
@@ -33,7 +33,7 @@ void frmSifarnikKnj::ZaključajRazdoblje()
         return;
     }
     Database& db = session().db();
-    const journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
+    const journal::Scope scope { m_query.bookKind, m_query.company, m_query.year, 0 };
     QDate current;
     QString error;
     if (!periodlock::lockDate(db, scope, &current, &error)) {

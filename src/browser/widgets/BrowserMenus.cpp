@@ -179,7 +179,7 @@ void frmSifarnikKnj::napraviRaspored()
     m_txtFilter->setObjectName(QStringLiteral("txtFilter"));
     m_txtFilter->setReadOnly(true);
     m_txtFilter->setFocusPolicy(Qt::NoFocus);
-    m_txtFilter->setText(browser::filterLine(OpisFiltera));
+    m_txtFilter->setText(browser::filterLine(m_query.filter.description));
     m_cmdFG = new QPushButton(QStringLiteral("Tablica u Excel"), this);
     m_cmdFG->setObjectName(QStringLiteral("cmdFG"));
     m_cmdFG->setAutoDefault(false);

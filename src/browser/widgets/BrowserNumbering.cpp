@@ -14,28 +14,28 @@ void frmSifarnikKnj::UbaciZapis()
     if (rsStavke().isEmpty())
         return;
     const qint32 n = trenutniRBroj();
-    if (!renumber::insertAt(renumber::sessionBook(m_tip, BrojProd), n))
+    if (!renumber::insertAt(renumber::bookOf(m_query), n))
         return;
     // The blank entry stands where the operator was.
-    RBrojZaPovratak = n;
+    m_query.returnTo = n;
     OsvjeziZapise();
 }
 
 void frmSifarnikKnj::ProvjeraNumeracije()
 {
-    if (renumber::byOrdinal(renumber::sessionBook(m_tip, BrojProd)) == renumber::After::Reload)
+    if (renumber::byOrdinal(renumber::bookOf(m_query)) == renumber::After::Reload)
         OsvjeziZapise();
 }
 
 void frmSifarnikKnj::ReNumeracijaPoDatumu()
 {
-    if (renumber::byDate(renumber::sessionBook(m_tip, BrojProd)) == renumber::After::Reload)
+    if (renumber::byDate(renumber::bookOf(m_query)) == renumber::After::Reload)
         OsvjeziZapise();
 }
 
 void frmSifarnikKnj::PočetnoStanje()
 {
-    if (isAssetList(m_tip) && openingstate::generate(m_tip))
+    if (isAssetList(m_query.bookKind) && openingstate::generate(m_query.bookKind))
         OsvjeziZapise();
 }
 

@@ -49,19 +49,17 @@ void addRow(QTreeWidget& list, const browser::PanelRow& row, const QLocale& loca
 
 } // namespace
 
-std::unique_ptr<ReadAside> pocniCitanjePanela(
-    int bookKind, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
+std::unique_ptr<ReadAside> pocniCitanjePanela(const browser::BookQuery& query)
 {
-    if (!browser::hasTotalsPanel(bookKind))
+    if (!browser::hasTotalsPanel(query.bookKind))
         return nullptr;
-    const Session& s = session();
-    return std::make_unique<ReadAside>(
-        browser::totalsPanelSql(bookKind, s.BrojPoduzeca, s.RadnaGodina, salesPoint, periodStart, periodEnd));
+    return std::make_unique<ReadAside>(browser::totalsPanelSql(query.bookKind, query.company, query.year,
+        query.salesPoint(), query.filter.periodStart, query.filter.periodEnd));
 }
 
-bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const QDate& periodStart,
-    const QDate& periodEnd, ReadAside* started)
+bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query, ReadAside* started)
 {
+    const int bookKind = query.bookKind;
     lvStanje.clear();
     const QStringList headers = browser::totalsPanelHeaders(bookKind);
     lvStanje.setVisible(true);
@@ -74,7 +72,7 @@ bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const 
     layColumns(lvStanje, headers);
     std::unique_ptr<ReadAside> own;
     if (!started) {
-        own = pocniCitanjePanela(bookKind, salesPoint, periodStart, periodEnd);
+        own = pocniCitanjePanela(query);
         started = own.get();
     }
     ResultSet rs;
@@ -98,7 +96,7 @@ bool osvjeziPanel(QTreeWidget& lvStanje, int bookKind, qint32 salesPoint, const 
 
 void frmSifarnikKnj::OsvjeziStanje()
 {
-    osvjeziPanel(*m_lvStanje, m_tip, BrojProd, DatumOd, DatumDo);
+    osvjeziPanel(*m_lvStanje, m_query);
 }
 
 } // namespace knjige

@@ -29,15 +29,15 @@ void previewOrReport(ReportPrinter& printer, QWidget* parent)
 
 std::unique_ptr<ReportPrinter> bookReport(frmSifarnikKnj& w)
 {
-    const report::BookFilter filter { w.OpisFiltera, w.DatumOd, w.DatumDo, w.BrojProd, w.WhereUvjet };
-    const report::Layout layout = report::bookLayout(w.TipSifarnika(), w.BrojProd);
+    const browser::BookQuery& query = w.query();
+    const report::Layout layout = report::bookLayout(query.bookKind, query.salesPoint());
     report::BroughtForward forward;
     QString error;
-    if (!report::broughtForward(w.TipSifarnika(), layout, filter, &forward, &error)) {
+    if (!report::broughtForward(query, layout, &forward, &error)) {
         warn(QStringLiteral("Desila se greška: ") + error);
         return nullptr;
     }
-    auto printer = std::make_unique<ReportPrinter>(layout, report::bookHeader(w.TipSifarnika(), filter, w.rsStavke()), w.rsStavke());
+    auto printer = std::make_unique<ReportPrinter>(layout, report::bookHeader(query, w.rsStavke()), w.rsStavke());
     printer->bringForward(forward);
     return printer;
 }
@@ -46,12 +46,12 @@ std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
 {
     Database& db = session().db();
     ResultSet rows;
-    if (!db.open(report::recapitulationSql(w.WhereUvjet), rows)) {
+    if (!db.open(report::recapitulationSql(w.query().filter.where), rows)) {
         warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
         return nullptr;
     }
     return std::make_unique<ReportPrinter>(
-        report::recapitulationLayout(), report::recapitulationHeader(w.OpisFiltera), std::move(rows));
+        report::recapitulationLayout(), report::recapitulationHeader(w.query().filter.description), std::move(rows));
 }
 
 void frmSifarnikKnj::IspišiZapise()

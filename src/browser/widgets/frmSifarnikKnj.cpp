@@ -35,7 +35,6 @@ frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
     napraviIzbornike();
     napraviAlatnuTraku();
     napraviRaspored();
-    OrderBy = browser::orderBy();
     menuItem(QStringLiteral("mnuOpisiNaTipkama"))->setChecked(true);
     primijeniPrikaz();
 
@@ -61,6 +60,13 @@ frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
 }
 
 frmSifarnikKnj::~frmSifarnikKnj() = default;
+
+void frmSifarnikKnj::setQuery(const browser::BookQuery& query)
+{
+    const int kind = m_query.bookKind;
+    m_query = query;
+    m_query.bookKind = kind;
+}
 
 const ResultSet& frmSifarnikKnj::rsStavke() const { return m_model->resultSet(); }
 BookModel& frmSifarnikKnj::model() { return *m_model; }
@@ -88,10 +94,10 @@ void frmSifarnikKnj::setPrijenos(bool on)
 
 void frmSifarnikKnj::setTipSifarnika(int kod)
 {
-    m_tip = kod;
+    m_query = browser::openingQuery(kod, session().BrojPoduzeca, session().RadnaGodina);
     if (const BookKind* book = findBook(kod))
         setWindowTitle(book->caption);
-    m_model->setBookKind(kod);
+    m_model->setBookKind(m_query.bookKind);
     citajPostavke();
 }
 
@@ -126,7 +132,7 @@ void frmSifarnikKnj::primijeniPrikaz()
 
 void frmSifarnikKnj::postaviIzbornikeKnjige()
 {
-    const browser::MenuVisibility v = browser::menuVisibility(m_tip, session().NivoPristupa);
+    const browser::MenuVisibility v = browser::menuVisibility(m_query.bookKind, session().NivoPristupa);
     menuItem(QStringLiteral("mnuRekapKnjPrihRash"))->setVisible(v.rekapitulacija);
     menuItem(QStringLiteral("mnuIstaStavka"))->setVisible(v.istaStavka);
     menuItem(QStringLiteral("mnuRenumeracija"))->setVisible(v.renumeracija);
@@ -144,11 +150,7 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
     m_prikazan = false;
     postaviIzbornikeKnjige();
     const Session& s = session();
-    DatumOd = browser::periodStart(s.RadnaGodina);
-    DatumDo = browser::periodEnd(s.RadnaGodina);
-    if (const BookKind* book = findBook(m_tip))
-        SelectTekst = book->selectSql;
-    WhereUvjet = browser::openingWhere(DatumOd, s.RadnaGodina, s.BrojPoduzeca);
+    m_query = browser::openingQuery(m_query.bookKind, s.BrojPoduzeca, s.RadnaGodina);
 
     if (const QString problem = browser::accessLevelProblem(s.NivoPristupa); !problem.isEmpty()) {
         warn(problem);
@@ -163,9 +165,9 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
     // A book the journal has not met yet is fingerprinted as it stands; the check
     // reports (rather than this window) a journal that cannot be written.
     QString ignored;
-    journal::ensureBaseline(session().db(), { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 }, &ignored);
+    journal::ensureBaseline(session().db(), { m_query.bookKind, m_query.company, m_query.year, 0 }, &ignored);
     vratiPoziciju();
-    if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || isTradeBook(m_tip))
+    if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || isTradeBook(m_query.bookKind))
         PostaviFilter();
     else
         OsvjeziZapise();
@@ -189,10 +191,10 @@ bool frmSifarnikKnj::ProvjeraPristupa()
     OperatorRights& rights = *hostServices().rights;
     rights.setConnectionString(s.ConnString);
     rights.setOperatorName(s.ImeOperatera);
-    if (!rights.mayOpenBook(m_tip))
+    if (!rights.mayOpenBook(m_query.bookKind))
         return false;
     for (int group = OperatorRights::Novi; group <= OperatorRights::Izvoz; ++group)
-        if (!rights.hasRight(m_tip, OperatorRights::Group(group)))
+        if (!rights.hasRight(m_query.bookKind, OperatorRights::Group(group)))
             onemogućiGrupu(group);
     return true;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "browser/BookModel.h"
-#include "browser/FilterClause.h"
+#include "browser/BookQuery.h"
 
 #include <QDate>
 #include <QDialog>
@@ -36,10 +36,11 @@ public:
     ~frmSifarnikKnj() override;
 
     // --- Opening --------------------------------------------------------------------
-    // Sets the book kind, the caption (for the codes of the catalogue; any other code
-    // keeps the caption) and the options read from the settings.
+    // Sets the book kind (with the query it opens with), the caption (for the codes of
+    // the catalogue; any other code keeps the caption) and the options read from the
+    // settings.
     void setTipSifarnika(int kod);
-    int TipSifarnika() const { return m_tip; }
+    int TipSifarnika() const { return m_query.bookKind; }
     // Loads the book and shows the window: mode 0 beside the host (returns at once),
     // mode 1 modal (returns when the window closes). `extra` is unused by the books.
     void Prikaži(int mode, const QVariant& extra = {});
@@ -49,10 +50,15 @@ public:
 
     // --- The rows ---------------------------------------------------------------------
     // Re-reads the rows with the current query, keeping the sort order and the current
-    // entry (or going to RBrojZaPovratak when it is set).
+    // entry (or going to the query's returnTo when it is set).
     void OsvjeziZapise();
-    // The book's SELECT text + WHERE clause + ORDER BY.
-    QString upit() const { return SelectTekst + WhereUvjet + OrderBy; }
+    // What selects the book's rows; the filter, the panel, printing, export, the
+    // renumberings and the journal all take it from here.
+    const browser::BookQuery& query() const { return m_query; }
+    // Puts another query in force for the next OsvjeziZapise (the book kind stays).
+    void setQuery(const browser::BookQuery& query);
+    // The sales point of a trade book in force; 0: none.
+    qint32 BrojProd() const { return m_query.salesPoint(); }
     const ResultSet& rsStavke() const;
     BookModel& model();
     BookGrid& grid() { return *m_fg; }
@@ -113,19 +119,9 @@ public:
     void setPrijenos(bool on);
     qint32 PreneseniRBroj = 0;
 
-    // --- State shared with the filter, the editors and the renumbering --------------
-    QString SelectTekst;
-    QString WhereUvjet;
-    QString OrderBy;
-    QString UvjetiFiltera;
-    QString OpisFiltera;
-    QDate DatumOd;
-    QDate DatumDo;
-    qint32 BrojProd = 0;          // the sales point of a trade book
     // What the filter form held when the filter in force was confirmed; the next
     // filter form opens with it.
     std::optional<browser::FilterInput> UnosFiltera;
-    qint32 RBrojZaPovratak = 0;   // entry to return to after a reload; 0: none
     bool KoristiNoviPrikaz = true;
 
 signals:
@@ -156,7 +152,7 @@ private:
     void nijeJošDostupno(const QString& what);
     QString postavkeAplikacija() const { return windowTitle(); }
 
-    int m_tip = 0;
+    browser::BookQuery m_query;
     int m_nacinPrikaza = 0;
     bool m_prikazan = false;
     bool m_prijenos = false;
