@@ -106,10 +106,10 @@ SqlType typeFromSqliteDeclared(const QString& declared, int* width)
     return SqlType::Unknown;
 }
 
-const ColumnDef* TableDef::column(const QString& name) const
+const ColumnDef* TableDef::column(const QString& columnName) const
 {
     for (const ColumnDef& c : columns)
-        if (c.name.compare(name, Qt::CaseInsensitive) == 0)
+        if (c.name.compare(columnName, Qt::CaseInsensitive) == 0)
             return &c;
     return nullptr;
 }

@@ -382,4 +382,4 @@ TEST_P(EveryBook, CopyChangeAndDeleteFromTheBrowser)
 }
 
 INSTANTIATE_TEST_SUITE_P(Dispatch, EveryBook, ::testing::ValuesIn(everyBook()),
-    [](const ::testing::TestParamInfo<int>& info) { return std::to_string(info.param); });
+    [](const ::testing::TestParamInfo<int>& book) { return std::to_string(book.param); });

@@ -322,8 +322,8 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         }
         const auto toDate = sumsOn(pages.last(), "Ukupno od 01.01.2016 do 31.12.2016:");
         EXPECT_EQ(toDate, continues ? std::optional<QVector<Money>>(printed(running)) : std::nullopt);
-        if (const auto all = sumsInTable(*db, book.code, "12.31.2016"); continues && all) {
-            EXPECT_EQ(toDate, printed(*all));
+        if (const auto inTable = sumsInTable(*db, book.code, "12.31.2016"); continues && inTable) {
+            EXPECT_EQ(toDate, printed(*inTable));
         }
         for (int i = 0; i < running.size(); ++i)
             running[i] -= brought[i];
