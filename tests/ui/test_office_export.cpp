@@ -257,25 +257,6 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
     });
 }
 
-// The dialog on the demo data, for the documentation: runs only when
-// KNJIGE_SCREENSHOT_DIR names the folder to write to.
-TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
-{
-    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
-    if (dir.isEmpty())
-        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
-    ASSERT_TRUE(fillDemo(db->db(), 2016));
-    settings::setText("Arbosa", "Settings", "ExpNazivDat", "/home/amra/Dokumenti/Export.csv");
-    auto w = open(96);
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
-        f.show();
-        f.adjustSize();
-        QApplication::processEvents();
-        EXPECT_TRUE(f.grab().save(dir + QStringLiteral("/export-dialog.png")));
-        f.hide();
-    });
-}
-
 TEST(ExportCommand, PeriodAndSalesPointNarrowTheOpeningClause)
 {
     EXPECT_EQ(cli::exportWhere(96, {}, {}, 3, 2016, 0),
