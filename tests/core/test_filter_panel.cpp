@@ -219,16 +219,4 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
     EXPECT_TRUE(usl.rows[2].labelBold && usl.rows[2].bold[0]);
     EXPECT_EQ(totalsPanelHeaders(98), (QStringList { "11. Gotovina", "12. Čekovi" }));
     EXPECT_EQ(totalsPanelRows(98, ResultSet {}).rows[0].bold, (QVector<bool> { true, false }));
-
-    // The bulk delete of the DB book takes the filtered rows of its company only.
-    FilterInput from = march();
-    from.dpDatumDo = QDate(2016, 12, 31);
-    t.insert(db, { { "BrojPoduzeca", 2 }, { "RBroj", 1 }, { "Datum", mar1 }, { "GodinaKnj", 2016 } });
-    int affected = 0;
-    ASSERT_TRUE(t.db().execute(QStringLiteral("DELETE dbo.KnjPrihRashDB FROM dbo.KnjPrihRashDB K")
-                                   + buildFilter(109, 1, 2016, from).where,
-        &affected))
-        << t.db().errorDescription().toStdString();
-    EXPECT_EQ(affected, 4);
-    EXPECT_EQ(t.count(db), 3);
 }
