@@ -161,6 +161,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
         ASSERT_FALSE(script->messages.isEmpty());
         const Message& question = script->messages.first();
         EXPECT_EQ(question.text, QStringLiteral("Datoteka: %1 već postoji. Želite li je prepisati?").arg(path));
+        EXPECT_EQ(question.title, "Prebacivanje podataka u CSV datoteku");
         EXPECT_EQ(question.icon, Icon::Question);
         EXPECT_EQ(question.buttons, Buttons::YesNo);
         EXPECT_EQ(script->messages.size(), answer == Answer::No ? 1 : 2);
