@@ -187,34 +187,6 @@ TEST(ReportQueries, TheBookACommandReads)
 }
 
 // One row per kind in the order of the kinds, with the kind's name and its sums.
-TEST(ReportQueries, RecapitulationGroupsByKind)
-{
-    test::TestDatabase t;
-    for (const auto& [rbroj, vrsta, iznos, pdv] : { std::array { 1, 11, 117, 17 }, { 2, 11, 3, 0 }, { 3, 17, 500, 0 } })
-        t.insert("dbo.KnjPrihRashFBiH", { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", QDate(2016, 1, 10) },
-                                           { "GodinaKnj", 2016 }, { "Vrsta", vrsta }, { "Iznos", test::money(iznos) },
-                                           { "IznosPDV", test::money(pdv) } });
-    const QString sql = recapitulationSql(QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Datum>='01.01.2016' AND "
-                                                         "K.GodinaKnj=2016"));
-    EXPECT_EQ(sql,
-        "SELECT TOP 100 PERCENT K.Vrsta,CASE K.Vrsta WHEN 11 THEN 'Prihod u gotovini' WHEN 12 THEN 'Prihodi preko "
-        "bank.računa' WHEN 13 THEN 'Prihod u stvarima i usl' WHEN 16 THEN 'Rashod za nabavku rob/mat' WHEN 17 THEN "
-        "'Rashod za bruto plaće' WHEN 18 THEN 'Rashod za plaćene dop p.' WHEN 19 THEN 'Ostali rashodi' END As Naziv,"
-        "SUM(CASE WHEN K.Vrsta>=11 AND K.Vrsta<=13 THEN K.Iznos ELSE 0 END) AS Prihod,SUM(CASE WHEN K.Vrsta>=11 AND "
-        "K.Vrsta<=13 THEN K.IznosPDV ELSE 0 END) AS PDVPrihod,SUM(CASE WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.Iznos "
-        "ELSE 0 END) AS Rashod,SUM(CASE WHEN K.Vrsta>=16 AND K.Vrsta<=19 THEN K.IznosPDV ELSE 0 END) AS PDVRashod "
-        "FROM dbo.KnjPrihRashFBiH K  WHERE K.BrojPoduzeca=1 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 "
-        "GROUP BY K.Vrsta ORDER BY K.Vrsta");
-    const ResultSet rs = t.query(sql);
-    ASSERT_EQ(rs.rowCount(), 2);
-    EXPECT_EQ(rs.text(0, 1), QStringLiteral("Prihod u gotovini"));
-    EXPECT_EQ(rs.money(0, 2), Money::fromWhole(120));
-    EXPECT_EQ(rs.money(0, 3), Money::fromWhole(17));
-    EXPECT_EQ(rs.text(1, 1), QStringLiteral("Rashod za bruto plaće"));
-    EXPECT_EQ(rs.money(1, 4), Money::fromWhole(500));
-    EXPECT_EQ(rs.field(5).type, FieldType::Currency);
-}
-
 TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
 {
     ResultSet full({ { "NazivFirme", FieldType::Text }, { "Adresa", FieldType::Text }, { "PostBroj", FieldType::Text },

@@ -133,25 +133,6 @@ TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
     EXPECT_EQ(insert.values, (QVariantList { 3, QStringLiteral("Pazar") }));
 }
 
-TEST(Interaction, ScriptRecordsMessagesAndAnswersQuestionsInTurn)
-{
-    ScopedScript script;
-    script->answers.enqueue(Answer::No);
-    warn(QStringLiteral("Mora se upisati isprava !"));
-    EXPECT_FALSE(askYesNo(QStringLiteral("Želite li?"), QStringLiteral("Renumeracija")));
-    // With the script run dry the question takes its default button.
-    EXPECT_FALSE(askYesNo(QStringLiteral("Obrisati?"), {}, Answer::No));
-    EXPECT_TRUE(askYesNo(QStringLiteral("Nastaviti?")));
-
-    ASSERT_EQ(script->messages.size(), 4);
-    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
-    EXPECT_EQ(script->messages[0].buttons, Buttons::Ok);
-    EXPECT_EQ(script->messages[1].title, QStringLiteral("Renumeracija"));
-    EXPECT_EQ(script->messages[1].icon, Icon::Question);
-    EXPECT_EQ(script->messages[1].buttons, Buttons::YesNo);
-    EXPECT_EQ(script->texts().last(), QStringLiteral("Nastaviti?"));
-}
-
 TEST(Settings, FlagsAreTrueFalseTextsEachApplicationKeepsItsOwnAndTheRegistryCutsLongValues)
 {
     test::clearSettings();

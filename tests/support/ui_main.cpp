@@ -7,9 +7,7 @@
 
 int main(int argc, char** argv)
 {
-    // Pictures may be drawn on a real display server (xvfb-run) instead.
-    if (qEnvironmentVariableIsEmpty("KNJIGE_KEEP_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     knjige::test::sandboxSettings();
     // The windows are tried as on the workstations they are made for, whatever the

@@ -1,7 +1,7 @@
 // The generator as the operator meets it: opened from the DB book's menu, its
 // captions, labels, fields and defaults per kind, a run that the browser shows after
 // it closes, the remembered source, and the source password that is asked, never
-// written to the settings. With KNJIGE_SCREENSHOT_DIR set it also draws the pictures.
+// written to the settings.
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "generate/DemoSources.h"
@@ -159,33 +159,4 @@ TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSetti
     d.dpDatum->setDate(QDate(2016, 4, 1));
     d.OKButton->click();
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Prvi datum veći od drugog!") });
-}
-
-TEST_F(GenerateDialog, Screenshots)
-{
-    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
-    if (dir.isEmpty())
-        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the pictures";
-    QDir().mkpath(dir);
-    for (int vrsta : { gen::DgpRacuni, gen::UlazniRacuni, gen::PosOtpremnice }) {
-        frmGenPrihRashDB d;
-        d.setVrsta(vrsta);
-        fillMarch(d);
-        d.show();
-        d.adjustSize();
-        QApplication::processEvents();
-        EXPECT_TRUE(d.grab().save(dir + QStringLiteral("/generator-%1.png").arg(vrsta)));
-    }
-    auto w = open(Knjiga::PrihRashDB);
-    script->onDialog = [&](QDialog& dialog) {
-        auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
-        fillMarch(d);
-        d.OKButton->click();
-        return d.result();
-    };
-    w->menuItem("mnuGenDGP_0")->trigger();
-    w->resize(1240, 520);
-    w->postaviTrenutniRed(w->rsStavke().rowCount() - 1);
-    QApplication::processEvents();
-    EXPECT_TRUE(w->grab().save(dir + QStringLiteral("/browser-109-generirano.png")));
 }

@@ -161,6 +161,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
         ASSERT_FALSE(script->messages.isEmpty());
         const Message& question = script->messages.first();
         EXPECT_EQ(question.text, QStringLiteral("Datoteka: %1 već postoji. Želite li je prepisati?").arg(path));
+        EXPECT_EQ(question.title, "Prebacivanje podataka u CSV datoteku");
         EXPECT_EQ(question.icon, Icon::Question);
         EXPECT_EQ(question.buttons, Buttons::YesNo);
         EXPECT_EQ(script->messages.size(), answer == Answer::No ? 1 : 2);
@@ -254,25 +255,6 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
         EXPECT_EQ(f.txtDecTočka->text(), ".");
         EXPECT_EQ(f.cmbKodiranje->currentData().toString(), "utf-8");
         EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
-    });
-}
-
-// The dialog on the demo data, for the documentation: runs only when
-// KNJIGE_SCREENSHOT_DIR names the folder to write to.
-TEST_F(OfficeExportTest, ScreenshotOfTheDialog)
-{
-    const QString dir = qEnvironmentVariable("KNJIGE_SCREENSHOT_DIR");
-    if (dir.isEmpty())
-        GTEST_SKIP() << "set KNJIGE_SCREENSHOT_DIR to write the picture";
-    ASSERT_TRUE(fillDemo(db->db(), 2016));
-    settings::setText("Arbosa", "Settings", "ExpNazivDat", "/home/amra/Dokumenti/Export.csv");
-    auto w = open(96);
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
-        f.show();
-        f.adjustSize();
-        QApplication::processEvents();
-        EXPECT_TRUE(f.grab().save(dir + QStringLiteral("/export-dialog.png")));
-        f.hide();
     });
 }
 
