@@ -63,8 +63,9 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckAndTheNextYearItsOwn)
             EXPECT_GE(t.query(browserSql(book, year, shop)).rowCount(), 5) << book.code << " shop " << shop;
         const bool nextYear = book.code == Knjiga::PrihRashFBiH || book.code == Knjiga::PrometaFBiH;
         for (int y = year; y <= year + (nextYear ? 1 : 0); ++y) {
-            if (y > year)
+            if (y > year) {
                 EXPECT_GE(t.query(browserSql(book, y)).rowCount(), 1) << book.code;
+            }
             const auto report = bookcheck::check(t.db(), { book.code, demo::BrojPoduzeca, qint16(y), 0 });
             EXPECT_EQ(report.status, bookcheck::Report::Status::Clean) << book.code << " " << y << "\n"
                                                                        << report.text.toStdString();
