@@ -11,14 +11,15 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <memory>
 #include <sqlite3.h>
 
-namespace knjige::bench {
-namespace {
+namespace knjige::bench
+{
+namespace
+{
 
 void fill(const QString& path)
 {
@@ -31,11 +32,11 @@ void fill(const QString& path)
         QSqlQuery q(db);
         q.prepare(QStringLiteral("INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
                                  "Iznos,IznosPDV) VALUES (1,?,?,?,?,?,?,?,?)"));
-        const int kinds[] = {11, 12, 13, 16, 17, 18, 19};
+        const int kinds[] = { 11, 12, 13, 16, 17, 18, 19 };
         // Descriptions with the letters the collation places: Č, Ć, Đ, Š, Ž.
-        const QString words[] = {QStringLiteral("Šećer"), QStringLiteral("Čelik"), QStringLiteral("cement"),
-                                 QStringLiteral("Ćevapi"), QStringLiteral("Đurđa"), QStringLiteral("Žito"),
-                                 QStringLiteral("Sol"), QStringLiteral("zebra"), QStringLiteral("Dalmacija")};
+        const QString words[] = { QStringLiteral("Šećer"), QStringLiteral("Čelik"), QStringLiteral("cement"),
+            QStringLiteral("Ćevapi"), QStringLiteral("Đurđa"), QStringLiteral("Žito"), QStringLiteral("Sol"),
+            QStringLiteral("zebra"), QStringLiteral("Dalmacija") };
         for (int i = 1; i <= kEntries; ++i) {
             const QDate d = QDate(kYear, 1, 1).addDays(i % 365);
             const double iznos = double((i * 7919) % 1000000) / 100.0;
@@ -89,7 +90,6 @@ BookFile& book()
     return *file;
 }
 
-
 PlainFetch::PlainFetch()
 {
     const QByteArray path = book().path.toUtf8();
@@ -99,7 +99,10 @@ PlainFetch::PlainFetch()
     m_sql = book().sqlite.toUtf8();
 }
 
-PlainFetch::~PlainFetch() { sqlite3_close(m_db); }
+PlainFetch::~PlainFetch()
+{
+    sqlite3_close(m_db);
+}
 
 int PlainFetch::run()
 {
@@ -114,13 +117,18 @@ int PlainFetch::run()
     while (sqlite3_step(st) == SQLITE_ROW) {
         for (int c = 0; c < columns; ++c) {
             switch (sqlite3_column_type(st, c)) {
-            case SQLITE_INTEGER: seen += sqlite3_column_int64(st, c); break;
-            case SQLITE_FLOAT: seen += qint64(sqlite3_column_double(st, c)); break;
+            case SQLITE_INTEGER:
+                seen += sqlite3_column_int64(st, c);
+                break;
+            case SQLITE_FLOAT:
+                seen += qint64(sqlite3_column_double(st, c));
+                break;
             case SQLITE_TEXT:
                 benchmark::DoNotOptimize(sqlite3_column_text(st, c));
                 seen += sqlite3_column_bytes(st, c);
                 break;
-            default: break;
+            default:
+                break;
             }
         }
         ++rows;

@@ -5,12 +5,12 @@
 #include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
-
 #include <chrono>
 
 struct sqlite3;
 
-namespace knjige::bench {
+namespace knjige::bench
+{
 
 constexpr int kEntries = 100000;
 constexpr int kYear = 2016;
@@ -18,8 +18,8 @@ constexpr int kYear = 2016;
 struct BookFile {
     QTemporaryDir dir;
     QString path;
-    QString tsql;     // the browser's opening query as the system writes it
-    QString sqlite;   // the same query as the embedded database runs it
+    QString tsql; // the browser's opening query as the system writes it
+    QString sqlite; // the same query as the embedded database runs it
 };
 
 // Made on first use; the session then points at it (company 1, year 2016, level "0").
@@ -34,7 +34,8 @@ inline double seconds(std::chrono::steady_clock::time_point since)
 // The yardstick: SQLite's own API on an open connection to book(), every column of
 // every row of its opening query read once in its stored type, nothing kept. What any
 // grid must at least do.
-class PlainFetch {
+class PlainFetch
+{
 public:
     PlainFetch();
     ~PlainFetch();

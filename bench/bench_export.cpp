@@ -15,15 +15,14 @@
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
-
 #include <benchmark/benchmark.h>
-
 #include <chrono>
 
 using namespace knjige;
 using namespace knjige::bench;
 
-namespace {
+namespace
+{
 
 // Runs a program with its standard output going to `out`; false unless it ends well.
 bool run(const QString& program, const QStringList& arguments, const QString& out = {})
@@ -59,11 +58,10 @@ void BM_ExportAgainstSqliteShell(benchmark::State& state)
     const QString shellOut = b.dir.filePath(QStringLiteral("shell.csv"));
     const QString ours = b.dir.filePath(QStringLiteral("export.csv"));
     const QString command = b.dir.filePath(QStringLiteral("command.csv"));
-    const QStringList shellArgs = {QStringLiteral("-csv"), QStringLiteral("-header"), b.path, b.sqlite};
-    const QStringList commandArgs = {QStringLiteral("export"), QStringLiteral("96"), QStringLiteral("--db"), b.path,
-                                     QStringLiteral("--company"), QStringLiteral("1"), QStringLiteral("--year"),
-                                     QString::number(kYear), QStringLiteral("--out"), command,
-                                     QStringLiteral("--quote"), QStringLiteral("--force")};
+    const QStringList shellArgs = { QStringLiteral("-csv"), QStringLiteral("-header"), b.path, b.sqlite };
+    const QStringList commandArgs = { QStringLiteral("export"), QStringLiteral("96"), QStringLiteral("--db"), b.path,
+        QStringLiteral("--company"), QStringLiteral("1"), QStringLiteral("--year"), QString::number(kYear),
+        QStringLiteral("--out"), command, QStringLiteral("--quote"), QStringLiteral("--force") };
     double shellTime = 0, exportTime = 0, writeTime = 0, commandTime = 0;
     qint64 rows = 0;
     for (auto _ : state) {

@@ -6,7 +6,6 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-
 #include <benchmark/benchmark.h>
 
 int main(int argc, char** argv)

@@ -14,22 +14,23 @@
 #include "session/TSqlFunctions.h"
 
 #include <QApplication>
-
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
-
 #include <chrono>
 #include <cstdio>
 #include <memory>
+#include <sqlite3.h>
 
 using namespace knjige;
 using namespace knjige::bench;
 
-namespace {
-
+namespace
+{
 
 // Lets the window lay out and paint what a first look at it shows.
-void settle() { QApplication::processEvents(); }
+void settle()
+{
+    QApplication::processEvents();
+}
 
 std::unique_ptr<frmSifarnikKnj> openWindow()
 {
@@ -168,8 +169,9 @@ void BM_TextFilterAgainstSqliteOwn(benchmark::State& state)
 {
     book();
     const bool like = state.range(0) == 0;
-    const QString tsql = like ? QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis LIKE N'%šeć%'")
-                              : QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis=N'šećer stavka 279'");
+    const QString tsql = like
+        ? QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis LIKE N'%šeć%'")
+        : QStringLiteral("SELECT K.RBroj FROM dbo.KnjPrihRashFBiH K WHERE K.Opis=N'šećer stavka 279'");
     const QByteArray own = like ? QByteArray("SELECT RBroj FROM KnjPrihRashFBiH WHERE Opis LIKE '%šeć%'")
                                 : QByteArray("SELECT RBroj FROM KnjPrihRashFBiH WHERE Opis='Šećer stavka 279'");
     sqlite3* db = nullptr;

@@ -7,15 +7,14 @@
 // of an embedded database file (`knjige init --demo --db books.db` makes one). CLASS is
 // a book class name, clsKnjPrihRashFBiH when absent. With --picture the window is drawn
 // into FILE.png and closed, so the example also runs unattended.
-#include <knjige/BookClasses.h>
-
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
-
 #include <cstdio>
+#include <knjige/BookClasses.h>
 
-namespace {
+namespace
+{
 
 // Draws the book's window once it is on screen, then closes it, which ends Show.
 void pictureAndClose(const QString& file)
@@ -43,8 +42,9 @@ int main(int argc, char** argv)
         args.remove(at, 2);
     }
     if (args.size() < 3) {
-        std::fprintf(stderr, "Usage: knjige_host_example CONNECTION COMPANY YEAR [CLASS] [--picture FILE.png]\n"
-                             "Classes:\n");
+        std::fprintf(stderr,
+            "Usage: knjige_host_example CONNECTION COMPANY YEAR [CLASS] [--picture FILE.png]\n"
+            "Classes:\n");
         for (const QString& id : knjige::bookObjectIds())
             std::fprintf(stderr, "  %s\n", qPrintable(id.section(u'.', 1)));
         return 2;

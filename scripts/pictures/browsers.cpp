@@ -1,7 +1,6 @@
 // Every book's browser, every record editor in each mode, the renumbering questions
 // and a book before and after renumbering, on the demonstration company.
 #include "Pictures.h"
-
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "editors/widgets/RecordEditor.h"

@@ -3,7 +3,6 @@
 // Groups: browsers, editors (drawn offscreen), renumbering, generator, export, print
 // (drawn on a display server). Asserts nothing; it stops at the first failed group.
 #include "Pictures.h"
-
 #include "books/DemoData.h"
 #include "books/Schema.h"
 #include "session/HostServices.h"
@@ -18,7 +17,6 @@
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTextStream>
-
 #include <map>
 
 namespace knjige::pictures
@@ -33,9 +31,15 @@ QTemporaryDir& work()
     return dir;
 }
 
-QString settingsDir() { return work().path() + QStringLiteral("/settings"); }
+QString settingsDir()
+{
+    return work().path() + QStringLiteral("/settings");
+}
 
-void tell(const QString& text) { QTextStream(stderr) << text << '\n'; }
+void tell(const QString& text)
+{
+    QTextStream(stderr) << text << '\n';
+}
 
 } // namespace
 
@@ -45,7 +49,10 @@ Answer Answering::show(const Message& message)
     return message.defaultAnswer;
 }
 
-int Answering::exec(QDialog& dialog) { return onDialog ? onDialog(dialog) : int(QDialog::Rejected); }
+int Answering::exec(QDialog& dialog)
+{
+    return onDialog ? onDialog(dialog) : int(QDialog::Rejected);
+}
 
 Scene::Scene(const QString& out)
     : m_out(out)
@@ -93,7 +100,10 @@ bool Scene::exec(const QString& tsql)
     return check(session().db().execute(tsql), tsql + QStringLiteral(" -> ") + session().db().errorDescription());
 }
 
-QString Scene::file(const QString& name) const { return QDir(m_out).filePath(name); }
+QString Scene::file(const QString& name) const
+{
+    return QDir(m_out).filePath(name);
+}
 
 bool Scene::save(const QPixmap& picture, const QString& name)
 {
@@ -127,8 +137,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     const std::map<QString, void (*)(Scene&)> groups = { { "browsers", browsers }, { "editors", editors },
-        { "renumbering", renumbering }, { "generator", generator }, { "export", exportDialog },
-        { "print", printing } };
+        { "renumbering", renumbering }, { "generator", generator }, { "export", exportDialog }, { "print", printing } };
     if (args.size() < 2) {
         tell(QStringLiteral("usage: knjige_pictures <folder> browsers|editors|renumbering|generator|export|print..."));
         return 2;

@@ -1,7 +1,6 @@
 // The generator of the DB book, the export dialog and the print previews, drawn on a
 // display server.
 #include "Pictures.h"
-
 #include "books/BookKind.h"
 #include "books/DemoData.h"
 #include "browser/widgets/BrowserPrint.h"

@@ -3,11 +3,13 @@
 #include <QString>
 #include <QVector>
 
-namespace knjige {
+namespace knjige
+{
 
 // The book kind: the code every part of the system switches on. The values are not
 // contiguous and must stay exactly these; windows, editors and reports test them.
-namespace Knjiga {
+namespace Knjiga
+{
 enum Kod : qint16 {
     PrihRashFBiH = 96,
     EvidPotObvFBiH = 97,
@@ -32,11 +34,11 @@ struct EntryKind {
 
 struct BookKind {
     qint16 code;
-    QString className;      // the public entry class, "clsKnjPrihRashFBiH"
-    QString caption;        // window caption and settings application name
-    QString table;          // "dbo.KnjPrihRashFBiH"
-    QString editor;         // the record editor's form name
-    QString selectSql;      // the browser's fixed SELECT, to which WHERE and ORDER BY are added
+    QString className; // the public entry class, "clsKnjPrihRashFBiH"
+    QString caption; // window caption and settings application name
+    QString table; // "dbo.KnjPrihRashFBiH"
+    QString editor; // the record editor's form name
+    QString selectSql; // the browser's fixed SELECT, to which WHERE and ORDER BY are added
     QVector<EntryKind> entryKinds;
 };
 
@@ -50,9 +52,9 @@ const BookKind* findBookByClass(const QString& className);
 // ("ArbosaPOSKnjige17.clsKnjPrihRashFBiH"); nullptr for anything else.
 const BookKind* findBookByName(const QString& name);
 
-bool isTradeBook(int code);      // 125, 126: kept per sales point
-bool isAssetList(int code);      // 101, 105
-bool isIncomeExpense(int code);  // 96, 109
+bool isTradeBook(int code); // 125, 126: kept per sales point
+bool isAssetList(int code); // 101, 105
+bool isIncomeExpense(int code); // 96, 109
 
 // The text of an entry kind; empty for a code outside the book's list.
 QString entryKindText(int bookCode, int entryKind);

@@ -9,25 +9,30 @@
 #include <QHash>
 #include <QRegularExpression>
 
-static void initSchemaResource() { Q_INIT_RESOURCE(schema); }
+static void initSchemaResource()
+{
+    Q_INIT_RESOURCE(schema);
+}
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // The embedded database numbers new asset rows with a trigger of its own dialect; the
 // script's T-SQL trigger does the same on SQL Server. Here each row takes the next
 // number as it is inserted, and the opening state's INSERT ... SELECT inserts in the
 // order it reads the year before: by the index on company, year and RBroj, so in the
 // order of the old numbers (a test holds this).
-const char* const kSqliteAssetTrigger =
-    "CREATE TRIGGER KnjPopListaDugImovFBiH_RBroj AFTER INSERT ON KnjPopListaDugImovFBiH\n"
-    "FOR EACH ROW WHEN NEW.RBroj IS NULL\n"
-    "BEGIN\n"
-    "    UPDATE KnjPopListaDugImovFBiH SET RBroj = (SELECT IFNULL(MAX(K.RBroj), 0) + 1\n"
-    "        FROM KnjPopListaDugImovFBiH K\n"
-    "        WHERE K.BrojPoduzeca = NEW.BrojPoduzeca AND K.GodinaKnj = NEW.GodinaKnj)\n"
-    "    WHERE rowid = NEW.rowid;\n"
-    "END";
+const char* const kSqliteAssetTrigger
+    = "CREATE TRIGGER KnjPopListaDugImovFBiH_RBroj AFTER INSERT ON KnjPopListaDugImovFBiH\n"
+      "FOR EACH ROW WHEN NEW.RBroj IS NULL\n"
+      "BEGIN\n"
+      "    UPDATE KnjPopListaDugImovFBiH SET RBroj = (SELECT IFNULL(MAX(K.RBroj), 0) + 1\n"
+      "        FROM KnjPopListaDugImovFBiH K\n"
+      "        WHERE K.BrojPoduzeca = NEW.BrojPoduzeca AND K.GodinaKnj = NEW.GodinaKnj)\n"
+      "    WHERE rowid = NEW.rowid;\n"
+      "END";
 
 QString scriptText()
 {
@@ -40,8 +45,8 @@ QString scriptText()
 
 bool isTrigger(const QString& batch)
 {
-    static const QRegularExpression re(QStringLiteral("^\\s*(--[^\\n]*\\n\\s*)*CREATE\\s+TRIGGER\\b"),
-                                       QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression re(
+        QStringLiteral("^\\s*(--[^\\n]*\\n\\s*)*CREATE\\s+TRIGGER\\b"), QRegularExpression::CaseInsensitiveOption);
     return re.match(batch).hasMatch();
 }
 
@@ -59,12 +64,15 @@ const QHash<QString, tsql::TableDef>& tables()
 
 } // namespace
 
-QStringList schemaStatements() { return scriptStatements(scriptText()); }
+QStringList schemaStatements()
+{
+    return scriptStatements(scriptText());
+}
 
 QStringList scriptStatements(const QString& script)
 {
     static const QRegularExpression go(QStringLiteral("^\\s*GO\\s*$"),
-                                       QRegularExpression::CaseInsensitiveOption | QRegularExpression::MultilineOption);
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::MultilineOption);
     QStringList out;
     for (const QString& batch : script.split(go)) {
         QString text = batch.trimmed();

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige {
+namespace knjige
+{
 
 class Database;
 

@@ -10,39 +10,54 @@
 #include <array>
 #include <numeric>
 
-namespace knjige {
+namespace knjige
+{
 
 QVector<TotalsColumn> totalsColumns(int bookKind)
 {
     switch (bookKind) {
     case Knjiga::PrihRashFBiH:
-    case Knjiga::PrihRashDB: return {{8, true}, {9, false}, {10, false}, {11, false}};
+    case Knjiga::PrihRashDB:
+        return { { 8, true }, { 9, false }, { 10, false }, { 11, false } };
     case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS: return {{8, true}, {9, true}, {10, true}, {11, true}};
-    case Knjiga::PrometaFBiH: return {{6, true}, {7, true}};
-    case Knjiga::PrometaRS: return {{7, true}, {8, true}};
+    case Knjiga::EvidPotObvRS:
+        return { { 8, true }, { 9, true }, { 10, true }, { 11, true } };
+    case Knjiga::PrometaFBiH:
+        return { { 6, true }, { 7, true } };
+    case Knjiga::PrometaRS:
+        return { { 7, true }, { 8, true } };
     case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS: return {{5, true}, {6, false}};
+    case Knjiga::RashodaRS:
+        return { { 5, true }, { 6, false } };
     // The rate column StopaAm is summed too: a sum of percentages the design keeps.
     case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH: return {{5, true}, {6, false}, {8, false}, {9, false}, {10, false}};
-    case Knjiga::TrgUsluga: return {{5, true}};
-    case Knjiga::TrgKomisiona: return {{5, true}, {6, true}};
-    default: return {};
+    case Knjiga::PopListaFBiH:
+        return { { 5, true }, { 6, false }, { 8, false }, { 9, false }, { 10, false } };
+    case Knjiga::TrgUsluga:
+        return { { 5, true } };
+    case Knjiga::TrgKomisiona:
+        return { { 5, true }, { 6, true } };
+    default:
+        return {};
     }
 }
 
-namespace {
+namespace
+{
 
 QString formatOf(FieldType type)
 {
     switch (type) {
     case FieldType::Currency:
     case FieldType::Decimal:
-    case FieldType::Float: return QStringLiteral("#,##0.00");
-    case FieldType::Integer: return QStringLiteral("#,##0");
-    case FieldType::Date: return QStringLiteral("dd.MM.yy");
-    default: return {};
+    case FieldType::Float:
+        return QStringLiteral("#,##0.00");
+    case FieldType::Integer:
+        return QStringLiteral("#,##0");
+    case FieldType::Date:
+        return QStringLiteral("dd.MM.yy");
+    default:
+        return {};
     }
 }
 
@@ -52,9 +67,12 @@ Qt::Alignment alignmentOf(FieldType type)
     case FieldType::Currency:
     case FieldType::Decimal:
     case FieldType::Float:
-    case FieldType::Integer: return Qt::AlignRight | Qt::AlignVCenter;
-    case FieldType::Boolean: return Qt::AlignCenter;
-    default: return Qt::AlignLeft | Qt::AlignVCenter;
+    case FieldType::Integer:
+        return Qt::AlignRight | Qt::AlignVCenter;
+    case FieldType::Boolean:
+        return Qt::AlignCenter;
+    default:
+        return Qt::AlignLeft | Qt::AlignVCenter;
     }
 }
 
@@ -62,9 +80,15 @@ const QString kUkupno = QStringLiteral("Ukupno:");
 
 } // namespace
 
-QString formatMoney(Money value, const QLocale& locale) { return amountDisplay(value, locale); }
+QString formatMoney(Money value, const QLocale& locale)
+{
+    return amountDisplay(value, locale);
+}
 
-QString formatWhole(qint64 value, const QLocale& locale) { return wholeDisplay(value, locale); }
+QString formatWhole(qint64 value, const QLocale& locale)
+{
+    return wholeDisplay(value, locale);
+}
 
 QString formatValue(const ResultSet& rs, int row, int column, const QLocale& locale)
 {
@@ -73,11 +97,16 @@ QString formatValue(const ResultSet& rs, int row, int column, const QLocale& loc
     switch (rs.field(column).type) {
     case FieldType::Currency:
     case FieldType::Decimal:
-    case FieldType::Float: return formatMoney(rs.money(row, column), locale);
-    case FieldType::Integer: return formatWhole(rs.integer(row, column), locale);
-    case FieldType::Date: return dates::display(rs.date(row, column));
-    case FieldType::Boolean: return {};
-    case FieldType::Text: return rs.text(row, column);
+    case FieldType::Float:
+        return formatMoney(rs.money(row, column), locale);
+    case FieldType::Integer:
+        return formatWhole(rs.integer(row, column), locale);
+    case FieldType::Date:
+        return dates::display(rs.date(row, column));
+    case FieldType::Boolean:
+        return {};
+    case FieldType::Text:
+        return rs.text(row, column);
     }
     return {};
 }
@@ -101,7 +130,7 @@ void BookModel::setLocale(const QLocale& locale)
 {
     m_locale = locale;
     if (rowCount() > 0)
-        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), { Qt::DisplayRole });
 }
 
 void BookModel::setResultSet(ResultSet rows)
@@ -127,7 +156,10 @@ int BookModel::dataRow(int modelRow) const
     return r >= 0 && r < m_rows.rowCount() ? r : -1;
 }
 
-int BookModel::modelRow(int dataRow) const { return m_totalsShown ? dataRow + 1 : dataRow; }
+int BookModel::modelRow(int dataRow) const
+{
+    return m_totalsShown ? dataRow + 1 : dataRow;
+}
 
 std::optional<Money> BookModel::total(int gridColumn) const
 {
@@ -173,12 +205,13 @@ BookModel::SortKey BookModel::parseSort(const QString& expression) const
     return key;
 }
 
-namespace {
+namespace
+{
 
 // Orders row numbers by one column: NULL before any value, ties in query order.
 template <class Key, class Compare>
 void orderRows(std::vector<int>& order, const std::vector<Key>& keys, const std::vector<quint8>& nulls,
-               const std::vector<int>& load, bool descending, Compare compare)
+    const std::vector<int>& load, bool descending, Compare compare)
 {
     std::sort(order.begin(), order.end(), [&](int a, int b) {
         int c = 0;
@@ -192,8 +225,7 @@ void orderRows(std::vector<int>& order, const std::vector<Key>& keys, const std:
     });
 }
 
-template <class T>
-int threeWay(const T& a, const T& b)
+template <class T> int threeWay(const T& a, const T& b)
 {
     return a < b ? -1 : (b < a ? 1 : 0);
 }
@@ -235,8 +267,8 @@ void BookModel::applySort()
             for (int r = 0; r < n; ++r)
                 rowAt[m_loadOrder[r]] = r;
             order.clear();
-            for (const std::vector<int>* part : key.descending ? std::array{&positions, &nullRows}
-                                                               : std::array{&nullRows, &positions})
+            for (const std::vector<int>* part :
+                key.descending ? std::array { &positions, &nullRows } : std::array { &nullRows, &positions })
                 for (int p : *part)
                     order.push_back(rowAt[p]);
             break;
@@ -357,14 +389,20 @@ QVariant BookModel::totalsData(int column, int role) const
         if (!sum)
             return {};
         return type == FieldType::Integer && !sum->isOutOfRange() ? formatWhole(sum->units() / Money::Scale, m_locale)
-                                          : formatMoney(*sum, m_locale);
+                                                                  : formatMoney(*sum, m_locale);
     // A sum out of the money's range has no number; its text says so.
-    case ValueRole: return sum && !sum->isOutOfRange() ? QVariant(sum->toDouble()) : QVariant();
-    case FormatRole: return sum ? QVariant(formatOf(type == FieldType::Integer ? type : FieldType::Currency)) : QVariant();
-    case Qt::TextAlignmentRole: return QVariant::fromValue(alignmentOf(sum ? FieldType::Currency : type));
-    case BoldRole: return bool(m_totalsBold[column]);
-    case TotalsRowRole: return true;
-    default: return {};
+    case ValueRole:
+        return sum && !sum->isOutOfRange() ? QVariant(sum->toDouble()) : QVariant();
+    case FormatRole:
+        return sum ? QVariant(formatOf(type == FieldType::Integer ? type : FieldType::Currency)) : QVariant();
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(alignmentOf(sum ? FieldType::Currency : type));
+    case BoldRole:
+        return bool(m_totalsBold[column]);
+    case TotalsRowRole:
+        return true;
+    default:
+        return {};
     }
 }
 
@@ -372,7 +410,8 @@ QVariant BookModel::entryData(int row, int column, int role) const
 {
     const FieldType type = m_rows.field(column).type;
     switch (role) {
-    case Qt::DisplayRole: return formatValue(m_rows, row, column, m_locale);
+    case Qt::DisplayRole:
+        return formatValue(m_rows, row, column, m_locale);
     case Qt::CheckStateRole:
         if (type != FieldType::Boolean)
             return {};
@@ -383,11 +422,15 @@ QVariant BookModel::entryData(int row, int column, int role) const
         const QVariant v = m_rows.value(row, column);
         return v.typeId() == QMetaType::LongLong ? QVariant(v.toLongLong()) : v;
     }
-    case FormatRole: return formatOf(type);
-    case Qt::TextAlignmentRole: return QVariant::fromValue(alignmentOf(type));
+    case FormatRole:
+        return formatOf(type);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(alignmentOf(type));
     case BoldRole:
-    case TotalsRowRole: return false;
-    default: return {};
+    case TotalsRowRole:
+        return false;
+    default:
+        return {};
     }
 }
 
@@ -413,10 +456,13 @@ QVariant BookModel::headerData(int section, Qt::Orientation orientation, int rol
     if (!isTotalsRow(section))
         return {};
     switch (role) {
-    case Qt::DisplayRole: return kUkupno;
+    case Qt::DisplayRole:
+        return kUkupno;
     case BoldRole:
-    case TotalsRowRole: return true;
-    default: return {};
+    case TotalsRowRole:
+        return true;
+    default:
+        return {};
     }
 }
 

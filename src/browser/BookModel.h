@@ -6,12 +6,12 @@
 #include <QAbstractTableModel>
 #include <QLocale>
 #include <QVector>
-
 #include <memory>
 #include <optional>
 #include <vector>
 
-namespace knjige {
+namespace knjige
+{
 
 class TextSortKeys;
 
@@ -45,7 +45,8 @@ QString formatWhole(qint64 value, const QLocale& locale);
 // DESC"); an empty expression keeps the order of the query. Sorting is stable with
 // respect to that order, whatever sorts came before. Texts sort in the Bosnian
 // alphabet's order with letter case ignored, NULL before any value.
-class BookModel : public QAbstractTableModel {
+class BookModel : public QAbstractTableModel
+{
     Q_OBJECT
 public:
     // The cell's typed value: qlonglong, double (amounts), QDate, QString or bool.
@@ -119,14 +120,14 @@ private:
     int m_bookKind = 0;
     QLocale m_locale;
     ResultSet m_rows;
-    std::vector<int> m_loadOrder;   // position of each row in the query's own order
+    std::vector<int> m_loadOrder; // position of each row in the query's own order
     // The sort keys of each text column sorted since the load, by position in the
     // query's order: a second click or a refresh's re-sort does not make them again.
     std::vector<std::shared_ptr<const TextSortKeys>> m_textKeys;
     QString m_sort;
     QVector<TotalsColumn> m_totalsLayout;
-    std::vector<std::optional<Money>> m_totals;   // per field
-    std::vector<bool> m_totalsBold;               // per field
+    std::vector<std::optional<Money>> m_totals; // per field
+    std::vector<bool> m_totalsBold; // per field
     bool m_totalsShown = false;
 };
 

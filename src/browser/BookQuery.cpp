@@ -2,7 +2,8 @@
 
 #include "books/BookKind.h"
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 BookQuery openingQuery(int bookKind, qint16 company, qint16 year)
 {
@@ -26,8 +27,8 @@ void applyFilter(BookQuery& query, const FilterState& filter)
         query.filter.salesPoint = remembered;
 }
 
-BookQuery commandQuery(int bookKind, qint16 company, qint16 year,
-    const std::optional<std::pair<QDate, QDate>>& period, qint32 salesPoint, const QString& salesPointName)
+BookQuery commandQuery(int bookKind, qint16 company, qint16 year, const std::optional<std::pair<QDate, QDate>>& period,
+    qint32 salesPoint, const QString& salesPointName)
 {
     BookQuery q = openingQuery(bookKind, company, year);
     const bool trade = isTradeBook(bookKind);

@@ -5,11 +5,11 @@
 
 #include <QDate>
 #include <QString>
-
 #include <optional>
 #include <utility>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 // What selects one book's rows, from the window that shows them to the paper, the file
 // and the checks they go to: the window owns one and hands it on; the commands build
@@ -46,8 +46,7 @@ void applyFilter(BookQuery& query, const FilterState& filter);
 // The book a command names: as it opens without a period or a sales point; otherwise
 // what the filter form gives with the period checked (when there is one) and, in a
 // trade book, the sales point chosen, named `salesPointName`.
-BookQuery commandQuery(int bookKind, qint16 company, qint16 year,
-    const std::optional<std::pair<QDate, QDate>>& period, qint32 salesPoint = 0,
-    const QString& salesPointName = {});
+BookQuery commandQuery(int bookKind, qint16 company, qint16 year, const std::optional<std::pair<QDate, QDate>>& period,
+    qint32 salesPoint = 0, const QString& salesPointName = {});
 
 } // namespace knjige::browser

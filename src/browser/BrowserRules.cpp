@@ -5,11 +5,11 @@
 
 #include <QDir>
 #include <QFileInfo>
-
 #include <algorithm>
 #include <cmath>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 QString openingWhere(const QDate& datumOd, int godina, int brojPoduzeca)
 {
@@ -17,8 +17,14 @@ QString openingWhere(const QDate& datumOd, int godina, int brojPoduzeca)
         + QString::number(godina) + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(brojPoduzeca);
 }
 
-QDate periodStart(int godina) { return dates::parseDayFirst(QStringLiteral("01.01.") + QString::number(godina)); }
-QDate periodEnd(int godina) { return dates::parseDayFirst(QStringLiteral("31.12.") + QString::number(godina)); }
+QDate periodStart(int godina)
+{
+    return dates::parseDayFirst(QStringLiteral("01.01.") + QString::number(godina));
+}
+QDate periodEnd(int godina)
+{
+    return dates::parseDayFirst(QStringLiteral("31.12.") + QString::number(godina));
+}
 
 MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa)
 {
@@ -82,8 +88,14 @@ QString accessLevelProblem(const QString& nivoPristupa)
     return QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(nivoPristupa);
 }
 
-int twipsToPixels(int twips, int dpi) { return int(std::lround(double(twips) * dpi / 1440.0)); }
-int pixelsToTwips(int pixels, int dpi) { return int(std::lround(double(pixels) * 1440.0 / dpi)); }
+int twipsToPixels(int twips, int dpi)
+{
+    return int(std::lround(double(twips) * dpi / 1440.0));
+}
+int pixelsToTwips(int pixels, int dpi)
+{
+    return int(std::lround(double(pixels) * 1440.0 / dpi));
+}
 
 QRect onScreen(const QRect& window, const QRect& available)
 {
@@ -107,8 +119,8 @@ QString gridDumpPath()
 
 QString gridDumpMessage(const QString& path)
 {
-    QString text = QStringLiteral("Tablica je spremljena kao Excel radna knjiga u datoteku:\n")
-        + QDir::toNativeSeparators(path);
+    QString text
+        = QStringLiteral("Tablica je spremljena kao Excel radna knjiga u datoteku:\n") + QDir::toNativeSeparators(path);
     if (path.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive))
         text += QStringLiteral("\nDatoteka je u formatu .xlsx pod imenom .xls: Excel pri otvaranju pita "
                                "smije li je otvoriti, odgovorite s \"Da\".");

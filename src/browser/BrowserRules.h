@@ -4,10 +4,14 @@
 #include <QRect>
 #include <QString>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 
 // The order every book is listed in; the filter replaces only the WHERE clause.
-inline QString orderBy() { return QStringLiteral(" ORDER BY K.RBroj"); }
+inline QString orderBy()
+{
+    return QStringLiteral(" ORDER BY K.RBroj");
+}
 
 // The WHERE clause a book opens with: entries of the company booked to the year and
 // dated on or after `datumOd`. There is deliberately no upper date bound: an entry of
@@ -21,15 +25,15 @@ QDate periodEnd(int godina);
 
 // Which book-specific menu entries a kind shows once Prikaži has set them up.
 struct MenuVisibility {
-    bool rekapitulacija = false;    // mnuRekapKnjPrihRash
-    bool istaStavka = false;        // mnuIstaStavka
-    bool renumeracija = true;       // mnuRenumeracija
-    bool renumeracijaPoDat = true;  // mnuRenumeracijaPoDat
-    bool ubaciZapis = true;         // mnuUbaciZapis
-    bool pocetnoStanje = false;     // mnuPocetnoStanje
-    bool generiranje = false;       // mnuGen
-    bool uvozIzvozPod = false;      // mnuUvozIzvozPod
-    bool brisPrikPod = false;       // mnuBrisPrikPod
+    bool rekapitulacija = false; // mnuRekapKnjPrihRash
+    bool istaStavka = false; // mnuIstaStavka
+    bool renumeracija = true; // mnuRenumeracija
+    bool renumeracijaPoDat = true; // mnuRenumeracijaPoDat
+    bool ubaciZapis = true; // mnuUbaciZapis
+    bool pocetnoStanje = false; // mnuPocetnoStanje
+    bool generiranje = false; // mnuGen
+    bool uvozIzvozPod = false; // mnuUvozIzvozPod
+    bool brisPrikPod = false; // mnuBrisPrikPod
 };
 MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa);
 
@@ -61,16 +65,44 @@ QRect onScreen(const QRect& window, const QRect& available);
 // Settings of the browser. The window's own keys live under an application named
 // after the window caption, so each book remembers its own; the display options are
 // shared by all books under settings::sharedApplication().
-namespace keys {
-inline QString velNazivaSifri() { return QStringLiteral("VelNazivaSifri"); }
-inline QString postaviFilterNaPocetku() { return QStringLiteral("PostaviFilterNaPočetku"); }
-inline QString selektiranjeKretanjemMisa() { return QStringLiteral("SelektiranjeKretanjemMiša"); }
-inline QString opisiNaTipkama() { return QStringLiteral("OpisiNaTipkama"); }
-inline QString neKoristiNoviGrid() { return QStringLiteral("mnuNeKoristiNoviGrid"); }
-inline QString mainLeft() { return QStringLiteral("MainLeft"); }
-inline QString mainTop() { return QStringLiteral("MainTop"); }
-inline QString mainWidth() { return QStringLiteral("MainWidth"); }
-inline QString mainHeight() { return QStringLiteral("MainHeight"); }
+namespace keys
+{
+inline QString velNazivaSifri()
+{
+    return QStringLiteral("VelNazivaSifri");
+}
+inline QString postaviFilterNaPocetku()
+{
+    return QStringLiteral("PostaviFilterNaPočetku");
+}
+inline QString selektiranjeKretanjemMisa()
+{
+    return QStringLiteral("SelektiranjeKretanjemMiša");
+}
+inline QString opisiNaTipkama()
+{
+    return QStringLiteral("OpisiNaTipkama");
+}
+inline QString neKoristiNoviGrid()
+{
+    return QStringLiteral("mnuNeKoristiNoviGrid");
+}
+inline QString mainLeft()
+{
+    return QStringLiteral("MainLeft");
+}
+inline QString mainTop()
+{
+    return QStringLiteral("MainTop");
+}
+inline QString mainWidth()
+{
+    return QStringLiteral("MainWidth");
+}
+inline QString mainHeight()
+{
+    return QStringLiteral("MainHeight");
+}
 } // namespace keys
 
 // Defaults, in twips for the window geometry.

@@ -29,16 +29,16 @@ qint32 highestNumberIn(int tip, qint16 year)
 bool run(const QString& sql, const journal::Scope& next, QString* error)
 {
     Database& db = session().db();
-    *error = periodlock::refuseDates(db, next, { QDate(next.year, 1, 1) },
-        QStringLiteral("Početna stanja bila bi datirana %1."));
+    *error = periodlock::refuseDates(
+        db, next, { QDate(next.year, 1, 1) }, QStringLiteral("Početna stanja bila bi datirana %1."));
     if (!error->isEmpty())
         return false;
     TransactionGuard tx(db);
     const QString newYear = QStringLiteral("SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
         + QString::number(next.year) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(next.company);
     ResultSet before, after;
-    if (!tx.isActive() || !journal::ensureBaseline(db, next, error) || !db.open(newYear, before)
-        || !db.execute(sql) || !db.open(newYear, after)) {
+    if (!tx.isActive() || !journal::ensureBaseline(db, next, error) || !db.open(newYear, before) || !db.execute(sql)
+        || !db.open(newYear, after)) {
         if (error->isEmpty())
             *error = db.errorDescription();
         return false;

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige::browser {
+namespace knjige::browser
+{
 struct BookQuery;
 }
 

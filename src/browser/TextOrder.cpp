@@ -1,17 +1,17 @@
 #include "browser/TextOrder.h"
 
 #include <QLocale>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-namespace knjige {
+namespace knjige
+{
 
 QCollator textCollator()
 {
     auto make = [](QLocale::Language language) {
-        QCollator c{QLocale(language)};
+        QCollator c { QLocale(language) };
         c.setCaseSensitivity(Qt::CaseInsensitive);
         return c;
     };
@@ -26,13 +26,15 @@ QCollator textCollator()
     return make(bosnianKnown ? QLocale::Bosnian : QLocale::Croatian);
 }
 
-namespace {
+namespace
+{
 
 // The alphabet's own keys: each character (or letter of two characters, "lj") its
 // rank in the collator's order, equal for the forms that differ in case only. The
 // ranks are read off the collator, then checked against it on words that tell the
 // letters apart; where anything disagrees the collator's own keys are used.
-class Alphabet {
+class Alphabet
+{
 public:
     static const Alphabet& instance()
     {
@@ -84,20 +86,38 @@ private:
     {
         int f = 0;
         switch (first) {
-        case u'd': f = 0; break;
-        case u'D': f = 1; break;
-        case u'l': f = 2; break;
-        case u'L': f = 3; break;
-        case u'n': f = 4; break;
-        case u'N': f = 5; break;
-        default: return 0;
+        case u'd':
+            f = 0;
+            break;
+        case u'D':
+            f = 1;
+            break;
+        case u'l':
+            f = 2;
+            break;
+        case u'L':
+            f = 3;
+            break;
+        case u'n':
+            f = 4;
+            break;
+        case u'N':
+            f = 5;
+            break;
+        default:
+            return 0;
         }
         switch (second) {
-        case u'j': return 1 + f * 4;
-        case u'J': return 2 + f * 4;
-        case 0x17e: return 3 + f * 4;
-        case 0x17d: return 4 + f * 4;
-        default: return 0;
+        case u'j':
+            return 1 + f * 4;
+        case u'J':
+            return 2 + f * 4;
+        case 0x17e:
+            return 3 + f * 4;
+        case 0x17d:
+            return 4 + f * 4;
+        default:
+            return 0;
         }
     }
 
@@ -120,20 +140,20 @@ private:
         auto byOrder = [&](const QString& a, const QString& b) { return collator.compare(a, b) < 0; };
         std::stable_sort(tokens.begin(), tokens.end(), byOrder);
         QStringList pairs;
-        for (const char16_t* pair : {u"d\u017e", u"lj", u"nj"}) {
+        for (const char16_t* pair : { u"d\u017e", u"lj", u"nj" }) {
             const QString letters = QString::fromUtf16(pair);
             QStringList forms;
-            for (const QString& first : {letters.left(1), letters.left(1).toUpper()})
-                for (const QString& second : {letters.mid(1), letters.mid(1).toUpper()})
+            for (const QString& first : { letters.left(1), letters.left(1).toUpper() })
+                for (const QString& second : { letters.mid(1), letters.mid(1).toUpper() })
                     forms << first + second;
             for (const QString& form : forms) {
                 const QString one = form.left(1);
                 const auto next = std::find_if(tokens.cbegin(), tokens.cend(),
-                                               [&](const QString& t) { return collator.compare(t, form.mid(1)) > 0; });
+                    [&](const QString& t) { return collator.compare(t, form.mid(1)) > 0; });
                 const bool letter = next != tokens.cend()
                     ? collator.compare(form, one + *next) > 0
                     : std::any_of(forms.cbegin(), forms.cend(),
-                                  [&](const QString& other) { return collator.compare(form, other) > 0; });
+                        [&](const QString& other) { return collator.compare(form, other) > 0; });
                 if (letter)
                     pairs << form;
             }
@@ -158,11 +178,11 @@ private:
     // Every pair of the probe words in the same order by both.
     bool agreesWith(const QCollator& collator) const
     {
-        static const char16_t* const words[] = {u"", u" ", u"a b", u"ab", u"a-b", u"a1", u"1a", u"10", u"9",
-            u"lja", u"lk", u"lj", u"Lj", u"LJ", u"lJ", u"lz", u"nja", u"nk", u"Nj", u"dža", u"dz", u"dzz", u"Dž", u"DŽ",
-            u"dŽ", u"đ", u"Đa", u"e", u"c", u"č", u"Č", u"ć", u"Ćz", u"s", u"š", u"Šećer stavka 1",
-            u"šećer stavka 10", u"Sol", u"sol", u"zebra", u"Žito", u"z", u"ž", u"R-12", u"R 12", u"R.12", u"(a)",
-            u"a'", u"a\"", u"_", u"~", u"Z", u"@x", u"x&y"};
+        static const char16_t* const words[] = { u"", u" ", u"a b", u"ab", u"a-b", u"a1", u"1a", u"10", u"9", u"lja",
+            u"lk", u"lj", u"Lj", u"LJ", u"lJ", u"lz", u"nja", u"nk", u"Nj", u"dža", u"dz", u"dzz", u"Dž", u"DŽ", u"dŽ",
+            u"đ", u"Đa", u"e", u"c", u"č", u"Č", u"ć", u"Ćz", u"s", u"š", u"Šećer stavka 1", u"šećer stavka 10", u"Sol",
+            u"sol", u"zebra", u"Žito", u"z", u"ž", u"R-12", u"R 12", u"R.12", u"(a)", u"a'", u"a\"", u"_", u"~", u"Z",
+            u"@x", u"x&y" };
         QStringList probes;
         for (const char16_t* w : words)
             probes << QString::fromUtf16(w);
@@ -180,8 +200,8 @@ private:
         return true;
     }
 
-    std::array<quint8, kChars> m_rank{};
-    std::array<quint8, 1 + 6 * 4> m_pair{};
+    std::array<quint8, kChars> m_rank {};
+    std::array<quint8, 1 + 6 * 4> m_pair {};
     bool m_usable = false;
 };
 
@@ -193,7 +213,7 @@ TextSortKeys::TextSortKeys(const ResultSet& rows, int column, const std::vector<
     const Alphabet& alphabet = Alphabet::instance();
     m_own = alphabet.usable();
     if (m_own) {
-        m_prefix.assign(n, Prefix{});
+        m_prefix.assign(n, Prefix {});
         m_start.assign(n, 0);
         m_length.assign(n, 0);
         std::vector<quint8> key;
@@ -245,7 +265,7 @@ void TextSortKeys::order(std::vector<int>& positions, bool descending) const
     std::vector<Item> items;
     items.reserve(positions.size());
     for (int p : positions)
-        items.push_back({m_prefix[p], p});
+        items.push_back({ m_prefix[p], p });
     std::sort(items.begin(), items.end(), [&](const Item& a, const Item& b) {
         if (!(a.prefix == b.prefix))
             return descending ? b.prefix < a.prefix : a.prefix < b.prefix;

@@ -4,11 +4,11 @@
 
 #include <QCollator>
 #include <QCollatorSortKey>
-
 #include <memory>
 #include <vector>
 
-namespace knjige {
+namespace knjige
+{
 
 // Bosnian alphabetical order (C, Č, Ć, D, Dž, Đ, ... S, Š, Z, Ž), letter case ignored.
 QCollator textCollator();
@@ -18,7 +18,8 @@ QCollator textCollator();
 // letters) get the alphabet's own keys, one byte a letter, read off the collator once
 // per process; a column holding any other character takes the collator's keys.
 // Either way the order is the collator's.
-class TextSortKeys {
+class TextSortKeys
+{
 public:
     // Keys of the column's texts, the key of row r at index position[r].
     TextSortKeys(const ResultSet& rows, int column, const std::vector<int>& position);
@@ -40,8 +41,8 @@ private:
         bool operator<(const Prefix& o) const { return high != o.high ? high < o.high : low < o.low; }
     };
     std::vector<Prefix> m_prefix;
-    std::vector<qint64> m_start;     // where the rest of each key, past the prefix, begins in m_rest
-    std::vector<qint64> m_length;    // and its length
+    std::vector<qint64> m_start; // where the rest of each key, past the prefix, begins in m_rest
+    std::vector<qint64> m_length; // and its length
     std::vector<quint8> m_rest;
     std::vector<QCollatorSortKey> m_collator;
 };

@@ -10,7 +10,8 @@
 #include <QEventLoop>
 #include <QPointer>
 
-namespace knjige {
+namespace knjige
+{
 
 void KnjigaKlasa::Show(QString level, const QString& operatorName)
 {
@@ -69,24 +70,38 @@ QString KnjigaKlasa::className() const
     return book ? book->className : QString();
 }
 
-namespace {
+namespace
+{
 
 std::unique_ptr<KnjigaKlasa> createByCode(int code)
 {
     switch (code) {
-    case Knjiga::PrihRashFBiH: return std::make_unique<clsKnjPrihRashFBiH>();
-    case Knjiga::EvidPotObvFBiH: return std::make_unique<clsKnjEvidPotObvFBiH>();
-    case Knjiga::PrometaFBiH: return std::make_unique<clsKnjPrometaFBiH>();
-    case Knjiga::PrihodaRS: return std::make_unique<clsKnjPrihodaRS>();
-    case Knjiga::RashodaRS: return std::make_unique<clsKnjRashodaRS>();
-    case Knjiga::PopListaRS: return std::make_unique<clsPopListaDImovineRS>();
-    case Knjiga::EvidPotObvRS: return std::make_unique<clsKnjEvidPotObvRS>();
-    case Knjiga::PopListaFBiH: return std::make_unique<clsPopListaDImovineFBiH>();
-    case Knjiga::PrometaRS: return std::make_unique<clsKnjPrometaRS>();
-    case Knjiga::PrihRashDB: return std::make_unique<clsKnjPrihRashDB>();
-    case Knjiga::TrgUsluga: return std::make_unique<clsTrgKnjUsluga>();
-    case Knjiga::TrgKomisiona: return std::make_unique<clsTrgKnjKomisiona>();
-    default: return nullptr;
+    case Knjiga::PrihRashFBiH:
+        return std::make_unique<clsKnjPrihRashFBiH>();
+    case Knjiga::EvidPotObvFBiH:
+        return std::make_unique<clsKnjEvidPotObvFBiH>();
+    case Knjiga::PrometaFBiH:
+        return std::make_unique<clsKnjPrometaFBiH>();
+    case Knjiga::PrihodaRS:
+        return std::make_unique<clsKnjPrihodaRS>();
+    case Knjiga::RashodaRS:
+        return std::make_unique<clsKnjRashodaRS>();
+    case Knjiga::PopListaRS:
+        return std::make_unique<clsPopListaDImovineRS>();
+    case Knjiga::EvidPotObvRS:
+        return std::make_unique<clsKnjEvidPotObvRS>();
+    case Knjiga::PopListaFBiH:
+        return std::make_unique<clsPopListaDImovineFBiH>();
+    case Knjiga::PrometaRS:
+        return std::make_unique<clsKnjPrometaRS>();
+    case Knjiga::PrihRashDB:
+        return std::make_unique<clsKnjPrihRashDB>();
+    case Knjiga::TrgUsluga:
+        return std::make_unique<clsTrgKnjUsluga>();
+    case Knjiga::TrgKomisiona:
+        return std::make_unique<clsTrgKnjKomisiona>();
+    default:
+        return nullptr;
     }
 }
 

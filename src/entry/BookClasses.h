@@ -5,16 +5,17 @@
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
-
 #include <memory>
 
-namespace knjige {
+namespace knjige
+{
 
 // A public book class: what a host creates to open one book. The four properties are
 // the object's own; writing ConnString, RadnaGodina or BrojPoduzeca also writes the
 // process-wide session at once, so the last value written by any object is what every
 // window uses. Reading always gives the object's own copy.
-class KNJIGE_EXPORT KnjigaKlasa {
+class KNJIGE_EXPORT KnjigaKlasa
+{
 public:
     virtual ~KnjigaKlasa() = default;
 
@@ -36,7 +37,10 @@ public:
     QString className() const;
 
 protected:
-    explicit KnjigaKlasa(qint16 kod) : m_kod(kod) {}
+    explicit KnjigaKlasa(qint16 kod)
+        : m_kod(kod)
+    {
+    }
 
 private:
     qint16 m_kod;
@@ -47,9 +51,13 @@ private:
 };
 
 #define KNJIGE_BOOK_CLASS(Name, Code)                                                                                  \
-    class Name final : public KnjigaKlasa {                                                                            \
+    class Name final : public KnjigaKlasa                                                                              \
+    {                                                                                                                  \
     public:                                                                                                            \
-        Name() : KnjigaKlasa(Code) {}                                                                                  \
+        Name()                                                                                                         \
+            : KnjigaKlasa(Code)                                                                                        \
+        {                                                                                                              \
+        }                                                                                                              \
     };
 
 KNJIGE_BOOK_CLASS(clsKnjPrihRashFBiH, 96)

@@ -1,7 +1,11 @@
 #include "entry/BookClasses.h"
 
-namespace knjige {
+namespace knjige
+{
 
-QString componentVersion() { return QStringLiteral("17.0"); }
+QString componentVersion()
+{
+    return QStringLiteral("17.0");
+}
 
 } // namespace knjige

@@ -500,8 +500,8 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
     QList<QDate> datumi;
     for (const RowChange::Values& v : stavke)
         datumi << v[StDatum].second.toDate();
-    const QString zaključano = periodlock::refuseDates(db, knjigaDB, datumi,
-        QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
+    const QString zaključano = periodlock::refuseDates(
+        db, knjigaDB, datumi, QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
     if (!zaključano.isEmpty()) {
         warn(zaključano);
         return 0;
@@ -518,8 +518,8 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
     }
     // Gone before any message: the rows written before a failure stay, so stopping
     // is not offered.
-    auto napredak = interaction().startProgress({ QStringLiteral("Generiranje"),
-        QStringLiteral("Generiranje: %1 od %2 zapisa"), stavke.size(), false });
+    auto napredak = interaction().startProgress(
+        { QStringLiteral("Generiranje"), QStringLiteral("Generiranje: %1 od %2 zapisa"), stavke.size(), false });
     int zapisano = 0;
     for (RowChange::Values& v : stavke) {
         const qint64 rBroj = zadnji + zapisano + 1;

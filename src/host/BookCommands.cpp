@@ -17,8 +17,10 @@
 #include <memory>
 #include <optional>
 
-namespace knjige::cli {
-namespace {
+namespace knjige::cli
+{
+namespace
+{
 
 std::optional<int> wholeNumber(const QString& text, int low, int high)
 {
@@ -66,18 +68,20 @@ int readBook(const Options& o, const QString& usage, BookOptions& b, const QStri
     return Done;
 }
 
-namespace {
+namespace
+{
 
 const QStringList kBookValues = { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
     QStringLiteral("--year"), QStringLiteral("--prod"), QStringLiteral("--operator"), QStringLiteral("--level") };
 
-const QString kOperatorHelp = QStringLiteral(
-    "  --operator IME  ime operatera u dnevniku promjena (zadano: korisnik sustava)\n"
-    "  --level N       nivo pristupa operatera (zadano: 0)\n");
+const QString kOperatorHelp
+    = QStringLiteral("  --operator IME  ime operatera u dnevniku promjena (zadano: korisnik sustava)\n"
+                     "  --level N       nivo pristupa operatera (zadano: 0)\n");
 
 // The command's question is answered with Da (the person said --yes); every message
 // goes to standard error, and one that warns marks the work as failed.
-class UnattendedYes final : public Interaction {
+class UnattendedYes final : public Interaction
+{
 public:
     Answer show(const Message& m) override
     {
@@ -118,8 +122,7 @@ int openSession(const Options& o, const QString& usage, BookOptions& b)
 }
 
 // Runs an operation of the browser unattended; 0 when it went through without a warning.
-template <typename Operation>
-int unattended(Operation operation)
+template <typename Operation> int unattended(Operation operation)
 {
     auto answers = std::make_unique<UnattendedYes>();
     UnattendedYes* seen = answers.get();
@@ -132,8 +135,8 @@ int unattended(Operation operation)
 }
 
 // Parses and checks the options every book command shares; 0 when the command goes on.
-int bookCommand(const QStringList& args, const QStringList& values, const QStringList& flags, const QString& usage,
-    Options* o)
+int bookCommand(
+    const QStringList& args, const QStringList& values, const QStringList& flags, const QString& usage, Options* o)
 {
     *o = commandOptions(args, kBookValues + values, flags);
     if (!o->error.isEmpty())
@@ -149,13 +152,13 @@ int bookCommand(const QStringList& args, const QStringList& values, const QStrin
 
 QString lockUsage()
 {
-    return QStringLiteral(
-               "knjige lock KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
-               "            (--to dd.mm.gggg | --unlock --reason TEKST) [--operator IME] [--level N]\n"
-               "  Zaključa razdoblje knjige do datuma: stavke datirane tog dana ili ranije više se ne\n"
-               "  mijenjaju, ne brišu i ne dobivaju nove redne brojeve. --unlock ga otvara; razlog ide u\n"
-               "  dnevnik promjena. Samo operateri s nivoom pristupa 0.\n")
-        + kOperatorHelp + QStringLiteral("  Primjer: knjige lock 96 --db knjige.db --company 1 --year 2026 --to 31.03.2026\n");
+    return QStringLiteral("knjige lock KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+                          "            (--to dd.mm.gggg | --unlock --reason TEKST) [--operator IME] [--level N]\n"
+                          "  Zaključa razdoblje knjige do datuma: stavke datirane tog dana ili ranije više se ne\n"
+                          "  mijenjaju, ne brišu i ne dobivaju nove redne brojeve. --unlock ga otvara; razlog ide u\n"
+                          "  dnevnik promjena. Samo operateri s nivoom pristupa 0.\n")
+        + kOperatorHelp
+        + QStringLiteral("  Primjer: knjige lock 96 --db knjige.db --company 1 --year 2026 --to 31.03.2026\n");
 }
 
 int runLock(const QStringList& args)
@@ -166,8 +169,8 @@ int runLock(const QStringList& args)
         return stop < 0 ? Done : stop;
     const bool opening = o.flags.contains(QStringLiteral("--unlock"));
     if (opening == o.values.contains(QStringLiteral("--to")))
-        return complain(QStringLiteral("Zadajte --to DATUM ili --unlock --reason TEKST (jedno od dvoga).\n") + lockUsage(),
-            Usage);
+        return complain(
+            QStringLiteral("Zadajte --to DATUM ili --unlock --reason TEKST (jedno od dvoga).\n") + lockUsage(), Usage);
     if (opening && o.values.value(QStringLiteral("--reason")).trimmed().isEmpty())
         return complain(QStringLiteral("Otključavanje traži razlog: --reason TEKST.\n") + lockUsage(), Usage);
     const QDate to = dates::parseDayFirst(o.values.value(QStringLiteral("--to")).trimmed());
@@ -180,8 +183,9 @@ int runLock(const QStringList& args)
         return complain(QStringLiteral("Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0."));
     const journal::Scope scope { b.book->code, qint16(b.company), qint16(b.year), 0 };
     QString error;
-    const bool done = opening ? periodlock::unlock(session().db(), scope, o.values.value(QStringLiteral("--reason")), &error)
-                              : periodlock::lock(session().db(), scope, to, &error);
+    const bool done = opening
+        ? periodlock::unlock(session().db(), scope, o.values.value(QStringLiteral("--reason")), &error)
+        : periodlock::lock(session().db(), scope, to, &error);
     session().db().disconnect();
     if (!done)
         return complain(error);
@@ -194,12 +198,11 @@ int runLock(const QStringList& args)
 
 QString renumberUsage()
 {
-    return QStringLiteral(
-               "knjige renumber KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
-               "                (--by-number | --by-date) --yes [--prod N] [--operator IME] [--level N]\n"
-               "  Renumeracija kao u pregledu knjige (Alati): --by-number zatvara praznine i duplikate\n"
-               "  redom rednih brojeva, --by-date numerira knjigu redom datuma. Iste naredbe, ista\n"
-               "  transakcija, isti dnevnik i isto zaključano razdoblje; --yes potvrđuje pitanje.\n")
+    return QStringLiteral("knjige renumber KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+                          "                (--by-number | --by-date) --yes [--prod N] [--operator IME] [--level N]\n"
+                          "  Renumeracija kao u pregledu knjige (Alati): --by-number zatvara praznine i duplikate\n"
+                          "  redom rednih brojeva, --by-date numerira knjigu redom datuma. Iste naredbe, ista\n"
+                          "  transakcija, isti dnevnik i isto zaključano razdoblje; --yes potvrđuje pitanje.\n")
         + kOperatorHelp
         + QStringLiteral("  Primjer: knjige renumber 96 --db knjige.db --company 1 --year 2026 --by-date --yes\n");
 }
@@ -207,15 +210,17 @@ QString renumberUsage()
 int runRenumber(const QStringList& args)
 {
     Options o;
-    if (const int stop = bookCommand(args, {},
-            { QStringLiteral("--by-number"), QStringLiteral("--by-date"), QStringLiteral("--yes") }, renumberUsage(), &o))
+    if (const int stop
+        = bookCommand(args, {}, { QStringLiteral("--by-number"), QStringLiteral("--by-date"), QStringLiteral("--yes") },
+            renumberUsage(), &o))
         return stop < 0 ? Done : stop;
     const bool byDate = o.flags.contains(QStringLiteral("--by-date"));
     if (byDate == o.flags.contains(QStringLiteral("--by-number")))
-        return complain(QStringLiteral("Zadajte --by-number ili --by-date (jedno od dvoga).\n") + renumberUsage(), Usage);
+        return complain(
+            QStringLiteral("Zadajte --by-number ili --by-date (jedno od dvoga).\n") + renumberUsage(), Usage);
     if (!o.flags.contains(QStringLiteral("--yes")))
-        return complain(QStringLiteral("Renumeracija mijenja redne brojeve: potvrdite je s --yes.\n") + renumberUsage(),
-            Usage);
+        return complain(
+            QStringLiteral("Renumeracija mijenja redne brojeve: potvrdite je s --yes.\n") + renumberUsage(), Usage);
     BookOptions b;
     if (const int refused = openSession(o, renumberUsage(), b))
         return refused;
@@ -230,12 +235,12 @@ int runRenumber(const QStringList& args)
 
 QString insertUsage()
 {
-    return QStringLiteral(
-               "knjige insert KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
-               "             --at N --yes [--prod N] [--operator IME] [--level N]\n"
-               "  Ubaci zapis na mjesto N kao u pregledu knjige: stavke od N dalje dobiju broj više, a\n"
-               "  na mjesto N dođe prazna stavka s datumom 1.1. godine.\n")
-        + kOperatorHelp + QStringLiteral("  Primjer: knjige insert 96 --db knjige.db --company 1 --year 2026 --at 5 --yes\n");
+    return QStringLiteral("knjige insert KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
+                          "             --at N --yes [--prod N] [--operator IME] [--level N]\n"
+                          "  Ubaci zapis na mjesto N kao u pregledu knjige: stavke od N dalje dobiju broj više, a\n"
+                          "  na mjesto N dođe prazna stavka s datumom 1.1. godine.\n")
+        + kOperatorHelp
+        + QStringLiteral("  Primjer: knjige insert 96 --db knjige.db --company 1 --year 2026 --at 5 --yes\n");
 }
 
 int runInsert(const QStringList& args)
@@ -247,14 +252,16 @@ int runInsert(const QStringList& args)
     if (!at)
         return complain(QStringLiteral("Mjesto (--at) mora biti pozitivan broj.\n") + insertUsage(), Usage);
     if (!o.flags.contains(QStringLiteral("--yes")))
-        return complain(QStringLiteral("Umetanje mijenja redne brojeve: potvrdite ga s --yes.\n") + insertUsage(), Usage);
+        return complain(
+            QStringLiteral("Umetanje mijenja redne brojeve: potvrdite ga s --yes.\n") + insertUsage(), Usage);
     BookOptions b;
     if (const int refused = openSession(o, insertUsage(), b))
         return refused;
     if (!renumber::takesPart(b.book->code) || (isTradeBook(b.book->code) && b.salesPoint == 0))
-        return complain(QStringLiteral("U knjigu %1 se ne umeće%2.")
-                            .arg(b.book->code)
-                            .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
+        return complain(
+            QStringLiteral("U knjigu %1 se ne umeće%2.")
+                .arg(b.book->code)
+                .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
             Usage);
     const renumber::Book book = renumber::bookOf(b.query());
     const int code = unattended([&] { return renumber::insertAt(book, qint32(*at)); });
@@ -305,9 +312,12 @@ int runCheck(const QStringList& args)
         = bookcheck::check(db, { query.bookKind, query.company, query.year, query.salesPoint() });
     QTextStream(stdout) << report.text;
     switch (report.status) {
-    case bookcheck::Report::Status::Clean: return Done;
-    case bookcheck::Report::Status::Findings: return Failed;
-    case bookcheck::Report::Status::Unreadable: break;
+    case bookcheck::Report::Status::Clean:
+        return Done;
+    case bookcheck::Report::Status::Findings:
+        return Failed;
+    case bookcheck::Report::Status::Unreadable:
+        break;
     }
     return Usage;
 }

@@ -5,11 +5,13 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige {
+namespace knjige
+{
 struct BookKind;
 }
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 struct Options;
 

@@ -22,13 +22,13 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTextStream>
-
 #include <algorithm>
 #include <cstdio>
 
-namespace knjige::cli {
-namespace {
-
+namespace knjige::cli
+{
+namespace
+{
 
 // Options are recognised by name ("--db PATH" or "--db=PATH"); anything else that
 // looks like an option is refused, so a typing error never becomes a SQL text.
@@ -39,7 +39,8 @@ Options parseOptions(const QStringList& args, const QStringList& valueOptions, c
         const QString& a = args[i];
         const QString name = a.section(u'=', 0, 0);
         // A second value would silently win over the first.
-        if ((valueOptions.contains(name) && o.values.contains(name)) || (flagOptions.contains(a) && o.flags.contains(a))) {
+        if ((valueOptions.contains(name) && o.values.contains(name))
+            || (flagOptions.contains(a) && o.flags.contains(a))) {
             o.error = QStringLiteral("Opcija %1 je zadana više puta; zadajte je jednom.").arg(name);
             return o;
         }
@@ -71,14 +72,18 @@ void printUsage(const QString& usage)
 }
 
 // A file being made: removed with SQLite's side files unless kept.
-class PendingFile {
+class PendingFile
+{
 public:
-    explicit PendingFile(QString path) : m_path(std::move(path)) {}
+    explicit PendingFile(QString path)
+        : m_path(std::move(path))
+    {
+    }
     ~PendingFile()
     {
         if (m_keep)
             return;
-        for (const char* suffix : {"", "-journal", "-wal", "-shm"})
+        for (const char* suffix : { "", "-journal", "-wal", "-shm" })
             QFile::remove(m_path + QLatin1String(suffix));
     }
     void keep() { m_keep = true; }
@@ -135,7 +140,7 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     // since the generator works under the system user name.
     if (demo
         && (!createSourceTables(db, &error)
-            || !fillDemoSources(db, clock::today().year(), {gen::imeOperateraSustava()}, &error))) {
+            || !fillDemoSources(db, clock::today().year(), { gen::imeOperateraSustava() }, &error))) {
         *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
         return false;
     }
@@ -160,7 +165,8 @@ int createDatabase(const QString& path, bool demo, bool force)
     QString error;
     const QString fresh = makeEmptyFileBeside(path, &error);
     if (fresh.isEmpty())
-        return complain(QStringLiteral("U mapi %1 nije moguće napraviti datoteku: %2").arg(target.absolutePath(), error));
+        return complain(
+            QStringLiteral("U mapi %1 nije moguće napraviti datoteku: %2").arg(target.absolutePath(), error));
     PendingFile pending(fresh);
     if (!fillNewDatabase(fresh, demo, &error))
         return complain(error);
@@ -169,7 +175,7 @@ int createDatabase(const QString& path, bool demo, bool force)
     // The old file's side files go with it: SQLite would replay a write-ahead log left
     // beside the name (by a crash, or by a program that still has the old file open)
     // into the new database.
-    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+    for (const char* suffix : { "-journal", "-wal", "-shm" }) {
         const QString side = path + QLatin1String(suffix);
         if (QFileInfo::exists(side) && !QFile::remove(side))
             return complain(QStringLiteral("Datoteku %1 stare baze nije moguće obrisati.").arg(side));
@@ -189,9 +195,9 @@ QString connectionFor(const Options& o, const QString& usage, int* code)
     const bool hasDb = o.values.contains(QStringLiteral("--db"));
     const bool hasConn = o.values.contains(QStringLiteral("--conn"));
     if (hasDb == hasConn) {
-        *code = complain(QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n")
-                             + usage,
-                         Usage);
+        *code = complain(
+            QStringLiteral("Zadajte bazu: --db PUTANJA ili --conn CONNECTION_STRING (jedno od dvoga).\n") + usage,
+            Usage);
         return {};
     }
     QString path;
@@ -260,8 +266,7 @@ int runBatch(Database& db, const QStringList& statements, bool withTypes)
         const QString failed = statements.size() == 1
             ? QStringLiteral("Naredba nije izvršena: ")
             : QStringLiteral("Naredba %1 od %2 nije izvršena: ").arg(i + 1).arg(statements.size());
-        const QString before = i == 0 ? QString()
-                                      : QStringLiteral("\nNaredbe prije nje su izvršene (%1).").arg(i);
+        const QString before = i == 0 ? QString() : QStringLiteral("\nNaredbe prije nje su izvršene (%1).").arg(i);
         if (returnsRows(sql)) {
             // Each part is written as it is read: a result of any size prints in the
             // memory of one part. A closed output stops the read.
@@ -284,8 +289,8 @@ int runBatch(Database& db, const QStringList& statements, bool withTypes)
             int affected = 0;
             if (!db.execute(sql, &affected))
                 return flushed(out) ? complain(failed + db.errorDescription() + before) : cannotWrite();
-            static const QSet<QString> writes = {QStringLiteral("INSERT"), QStringLiteral("UPDATE"),
-                                                 QStringLiteral("DELETE"), QStringLiteral("MERGE")};
+            static const QSet<QString> writes = { QStringLiteral("INSERT"), QStringLiteral("UPDATE"),
+                QStringLiteral("DELETE"), QStringLiteral("MERGE") };
             if (writes.contains(firstWord(sql)))
                 QTextStream(stderr) << QStringLiteral("Obrađeno redova: %1\n").arg(affected);
         }
@@ -309,13 +314,12 @@ QString commandConnection(const Options& options, const QString& usage, int* cod
 
 QString initUsage()
 {
-    return QStringLiteral(
-        "knjige init [--db PUTANJA] [--demo] [--force]\n"
-        "  Pravi novu ugrađenu bazu knjiga (SQLite) s tablicama svih knjiga.\n"
-        "  --db PUTANJA  datoteka nove baze (zadano: %1)\n"
-        "  --demo        upiše i demo poduzeće s knjigama za tekuću godinu\n"
-        "  --force       zamijeni postojeću datoteku (bez toga postojeća ostaje netaknuta)\n"
-        "  Primjer: knjige init --db knjige.db --demo\n")
+    return QStringLiteral("knjige init [--db PUTANJA] [--demo] [--force]\n"
+                          "  Pravi novu ugrađenu bazu knjiga (SQLite) s tablicama svih knjiga.\n"
+                          "  --db PUTANJA  datoteka nove baze (zadano: %1)\n"
+                          "  --demo        upiše i demo poduzeće s knjigama za tekuću godinu\n"
+                          "  --force       zamijeni postojeću datoteku (bez toga postojeća ostaje netaknuta)\n"
+                          "  Primjer: knjige init --db knjige.db --demo\n")
         .arg(QDir::toNativeSeparators(defaultDatabasePath()));
 }
 
@@ -372,15 +376,15 @@ bool returnsRows(const QString& sql)
     int end = i;
     while (end < sql.size() && (sql[end].isLetter() || sql[end] == u'_'))
         ++end;
-    static const QSet<QString> rowWords = {QStringLiteral("SELECT"), QStringLiteral("WITH"), QStringLiteral("EXEC"),
-                                           QStringLiteral("EXECUTE"), QStringLiteral("VALUES"),
-                                           QStringLiteral("PRAGMA")};
+    static const QSet<QString> rowWords = { QStringLiteral("SELECT"), QStringLiteral("WITH"), QStringLiteral("EXEC"),
+        QStringLiteral("EXECUTE"), QStringLiteral("VALUES"), QStringLiteral("PRAGMA") };
     return rowWords.contains(sql.mid(i, end - i).toUpper());
 }
 
 int runInit(const QStringList& args)
 {
-    const Options o = parseOptions(args, {QStringLiteral("--db")}, {QStringLiteral("--demo"), QStringLiteral("--force")});
+    const Options o
+        = parseOptions(args, { QStringLiteral("--db") }, { QStringLiteral("--demo"), QStringLiteral("--force") });
     if (!o.error.isEmpty())
         return complain(o.error + u'\n' + initUsage(), Usage);
     if (o.flags.contains(QStringLiteral("--help"))) {
@@ -390,8 +394,8 @@ int runInit(const QStringList& args)
     if (!o.positional.isEmpty())
         return complain(QStringLiteral("Višak argumenata: %1\n").arg(o.positional.join(u' ')) + initUsage(), Usage);
     const bool given = o.values.contains(QStringLiteral("--db"));
-    const QString path = QFileInfo(given ? o.values.value(QStringLiteral("--db")) : defaultDatabasePath())
-                             .absoluteFilePath();
+    const QString path
+        = QFileInfo(given ? o.values.value(QStringLiteral("--db")) : defaultDatabasePath()).absoluteFilePath();
     if (path.isEmpty() || (given && o.values.value(QStringLiteral("--db")).trimmed().isEmpty()))
         return complain(QStringLiteral("Opcija --db traži putanju datoteke.\n") + initUsage(), Usage);
     const QString folder = QFileInfo(path).absolutePath();
@@ -399,13 +403,15 @@ int runInit(const QStringList& args)
     // user names must already be there.
     if (!QFileInfo(folder).isDir() && (given || !QDir().mkpath(folder)))
         return complain(QStringLiteral("Mapa %1 ne postoji.").arg(folder));
-    return createDatabase(path, o.flags.contains(QStringLiteral("--demo")), o.flags.contains(QStringLiteral("--force")));
+    return createDatabase(
+        path, o.flags.contains(QStringLiteral("--demo")), o.flags.contains(QStringLiteral("--force")));
 }
 
 int runQuery(const QStringList& args)
 {
     reportClosedOutputAsWriteError();
-    const Options o = parseOptions(args, {QStringLiteral("--db"), QStringLiteral("--conn")}, {QStringLiteral("--types")});
+    const Options o
+        = parseOptions(args, { QStringLiteral("--db"), QStringLiteral("--conn") }, { QStringLiteral("--types") });
     if (!o.error.isEmpty())
         return complain(o.error + u'\n' + queryUsage(), Usage);
     if (o.flags.contains(QStringLiteral("--help"))) {
@@ -413,10 +419,11 @@ int runQuery(const QStringList& args)
         return Done;
     }
     if (o.positional.size() != 1)
-        return complain((o.positional.isEmpty() ? QStringLiteral("Nedostaje SQL naredba.\n")
-                                                : QStringLiteral("SQL naredbu zadajte kao jedan argument, u navodnicima.\n"))
-                            + queryUsage(),
-                        Usage);
+        return complain(
+            (o.positional.isEmpty() ? QStringLiteral("Nedostaje SQL naredba.\n")
+                                    : QStringLiteral("SQL naredbu zadajte kao jedan argument, u navodnicima.\n"))
+                + queryUsage(),
+            Usage);
     int code = Done;
     const QString connection = connectionFor(o, queryUsage(), &code);
     if (connection.isEmpty())

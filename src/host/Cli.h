@@ -5,7 +5,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 // The exit codes of every command: 0 done, 1 the work failed, 2 the command line is
 // wrong, 3 the reader of standard output went away before everything was written

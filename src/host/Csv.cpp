@@ -4,10 +4,10 @@
 
 #include <QStringList>
 #include <QTextStream>
-
 #include <cmath>
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 QString csvField(const QString& text)
 {
@@ -39,13 +39,18 @@ QString csvValue(const ResultSet& rows, int row, int column)
     if (rows.isNull(row, column))
         return {};
     switch (rows.field(column).type) {
-    case FieldType::Currency: return rows.money(row, column).toPlainString();
+    case FieldType::Currency:
+        return rows.money(row, column).toPlainString();
     case FieldType::Decimal:
-    case FieldType::Float: return plainNumber(rows.real(row, column));
-    case FieldType::Date: return rows.date(row, column).toString(QStringLiteral("yyyy-MM-dd"));
-    case FieldType::Text: return csvField(rows.text(row, column));
+    case FieldType::Float:
+        return plainNumber(rows.real(row, column));
+    case FieldType::Date:
+        return rows.date(row, column).toString(QStringLiteral("yyyy-MM-dd"));
+    case FieldType::Text:
+        return csvField(rows.text(row, column));
     case FieldType::Integer:
-    case FieldType::Boolean: return rows.text(row, column);
+    case FieldType::Boolean:
+        return rows.text(row, column);
     }
     return {};
 }

@@ -4,11 +4,13 @@
 
 class QTextStream;
 
-namespace knjige {
+namespace knjige
+{
 
 class ResultSet;
 
-namespace cli {
+namespace cli
+{
 
 // A field as comma-separated text: quoted, with quotes doubled, when it holds a
 // comma, a quote or a line break.

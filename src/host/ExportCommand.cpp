@@ -13,13 +13,17 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QTextStream>
-
 #include <optional>
 
-namespace knjige::cli {
-namespace {
+namespace knjige::cli
+{
+namespace
+{
 
-int usageError(const QString& message) { return complain(message + u'\n' + exportUsage(), Usage); }
+int usageError(const QString& message)
+{
+    return complain(message + u'\n' + exportUsage(), Usage);
+}
 
 struct Request {
     BookOptions book;
@@ -32,7 +36,7 @@ struct Request {
 // with the message printed.
 int readRequest(const Options& o, Request& r)
 {
-    if (const int refused = readBook(o, exportUsage(), r.book, {QStringLiteral("--out")}))
+    if (const int refused = readBook(o, exportUsage(), r.book, { QStringLiteral("--out") }))
         return refused;
     if (o.values.contains(QStringLiteral("--period"))) {
         QString error;
@@ -49,11 +53,12 @@ int readRequest(const Options& o, Request& r)
     if (o.flags.contains(QStringLiteral("--quote")) && o.flags.contains(QStringLiteral("--no-quote")))
         return usageError(QStringLiteral("Opcije --quote i --no-quote se isključuju."));
     r.options.quoteTexts = !o.flags.contains(QStringLiteral("--no-quote"));
-    const auto encoding = output::encodingFromName(o.values.value(QStringLiteral("--encoding"), QStringLiteral("cp1250")));
+    const auto encoding
+        = output::encodingFromName(o.values.value(QStringLiteral("--encoding"), QStringLiteral("cp1250")));
     if (!encoding)
         return usageError(QStringLiteral("Kodiranje može biti cp1250 ili utf-8."));
     r.options.encoding = *encoding;
-    const QString problem = output::firstFailedCheck({r.out, r.options.separator, r.options.decimalMark, {}, false});
+    const QString problem = output::firstFailedCheck({ r.out, r.options.separator, r.options.decimalMark, {}, false });
     if (!problem.isEmpty())
         return usageError(problem);
     return Done;
@@ -99,13 +104,11 @@ int runExport(const QStringList& args)
     // The file is written whatever becomes of the report line after it.
     reportClosedOutputAsWriteError();
     const Options o = commandOptions(args,
-                                     {QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"),
-                                      QStringLiteral("--year"), QStringLiteral("--period"), QStringLiteral("--prod"),
-                                      QStringLiteral("--out"), QStringLiteral("--separator"),
-                                      QStringLiteral("--decimal"), QStringLiteral("--encoding"),
-                                      QStringLiteral("--operator")},
-                                     {QStringLiteral("--quote"), QStringLiteral("--no-quote"),
-                                      QStringLiteral("--force")});
+        { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"), QStringLiteral("--year"),
+            QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--out"),
+            QStringLiteral("--separator"), QStringLiteral("--decimal"), QStringLiteral("--encoding"),
+            QStringLiteral("--operator") },
+        { QStringLiteral("--quote"), QStringLiteral("--no-quote"), QStringLiteral("--force") });
     if (!o.error.isEmpty())
         return usageError(o.error);
     if (o.flags.contains(QStringLiteral("--help"))) {
@@ -125,8 +128,8 @@ int runExport(const QStringList& args)
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     const QString op = o.values.value(QStringLiteral("--operator")).trimmed();
-    if (const QString refused = host::commandRefusal(connection, op.isEmpty() ? host::defaultOperatorName() : op,
-                                                     r.book.book->code, OperatorRights::Izvoz);
+    if (const QString refused = host::commandRefusal(
+            connection, op.isEmpty() ? host::defaultOperatorName() : op, r.book.book->code, OperatorRights::Izvoz);
         !refused.isEmpty())
         return complain(refused);
     const QString sql = r.book.query(r.period).sql();
@@ -135,7 +138,7 @@ int runExport(const QStringList& args)
     output::OutputFile file(r.out);
     if (!file.open())
         return complain(QStringLiteral("Desila se greška: ")
-                        + QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString()));
+            + QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString()));
     output::OfficeExportWriter writer(file.device(), r.options);
     bool headed = false;
     const bool read = db.openInParts(sql, [&](const ResultSet& part) {
@@ -160,7 +163,7 @@ int runExport(const QStringList& args)
         if (!read && result.ok())
             return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
         return complain(QStringLiteral("Desila se greška: ")
-                        + QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error));
+            + QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error));
     }
     if (!result.unmappable.isEmpty())
         complain(output::unmappableNote(result.unmappable, result.firstUnmappableLine));

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 // knjige export: a book of one company and year written as the browser's
 // "Prebaci u Excel" writes it. Exit codes as the other commands: 0 done, 1 the work

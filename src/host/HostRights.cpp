@@ -14,18 +14,21 @@ QString defaultOperatorName()
     return name.isEmpty() ? QStringLiteral("operater") : name;
 }
 
-QString commandRefusal(const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group)
+QString commandRefusal(
+    const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group)
 {
     PravaRights rights;
     rights.setConnectionString(connString);
     rights.setOperatorName(operatorName);
     const QString refused = QStringLiteral("Nemate pravo pristupa !\n");
     if (!rights.mayOpenBook(bookKind))
-        return refused + QStringLiteral("Operater \"%1\" nema pravo otvoriti knjigu %2.").arg(operatorName).arg(bookKind);
+        return refused
+            + QStringLiteral("Operater \"%1\" nema pravo otvoriti knjigu %2.").arg(operatorName).arg(bookKind);
     if (!rights.hasRight(bookKind, group))
         return refused
             + QStringLiteral("Operater \"%1\" nema pravo %2 knjige %3.")
-                  .arg(operatorName, group == OperatorRights::Ispis ? QStringLiteral("ispisa") : QStringLiteral("izvoza"))
+                  .arg(operatorName,
+                      group == OperatorRights::Ispis ? QStringLiteral("ispisa") : QStringLiteral("izvoza"))
                   .arg(bookKind);
     return {};
 }

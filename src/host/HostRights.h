@@ -25,7 +25,8 @@ QString defaultOperatorName();
 // exactly as the book's window asks when it opens: the right to open the book, then
 // the command's group. Like the window it fails closed: rights that cannot be read
 // allow nothing. Empty when allowed; otherwise the message for the person.
-QString commandRefusal(const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group);
+QString commandRefusal(
+    const QString& connString, const QString& operatorName, int bookKind, OperatorRights::Group group);
 
 class PravaRights final : public OperatorRights
 {

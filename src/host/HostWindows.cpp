@@ -55,7 +55,10 @@ Options parseOptions(const QStringList& args)
     return cli::commandOptions(args, kValueOptions, {});
 }
 
-bool wantsHelp(const Options& o) { return o.flags.contains(QStringLiteral("--help")); }
+bool wantsHelp(const Options& o)
+{
+    return o.flags.contains(QStringLiteral("--help"));
+}
 
 bool hasDisplay()
 {
@@ -244,9 +247,9 @@ void startWindows(const Options& o, WindowsScope& scope)
 // The filter the open command puts on the book after opening it.
 struct PeriodRequest {
     bool given = false;
-    QDate from;             // invalid: the whole working year
+    QDate from; // invalid: the whole working year
     QDate to;
-    qint32 salesPoint = 0;  // 0: the one the opening question gave
+    qint32 salesPoint = 0; // 0: the one the opening question gave
 };
 
 bool periodFor(const Options& o, int book, PeriodRequest* p, int* code)
@@ -409,8 +412,8 @@ int runOpen(const QStringList& args)
         const QDate to = period.to.isValid() ? period.to : dates::lastOfYear(request.year);
         const qint32 shop = period.salesPoint ? period.salesPoint : w->BrojProd();
         const std::optional<Partner> named = shop ? hostServices().shops->find(shop) : std::nullopt;
-        w->applyFilter(browser::periodFilter(book, from, to, request.company, request.year, shop,
-                                             named ? named->ImeKomit1 : QString()));
+        w->applyFilter(browser::periodFilter(
+            book, from, to, request.company, request.year, shop, named ? named->ImeKomit1 : QString()));
     }
     if (o.values.contains(QStringLiteral("--screenshot"))) {
         const int result = saveScreenshot(window, o.values.value(QStringLiteral("--screenshot")));

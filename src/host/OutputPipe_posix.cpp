@@ -5,7 +5,8 @@
 #include <poll.h>
 #include <unistd.h>
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 void reportClosedOutputAsWriteError()
 {
@@ -17,7 +18,7 @@ bool outputClosedByReader()
     if (errno == EPIPE)
         return true;
     // The write end of a pipe without a reader polls as an error.
-    pollfd out{STDOUT_FILENO, 0, 0};
+    pollfd out { STDOUT_FILENO, 0, 0 };
     return ::poll(&out, 1, 0) > 0 && (out.revents & POLLERR);
 }
 

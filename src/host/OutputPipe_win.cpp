@@ -2,11 +2,12 @@
 
 #include <cerrno>
 
-namespace knjige::cli {
+namespace knjige::cli
+{
 
 // Windows sends no signal: the write fails with a broken pipe, which the runtime
 // gives as EPIPE.
-void reportClosedOutputAsWriteError() {}
+void reportClosedOutputAsWriteError() { }
 
 bool outputClosedByReader()
 {

@@ -150,9 +150,10 @@ QString KomitentRegister::listSql(Kind kind)
     if (kind == Kind::Partners)
         return QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent ORDER BY SifKomit");
     const QString company = QString::number(session().BrojPoduzeca);
-    return QStringLiteral("SELECT P.BrojProd AS SifKomit,K.ImeKomit1 FROM (SELECT BrojProd FROM dbo.TrgKnjUsluga "
-                          "WHERE BrojPoduzeca=%1 UNION SELECT BrojProd FROM dbo.TrgKnjKomisiona WHERE BrojPoduzeca=%1) P "
-                          "LEFT JOIN dbo.Komitent K ON K.SifKomit=P.BrojProd ORDER BY P.BrojProd")
+    return QStringLiteral(
+        "SELECT P.BrojProd AS SifKomit,K.ImeKomit1 FROM (SELECT BrojProd FROM dbo.TrgKnjUsluga "
+        "WHERE BrojPoduzeca=%1 UNION SELECT BrojProd FROM dbo.TrgKnjKomisiona WHERE BrojPoduzeca=%1) P "
+        "LEFT JOIN dbo.Komitent K ON K.SifKomit=P.BrojProd ORDER BY P.BrojProd")
         .arg(company);
 }
 

@@ -1,10 +1,10 @@
 #include "host/PrintCommand.h"
 
 #include "books/BookKind.h"
+#include "browser/BookQuery.h"
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
 #include "host/HostRights.h"
-#include "browser/BookQuery.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
@@ -179,7 +179,8 @@ int runPrint(const QStringList& args)
 {
     const Options o = cli::commandOptions(args,
         { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"), QStringLiteral("--year"),
-            QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--pdf"), QStringLiteral("--operator") },
+            QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--pdf"),
+            QStringLiteral("--operator") },
         { QStringLiteral("--force") });
     if (!o.error.isEmpty())
         return usageError(o.error);

@@ -14,33 +14,33 @@
 #include <QCoreApplication>
 #include <QStringList>
 #include <QTextStream>
-
 #include <cstring>
 #include <memory>
 
-namespace {
+namespace
+{
 
 struct Command {
     const char* name;
-    bool windows;                    // needs the window system
-    int (*run)(const QStringList&);  // the arguments after the command's name
+    bool windows; // needs the window system
+    int (*run)(const QStringList&); // the arguments after the command's name
     QString (*usage)();
 };
 
 const Command commands[] = {
-    {"init", false, knjige::cli::runInit, knjige::cli::initUsage},
-    {"query", false, knjige::cli::runQuery, knjige::cli::queryUsage},
-    {"open", true, knjige::host::runOpen, knjige::host::openUsage},
-    {"print", true, knjige::host::runPrint, knjige::host::printUsage},
-    {"export", false, knjige::cli::runExport, knjige::cli::exportUsage},
-    {"check", false, knjige::cli::runCheck, knjige::cli::checkUsage},
-    {"lock", false, knjige::cli::runLock, knjige::cli::lockUsage},
-    {"renumber", false, knjige::cli::runRenumber, knjige::cli::renumberUsage},
-    {"insert", false, knjige::cli::runInsert, knjige::cli::insertUsage},
+    { "init", false, knjige::cli::runInit, knjige::cli::initUsage },
+    { "query", false, knjige::cli::runQuery, knjige::cli::queryUsage },
+    { "open", true, knjige::host::runOpen, knjige::host::openUsage },
+    { "print", true, knjige::host::runPrint, knjige::host::printUsage },
+    { "export", false, knjige::cli::runExport, knjige::cli::exportUsage },
+    { "check", false, knjige::cli::runCheck, knjige::cli::checkUsage },
+    { "lock", false, knjige::cli::runLock, knjige::cli::lockUsage },
+    { "renumber", false, knjige::cli::runRenumber, knjige::cli::renumberUsage },
+    { "insert", false, knjige::cli::runInsert, knjige::cli::insertUsage },
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.
-const Command chooser = {"", true, knjige::host::runChooser, knjige::host::chooserUsage};
+const Command chooser = { "", true, knjige::host::runChooser, knjige::host::chooserUsage };
 
 const Command* findCommand(const char* name)
 {
@@ -78,7 +78,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool w
 int main(int argc, char** argv)
 {
     const Command* command = argc > 1 ? findCommand(argv[1]) : nullptr;
-    int skip = 2;  // the program's name and the command's
+    int skip = 2; // the program's name and the command's
     if (!command && (argc <= 1 || (argv[1][0] == '-' && !isHelp(argv[1])))) {
         command = &chooser;
         skip = 1;
@@ -103,7 +103,8 @@ int main(int argc, char** argv)
             QTextStream(stdout) << help();
             return 0;
         }
-        QTextStream(stderr) << QStringLiteral("Nepoznata naredba: %1\n\n").arg(QString::fromLocal8Bit(argv[1])) << help();
+        QTextStream(stderr) << QStringLiteral("Nepoznata naredba: %1\n\n").arg(QString::fromLocal8Bit(argv[1]))
+                            << help();
         return 2;
     }
     return command->run(QCoreApplication::arguments().mid(skip));

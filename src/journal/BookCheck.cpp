@@ -70,7 +70,8 @@ QString markOf(const Values& v)
 }
 
 // Plays the journal forward: what each table should hold now.
-class Replay {
+class Replay
+{
 public:
     void apply(const journal::Record& r)
     {
@@ -110,9 +111,8 @@ public:
                 add(t, name, journal::parseRow(line));
         } else if (r.radnja == Radnja::Renumeracija) {
             const bool perPoint = isTradeBook(r.tip);
-            remap(t, kRBroj, r.poslije, [&](const Row& row) {
-                return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd;
-            });
+            remap(t, kRBroj, r.poslije,
+                [&](const Row& row) { return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd; });
         } else if (r.radnja == Radnja::Veze) {
             remap(t, kLink, r.poslije, [](const Row&) { return true; });
         }
@@ -163,8 +163,7 @@ private:
 
     // "old>new" and "old#mark>new" take a row by its number; "=old>new" every row of a
     // value. All at once, as the statements change them.
-    template <typename InScope>
-    static void remap(Table& t, const QString& column, const QString& text, InScope inScope)
+    template <typename InScope> static void remap(Table& t, const QString& column, const QString& text, InScope inScope)
     {
         QHash<QString, qint64> byKey;
         QHash<qint64, qint64> byValue;
@@ -200,9 +199,15 @@ private:
     int m_nextId = 0;
 };
 
-class Checker {
+class Checker
+{
 public:
-    Checker(Database& db, const Request& q) : m_db(db), m_q(q), m_book(findBook(q.tip)) {}
+    Checker(Database& db, const Request& q)
+        : m_db(db)
+        , m_q(q)
+        , m_book(findBook(q.tip))
+    {
+    }
 
     Report run()
     {
@@ -382,12 +387,15 @@ private:
             QStringList changes;
             for (auto c = r->v.begin(); c != r->v.end(); ++c)
                 if (now.value(c.key(), kNull) != c.value())
-                    changes << QStringLiteral("%1: %2 → %3").arg(c.key(), shown(c.value()), shown(now.value(c.key(), kNull)));
-            findings << QStringLiteral("Promijenjena izvan programa: %1: %2.").arg(entry(r->v), changes.join(QStringLiteral("; ")));
+                    changes << QStringLiteral("%1: %2 → %3")
+                                   .arg(c.key(), shown(c.value()), shown(now.value(c.key(), kNull)));
+            findings << QStringLiteral("Promijenjena izvan programa: %1: %2.")
+                            .arg(entry(r->v), changes.join(QStringLiteral("; ")));
             extra.erase(it);
         }
         for (const auto& [n, i] : extra)
-            findings << QStringLiteral("Dodana izvan programa: %1 (%2).").arg(entry(m_rows[size_t(i)]), describe(m_rows[size_t(i)]));
+            findings << QStringLiteral("Dodana izvan programa: %1 (%2).")
+                            .arg(entry(m_rows[size_t(i)]), describe(m_rows[size_t(i)]));
         section(QStringLiteral("Promjene izvan programa (od početnog zapisa dnevnika)"), findings);
     }
 
@@ -421,11 +429,12 @@ private:
                 else if (k > 0 && n == previous)
                     findings << QStringLiteral("Redni broj %1 se ponavlja%2.").arg(n).arg(where);
                 else if (n > previous + 1 && previous >= 0)
-                    findings << (n == previous + 2 ? QStringLiteral("Nedostaje redni broj %1%2.").arg(previous + 1).arg(where)
-                                                   : QStringLiteral("Nedostaju redni brojevi %1 do %2%3.")
-                                                         .arg(previous + 1)
-                                                         .arg(n - 1)
-                                                         .arg(where));
+                    findings << (n == previous + 2
+                            ? QStringLiteral("Nedostaje redni broj %1%2.").arg(previous + 1).arg(where)
+                            : QStringLiteral("Nedostaju redni brojevi %1 do %2%3.")
+                                  .arg(previous + 1)
+                                  .arg(n - 1)
+                                  .arg(where));
                 previous = std::max(previous, n);
                 const QDate d = QDate::fromString(v.value(QStringLiteral("DATUM")), Qt::ISODate);
                 if (isAssetList(m_q.tip) || !d.isValid())
@@ -451,8 +460,8 @@ private:
         QStringList findings;
         ResultSet entries;
         QHash<qint64, int> numbers;
-        if (!m_db.open(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE GodinaKnj=") + QString::number(m_q.year)
-                    + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company),
+        if (!m_db.open(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE GodinaKnj=")
+                    + QString::number(m_q.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company),
                 entries)) {
             section(QStringLiteral("Veze s knjigom prihoda i rashoda"),
                 { QStringLiteral("Knjigu prihoda i rashoda nije moguće pročitati: ") + m_db.errorDescription() });
@@ -485,13 +494,14 @@ private:
                         then = &e;
                 }
                 if ((r.target == -1 && link != 0) || (r.target > 0 && (!now || now->id != r.target)))
-                    findings << QStringLiteral("%1: veza je pomjerena na drugi dokument. Data je za %2, a sada "
-                                               "pokazuje na %3.")
-                                    .arg(entry(r.v),
-                                        then ? QStringLiteral("stavku %1 (%2)").arg(then->v.value(kRBroj), describe(then->v))
-                                             : QStringLiteral("nijednu stavku"),
-                                        now ? QStringLiteral("stavku %1 (%2)").arg(now->v.value(kRBroj), describe(now->v))
-                                            : QStringLiteral("stavku %1").arg(link));
+                    findings
+                        << QStringLiteral("%1: veza je pomjerena na drugi dokument. Data je za %2, a sada "
+                                          "pokazuje na %3.")
+                               .arg(entry(r.v),
+                                   then ? QStringLiteral("stavku %1 (%2)").arg(then->v.value(kRBroj), describe(then->v))
+                                        : QStringLiteral("nijednu stavku"),
+                                   now ? QStringLiteral("stavku %1 (%2)").arg(now->v.value(kRBroj), describe(now->v))
+                                       : QStringLiteral("stavku %1").arg(link));
             }
         section(QStringLiteral("Veze s knjigom prihoda i rashoda"), findings);
     }
@@ -516,7 +526,8 @@ private:
         QStringList findings;
         ResultSet closing;
         const QString sql = m_book->selectSql + QStringLiteral(" WHERE K.GodinaKnj=") + QString::number(m_q.year - 1)
-            + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(m_q.company) + QStringLiteral(" ORDER BY K.RBroj");
+            + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(m_q.company)
+            + QStringLiteral(" ORDER BY K.RBroj");
         if (!m_db.open(sql, closing)) {
             section(QStringLiteral("Početna stanja"),
                 { QStringLiteral("Stanja prethodne godine nije moguće pročitati: ") + m_db.errorDescription() });
@@ -532,7 +543,8 @@ private:
             int match = -1;
             for (int r = 0; r < closing.rowCount() && match < 0; ++r)
                 if (!used[size_t(r)] && closing.text(r, col("Naziv")) == v.value(QStringLiteral("NAZIV"))
-                    && journal::valueText(closing.value(r, col("NabVrijednost"))) == v.value(QStringLiteral("NABVRIJEDNOST"))
+                    && journal::valueText(closing.value(r, col("NabVrijednost")))
+                        == v.value(QStringLiteral("NABVRIJEDNOST"))
                     && journal::valueText(closing.value(r, col("VijekTr"))) == v.value(QStringLiteral("VIJEKTR")))
                     match = r;
             if (match < 0)
@@ -556,8 +568,9 @@ private:
             const QString isprava = v.value(QStringLiteral("ISPRAVA"), kNull);
             if (isprava == kNull || isprava.isEmpty())
                 continue;
-            const QString key = QStringList { isprava, v.value(QStringLiteral("DATUM")), v.value(QStringLiteral("VRSTA")),
-                v.value(QStringLiteral("IZNOS")) }.join(u'\t');
+            const QString key = QStringList { isprava, v.value(QStringLiteral("DATUM")),
+                v.value(QStringLiteral("VRSTA")), v.value(QStringLiteral("IZNOS")) }
+                                    .join(u'\t');
             documents[key] << v.value(kRBroj);
         }
         for (auto it = documents.begin(); it != documents.end(); ++it)

@@ -22,7 +22,7 @@ struct Report {
     enum class Status { Clean, Findings, Unreadable };
     Status status = Status::Clean;
     QStringList findings; // one sentence each
-    QString text;         // the whole report, headed and sectioned
+    QString text; // the whole report, headed and sectioned
 };
 
 Report check(Database& db, const Request& request);

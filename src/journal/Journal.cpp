@@ -51,11 +51,20 @@ QString escaped(const QString& text)
     out.reserve(text.size());
     for (const QChar c : text) {
         switch (c.unicode()) {
-        case '\\': out += QStringLiteral("\\\\"); break;
-        case '\t': out += QStringLiteral("\\t"); break;
-        case '\n': out += QStringLiteral("\\n"); break;
-        case '\r': out += QStringLiteral("\\r"); break;
-        default: out += c;
+        case '\\':
+            out += QStringLiteral("\\\\");
+            break;
+        case '\t':
+            out += QStringLiteral("\\t");
+            break;
+        case '\n':
+            out += QStringLiteral("\\n");
+            break;
+        case '\r':
+            out += QStringLiteral("\\r");
+            break;
+        default:
+            out += c;
         }
     }
     return out;
@@ -149,10 +158,13 @@ QString valueText(const QVariant& value)
         return unitsText(value.value<Money>().units());
     switch (value.typeId()) {
     case QMetaType::QDate:
-    case QMetaType::QDateTime: return value.toDate().toString(Qt::ISODate);
+    case QMetaType::QDateTime:
+        return value.toDate().toString(Qt::ISODate);
     case QMetaType::Double:
-    case QMetaType::Float: return unitsText(Money::fromDouble(value.toDouble()).units());
-    case QMetaType::Bool: return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    case QMetaType::Float:
+        return unitsText(Money::fromDouble(value.toDouble()).units());
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::LongLong:
@@ -161,8 +173,10 @@ QString valueText(const QVariant& value)
     case QMetaType::UShort:
     case QMetaType::Char:
     case QMetaType::SChar:
-    case QMetaType::UChar: return QString::number(value.toLongLong());
-    default: return escaped(value.toString());
+    case QMetaType::UChar:
+        return QString::number(value.toLongLong());
+    default:
+        return escaped(value.toString());
     }
 }
 
@@ -293,11 +307,12 @@ bool append(Database& db, const Scope& s, const Change& change, QString* error)
         return true;
     // On SQL Server the last record stays locked until the transaction ends, so two
     // writers never continue the chain from one record.
-    const QString hint = db.dialect() == SqlDialect::SqlServer ? QStringLiteral(" WITH (UPDLOCK, HOLDLOCK)") : QString();
+    const QString hint
+        = db.dialect() == SqlDialect::SqlServer ? QStringLiteral(" WITH (UPDLOCK, HOLDLOCK)") : QString();
     ResultSet last;
-    if (!db.open(QStringLiteral("SELECT TOP 1 Redni,Hash FROM dbo.KnjDnevnik") + hint + QStringLiteral(" WHERE BrojPoduzeca=")
-                + QString::number(s.company) + QStringLiteral(" AND GodinaKnj=") + QString::number(s.year)
-                + QStringLiteral(" ORDER BY Redni DESC"),
+    if (!db.open(QStringLiteral("SELECT TOP 1 Redni,Hash FROM dbo.KnjDnevnik") + hint
+                + QStringLiteral(" WHERE BrojPoduzeca=") + QString::number(s.company)
+                + QStringLiteral(" AND GodinaKnj=") + QString::number(s.year) + QStringLiteral(" ORDER BY Redni DESC"),
             last)) {
         *error = db.errorDescription();
         return false;
@@ -320,8 +335,7 @@ bool append(Database& db, const Scope& s, const Change& change, QString* error)
         { QStringLiteral("GodinaKnj"), int(s.year) }, { QStringLiteral("Redni"), r.redni },
         { QStringLiteral("TipKnjige"), r.tip }, { QStringLiteral("BrojProd"), r.brojProd },
         { QStringLiteral("Vrijeme"), r.vrijeme }, { QStringLiteral("Operater"), r.operater },
-        { QStringLiteral("Radnja"), r.radnja },
-        { QStringLiteral("RBroj"), r.rBroj ? QVariant(*r.rBroj) : QVariant() },
+        { QStringLiteral("Radnja"), r.radnja }, { QStringLiteral("RBroj"), r.rBroj ? QVariant(*r.rBroj) : QVariant() },
         { QStringLiteral("Prije"), r.prije.isNull() ? QStringLiteral("") : r.prije },
         { QStringLiteral("Poslije"), r.poslije.isNull() ? QStringLiteral("") : r.poslije },
         { QStringLiteral("Hash"), r.hash } };
@@ -358,7 +372,8 @@ bool baselineEveryBook(Database& db, QString* error)
             return false;
         }
         for (int r = 0; r < scopes.rowCount(); ++r)
-            if (!ensureBaseline(db, { book.code, qint16(scopes.integer(r, 0)), qint16(scopes.integer(r, 1)), 0 }, error))
+            if (!ensureBaseline(
+                    db, { book.code, qint16(scopes.integer(r, 0)), qint16(scopes.integer(r, 1)), 0 }, error))
                 return false;
     }
     return true;

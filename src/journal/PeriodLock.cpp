@@ -53,7 +53,8 @@ bool lockDate(Database& db, const journal::Scope& scope, QDate* date, QString* e
     if (!available(db))
         return true;
     ResultSet rs;
-    if (!db.open(QStringLiteral("SELECT MAX(ZakljucanoDo) AS Datum FROM dbo.KnjZakljucano") + scopeWhere(scope, true), rs)) {
+    if (!db.open(
+            QStringLiteral("SELECT MAX(ZakljucanoDo) AS Datum FROM dbo.KnjZakljucano") + scopeWhere(scope, true), rs)) {
         *error = db.errorDescription();
         return false;
     }

@@ -1,6 +1,7 @@
 #include "output/CodePage.h"
 
-namespace knjige {
+namespace knjige
+{
 
 QByteArray toCp1250(const QString& text, QString* unmappable)
 {
@@ -29,7 +30,8 @@ void appendCp1250(QByteArray& out, QStringView text, QString* unmappable)
     codepage::appendCp1250Converted(out, text, unmappable);
 }
 
-namespace codepage {
+namespace codepage
+{
 
 void noteUnmappable(QString* unmappable, QStringView character)
 {

@@ -3,16 +3,18 @@
 #include "output/CodePage.h"
 
 #include <QSysInfo>
-
 #include <cerrno>
 #include <iconv.h>
 
-namespace knjige::codepage {
-namespace {
+namespace knjige::codepage
+{
+namespace
+{
 
 // One converter per thread, opened on first use: opening one per line would cost
 // more than the conversion itself. Windows-1250 keeps no shift state between calls.
-class Converter {
+class Converter
+{
 public:
     Converter()
         : m_cd(iconv_open("CP1250", QSysInfo::ByteOrder == QSysInfo::LittleEndian ? "UTF-16LE" : "UTF-16BE"))

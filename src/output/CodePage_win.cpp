@@ -3,8 +3,10 @@
 
 #include <windows.h>
 
-namespace knjige::codepage {
-namespace {
+namespace knjige::codepage
+{
+namespace
+{
 
 constexpr UINT kCp1250 = 1250;
 
@@ -14,8 +16,7 @@ bool convert(QStringView text, QByteArray& out, qsizetype at)
 {
     BOOL usedDefault = FALSE;
     const int written = WideCharToMultiByte(kCp1250, WC_NO_BEST_FIT_CHARS, reinterpret_cast<LPCWCH>(text.utf16()),
-                                            int(text.size()), out.data() + at, int(out.size() - at), "?",
-                                            &usedDefault);
+        int(text.size()), out.data() + at, int(out.size() - at), "?", &usedDefault);
     out.resize(at + written);
     return !usedDefault;
 }
@@ -31,7 +32,8 @@ void appendCp1250Converted(QByteArray& out, QStringView text, QString* unmappabl
     // Something was replaced: go character by character to name what.
     out.resize(start);
     for (qsizetype i = 0; i < text.size();) {
-        const qsizetype length = i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate() ? 2 : 1;
+        const qsizetype length
+            = i + 1 < text.size() && text[i].isHighSurrogate() && text[i + 1].isLowSurrogate() ? 2 : 1;
         const QStringView character = text.mid(i, length);
         const qsizetype at = out.size();
         out.resize(at + length);

@@ -6,22 +6,27 @@
 #include <QDate>
 
 #ifdef KNJIGE_HAVE_XLSXWRITER
-#include <xlsxwriter.h>
-
 #include <map>
+#include <xlsxwriter.h>
 #endif
 
-namespace knjige {
+namespace knjige
+{
 
 #ifdef KNJIGE_HAVE_XLSXWRITER
 
-namespace {
+namespace
+{
 
 // One format per (number format, bold) pair: the writer keeps every format it is
 // given for the life of the workbook, so they are made once.
-class Formats {
+class Formats
+{
 public:
-    explicit Formats(lxw_workbook* wb) : m_wb(wb) {}
+    explicit Formats(lxw_workbook* wb)
+        : m_wb(wb)
+    {
+    }
     lxw_format* get(const QString& gridFormat, bool bold)
     {
         const auto key = std::make_pair(gridFormat, bold);
@@ -52,8 +57,8 @@ private:
     std::map<std::pair<QString, bool>, lxw_format*> m_formats;
 };
 
-void writeCell(lxw_worksheet* ws, Formats& formats, int row, int col, const QAbstractItemModel& model,
-               const QModelIndex& index)
+void writeCell(
+    lxw_worksheet* ws, Formats& formats, int row, int col, const QAbstractItemModel& model, const QModelIndex& index)
 {
     const QVariant value = model.data(index, BookModel::ValueRole);
     const QString format = model.data(index, BookModel::FormatRole).toString();
@@ -67,14 +72,15 @@ void writeCell(lxw_worksheet* ws, Formats& formats, int row, int col, const QAbs
         return;
     case QMetaType::QDate: {
         const QDate d = value.toDate();
-        lxw_datetime dt = {d.year(), d.month(), d.day(), 0, 0, 0};
+        lxw_datetime dt = { d.year(), d.month(), d.day(), 0, 0, 0 };
         worksheet_write_datetime(ws, row, col, &dt, f);
         return;
     }
     case QMetaType::Bool:
         worksheet_write_boolean(ws, row, col, value.toBool(), f);
         return;
-    default: break;
+    default:
+        break;
     }
     const QString text = model.data(index, Qt::DisplayRole).toString();
     if (!text.isEmpty())
@@ -85,7 +91,10 @@ void writeCell(lxw_worksheet* ws, Formats& formats, int row, int col, const QAbs
 
 } // namespace
 
-bool GridWorkbook::available() { return true; }
+bool GridWorkbook::available()
+{
+    return true;
+}
 
 bool GridWorkbook::write(const QAbstractItemModel& model, const QString& path, QString* error)
 {
@@ -120,7 +129,10 @@ bool GridWorkbook::write(const QAbstractItemModel& model, const QString& path, Q
 
 #else
 
-bool GridWorkbook::available() { return false; }
+bool GridWorkbook::available()
+{
+    return false;
+}
 
 bool GridWorkbook::write(const QAbstractItemModel&, const QString&, QString* error)
 {

@@ -4,7 +4,8 @@
 
 class QAbstractItemModel;
 
-namespace knjige {
+namespace knjige
+{
 
 // Writes a whole grid as a spreadsheet workbook (Office Open XML), fixed cells
 // included: the column headers as the first row and the row headers as the first
@@ -12,7 +13,8 @@ namespace knjige {
 // in their display format, dates as dates, bold where the grid draws bold. The model's
 // roles are those of BookModel (ValueRole, FormatRole, BoldRole); a model without them
 // is written as text.
-class GridWorkbook {
+class GridWorkbook
+{
 public:
     // False when the program was built without the workbook writer.
     static bool available();

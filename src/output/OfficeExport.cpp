@@ -9,8 +9,10 @@
 #include <QIODevice>
 #include <QStandardPaths>
 
-namespace knjige::output {
-namespace {
+namespace knjige::output
+{
+namespace
+{
 
 // Enough lines to keep the device's calls few, little enough to stay small.
 constexpr qsizetype kFlushAt = 64 * 1024;
@@ -199,7 +201,8 @@ QString defaultFileName()
 QString desktopOpener()
 {
 #if defined(Q_OS_WIN)
-    return QDir(qEnvironmentVariable("SystemRoot", QStringLiteral("C:\\Windows"))).filePath(QStringLiteral("explorer.exe"));
+    return QDir(qEnvironmentVariable("SystemRoot", QStringLiteral("C:\\Windows")))
+        .filePath(QStringLiteral("explorer.exe"));
 #elif defined(Q_OS_MACOS)
     return QStringLiteral("/usr/bin/open");
 #else
@@ -208,26 +211,38 @@ QString desktopOpener()
 }
 
 OfficeExportWriter::OfficeExportWriter(QIODevice& device, ExportOptions options)
-    : m_device(device), m_options(std::move(options)), m_utf8(QStringConverter::Utf8)
+    : m_device(device)
+    , m_options(std::move(options))
+    , m_utf8(QStringConverter::Utf8)
 {
     m_buffer.reserve(kFlushAt + 4096);
     if (m_options.encoding == TextEncoding::Utf8WithBom)
         m_buffer.append("\xEF\xBB\xBF");
 }
 
-void OfficeExportWriter::appendValue(QString& line, const ResultSet& rows, int row, int column,
-                                     const ExportOptions& options)
+void OfficeExportWriter::appendValue(
+    QString& line, const ResultSet& rows, int row, int column, const ExportOptions& options)
 {
     if (rows.isNull(row, column))
         return;
     const QChar mark = options.decimalMark.isEmpty() ? QChar(u'.') : options.decimalMark.front();
     switch (rows.field(column).type) {
-    case FieldType::Integer: appendInteger(line, rows.integer(row, column)); return;
-    case FieldType::Currency: appendMoney(line, rows.money(row, column), mark); return;
+    case FieldType::Integer:
+        appendInteger(line, rows.integer(row, column));
+        return;
+    case FieldType::Currency:
+        appendMoney(line, rows.money(row, column), mark);
+        return;
     case FieldType::Decimal:
-    case FieldType::Float: appendNumberText(line, rows.text(row, column), mark); return;
-    case FieldType::Date: appendDate(line, rows.date(row, column)); return;
-    case FieldType::Boolean: line += rows.integer(row, column) ? u'1' : u'0'; return;
+    case FieldType::Float:
+        appendNumberText(line, rows.text(row, column), mark);
+        return;
+    case FieldType::Date:
+        appendDate(line, rows.date(row, column));
+        return;
+    case FieldType::Boolean:
+        line += rows.integer(row, column) ? u'1' : u'0';
+        return;
     case FieldType::Text: {
         const QString text = rows.text(row, column);
         if (text.isEmpty())
@@ -301,10 +316,13 @@ bool OfficeExportWriter::flush()
     return true;
 }
 
-bool OfficeExportWriter::finish() { return flush(); }
+bool OfficeExportWriter::finish()
+{
+    return flush();
+}
 
-ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device,
-                               Progress* progress)
+ExportResult writeOfficeExport(
+    const ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress)
 {
     OfficeExportWriter writer(device, options);
     bool ok = writer.writeHeader(rows.fields());
@@ -331,8 +349,8 @@ ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, c
     }
     ExportResult result;
     {
-        const auto progress = interaction().startProgress({QStringLiteral("Izvoz"), QStringLiteral("Izvoz: %1 od %2 redova"),
-                                                           rows.rowCount(), file.cancelLeavesNoTrace()});
+        const auto progress = interaction().startProgress({ QStringLiteral("Izvoz"),
+            QStringLiteral("Izvoz: %1 od %2 redova"), rows.rowCount(), file.cancelLeavesNoTrace() });
         result = writeOfficeExport(rows, options, file.device(), progress.get());
     }
     if (result.cancelled) {

@@ -5,16 +5,17 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringEncoder>
-
 #include <optional>
 
 class QIODevice;
 
-namespace knjige {
+namespace knjige
+{
 class Progress;
 }
 
-namespace knjige::output {
+namespace knjige::output
+{
 
 // How the text of an exported file is encoded: Windows-1250, the code page of the
 // workstations the files are opened on, or UTF-8 with a byte-order mark (which Excel
@@ -27,8 +28,8 @@ std::optional<TextEncoding> encodingFromName(const QString& name);
 
 struct ExportOptions {
     QString separator = QStringLiteral(";");
-    QString decimalMark = QStringLiteral(",");   // "." or ","
-    bool quoteTexts = true;                      // names and texts in quotation marks
+    QString decimalMark = QStringLiteral(","); // "." or ","
+    bool quoteTexts = true; // names and texts in quotation marks
     TextEncoding encoding = TextEncoding::Windows1250;
 };
 
@@ -62,11 +63,11 @@ QString defaultFileName();
 QString desktopOpener();
 
 struct ExportResult {
-    qint64 rows = 0;              // data lines written
-    QString unmappable;           // distinct characters the code page lacks, written as "?"
-    qint64 firstUnmappableLine = 0;   // line of the file (the header is line 1) where the first was
-    QString error;                // the device's error when writing failed; empty otherwise
-    bool cancelled = false;       // the person stopped it; nothing was written
+    qint64 rows = 0; // data lines written
+    QString unmappable; // distinct characters the code page lacks, written as "?"
+    qint64 firstUnmappableLine = 0; // line of the file (the header is line 1) where the first was
+    QString error; // the device's error when writing failed; empty otherwise
+    bool cancelled = false; // the person stopped it; nothing was written
     bool ok() const { return error.isEmpty() && !cancelled; }
 };
 
@@ -80,7 +81,8 @@ struct ExportResult {
 // "dd.MM.yyyy" (the grid's day and month, the whole year); flags as 1 and 0; texts
 // trimmed, or, with quotation on, untrimmed in quotation marks with every quotation
 // mark inside doubled.
-class OfficeExportWriter {
+class OfficeExportWriter
+{
 public:
     OfficeExportWriter(QIODevice& device, ExportOptions options);
 
@@ -109,8 +111,8 @@ private:
 
 // Header and every row; the result tells how many rows were written and what failed.
 // Each row is reported to `progress`, which may stop the writing.
-ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& options, QIODevice& device,
-                               Progress* progress = nullptr);
+ExportResult writeOfficeExport(
+    const ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress = nullptr);
 
 // Writes the file whole or not at all: an existing file is replaced only once the new
 // one is complete, so a failure halfway leaves it as it was. The error names the file
@@ -119,15 +121,37 @@ ExportResult writeOfficeExport(const ResultSet& rows, const ExportOptions& optio
 ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, const QString& path);
 
 // Settings keys of the export, under settings::sharedApplication(), section "Settings".
-namespace keys {
-inline QString nazivDat() { return QStringLiteral("ExpNazivDat"); }
-inline QString separator() { return QStringLiteral("ExpSeparator"); }
-inline QString decTocka() { return QStringLiteral("ExpDecTočka"); }
-inline QString prikazNavodnika() { return QStringLiteral("ExpPrikazNavodnika"); }
-inline QString exeDat() { return QStringLiteral("ExpEXEDat"); }
-inline QString automPokr() { return QStringLiteral("ExpAutomPokr"); }
+namespace keys
+{
+inline QString nazivDat()
+{
+    return QStringLiteral("ExpNazivDat");
+}
+inline QString separator()
+{
+    return QStringLiteral("ExpSeparator");
+}
+inline QString decTocka()
+{
+    return QStringLiteral("ExpDecTočka");
+}
+inline QString prikazNavodnika()
+{
+    return QStringLiteral("ExpPrikazNavodnika");
+}
+inline QString exeDat()
+{
+    return QStringLiteral("ExpEXEDat");
+}
+inline QString automPokr()
+{
+    return QStringLiteral("ExpAutomPokr");
+}
 // Ours: the encoding chosen where the system has no Windows-1250 code page.
-inline QString kodiranje() { return QStringLiteral("ExpKodiranje"); }
+inline QString kodiranje()
+{
+    return QStringLiteral("ExpKodiranje");
+}
 } // namespace keys
 
 } // namespace knjige::output

@@ -4,7 +4,8 @@
 
 #include <QFileInfo>
 
-namespace knjige::output {
+namespace knjige::output
+{
 
 OutputFile::OutputFile(const QString& path)
     : m_path(path)

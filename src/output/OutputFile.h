@@ -3,10 +3,10 @@
 #include <QFile>
 #include <QSaveFile>
 #include <QString>
-
 #include <memory>
 
-namespace knjige::output {
+namespace knjige::output
+{
 
 // The file an export or a printout is written to, whole or not at all: a regular file
 // is replaced only once the new one is complete, so a failure halfway (a full disk)
@@ -14,7 +14,8 @@ namespace knjige::output {
 // a pipe that already stands at the path (/dev/null, a named pipe a program reads) is
 // written into as it is, never replaced by a regular file. A database this process holds
 // open is never written, under any of its names.
-class OutputFile {
+class OutputFile
+{
 public:
     explicit OutputFile(const QString& path);
 

@@ -42,8 +42,9 @@ bool panelSumsAsPrinted(int summedColumns, const browser::BookQuery& query)
     return browser::totalsPanelHeaders(bookKind).size() == summedColumns
         && !(isTradeBook(bookKind) && filter.salesPoint == 0)
         && filter.where
-        == browser::periodFilter(bookKind, filter.periodStart, filter.periodEnd, query.company, query.year,
-            filter.salesPoint).where;
+        == browser::periodFilter(
+            bookKind, filter.periodStart, filter.periodEnd, query.company, query.year, filter.salesPoint)
+               .where;
 }
 
 } // namespace
@@ -92,8 +93,7 @@ bool broughtForward(const browser::BookQuery& query, const Layout& layout, Broug
     QString where = query.filter.where;
     const qsizetype at = where.indexOf(period);
     if (at < 0) {
-        *error = QStringLiteral("filter knjige nema razdoblja od %1 do %2")
-                     .arg(from.toString(f), to.toString(f));
+        *error = QStringLiteral("filter knjige nema razdoblja od %1 do %2").arg(from.toString(f), to.toString(f));
         return false;
     }
     where.replace(at, period.size(), dateRange(yearStart, before));

@@ -5,13 +5,17 @@
 #include <QMap>
 #include <QRegularExpression>
 #include <QVector>
-
 #include <optional>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
-QString invalidPrefix() { return QStringLiteral("Neispravan connection string: "); }
+QString invalidPrefix()
+{
+    return QStringLiteral("Neispravan connection string: ");
+}
 
 ConnectionTarget invalid(const QString& what)
 {
@@ -33,10 +37,12 @@ ConnectionTarget odbcTarget(const QString& odbc)
     // Qt's ODBC driver takes a string holding ".dsn" anywhere for the name of a DSN
     // file and puts "FILEDSN=" before all of it; only a string that opens with its
     // FILEDSN reaches the driver manager whole.
-    static const QRegularExpression fileDsn(QStringLiteral("^\\s*FILEDSN\\s*="), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression fileDsn(
+        QStringLiteral("^\\s*FILEDSN\\s*="), QRegularExpression::CaseInsensitiveOption);
     if (odbc.contains(QLatin1String(".dsn"), Qt::CaseInsensitive) && !fileDsn.match(odbc).hasMatch())
-        return invalid(QStringLiteral("niz sadrži \".dsn\", a Qt-ov ODBC upravljački program (QODBC) takav niz čita kao "
-                                      "naziv DSN datoteke; DSN datoteka se navodi prvim ključem FILEDSN."));
+        return invalid(
+            QStringLiteral("niz sadrži \".dsn\", a Qt-ov ODBC upravljački program (QODBC) takav niz čita kao "
+                           "naziv DSN datoteke; DSN datoteka se navodi prvim ključem FILEDSN."));
     ConnectionTarget t;
     t.kind = ConnectionTarget::Kind::Odbc;
     t.odbc = odbc;
@@ -44,46 +50,60 @@ ConnectionTarget odbcTarget(const QString& odbc)
 }
 
 // The keys of the forms in use (ADO, ODBC, SqlClient), each under one name.
-enum class Key { Other, Provider, Server, Database, User, Password, Integrated, Driver, Dsn, Port, Encrypt,
-                 TrustCertificate, Application, Workstation };
+enum class Key {
+    Other,
+    Provider,
+    Server,
+    Database,
+    User,
+    Password,
+    Integrated,
+    Driver,
+    Dsn,
+    Port,
+    Encrypt,
+    TrustCertificate,
+    Application,
+    Workstation
+};
 
 Key keyOf(const QString& normalized)
 {
     static const QHash<QString, Key> keys = {
-        {QStringLiteral("provider"), Key::Provider},
-        {QStringLiteral("data source"), Key::Server},
-        {QStringLiteral("server"), Key::Server},
-        {QStringLiteral("address"), Key::Server},
-        {QStringLiteral("addr"), Key::Server},
-        {QStringLiteral("network address"), Key::Server},
-        {QStringLiteral("initial catalog"), Key::Database},
-        {QStringLiteral("database"), Key::Database},
-        {QStringLiteral("user id"), Key::User},
-        {QStringLiteral("uid"), Key::User},
-        {QStringLiteral("user"), Key::User},
-        {QStringLiteral("password"), Key::Password},
-        {QStringLiteral("pwd"), Key::Password},
-        {QStringLiteral("integrated security"), Key::Integrated},
-        {QStringLiteral("trusted_connection"), Key::Integrated},
-        {QStringLiteral("trusted connection"), Key::Integrated},
-        {QStringLiteral("driver"), Key::Driver},
-        {QStringLiteral("dsn"), Key::Dsn},
-        {QStringLiteral("filedsn"), Key::Dsn},
-        {QStringLiteral("port"), Key::Port},
-        {QStringLiteral("encrypt"), Key::Encrypt},
-        {QStringLiteral("use encryption for data"), Key::Encrypt},
-        {QStringLiteral("trustservercertificate"), Key::TrustCertificate},
-        {QStringLiteral("trust server certificate"), Key::TrustCertificate},
-        {QStringLiteral("application name"), Key::Application},
-        {QStringLiteral("app"), Key::Application},
-        {QStringLiteral("workstation id"), Key::Workstation},
-        {QStringLiteral("wsid"), Key::Workstation},
+        { QStringLiteral("provider"), Key::Provider },
+        { QStringLiteral("data source"), Key::Server },
+        { QStringLiteral("server"), Key::Server },
+        { QStringLiteral("address"), Key::Server },
+        { QStringLiteral("addr"), Key::Server },
+        { QStringLiteral("network address"), Key::Server },
+        { QStringLiteral("initial catalog"), Key::Database },
+        { QStringLiteral("database"), Key::Database },
+        { QStringLiteral("user id"), Key::User },
+        { QStringLiteral("uid"), Key::User },
+        { QStringLiteral("user"), Key::User },
+        { QStringLiteral("password"), Key::Password },
+        { QStringLiteral("pwd"), Key::Password },
+        { QStringLiteral("integrated security"), Key::Integrated },
+        { QStringLiteral("trusted_connection"), Key::Integrated },
+        { QStringLiteral("trusted connection"), Key::Integrated },
+        { QStringLiteral("driver"), Key::Driver },
+        { QStringLiteral("dsn"), Key::Dsn },
+        { QStringLiteral("filedsn"), Key::Dsn },
+        { QStringLiteral("port"), Key::Port },
+        { QStringLiteral("encrypt"), Key::Encrypt },
+        { QStringLiteral("use encryption for data"), Key::Encrypt },
+        { QStringLiteral("trustservercertificate"), Key::TrustCertificate },
+        { QStringLiteral("trust server certificate"), Key::TrustCertificate },
+        { QStringLiteral("application name"), Key::Application },
+        { QStringLiteral("app"), Key::Application },
+        { QStringLiteral("workstation id"), Key::Workstation },
+        { QStringLiteral("wsid"), Key::Workstation },
     };
     return keys.value(normalized, Key::Other);
 }
 
 struct Pair {
-    QString key;   // as written
+    QString key; // as written
     QString value; // unquoted
 };
 
@@ -134,8 +154,9 @@ std::optional<QString> readValue(const QString& s, int& i, const QString& secret
 // A piece that is no pair, quoted unless it may be the rest of a password.
 QString notAPair(const QString& piece, const QString& secretKey)
 {
-    return secretKey.isEmpty() ? QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece)
-                               : QStringLiteral("dio iza vrijednosti ključa %1 nema oblik Ključ=Vrijednost.").arg(secretKey);
+    return secretKey.isEmpty()
+        ? QStringLiteral("dio \"%1\" nema oblik Ključ=Vrijednost.").arg(piece)
+        : QStringLiteral("dio iza vrijednosti ključa %1 nema oblik Ključ=Vrijednost.").arg(secretKey);
 }
 
 bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
@@ -172,7 +193,7 @@ bool splitPairs(const QString& s, QVector<Pair>& pairs, QString* error)
         const std::optional<QString> value = readValue(s, i, secretKey, error);
         if (!value)
             return false;
-        pairs.push_back({key, *value});
+        pairs.push_back({ key, *value });
         if (i < s.size() && s[i] == u';')
             ++i;
     }
@@ -229,9 +250,14 @@ bool needsBraces(const QString& value)
 
 // The pairs of one ODBC string, each value in a form its driver reads as one value,
 // or the first value it cannot carry named in `error`.
-class OdbcPairs {
+class OdbcPairs
+{
 public:
-    OdbcPairs(ValueRules rules, const QString& driverName) : m_rules(rules), m_driverName(driverName) {}
+    OdbcPairs(ValueRules rules, const QString& driverName)
+        : m_rules(rules)
+        , m_driverName(driverName)
+    {
+    }
 
     // `name` names the value in a refusal (the host's key, never the value itself).
     void add(const QString& key, const QString& value, const QString& name)
@@ -283,9 +309,15 @@ ConnectionTarget builtTarget(const OdbcPairs& pairs)
     return pairs.error().isEmpty() ? odbcTarget(pairs.joined()) : invalid(pairs.error());
 }
 
-QString yesNo(bool yes) { return yes ? QStringLiteral("yes") : QStringLiteral("no"); }
+QString yesNo(bool yes)
+{
+    return yes ? QStringLiteral("yes") : QStringLiteral("no");
+}
 
-bool isFreeTds(const QString& driver) { return driver.contains(QLatin1String("tds"), Qt::CaseInsensitive); }
+bool isFreeTds(const QString& driver)
+{
+    return driver.contains(QLatin1String("tds"), Qt::CaseInsensitive);
+}
 
 // The pairs passed on to the driver manager, the provider left out: values are
 // written anew by the rules of the driver they name; behind a DSN any driver may wait.
@@ -294,7 +326,7 @@ ConnectionTarget passThrough(const Parsed& p)
     const QString driver = p.value(Key::Driver).trimmed();
     const bool odbcRules = p.has(Key::Driver) && !isFreeTds(driver);
     OdbcPairs pairs(odbcRules ? ValueRules::Odbc : ValueRules::Common,
-                    p.has(Key::Driver) ? u'"' + driver + u'"' : QStringLiteral("iz DSN-a \"%1\"").arg(p.value(Key::Dsn)));
+        p.has(Key::Driver) ? u'"' + driver + u'"' : QStringLiteral("iz DSN-a \"%1\"").arg(p.value(Key::Dsn)));
     for (const Pair& pair : p.pairs) {
         const Key k = keyOf(pair.key.toLower());
         if (k == Key::Driver)
@@ -314,7 +346,7 @@ struct ServerAddress {
 std::optional<ServerAddress> splitServer(const Parsed& p, QString* error)
 {
     QString text = p.value(Key::Server).trimmed();
-    for (const QString& protocol : {QStringLiteral("tcp:"), QStringLiteral("np:"), QStringLiteral("lpc:")})
+    for (const QString& protocol : { QStringLiteral("tcp:"), QStringLiteral("np:"), QStringLiteral("lpc:") })
         if (text.startsWith(protocol, Qt::CaseInsensitive))
             text = text.mid(protocol.size()).trimmed();
     ServerAddress a;
@@ -353,7 +385,8 @@ QString freeTdsEncryption(const Parsed& p)
             return QStringLiteral("require");
         return QStringLiteral("off");
     }
-    return p.has(Key::TrustCertificate) && isYes(p.value(Key::TrustCertificate)) ? QStringLiteral("request") : QString();
+    return p.has(Key::TrustCertificate) && isYes(p.value(Key::TrustCertificate)) ? QStringLiteral("request")
+                                                                                 : QString();
 }
 
 // The keys of the login, each named in a refusal as ADO names it.
@@ -418,7 +451,7 @@ ConnectionTarget microsoftTarget(const Parsed& p, const ServerAddress& a, const 
         // Driver 18's strict mode (TDS 8) is kept; it must never fall to "no".
         const QString v = p.value(Key::Encrypt).trimmed().toLower();
         pairs.addPlain(QStringLiteral("Encrypt=")
-                       + (v == QLatin1String("strict") ? v : yesNo(isYes(v) || v == QLatin1String("mandatory"))));
+            + (v == QLatin1String("strict") ? v : yesNo(isYes(v) || v == QLatin1String("mandatory"))));
     }
     if (p.has(Key::TrustCertificate))
         pairs.addPlain(QStringLiteral("TrustServerCertificate=") + yesNo(isYes(p.value(Key::TrustCertificate))));
@@ -485,7 +518,10 @@ QString sqlServerOdbcDriver()
 #endif
 }
 
-ConnectionTarget parseConnectionString(const QString& text) { return parseConnectionString(text, sqlServerOdbcDriver()); }
+ConnectionTarget parseConnectionString(const QString& text)
+{
+    return parseConnectionString(text, sqlServerOdbcDriver());
+}
 
 ConnectionTarget parseConnectionString(const QString& text, const QString& driver)
 {
@@ -503,8 +539,8 @@ ConnectionTarget parseConnectionString(const QString& text, const QString& drive
     if (!s.contains(u'=')) {
         if (looksLikeDatabaseFile(s))
             return sqliteTarget(s);
-        return invalid(QStringLiteral("\"%1\" nije ni datoteka baze (.db, .sqlite) ni niz oblika Ključ=Vrijednost.")
-                           .arg(s));
+        return invalid(
+            QStringLiteral("\"%1\" nije ni datoteka baze (.db, .sqlite) ni niz oblika Ključ=Vrijednost.").arg(s));
     }
 
     Parsed p;
@@ -546,6 +582,9 @@ QString connectionValue(const QString& text, const QString& key)
     return value;
 }
 
-QStringList sqlServerSessionSetup() { return {QStringLiteral("SET DATEFORMAT mdy"), QStringLiteral("SET NOCOUNT ON")}; }
+QStringList sqlServerSessionSetup()
+{
+    return { QStringLiteral("SET DATEFORMAT mdy"), QStringLiteral("SET NOCOUNT ON") };
+}
 
 } // namespace knjige

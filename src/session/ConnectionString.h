@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige {
+namespace knjige
+{
 
 // Where a connection string leads. The host hands over ADO-style strings
 // ("Provider=SQLOLEDB.1;Data Source=srv;Initial Catalog=db;User ID=sa;Password=x");
@@ -16,9 +17,9 @@ namespace knjige {
 struct ConnectionTarget {
     enum class Kind { Invalid, Sqlite, Odbc };
     Kind kind = Kind::Invalid;
-    QString sqlitePath;   // Kind::Sqlite
-    QString odbc;         // Kind::Odbc: the string for the ODBC driver manager
-    QString error;        // Kind::Invalid: what is wrong, in words (never the password)
+    QString sqlitePath; // Kind::Sqlite
+    QString odbc; // Kind::Odbc: the string for the ODBC driver manager
+    QString error; // Kind::Invalid: what is wrong, in words (never the password)
 };
 
 // Maps with the SQL Server driver of this machine (sqlServerOdbcDriver()).

@@ -5,7 +5,8 @@
 
 #include <limits>
 
-namespace knjige {
+namespace knjige
+{
 
 Database::Database() = default;
 Database::~Database() = default;
@@ -25,9 +26,14 @@ bool Database::connect(const QString& connectionString)
     const ConnectionTarget target = parseConnectionString(connectionString);
     QString error;
     switch (target.kind) {
-    case ConnectionTarget::Kind::Invalid: return fail(target.error);
-    case ConnectionTarget::Kind::Sqlite: m_backend = openSqliteBackend(target.sqlitePath, false, &error); break;
-    case ConnectionTarget::Kind::Odbc: m_backend = openOdbcBackend(target.odbc, &error); break;
+    case ConnectionTarget::Kind::Invalid:
+        return fail(target.error);
+    case ConnectionTarget::Kind::Sqlite:
+        m_backend = openSqliteBackend(target.sqlitePath, false, &error);
+        break;
+    case ConnectionTarget::Kind::Odbc:
+        m_backend = openOdbcBackend(target.odbc, &error);
+        break;
     }
     if (!m_backend)
         return fail(error);
@@ -41,7 +47,10 @@ void Database::disconnect()
     m_inTransaction = false;
 }
 
-bool Database::isConnected() const { return bool(m_backend); }
+bool Database::isConnected() const
+{
+    return bool(m_backend);
+}
 
 SqlDialect Database::dialect() const
 {
@@ -156,7 +165,8 @@ bool Database::writeRow(const RowChange& change)
     if (!m_backend->executeBound(st.sql, st.values, &affected, &error))
         return fail(error);
     if (change.kind != RowChange::Kind::Insert && affected == 0)
-        return fail(QStringLiteral("Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik."));
+        return fail(
+            QStringLiteral("Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik."));
     m_error.clear();
     return true;
 }

@@ -6,13 +6,13 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
-
 #include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
 
-namespace knjige {
+namespace knjige
+{
 
 class DatabaseBackend;
 
@@ -27,9 +27,9 @@ struct RowChange {
     using Values = QVector<std::pair<QString, QVariant>>;
 
     Kind kind = Kind::Insert;
-    QString table;      // as the system names it: "dbo.KnjPrihRashFBiH"
-    Values values;      // Insert and Update
-    Values original;    // Update and Delete
+    QString table; // as the system names it: "dbo.KnjPrihRashFBiH"
+    Values values; // Insert and Update
+    Values original; // Update and Delete
 };
 
 // Where a new entry's ordinal number lives: its column, and the columns within whose
@@ -44,7 +44,8 @@ struct NumberSlot {
 // writes it; on the embedded database it runs through the dialect adapter. Failures
 // are values: each call reports success, and errorDescription() holds the data
 // layer's own text. lastSql() keeps the last statement text run, for error reports.
-class Database {
+class Database
+{
 public:
     Database();
     ~Database();
@@ -106,9 +107,14 @@ private:
 };
 
 // Commits on commit(); rolls back when it goes out of scope uncommitted.
-class TransactionGuard {
+class TransactionGuard
+{
 public:
-    explicit TransactionGuard(Database& db) : m_db(db), m_active(db.beginTransaction()) {}
+    explicit TransactionGuard(Database& db)
+        : m_db(db)
+        , m_active(db.beginTransaction())
+    {
+    }
     ~TransactionGuard()
     {
         if (m_active)

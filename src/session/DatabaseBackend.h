@@ -4,14 +4,15 @@
 
 #include <QString>
 #include <QVariantList>
-
 #include <memory>
 
-namespace knjige {
+namespace knjige
+{
 
 // What a database engine must do for the helper. A backend reports failures by
 // returning false and setting *error to the engine's own description.
-class DatabaseBackend {
+class DatabaseBackend
+{
 public:
     virtual ~DatabaseBackend() = default;
 
@@ -35,8 +36,7 @@ public:
     virtual bool execute(const QString& tsql, int* rowsAffected, QString* error) = 0;
     // A statement with `?` placeholders written by the component itself (never a
     // system text), run with the values bound in order.
-    virtual bool executeBound(const QString& sql, const QVariantList& values, int* rowsAffected,
-                              QString* error) = 0;
+    virtual bool executeBound(const QString& sql, const QVariantList& values, int* rowsAffected, QString* error) = 0;
     // A statement in the engine's own dialect, run directly (not prepared: a temporary
     // table made by a prepared statement on SQL Server ends with it).
     virtual bool executeNative(const QString& sql, int* rowsAffected, QString* error) = 0;

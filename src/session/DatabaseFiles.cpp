@@ -4,14 +4,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
-
 #include <filesystem>
 #include <mutex>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
-constexpr const char* kSideFiles[] = {"", "-wal", "-shm", "-journal"};
+constexpr const char* kSideFiles[] = { "", "-wal", "-shm", "-journal" };
 
 std::mutex& filesMutex()
 {

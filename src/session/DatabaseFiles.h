@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige {
+namespace knjige
+{
 
 // The embedded database files this process holds open, so that no output (an export,
 // a printout, a saved text) is ever written over one of them.

@@ -2,12 +2,25 @@
 
 #include <QStringList>
 
-namespace knjige::dates {
+namespace knjige::dates
+{
 
-QString sqlLiteral(const QDate& date) { return date.toString(QStringLiteral("MM.dd.yyyy")); }
-QString display(const QDate& date) { return date.toString(QStringLiteral("dd.MM.yy")); }
-QString dayFirstShort(const QDate& date) { return date.toString(QStringLiteral("dd.MM.yy")); }
-QString monthFirstShort(const QDate& date) { return date.toString(QStringLiteral("MM.dd.yy")); }
+QString sqlLiteral(const QDate& date)
+{
+    return date.toString(QStringLiteral("MM.dd.yyyy"));
+}
+QString display(const QDate& date)
+{
+    return date.toString(QStringLiteral("dd.MM.yy"));
+}
+QString dayFirstShort(const QDate& date)
+{
+    return date.toString(QStringLiteral("dd.MM.yy"));
+}
+QString monthFirstShort(const QDate& date)
+{
+    return date.toString(QStringLiteral("MM.dd.yy"));
+}
 
 static QDate parseParts(const QString& text, int dayIndex, int monthIndex)
 {
@@ -23,10 +36,19 @@ static QDate parseParts(const QString& text, int dayIndex, int monthIndex)
     return QDate(y, m, d);
 }
 
-QDate parseDayFirst(const QString& text) { return parseParts(text, 0, 1); }
-QDate parseMonthFirst(const QString& text) { return parseParts(text, 1, 0); }
+QDate parseDayFirst(const QString& text)
+{
+    return parseParts(text, 0, 1);
+}
+QDate parseMonthFirst(const QString& text)
+{
+    return parseParts(text, 1, 0);
+}
 
-QString isoText(const QDate& date) { return date.toString(Qt::ISODate); }
+QString isoText(const QDate& date)
+{
+    return date.toString(Qt::ISODate);
+}
 
 QDate fromIsoText(const QString& text)
 {
@@ -34,9 +56,9 @@ QDate fromIsoText(const QString& text)
     // "yyyy-MM-dd" is read digit by digit. Rows written by other tools may carry a
     // time part; the books keep dates only.
     if (text.size() >= 10 && text[4] == u'-' && text[7] == u'-') {
-        int parts[3] = {0, 0, 0};
-        const int starts[3] = {0, 5, 8};
-        const int lengths[3] = {4, 2, 2};
+        int parts[3] = { 0, 0, 0 };
+        const int starts[3] = { 0, 5, 8 };
+        const int lengths[3] = { 4, 2, 2 };
         for (int p = 0; p < 3; ++p) {
             for (int i = 0; i < lengths[p]; ++i) {
                 const QChar c = text[starts[p] + i];
@@ -50,7 +72,13 @@ QDate fromIsoText(const QString& text)
     return QDate::fromString(text.left(10), Qt::ISODate);
 }
 
-QDate firstOfYear(int year) { return QDate(year, 1, 1); }
-QDate lastOfYear(int year) { return QDate(year, 12, 31); }
+QDate firstOfYear(int year)
+{
+    return QDate(year, 1, 1);
+}
+QDate lastOfYear(int year)
+{
+    return QDate(year, 12, 31);
+}
 
 } // namespace knjige::dates

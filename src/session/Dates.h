@@ -3,7 +3,8 @@
 #include <QDate>
 #include <QString>
 
-namespace knjige::dates {
+namespace knjige::dates
+{
 
 // "mm.dd.yyyy": the month-first literal that goes into SQL text ('03.15.2016').
 QString sqlLiteral(const QDate& date);

@@ -2,31 +2,35 @@
 
 #include "session/Session.h"
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
-class AllowEverything final : public OperatorRights {
+class AllowEverything final : public OperatorRights
+{
 public:
-    void setConnectionString(const QString&) override {}
-    void setOperatorName(const QString&) override {}
+    void setConnectionString(const QString&) override { }
+    void setOperatorName(const QString&) override { }
     bool mayOpenBook(int) override { return true; }
     bool hasRight(int, Group) override { return true; }
 };
 
 // Looks partners up in dbo.Komitent; it has no chooser of its own.
-class KomitentLookup final : public PartnerRegister {
+class KomitentLookup final : public PartnerRegister
+{
 public:
     std::optional<Partner> choose() override { return std::nullopt; }
     std::optional<Partner> find(qint32 code) override
     {
         Database& db = session().db();
         ResultSet rs;
-        if (!db.open(QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=")
-                         + QString::number(code),
-                     rs)
+        if (!db.open(
+                QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(code),
+                rs)
             || rs.isEmpty())
             return std::nullopt;
-        return Partner{qint32(rs.integer(0, 0)), rs.text(0, 1)};
+        return Partner { qint32(rs.integer(0, 0)), rs.text(0, 1) };
     }
 };
 

@@ -3,18 +3,19 @@
 #include "KnjigeExport.h"
 
 #include <QString>
-
 #include <memory>
 #include <optional>
 
-namespace knjige {
+namespace knjige
+{
 
 // What the component needs from its host beyond the session: the operator-rights
 // service and the registers of business partners and of shops/warehouses. A host
 // installs its own; without one the component allows everything and looks names up
 // in dbo.Komitent.
 
-class KNJIGE_EXPORT OperatorRights {
+class KNJIGE_EXPORT OperatorRights
+{
 public:
     // The five optional groups of browser commands a right can withhold.
     enum Group { Novi = 1, Izmjena = 2, Brisanje = 3, Ispis = 4, Izvoz = 5 };
@@ -33,7 +34,8 @@ struct Partner {
 
 // A register of partners (or of shops, which are partners too). choose() shows the
 // host's chooser and gives nothing when the person cancels.
-class KNJIGE_EXPORT PartnerRegister {
+class KNJIGE_EXPORT PartnerRegister
+{
 public:
     virtual ~PartnerRegister() = default;
     virtual std::optional<Partner> choose() = 0;

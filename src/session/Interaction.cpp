@@ -1,15 +1,17 @@
 #include "session/Interaction.h"
 
 #include <QTextStream>
-
 #include <cstdio>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // Used where no window library is present (the command-line tools): prints what a
 // message box would have said and takes each question's default answer.
-class ConsoleInteraction final : public Interaction {
+class ConsoleInteraction final : public Interaction
+{
 public:
     Answer show(const Message& message) override
     {
@@ -31,10 +33,11 @@ std::unique_ptr<Interaction>& current()
     return instance;
 }
 
-class SilentProgress final : public Progress {
+class SilentProgress final : public Progress
+{
 public:
     bool advance(qint64) override { return true; }
-    void restart(const QString&, qint64) override {}
+    void restart(const QString&, qint64) override { }
 };
 
 QString groupedCount(qint64 n)
@@ -60,9 +63,15 @@ std::unique_ptr<Progress> Interaction::startProgress(const ProgressSpec&)
     return std::make_unique<SilentProgress>();
 }
 
-Interaction& interaction() { return *current(); }
+Interaction& interaction()
+{
+    return *current();
+}
 
-bool usingConsoleInteraction() { return dynamic_cast<ConsoleInteraction*>(current().get()) != nullptr; }
+bool usingConsoleInteraction()
+{
+    return dynamic_cast<ConsoleInteraction*>(current().get()) != nullptr;
+}
 
 std::unique_ptr<Interaction> setInteraction(std::unique_ptr<Interaction> replacement)
 {
@@ -74,7 +83,7 @@ std::unique_ptr<Interaction> setInteraction(std::unique_ptr<Interaction> replace
 
 void inform(const QString& text, const QString& title, Icon icon)
 {
-    interaction().show({text, title, icon, Buttons::Ok, Answer::Ok});
+    interaction().show({ text, title, icon, Buttons::Ok, Answer::Ok });
 }
 
 void warn(const QString& text, const QString& title)
@@ -84,7 +93,7 @@ void warn(const QString& text, const QString& title)
 
 bool askYesNo(const QString& text, const QString& title, Answer defaultAnswer)
 {
-    return interaction().show({text, title, Icon::Question, Buttons::YesNo, defaultAnswer}) == Answer::Yes;
+    return interaction().show({ text, title, Icon::Question, Buttons::YesNo, defaultAnswer }) == Answer::Yes;
 }
 
 } // namespace knjige

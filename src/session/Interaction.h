@@ -2,13 +2,13 @@
 
 #include <QString>
 #include <QStringList>
-
 #include <memory>
 
 class QDialog;
 class QWidget;
 
-namespace knjige {
+namespace knjige
+{
 
 // Every place where the component speaks to a person goes through this one seam:
 // message boxes, questions, modal dialogs, file choosers, starting a program.
@@ -21,7 +21,7 @@ enum class Answer { Ok, Yes, No, Cancel };
 
 struct Message {
     QString text;
-    QString title;            // empty: the application's default title
+    QString title; // empty: the application's default title
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
     Answer defaultAnswer = Answer::Ok;
@@ -30,24 +30,25 @@ struct Message {
 struct FileChoice {
     QString title;
     QString directory;
-    QString fileName;         // proposed name
-    QString filter;           // Qt form: "CSV datoteka (*.csv)"
-    QString defaultSuffix;    // without the point
+    QString fileName; // proposed name
+    QString filter; // Qt form: "CSV datoteka (*.csv)"
+    QString defaultSuffix; // without the point
 };
 
 // An operation that may run for seconds on a large book: a printout, an export, a
 // renumbering. The person sees how far it got and, where stopping loses nothing (no
 // file half written, nothing half changed), may stop it.
 struct ProgressSpec {
-    QString title;            // the window's title
-    QString label;            // "%1" and "%2" become the count done and the total
+    QString title; // the window's title
+    QString label; // "%1" and "%2" become the count done and the total
     qint64 total = 0;
     bool cancellable = false;
 };
 
-class Progress {
+class Progress
+{
 public:
-    virtual ~Progress() = default;      // the operation is over
+    virtual ~Progress() = default; // the operation is over
     // `done` of the total. False once the person asked to stop; never where no
     // stopping was offered. Cheap enough to call for every row.
     virtual bool advance(qint64 done) = 0;
@@ -59,7 +60,8 @@ public:
 // ("12.000 od 20.000").
 QString progressText(const QString& label, qint64 done, qint64 total);
 
-class Interaction {
+class Interaction
+{
 public:
     virtual ~Interaction() = default;
 
@@ -85,7 +87,7 @@ bool usingConsoleInteraction();
 
 // Shorthands used throughout the component.
 void inform(const QString& text, const QString& title = {}, Icon icon = Icon::None);
-void warn(const QString& text, const QString& title = {});          // exclamation icon
+void warn(const QString& text, const QString& title = {}); // exclamation icon
 bool askYesNo(const QString& text, const QString& title = {}, Answer defaultAnswer = Answer::Yes);
 
 } // namespace knjige

@@ -1,12 +1,12 @@
 #include "session/Money.h"
 
 #include <QRegularExpression>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace knjige {
+namespace knjige
+{
 
 double roundingAllowance(double value)
 {
@@ -62,7 +62,8 @@ std::optional<Money> Money::parse(const QString& text)
             return std::nullopt;
     // The magnitude in ten-thousandths, checked against the range of its sign: 15
     // whole digits reach 922,337,203,685,477.
-    const QString digits = whole.mid(std::max<qsizetype>(0, whole.indexOf(QRegularExpression(QStringLiteral("[1-9]")))));
+    const QString digits
+        = whole.mid(std::max<qsizetype>(0, whole.indexOf(QRegularExpression(QStringLiteral("[1-9]")))));
     if (digits.size() > 15)
         return std::nullopt;
     quint64 units = (whole.isEmpty() ? 0 : whole.toULongLong()) * Scale;
@@ -71,7 +72,8 @@ std::optional<Money> Money::parse(const QString& text)
     units += kept.toULongLong();
     if (frac.size() > 4) {
         const QString rest = frac.mid(4);
-        const bool aboveHalf = rest[0] > u'5' || (rest[0] == u'5' && rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]"))));
+        const bool aboveHalf
+            = rest[0] > u'5' || (rest[0] == u'5' && rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]"))));
         const bool exactlyHalf = rest[0] == u'5' && !rest.mid(1).contains(QRegularExpression(QStringLiteral("[1-9]")));
         if (aboveHalf || (exactlyHalf && units % 2 != 0))
             ++units;

@@ -3,12 +3,12 @@
 #include <QMetaType>
 #include <QString>
 #include <QtGlobal>
-
 #include <compare>
 #include <limits>
 #include <optional>
 
-namespace knjige {
+namespace knjige
+{
 
 // A currency amount: a signed count of ten-thousandths, as the database's money type
 // keeps it. Every conversion from a wider or fractional value rounds half to even
@@ -21,7 +21,8 @@ namespace knjige {
 // a sum with an arithmetic overflow error. It stays out of range through further
 // arithmetic and shows as OutOfRangeText, so a total too large to hold is never shown
 // as a wrong amount.
-class Money {
+class Money
+{
 public:
     static constexpr qint64 Scale = 10000;
     static constexpr const char* OutOfRangeText = "prekoračenje";
@@ -60,10 +61,7 @@ public:
     // Rounds half to even to the given number of decimals (0 to 4).
     Money rounded(int decimals) const;
 
-    constexpr Money operator-() const
-    {
-        return isOutOfRange() || m_units == Min ? outOfRange() : Money(-m_units);
-    }
+    constexpr Money operator-() const { return isOutOfRange() || m_units == Min ? outOfRange() : Money(-m_units); }
     constexpr Money operator+(Money o) const
     {
         const qint64 a = m_units, b = o.m_units;
@@ -115,9 +113,12 @@ private:
     static constexpr qint64 Max = std::numeric_limits<qint64>::max();
     static constexpr qint64 Min = std::numeric_limits<qint64>::min();
 
-    constexpr explicit Money(qint64 units) : m_units(units) {}
+    constexpr explicit Money(qint64 units)
+        : m_units(units)
+    {
+    }
     static constexpr quint64 magnitude(qint64 v) { return v < 0 ? 0 - quint64(v) : quint64(v); }
-    qint64 m_units = 0;          // 0 when out of range
+    qint64 m_units = 0; // 0 when out of range
     bool m_outOfRange = false;
 };
 

@@ -10,11 +10,12 @@
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
-
 #include <atomic>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // The ODBC SQL type codes (sql.h, sqlext.h, msodbcsql.h), kept here so that this file
 // needs no driver manager headers.
@@ -29,7 +30,7 @@ enum OdbcSqlType {
     SqlFloat = 6,
     SqlReal = 7,
     SqlDouble = 8,
-    SqlDateTime = 9,   // SQL_DATE of ODBC 2
+    SqlDateTime = 9, // SQL_DATE of ODBC 2
     SqlTimestamp = 11, // ODBC 2
     SqlTypeDate = 91,
     SqlTypeTimestamp = 93,
@@ -63,13 +64,17 @@ QVariant bindable(const QVariant& v)
 
 QString newConnectionName()
 {
-    static std::atomic<int> counter{0};
+    static std::atomic<int> counter { 0 };
     return QStringLiteral("knjige-odbc-%1").arg(++counter);
 }
 
-class OdbcBackend final : public DatabaseBackend {
+class OdbcBackend final : public DatabaseBackend
+{
 public:
-    OdbcBackend() : m_name(newConnectionName()) {}
+    OdbcBackend()
+        : m_name(newConnectionName())
+    {
+    }
     ~OdbcBackend() override
     {
         m_db.close();
@@ -146,8 +151,8 @@ int OdbcBackend::affectedRows(QSqlQuery& q)
         return reported;
     QSqlQuery count(m_db);
     count.setForwardOnly(true);
-    const QString sql = m_dialect == SqlDialect::Sqlite ? QStringLiteral("SELECT changes()")
-                                                        : QStringLiteral("SELECT @@ROWCOUNT");
+    const QString sql
+        = m_dialect == SqlDialect::Sqlite ? QStringLiteral("SELECT changes()") : QStringLiteral("SELECT @@ROWCOUNT");
     if (!count.exec(sql) || !count.next())
         return -1;
     return count.value(0).toInt();
@@ -161,8 +166,7 @@ bool OdbcBackend::select(const QString& tsql, ResultSet& result, QString* error)
     if (!q.exec(tsql))
         return fail(error, q.lastError());
     // A batch may start with statements that return no rows.
-    while (!q.isSelect() && q.nextResult()) {
-    }
+    while (!q.isSelect() && q.nextResult()) { }
     if (!q.isSelect()) {
         q.finish();
         result = ResultSet();
@@ -173,7 +177,7 @@ bool OdbcBackend::select(const QString& tsql, ResultSet& result, QString* error)
     fields.reserve(record.count());
     for (int c = 0; c < record.count(); ++c) {
         const QSqlField f = record.field(c);
-        fields.push_back({f.name(), odbcFieldType(f.typeID(), f.length(), f.precision())});
+        fields.push_back({ f.name(), odbcFieldType(f.typeID(), f.length(), f.precision()) });
     }
     ResultSet rows(fields);
     while (q.next()) {
@@ -223,11 +227,13 @@ bool OdbcBackend::executeBound(const QString& sql, const QVariantList& values, i
 FieldType odbcFieldType(int sqlType, int columnSize, int decimalDigits)
 {
     switch (sqlType) {
-    case SqlBit: return FieldType::Boolean;
+    case SqlBit:
+        return FieldType::Boolean;
     case SqlTinyInt:
     case SqlSmallInt:
     case SqlInteger:
-    case SqlBigInt: return FieldType::Integer;
+    case SqlBigInt:
+        return FieldType::Integer;
     case SqlDecimal:
     case SqlNumeric:
         if (decimalDigits == 4 && (columnSize == 19 || columnSize == 10))
@@ -235,13 +241,16 @@ FieldType odbcFieldType(int sqlType, int columnSize, int decimalDigits)
         return FieldType::Decimal;
     case SqlFloat:
     case SqlReal:
-    case SqlDouble: return FieldType::Float;
+    case SqlDouble:
+        return FieldType::Float;
     case SqlDateTime:
     case SqlTimestamp:
     case SqlTypeDate:
     case SqlTypeTimestamp:
-    case SqlServerDateTimeOffset: return FieldType::Date;
-    default: return FieldType::Text;
+    case SqlServerDateTimeOffset:
+        return FieldType::Date;
+    default:
+        return FieldType::Text;
     }
 }
 
@@ -253,11 +262,11 @@ QString qodbcDatabaseName(const QString& odbc)
     // value that ends the string. A ';' of its own ends the last value for both.
     const QString closed = odbc.trimmed().endsWith(u';') ? odbc : odbc + u';';
     if ((closed.contains(QLatin1String("DRIVER="), Qt::CaseInsensitive)
-         || closed.contains(QLatin1String("SERVER="), Qt::CaseInsensitive))
+            || closed.contains(QLatin1String("SERVER="), Qt::CaseInsensitive))
         && !closed.contains(QLatin1String(".dsn"), Qt::CaseInsensitive))
         return closed;
-    static const QRegularExpression dsnKey(QStringLiteral("^\\s*(FILE)?DSN\\s*=\\s*"),
-                                           QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression dsnKey(
+        QStringLiteral("^\\s*(FILE)?DSN\\s*=\\s*"), QRegularExpression::CaseInsensitiveOption);
     QString name = closed;
     return name.remove(dsnKey);
 }

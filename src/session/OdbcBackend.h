@@ -4,7 +4,8 @@
 
 #include <QString>
 
-namespace knjige {
+namespace knjige
+{
 
 // The field type of a result column from the ODBC driver's description of it: the
 // SQL type code (SQL_INTEGER, SQL_DECIMAL, ...), the column size and the decimal

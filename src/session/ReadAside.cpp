@@ -3,7 +3,8 @@
 #include "session/Database.h"
 #include "session/Session.h"
 
-namespace knjige {
+namespace knjige
+{
 
 ReadAside::ReadAside(QString sql)
     : m_sql(std::move(sql))

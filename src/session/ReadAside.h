@@ -3,17 +3,18 @@
 #include "session/ResultSet.h"
 
 #include <QString>
-
 #include <future>
 
-namespace knjige {
+namespace knjige
+{
 
 // A SELECT read on a connection and in a thread of its own while the caller goes on
 // with other work: a book's running totals are summed while its rows are read. wait()
 // hands the rows over. Inside a transaction, and on a server, the session's own
 // connection reads it at wait(): only that connection sees the transaction's changes,
 // and a second login to a server costs more than it saves.
-class ReadAside {
+class ReadAside
+{
 public:
     explicit ReadAside(QString sql);
     ~ReadAside();

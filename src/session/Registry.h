@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige {
+namespace knjige
+{
 
 // Reads a text value from the per-user system registry: the Windows registry on
 // Windows, the per-user settings store elsewhere. `root` is a registry root key

@@ -2,7 +2,8 @@
 
 #include <QSettings>
 
-namespace knjige {
+namespace knjige
+{
 
 static constexpr int kBufferChars = 1024;
 
@@ -17,8 +18,8 @@ QString registryText(const QString& keyPath, const QString& valueName, quint32 r
 {
     if (root != 0 && root != 0x80000001u) // only the current user's root exists here
         return {};
-    QSettings store(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("ArbosaPOSKnjige17"),
-                    QStringLiteral("Registry"));
+    QSettings store(
+        QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("ArbosaPOSKnjige17"), QStringLiteral("Registry"));
     const QVariant v = store.value(settingsKey(keyPath, valueName));
     if (!v.isValid())
         return {};
@@ -27,8 +28,8 @@ QString registryText(const QString& keyPath, const QString& valueName, quint32 r
 
 bool setRegistryText(const QString& keyPath, const QString& valueName, const QString& value)
 {
-    QSettings store(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("ArbosaPOSKnjige17"),
-                    QStringLiteral("Registry"));
+    QSettings store(
+        QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("ArbosaPOSKnjige17"), QStringLiteral("Registry"));
     store.setValue(settingsKey(keyPath, valueName), value);
     store.sync();
     return store.status() == QSettings::NoError;

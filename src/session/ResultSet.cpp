@@ -5,18 +5,26 @@
 #include <algorithm>
 #include <cmath>
 
-namespace knjige {
+namespace knjige
+{
 
 QString fieldTypeName(FieldType type)
 {
     switch (type) {
-    case FieldType::Integer: return QStringLiteral("integer");
-    case FieldType::Currency: return QStringLiteral("currency");
-    case FieldType::Decimal: return QStringLiteral("decimal");
-    case FieldType::Float: return QStringLiteral("float");
-    case FieldType::Date: return QStringLiteral("date");
-    case FieldType::Text: return QStringLiteral("text");
-    case FieldType::Boolean: return QStringLiteral("boolean");
+    case FieldType::Integer:
+        return QStringLiteral("integer");
+    case FieldType::Currency:
+        return QStringLiteral("currency");
+    case FieldType::Decimal:
+        return QStringLiteral("decimal");
+    case FieldType::Float:
+        return QStringLiteral("float");
+    case FieldType::Date:
+        return QStringLiteral("date");
+    case FieldType::Text:
+        return QStringLiteral("text");
+    case FieldType::Boolean:
+        return QStringLiteral("boolean");
     }
     return {};
 }
@@ -27,7 +35,10 @@ bool isNumeric(FieldType type)
         || type == FieldType::Float;
 }
 
-static bool storesReal(FieldType t) { return t == FieldType::Decimal || t == FieldType::Float; }
+static bool storesReal(FieldType t)
+{
+    return t == FieldType::Decimal || t == FieldType::Float;
+}
 
 // A column that shares its texts stops looking them up once this many different ones
 // are stored and fewer than half of all its texts were found among them.
@@ -188,13 +199,19 @@ QVariant ResultSet::value(int row, int c) const
         return {};
     const Column& col = m_columns[c];
     switch (m_fields[c].type) {
-    case FieldType::Integer: return QVariant::fromValue<qlonglong>(col.numbers[row]);
-    case FieldType::Currency: return QVariant::fromValue(Money::fromUnits(col.numbers[row]));
+    case FieldType::Integer:
+        return QVariant::fromValue<qlonglong>(col.numbers[row]);
+    case FieldType::Currency:
+        return QVariant::fromValue(Money::fromUnits(col.numbers[row]));
     case FieldType::Decimal:
-    case FieldType::Float: return col.reals[row];
-    case FieldType::Date: return QDate::fromJulianDay(col.numbers[row]);
-    case FieldType::Text: return text(row, c);
-    case FieldType::Boolean: return col.numbers[row] != 0;
+    case FieldType::Float:
+        return col.reals[row];
+    case FieldType::Date:
+        return QDate::fromJulianDay(col.numbers[row]);
+    case FieldType::Text:
+        return text(row, c);
+    case FieldType::Boolean:
+        return col.numbers[row] != 0;
     }
     return {};
 }
@@ -210,11 +227,15 @@ qint64 ResultSet::integer(int row, int c) const
     if (isNull(row, c))
         return 0;
     switch (m_fields[c].type) {
-    case FieldType::Currency: return m_columns[c].numbers[row] / Money::Scale;
+    case FieldType::Currency:
+        return m_columns[c].numbers[row] / Money::Scale;
     case FieldType::Decimal:
-    case FieldType::Float: return qint64(m_columns[c].reals[row]);
-    case FieldType::Text: return text(row, c).trimmed().toLongLong();
-    default: return m_columns[c].numbers[row];
+    case FieldType::Float:
+        return qint64(m_columns[c].reals[row]);
+    case FieldType::Text:
+        return text(row, c).trimmed().toLongLong();
+    default:
+        return m_columns[c].numbers[row];
     }
 }
 
@@ -223,13 +244,18 @@ Money ResultSet::money(int row, int c) const
     if (isNull(row, c))
         return {};
     switch (m_fields[c].type) {
-    case FieldType::Currency: return Money::fromUnits(m_columns[c].numbers[row]);
+    case FieldType::Currency:
+        return Money::fromUnits(m_columns[c].numbers[row]);
     case FieldType::Integer:
-    case FieldType::Boolean: return Money::fromWhole(m_columns[c].numbers[row]);
+    case FieldType::Boolean:
+        return Money::fromWhole(m_columns[c].numbers[row]);
     case FieldType::Decimal:
-    case FieldType::Float: return Money::fromDouble(m_columns[c].reals[row]);
-    case FieldType::Text: return Money::parse(text(row, c)).value_or(Money());
-    case FieldType::Date: return {};
+    case FieldType::Float:
+        return Money::fromDouble(m_columns[c].reals[row]);
+    case FieldType::Text:
+        return Money::parse(text(row, c)).value_or(Money());
+    case FieldType::Date:
+        return {};
     }
     return {};
 }
@@ -239,11 +265,15 @@ double ResultSet::real(int row, int c) const
     if (isNull(row, c))
         return 0;
     switch (m_fields[c].type) {
-    case FieldType::Currency: return Money::fromUnits(m_columns[c].numbers[row]).toDouble();
+    case FieldType::Currency:
+        return Money::fromUnits(m_columns[c].numbers[row]).toDouble();
     case FieldType::Decimal:
-    case FieldType::Float: return m_columns[c].reals[row];
-    case FieldType::Text: return text(row, c).toDouble();
-    default: return double(m_columns[c].numbers[row]);
+    case FieldType::Float:
+        return m_columns[c].reals[row];
+    case FieldType::Text:
+        return text(row, c).toDouble();
+    default:
+        return double(m_columns[c].numbers[row]);
     }
 }
 
@@ -260,13 +290,19 @@ QString ResultSet::text(int row, int c) const
         return {};
     const Column& col = m_columns[c];
     switch (m_fields[c].type) {
-    case FieldType::Integer: return QString::number(col.numbers[row]);
-    case FieldType::Currency: return Money::fromUnits(col.numbers[row]).toPlainString();
+    case FieldType::Integer:
+        return QString::number(col.numbers[row]);
+    case FieldType::Currency:
+        return Money::fromUnits(col.numbers[row]).toPlainString();
     case FieldType::Decimal:
-    case FieldType::Float: return QString::number(col.reals[row], 'g', 15);
-    case FieldType::Date: return QDate::fromJulianDay(col.numbers[row]).toString(Qt::ISODate);
-    case FieldType::Text: return QString::fromUtf8(col.texts.at(col.numbers[row]));
-    case FieldType::Boolean: return col.numbers[row] ? QStringLiteral("1") : QStringLiteral("0");
+    case FieldType::Float:
+        return QString::number(col.reals[row], 'g', 15);
+    case FieldType::Date:
+        return QDate::fromJulianDay(col.numbers[row]).toString(Qt::ISODate);
+    case FieldType::Text:
+        return QString::fromUtf8(col.texts.at(col.numbers[row]));
+    case FieldType::Boolean:
+        return col.numbers[row] ? QStringLiteral("1") : QStringLiteral("0");
     }
     return {};
 }
@@ -325,16 +361,26 @@ void ResultSet::storeText(int c, QByteArrayView utf8)
     col.nulls.setBack(false);
 }
 
-void ResultSet::setNull(int c) { column(c).nulls.setBack(true); }
+void ResultSet::setNull(int c)
+{
+    column(c).nulls.setBack(true);
+}
 
 void ResultSet::setInteger(int c, qint64 v)
 {
     switch (m_fields[c].type) {
-    case FieldType::Currency: setMoney(c, Money::fromWhole(v)); return;
+    case FieldType::Currency:
+        setMoney(c, Money::fromWhole(v));
+        return;
     case FieldType::Decimal:
-    case FieldType::Float: setReal(c, double(v)); return;
-    case FieldType::Text: setText(c, QString::number(v)); return;
-    default: break;
+    case FieldType::Float:
+        setReal(c, double(v));
+        return;
+    case FieldType::Text:
+        setText(c, QString::number(v));
+        return;
+    default:
+        break;
     }
     column(c).numbers.setBack(v);
     column(c).nulls.setBack(false);
@@ -343,11 +389,19 @@ void ResultSet::setInteger(int c, qint64 v)
 void ResultSet::setMoney(int c, Money v)
 {
     switch (m_fields[c].type) {
-    case FieldType::Currency: column(c).numbers.setBack(v.units()); break;
+    case FieldType::Currency:
+        column(c).numbers.setBack(v.units());
+        break;
     case FieldType::Decimal:
-    case FieldType::Float: column(c).reals.back() = v.toDouble(); break;
-    case FieldType::Text: setText(c, v.toPlainString()); return;
-    default: column(c).numbers.setBack(v.units() / Money::Scale); break;
+    case FieldType::Float:
+        column(c).reals.back() = v.toDouble();
+        break;
+    case FieldType::Text:
+        setText(c, v.toPlainString());
+        return;
+    default:
+        column(c).numbers.setBack(v.units() / Money::Scale);
+        break;
     }
     column(c).nulls.setBack(false);
 }
@@ -355,12 +409,21 @@ void ResultSet::setMoney(int c, Money v)
 void ResultSet::setReal(int c, double v)
 {
     switch (m_fields[c].type) {
-    case FieldType::Currency: column(c).numbers.setBack(Money::fromDouble(v).units()); break;
+    case FieldType::Currency:
+        column(c).numbers.setBack(Money::fromDouble(v).units());
+        break;
     case FieldType::Decimal:
-    case FieldType::Float: column(c).reals.back() = v; break;
-    case FieldType::Text: setText(c, QString::number(v, 'g', 15)); return;
-    case FieldType::Date: return;
-    default: column(c).numbers.setBack(qint64(std::llround(v))); break;
+    case FieldType::Float:
+        column(c).reals.back() = v;
+        break;
+    case FieldType::Text:
+        setText(c, QString::number(v, 'g', 15));
+        return;
+    case FieldType::Date:
+        return;
+    default:
+        column(c).numbers.setBack(qint64(std::llround(v)));
+        break;
     }
     column(c).nulls.setBack(false);
 }
@@ -380,7 +443,9 @@ void ResultSet::setDate(int c, const QDate& v)
 void ResultSet::setText(int c, const QString& v)
 {
     switch (m_fields[c].type) {
-    case FieldType::Text: storeText(c, v.toUtf8()); return;
+    case FieldType::Text:
+        storeText(c, v.toUtf8());
+        return;
     case FieldType::Date: {
         const QDate d = dates::fromIsoText(v);
         if (!d.isValid())
@@ -388,10 +453,16 @@ void ResultSet::setText(int c, const QString& v)
         column(c).numbers.setBack(d.toJulianDay());
         break;
     }
-    case FieldType::Currency: column(c).numbers.setBack(Money::parse(v).value_or(Money()).units()); break;
+    case FieldType::Currency:
+        column(c).numbers.setBack(Money::parse(v).value_or(Money()).units());
+        break;
     case FieldType::Decimal:
-    case FieldType::Float: column(c).reals.back() = v.toDouble(); break;
-    default: column(c).numbers.setBack(v.trimmed().toLongLong()); break;
+    case FieldType::Float:
+        column(c).reals.back() = v.toDouble();
+        break;
+    default:
+        column(c).numbers.setBack(v.trimmed().toLongLong());
+        break;
     }
     column(c).nulls.setBack(false);
 }
@@ -417,12 +488,21 @@ void ResultSet::set(int c, const QVariant& v)
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
     case QMetaType::Short:
-    case QMetaType::UShort: setInteger(c, v.toLongLong()); return;
+    case QMetaType::UShort:
+        setInteger(c, v.toLongLong());
+        return;
     case QMetaType::Double:
-    case QMetaType::Float: setReal(c, v.toDouble()); return;
-    case QMetaType::QDate: setDate(c, v.toDate()); return;
-    case QMetaType::QDateTime: setDate(c, v.toDateTime().date()); return;
-    default: break;
+    case QMetaType::Float:
+        setReal(c, v.toDouble());
+        return;
+    case QMetaType::QDate:
+        setDate(c, v.toDate());
+        return;
+    case QMetaType::QDateTime:
+        setDate(c, v.toDateTime().date());
+        return;
+    default:
+        break;
     }
     if (v.canConvert<Money>() && v.userType() == qMetaTypeId<Money>()) {
         setMoney(c, v.value<Money>());

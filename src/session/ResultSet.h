@@ -9,10 +9,10 @@
 #include <QString>
 #include <QVariant>
 #include <QVector>
-
 #include <vector>
 
-namespace knjige {
+namespace knjige
+{
 
 // The data types a field can have, as SQL Server would type the column.
 enum class FieldType { Integer, Currency, Decimal, Float, Date, Text, Boolean };
@@ -33,7 +33,8 @@ struct Field {
 // UTF-8 in one block per column (a text repeated often, such as a kind's name, stored
 // once), NULL as one bit. Rows are addressed by index; reading is cheap enough for a
 // grid to ask only for the cells it paints.
-class ResultSet {
+class ResultSet
+{
 public:
     ResultSet() = default;
     explicit ResultSet(QVector<Field> fields);
@@ -51,11 +52,11 @@ public:
     // Text → QString, Boolean → bool; NULL → an invalid QVariant.
     QVariant value(int row, int column) const;
     QVariant value(int row, const QString& name) const;
-    qint64 integer(int row, int column) const;   // amounts and fractions truncated
-    Money money(int row, int column) const;      // integers and fractions converted
+    qint64 integer(int row, int column) const; // amounts and fractions truncated
+    Money money(int row, int column) const; // integers and fractions converted
     double real(int row, int column) const;
     QDate date(int row, int column) const;
-    QString text(int row, int column) const;     // the value in plain text form
+    QString text(int row, int column) const; // the value in plain text form
     // A text cell's own UTF-8 bytes, valid until the rows change; empty for NULL and
     // for the cells of other types.
     QByteArrayView utf8(int row, int column) const;
@@ -80,7 +81,8 @@ public:
     void permute(const std::vector<int>& order);
 
     // Whole numbers of one column: 32 bits each until a value needs 64.
-    class Numbers {
+    class Numbers
+    {
     public:
         qint64 operator[](size_t i) const { return m_wide ? m_64[i] : m_32[i]; }
         size_t size() const { return m_wide ? m_64.size() : m_32.size(); }
@@ -98,13 +100,18 @@ public:
     };
 
 private:
-    class Bits {
+    class Bits
+    {
     public:
         bool get(size_t i) const { return (m_words[i >> 6] >> (i & 63)) & 1; }
         void push_back(bool on);
         void setBack(bool on);
         void reserve(size_t n) { m_words.reserve((n + 63) / 64); }
-        void clear() { m_words.clear(); m_size = 0; }
+        void clear()
+        {
+            m_words.clear();
+            m_size = 0;
+        }
         void permute(const std::vector<int>& order);
 
     private:
@@ -124,7 +131,7 @@ private:
         QByteArrayView at(qint64 offset) const;
     };
     struct Column {
-        Numbers numbers;   // integers, amounts, dates, flags; text offsets
+        Numbers numbers; // integers, amounts, dates, flags; text offsets
         std::vector<double> reals;
         Texts texts;
         Bits nulls;

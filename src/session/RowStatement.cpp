@@ -3,8 +3,10 @@
 #include <QDate>
 #include <QStringList>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QString bareTable(const QString& table, SqlDialect dialect)
 {
@@ -56,8 +58,7 @@ BoundStatement rowStatement(const RowChange& change, SqlDialect dialect)
             marks << QStringLiteral("?");
             st.values << value;
         }
-        st.sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                     .arg(table, columns.join(u','), marks.join(u','));
+        st.sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)").arg(table, columns.join(u','), marks.join(u','));
         break;
     }
     case RowChange::Kind::Update: {
@@ -98,7 +99,7 @@ BoundStatement insertIfFreeStatement(const RowChange& change, const NumberSlot& 
         marks << QStringLiteral("?");
         st.values << value;
     }
-    for (const QString& column : QStringList{slot.column} + slot.scope) {
+    for (const QString& column : QStringList { slot.column } + slot.scope) {
         taken << column + QStringLiteral(" = ?");
         for (const auto& [name, value] : change.values)
             if (name.compare(column, Qt::CaseInsensitive) == 0) {

@@ -4,10 +4,10 @@
 #include "session/Interaction.h"
 
 #include <QCoreApplication>
-
 #include <memory>
 
-namespace knjige {
+namespace knjige
+{
 
 Session& session()
 {
@@ -15,7 +15,8 @@ Session& session()
     return instance;
 }
 
-namespace {
+namespace
+{
 
 Database& helperDb()
 {
@@ -52,7 +53,8 @@ void Session::reset()
     *this = Session();
 }
 
-namespace DefVarijabli {
+namespace DefVarijabli
+{
 
 QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32 brojProd)
 {
@@ -138,7 +140,10 @@ void CitajKonfiguraciju(bool sveKolone)
         s.NazivFirme = rs.text(0, c);
 }
 
-QString ImeOperatera() { return session().ImeOperatera; }
+QString ImeOperatera()
+{
+    return session().ImeOperatera;
+}
 
 } // namespace DefVarijabli
 

@@ -5,7 +5,8 @@
 
 #include <QString>
 
-namespace knjige {
+namespace knjige
+{
 
 // What every window of the component works with: how to reach the database, which
 // company and year are kept, who the operator is. One per process; the last value
@@ -14,9 +15,9 @@ struct Session {
     QString ConnString;
     qint16 RadnaGodina = 0;
     qint16 BrojPoduzeca = 0;
-    QString NivoPristupa;    // operator access level, a one-digit text
+    QString NivoPristupa; // operator access level, a one-digit text
     QString ImeOperatera;
-    QString NazivFirme;      // from the company's configuration row
+    QString NazivFirme; // from the company's configuration row
 
     // The company's configuration row as last read; empty until read.
     ResultSet Konfiguracija;
@@ -35,7 +36,8 @@ struct Session {
 Session& session();
 
 // The shared routines every window calls.
-namespace DefVarijabli {
+namespace DefVarijabli
+{
 
 // The SQL text that reads the highest ordinal number of a book for the session's
 // company and year (and sales point in the trade books); empty for an unknown kind.

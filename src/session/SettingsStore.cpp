@@ -2,8 +2,10 @@
 
 #include <QSettings>
 
-namespace knjige::settings {
-namespace {
+namespace knjige::settings
+{
+namespace
+{
 
 QString organization()
 {
@@ -16,7 +18,10 @@ QString organization()
 #endif
 }
 
-QString path(const QString& section, const QString& key) { return section + u'/' + key; }
+QString path(const QString& section, const QString& key)
+{
+    return section + u'/' + key;
+}
 
 } // namespace
 

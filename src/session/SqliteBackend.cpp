@@ -14,17 +14,17 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-
-#include <sqlite3.h>
-
 #include <atomic>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <sqlite3.h>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 using tsql::SqlType;
 
@@ -99,7 +99,8 @@ QVariant convertedFor(SqlType column, const QVariant& v)
         if (!dates::fromIsoText(v.toString()).isValid())
             date = dates::parseMonthFirst(v.toString().trimmed());
         break;
-    default: break;
+    default:
+        break;
     }
     return date.isValid() ? QVariant(dates::isoText(date)) : v;
 }
@@ -137,9 +138,12 @@ SqlType typeOfValue(const QVariant& v)
 {
     switch (v.typeId()) {
     case QMetaType::LongLong:
-    case QMetaType::Int: return SqlType::Int;
-    case QMetaType::Double: return SqlType::Float;
-    default: return SqlType::Text;
+    case QMetaType::Int:
+        return SqlType::Int;
+    case QMetaType::Double:
+        return SqlType::Float;
+    default:
+        return SqlType::Text;
     }
 }
 
@@ -171,7 +175,9 @@ bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32
         rs.setInteger(c, i);
         break;
     }
-    case FieldType::Boolean: rs.setInteger(c, v.toLongLong() != 0); break;
+    case FieldType::Boolean:
+        rs.setInteger(c, v.toLongLong() != 0);
+        break;
     case FieldType::Currency:
         if (isReal) {
             const auto units = tsql::moneyUnits(v.toDouble());
@@ -188,7 +194,9 @@ bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32
         }
         break;
     case FieldType::Decimal:
-    case FieldType::Float: rs.setReal(c, v.toDouble()); break;
+    case FieldType::Float:
+        rs.setReal(c, v.toDouble());
+        break;
     case FieldType::Date: {
         const QString s = v.toString();
         QDate d = dates::fromIsoText(s);
@@ -200,12 +208,15 @@ bool setCell(ResultSet& rs, int c, FieldType type, const QVariant& v, bool int32
             rs.setNull(c);
         break;
     }
-    case FieldType::Text: rs.setText(c, v.toString()); break;
+    case FieldType::Text:
+        rs.setText(c, v.toString());
+        break;
     }
     return true;
 }
 
-class SqliteBackend final : public DatabaseBackend {
+class SqliteBackend final : public DatabaseBackend
+{
 public:
     SqliteBackend(const QString& path, bool create, QString* error)
     {
@@ -294,7 +305,8 @@ public:
         const BoundColumns target = boundColumns(sql);
         const tsql::TableDef* table = target.table.isEmpty() ? nullptr : m_catalog.find(target.table);
         for (int i = 0; i < values.size(); ++i) {
-            const tsql::ColumnDef* column = table && i < target.columns.size() ? table->column(target.columns[i]) : nullptr;
+            const tsql::ColumnDef* column
+                = table && i < target.columns.size() ? table->column(target.columns[i]) : nullptr;
             q.addBindValue(bindable(column ? convertedFor(column->type, values[i]) : values[i]));
         }
         if (!q.exec()) {
@@ -356,8 +368,7 @@ private:
         if (!q.exec(st.sql))
             return fail(q.lastError(), error);
         if (st.kind == tsql::Translation::Kind::Query) {
-            while (q.next()) {
-            }
+            while (q.next()) { }
             if (q.lastError().isValid())
                 return fail(q.lastError(), error);
         }
@@ -371,8 +382,8 @@ private:
     }
 
     // With `part`, the rows go to it a part at a time and `result` is scratch.
-    bool selectInto(const QString& tsql, ResultSet& result, const std::function<bool(const ResultSet&)>* part,
-                    QString* error)
+    bool selectInto(
+        const QString& tsql, ResultSet& result, const std::function<bool(const ResultSet&)>* part, QString* error)
     {
         const auto t = m_translator.translate(tsql);
         for (const auto& st : t->statements) {
@@ -392,7 +403,7 @@ private:
     // Reads straight from SQLite's own statement into the typed columns: a large book
     // is read on every refresh, and a value object per cell would double the time.
     bool query(const tsql::Translation::Statement& st, ResultSet& result,
-               const std::function<bool(const ResultSet&)>* part, QString* error)
+        const std::function<bool(const ResultSet&)>* part, QString* error)
     {
         const QByteArray sql = st.sql.toUtf8();
         sqlite3_stmt* raw = nullptr;
@@ -491,10 +502,14 @@ private:
     static QVariant valueAt(sqlite3_stmt* stmt, int c)
     {
         switch (sqlite3_column_type(stmt, c)) {
-        case SQLITE_NULL: return {};
-        case SQLITE_INTEGER: return QVariant::fromValue<qlonglong>(sqlite3_column_int64(stmt, c));
-        case SQLITE_FLOAT: return sqlite3_column_double(stmt, c);
-        default: return textAt(stmt, c);
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_INTEGER:
+            return QVariant::fromValue<qlonglong>(sqlite3_column_int64(stmt, c));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(stmt, c);
+        default:
+            return textAt(stmt, c);
         }
     }
 
@@ -521,7 +536,7 @@ private:
     {
         const int storage = sqlite3_column_type(stmt, c);
         if (storage == SQLITE_NULL)
-            return true;   // a new row's cells start NULL
+            return true; // a new row's cells start NULL
         switch (type) {
         case FieldType::Integer:
         case FieldType::Boolean:

@@ -1,6 +1,7 @@
 #pragma once
 
-namespace knjige {
+namespace knjige
+{
 
 // SQLite keeps its file locks as POSIX record locks, which belong to the process: the
 // moment any part of the process closes any descriptor of the database, its -wal or

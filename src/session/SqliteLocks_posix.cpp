@@ -1,27 +1,27 @@
 #include "session/SqliteLocks.h"
 
-#include <sqlite3.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <fcntl.h>
 #include <fstream>
 #include <map>
 #include <mutex>
 #include <set>
+#include <sqlite3.h>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
-namespace knjige {
+namespace knjige
+{
 
 #if defined(F_OFD_SETLK) && defined(F_OFD_GETLK) && defined(F_OFD_SETLKW)
 
-namespace {
+namespace
+{
 
 // SQLite shares one lock state between all connections of the process on the same
 // file (its inode records) and so counts on the locks belonging to the process, not to
@@ -39,8 +39,8 @@ FcntlCall realFcntl = nullptr;
 CloseCall realClose = nullptr;
 
 struct Holder {
-    int fd = -1;          // the private description the locks are taken on
-    std::set<int> users;  // SQLite's descriptors of the file that asked for a lock
+    int fd = -1; // the private description the locks are taken on
+    std::set<int> users; // SQLite's descriptors of the file that asked for a lock
 };
 
 std::mutex& holdersMutex()
@@ -58,7 +58,8 @@ std::map<std::pair<dev_t, ino_t>, Holder>& holders()
 // The private description for SQLite's descriptor; -1 with errno set when there is none.
 int lockDescription(int fd)
 {
-    struct stat st {};
+    struct stat st {
+    };
     if (fstat(fd, &st) != 0)
         return -1;
     auto& map = holders();
@@ -73,7 +74,7 @@ int lockDescription(int fd)
         const int own = ::open(path, (flags & O_ACCMODE) | O_CLOEXEC | O_NOCTTY);
         if (own < 0)
             return -1;
-        it = map.emplace(key, Holder{own, {}}).first;
+        it = map.emplace(key, Holder { own, {} }).first;
     }
     it->second.users.insert(fd);
     return it->second.fd;
@@ -87,13 +88,20 @@ int quietFcntl(int fd, int cmd, ...)
     va_end(ap);
     int ofd = 0;
     switch (cmd) {
-    case F_SETLK: ofd = F_OFD_SETLK; break;
-    case F_GETLK: ofd = F_OFD_GETLK; break;
-    case F_SETLKW: ofd = F_OFD_SETLKW; break;
-    default: return realFcntl(fd, cmd, arg);
+    case F_SETLK:
+        ofd = F_OFD_SETLK;
+        break;
+    case F_GETLK:
+        ofd = F_OFD_GETLK;
+        break;
+    case F_SETLKW:
+        ofd = F_OFD_SETLKW;
+        break;
+    default:
+        return realFcntl(fd, cmd, arg);
     }
     auto* lock = static_cast<struct flock*>(arg);
-    lock->l_pid = 0;   // required by open-file-description locks
+    lock->l_pid = 0; // required by open-file-description locks
     int own = -1;
     {
         const std::lock_guard<std::mutex> guard(holdersMutex());
@@ -111,7 +119,8 @@ int quietClose(int fd)
     {
         const std::lock_guard<std::mutex> guard(holdersMutex());
         auto& map = holders();
-        struct stat st {};
+        struct stat st {
+        };
         if (!map.empty() && fstat(fd, &st) == 0) {
             const auto it = map.find(std::make_pair(st.st_dev, st.st_ino));
             if (it != map.end() && it->second.users.erase(fd) && it->second.users.empty()) {
@@ -137,7 +146,7 @@ bool processHoldsPosixLocks()
         std::string number, kind, mode, access, pid;
         fields >> number >> kind;
         if (kind == "->")
-            fields >> kind;   // a waiting request
+            fields >> kind; // a waiting request
         fields >> mode >> access >> pid;
         if (kind == "POSIX" && pid == self)
             return true;
@@ -155,7 +164,8 @@ bool platformCanDoIt()
     char path[40];
     std::snprintf(path, sizeof path, "/proc/self/fd/%d", fd);
     const int again = ::open(path, O_RDONLY | O_CLOEXEC);
-    struct flock probe {};
+    struct flock probe {
+    };
     probe.l_type = F_RDLCK;
     probe.l_whence = SEEK_SET;
     const bool ok = again >= 0 && ::fcntl(again, F_OFD_GETLK, &probe) == 0;
@@ -191,7 +201,7 @@ void keepSqliteLocksThroughForeignCloses()
 #else
 
 // No open-file-description locks here (not Linux): SQLite keeps its own locking.
-void keepSqliteLocksThroughForeignCloses() {}
+void keepSqliteLocksThroughForeignCloses() { }
 
 #endif
 

@@ -1,9 +1,10 @@
 #include "session/SqliteLocks.h"
 
-namespace knjige {
+namespace knjige
+{
 
 // Windows locks belong to the handle that took them: closing another handle of the
 // same file leaves them in place.
-void keepSqliteLocksThroughForeignCloses() {}
+void keepSqliteLocksThroughForeignCloses() { }
 
 } // namespace knjige

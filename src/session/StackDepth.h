@@ -2,7 +2,8 @@
 
 #include <cstddef>
 
-namespace knjige {
+namespace knjige
+{
 
 // Bytes of the calling thread's stack still free below the caller's frame. Recursive
 // readers of untrusted text (the T-SQL parser) stop before the stack runs out, on

@@ -1,12 +1,13 @@
 #include "session/StackDepth.h"
 
-#include <pthread.h>
-
 #include <cstdint>
 #include <limits>
+#include <pthread.h>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // The lowest address of the thread's stack (stacks grow down on every platform the
 // component runs on); null when unknown. Looked up once per thread: on the main

@@ -1,9 +1,10 @@
 #include "session/StackDepth.h"
 
-#include <windows.h>
 #include <intrin.h>
+#include <windows.h>
 
-namespace knjige {
+namespace knjige
+{
 
 std::size_t stackLeft()
 {

@@ -5,12 +5,13 @@
 #include "session/TSqlDateText.h"
 
 #include <QDate>
-
 #include <cmath>
 #include <map>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 using Kind = Node::Kind;
 
@@ -107,10 +108,13 @@ bool isDerived(const Node* select, const Node* kid)
     return false;
 }
 
-class Analyzer {
+class Analyzer
+{
 public:
     Analyzer(const QVector<Token>& tokens, const Catalog& catalog, Edits& edits)
-        : m_tokens(tokens), m_catalog(catalog), m_edits(edits)
+        : m_tokens(tokens)
+        , m_catalog(catalog)
+        , m_edits(edits)
     {
     }
 
@@ -227,13 +231,15 @@ private:
         case SqlType::Int: {
             // A whole number as it is needs nothing; a fraction is cut off, a text
             // converted or refused, a computed value checked against the range.
-            const bool whole = value->type == SqlType::Int || value->type == SqlType::Bit || value->type == SqlType::Unknown;
+            const bool whole
+                = value->type == SqlType::Int || value->type == SqlType::Bit || value->type == SqlType::Unknown;
             if (value->kind != Kind::Param && value->type != SqlType::Null
                 && !(whole && (value->kind == Kind::Name || value->kind == Kind::Literal)))
                 value->convertTo = SqlType::Int;
             break;
         }
-        default: break;
+        default:
+            break;
         }
     }
 
@@ -335,7 +341,9 @@ private:
         checkStack();
         switch (n->kind) {
         case Kind::Paren:
-        case Kind::Subquery: dateContext(n->a, stored); break;
+        case Kind::Subquery:
+            dateContext(n->a, stored);
+            break;
         case Kind::Literal:
             if (n->op == u"STRING")
                 dateLiteral(n, stored);
@@ -368,7 +376,8 @@ private:
                     if (Node* e = itemExpr(s, r->second.index))
                         dateContext(e, stored);
             break;
-        default: break;
+        default:
+            break;
         }
     }
 
@@ -381,8 +390,12 @@ private:
             m_edits.replace[n->first] = quoteString(stored ? d.storedForm() : d.comparableForm());
             n->type = SqlType::Date;
             break;
-        case DateText::Status::OutOfRange: fail(outOfRangeMessage(t.kind == Token::Kind::NString)); break;
-        case DateText::Status::NotADate: fail(notADateMessage()); break;
+        case DateText::Status::OutOfRange:
+            fail(outOfRangeMessage(t.kind == Token::Kind::NString));
+            break;
+        case DateText::Status::NotADate:
+            fail(notADateMessage());
+            break;
         }
     }
 
@@ -410,7 +423,8 @@ private:
     SqlType typeOf(Node* n, const Scope* scope)
     {
         switch (n->kind) {
-        case Kind::Literal: return literal(n);
+        case Kind::Literal:
+            return literal(n);
         case Kind::Name: {
             const Resolved r = resolve(n->parts, scope);
             if (r.derived)
@@ -418,25 +432,36 @@ private:
             return r.type;
         }
         case Kind::Star:
-        case Kind::Param: return SqlType::Unknown;
-        case Kind::Func: return function(n, scope);
-        case Kind::Cast: return cast(n, scope);
-        case Kind::Case: return caseExpr(n, scope);
+        case Kind::Param:
+            return SqlType::Unknown;
+        case Kind::Func:
+            return function(n, scope);
+        case Kind::Cast:
+            return cast(n, scope);
+        case Kind::Case:
+            return caseExpr(n, scope);
         case Kind::Unary: {
             const SqlType t = expr(n->a, scope);
             return n->op == u"NOT" ? SqlType::Bit : t;
         }
-        case Kind::Binary: return binary(n, scope);
-        case Kind::Between: return between(n, scope);
-        case Kind::In: return in(n, scope);
+        case Kind::Binary:
+            return binary(n, scope);
+        case Kind::Between:
+            return between(n, scope);
+        case Kind::In:
+            return in(n, scope);
         case Kind::IsNull:
-        case Kind::Exists: expr(n->a, scope); return SqlType::Bit;
-        case Kind::Paren: return expr(n->a, scope);
+        case Kind::Exists:
+            expr(n->a, scope);
+            return SqlType::Bit;
+        case Kind::Paren:
+            return expr(n->a, scope);
         case Kind::Subquery: {
             const QVector<OutColumn> c = query(n->a, scope);
             return c.isEmpty() ? SqlType::Unknown : c.first().type;
         }
-        default: return SqlType::Unknown;
+        default:
+            return SqlType::Unknown;
         }
     }
 
@@ -517,7 +542,8 @@ private:
         // Money adds and subtracts on its exact ten-thousandths: a double cannot tell
         // the largest amount from one past it.
         const auto moneyOrInt = [](SqlType t) { return t == SqlType::Money || t == SqlType::Int || t == SqlType::Bit; };
-        if ((op == u"+" || op == u"-") && (l == SqlType::Money || r == SqlType::Money) && moneyOrInt(l) && moneyOrInt(r))
+        if ((op == u"+" || op == u"-") && (l == SqlType::Money || r == SqlType::Money) && moneyOrInt(l)
+            && moneyOrInt(r))
             n->rewrite = Node::Rewrite::MoneySum;
         // A text in arithmetic with a number becomes that number's type, or the
         // statement fails as the server's conversion would ('a'+1).
@@ -582,17 +608,26 @@ private:
         expr(n->a, scope);
         const SqlType target = typeFromTSqlName(n->op);
         switch (target) {
-        case SqlType::Money: n->rewrite = Node::Rewrite::CastMoney; break;
-        case SqlType::Text: n->rewrite = Node::Rewrite::CastText; break;
+        case SqlType::Money:
+            n->rewrite = Node::Rewrite::CastMoney;
+            break;
+        case SqlType::Text:
+            n->rewrite = Node::Rewrite::CastText;
+            break;
         case SqlType::Int:
-        case SqlType::Bit: n->rewrite = Node::Rewrite::CastInteger; break;
+        case SqlType::Bit:
+            n->rewrite = Node::Rewrite::CastInteger;
+            break;
         case SqlType::Decimal:
-        case SqlType::Float: n->rewrite = Node::Rewrite::CastReal; break;
+        case SqlType::Float:
+            n->rewrite = Node::Rewrite::CastReal;
+            break;
         case SqlType::Date:
             n->rewrite = Node::Rewrite::CastDrop;
             dateContext(n->a, false);
             break;
-        default: break;
+        default:
+            break;
         }
         return target;
     }
@@ -614,7 +649,8 @@ private:
             // ISNULL takes its first argument's type: ISNULL(int, 2.7) is 2.
             else if (isNumericType(first) && first != SqlType::Bit)
                 for (size_t i = 1; i < n->args.size(); ++i)
-                    if (args[int(i)] == SqlType::Text || (isNumericType(args[int(i)]) && higher(args[int(i)], first) != first))
+                    if (args[int(i)] == SqlType::Text
+                        || (isNumericType(args[int(i)]) && higher(args[int(i)], first) != first))
                         n->args[i]->convertTo = first;
             if (t == SqlType::Date)
                 dateContext(n, false);
@@ -626,7 +662,8 @@ private:
             return SqlType::Text;
         }
         if (f == u"SUBSTRING") {
-            m_edits.replace[n->opToken] = n->args.size() == 3 ? QStringLiteral("tsql_substring") : QStringLiteral("SUBSTR");
+            m_edits.replace[n->opToken]
+                = n->args.size() == 3 ? QStringLiteral("tsql_substring") : QStringLiteral("SUBSTR");
             return SqlType::Text;
         }
         if (f == u"LEN") {
@@ -634,7 +671,8 @@ private:
             return SqlType::Int;
         }
         if (f == u"ROUND") {
-            m_edits.replace[n->opToken] = first == SqlType::Money ? QStringLiteral("tsql_roundm") : QStringLiteral("tsql_round");
+            m_edits.replace[n->opToken]
+                = first == SqlType::Money ? QStringLiteral("tsql_roundm") : QStringLiteral("tsql_round");
             return first;
         }
         if (f == u"GETDATE") {
@@ -671,9 +709,15 @@ Analysis analyze(ParsedStatement& statement, const Catalog& catalog, Edits& edit
     Analyzer analyzer(statement.tokens, catalog, edits);
     Node* root = statement.root;
     switch (root->kind) {
-    case Kind::Insert: analyzer.insert(root); break;
-    case Kind::Update: analyzer.update(root); break;
-    case Kind::Delete: analyzer.remove(root); break;
+    case Kind::Insert:
+        analyzer.insert(root);
+        break;
+    case Kind::Update:
+        analyzer.update(root);
+        break;
+    case Kind::Delete:
+        analyzer.remove(root);
+        break;
     default:
         for (const OutColumn& c : analyzer.query(root, nullptr))
             out.columnTypes << c.type;

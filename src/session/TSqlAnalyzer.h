@@ -3,7 +3,8 @@
 #include "session/TSqlAst.h"
 #include "session/TSqlEdits.h"
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 struct Analysis {
     // A query's result columns as SQL Server types them; empty when one cannot be

@@ -2,17 +2,17 @@
 
 #include <QChar>
 #include <QString>
-
-#include <sqlite3.h>
-
 #include <array>
 #include <cstring>
 #include <memory>
+#include <sqlite3.h>
 #include <string>
 #include <vector>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 // --- characters ---
 
@@ -42,11 +42,14 @@ char32_t fold(char32_t c)
     return QChar::toCaseFolded(c);
 }
 
-constexpr char32_t kLetters = 0x100;      // primary weights of a-z start here, 8 apart
-constexpr char32_t kOthers = 0x10000;     // everything else after the letters, by code point
-constexpr char32_t kTableSize = 0x250;    // Latin-1 and Latin Extended-A/B: weights from a table
+constexpr char32_t kLetters = 0x100; // primary weights of a-z start here, 8 apart
+constexpr char32_t kOthers = 0x10000; // everything else after the letters, by code point
+constexpr char32_t kTableSize = 0x250; // Latin-1 and Latin Extended-A/B: weights from a table
 
-constexpr char32_t letter(char c) { return kLetters + char32_t(c - 'a') * 8; }
+constexpr char32_t letter(char c)
+{
+    return kLetters + char32_t(c - 'a') * 8;
+}
 
 // The primary weight of a case-folded character: what the collation orders by
 // before it looks at accents.
@@ -68,11 +71,11 @@ char32_t primary(char32_t c)
             }
         }
         // The letters of the alphabet that follow their base letter.
-        t[0x10D] = letter('c') + 2;   // č
-        t[0x107] = letter('c') + 4;   // ć
-        t[0x111] = letter('d') + 4;   // đ
-        t[0x161] = letter('s') + 2;   // š
-        t[0x17E] = letter('z') + 2;   // ž
+        t[0x10D] = letter('c') + 2; // č
+        t[0x107] = letter('c') + 4; // ć
+        t[0x111] = letter('d') + 4; // đ
+        t[0x161] = letter('s') + 2; // š
+        t[0x17E] = letter('z') + 2; // ž
         return t;
     }();
     return c < kTableSize ? table[c] : kOthers + c;
@@ -98,7 +101,7 @@ std::size_t withoutTrailingBlanks(const char* s, std::size_t n)
 
 void decodeFolded(const char* s, std::size_t n, std::u32string& out)
 {
-    out.resize(n);   // never more characters than bytes
+    out.resize(n); // never more characters than bytes
     const auto* p = reinterpret_cast<const unsigned char*>(s);
     const auto* end = p + n;
     std::size_t count = 0;
@@ -114,7 +117,7 @@ struct Item {
     Kind kind = Kind::Char;
     bool negated = false;
     char32_t c = 0;
-    std::size_t first = 0, count = 0;   // Set: its ranges
+    std::size_t first = 0, count = 0; // Set: its ranges
 };
 
 struct Pattern {
@@ -126,10 +129,14 @@ struct Pattern {
     bool matchesOne(const Item& item, char32_t c) const
     {
         switch (item.kind) {
-        case Item::Kind::Char: return item.c == c;
-        case Item::Kind::Any: return true;
-        case Item::Kind::Many: return false;
-        case Item::Kind::Set: break;
+        case Item::Kind::Char:
+            return item.c == c;
+        case Item::Kind::Any:
+            return true;
+        case Item::Kind::Many:
+            return false;
+        case Item::Kind::Set:
+            break;
         }
         bool in = false;
         for (std::size_t i = item.first; i < item.first + item.count && !in; ++i) {
@@ -234,11 +241,14 @@ Pattern compile(const char* pattern, std::size_t length, char32_t escape)
 
 int collate(void*, int aLength, const void* a, int bLength, const void* b)
 {
-    return compareText(static_cast<const char*>(a), std::size_t(aLength), static_cast<const char*>(b),
-                       std::size_t(bLength));
+    return compareText(
+        static_cast<const char*>(a), std::size_t(aLength), static_cast<const char*>(b), std::size_t(bLength));
 }
 
-void deletePattern(void* p) { delete static_cast<Pattern*>(p); }
+void deletePattern(void* p)
+{
+    delete static_cast<Pattern*>(p);
+}
 
 void like(sqlite3_context* ctx, int argc, sqlite3_value** argv)
 {
@@ -255,7 +265,8 @@ void like(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         sqlite3_result_error_nomem(ctx);
         return;
     }
-    if (patternLength > std::size_t(sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1))) {
+    if (patternLength
+        > std::size_t(sqlite3_limit(sqlite3_context_db_handle(ctx), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1))) {
         sqlite3_result_error(ctx, "LIKE or GLOB pattern too complex", -1);
         return;
     }
@@ -278,7 +289,7 @@ void like(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         compiled = new Pattern(compile(pattern, patternLength, escape));
         sqlite3_set_auxdata(ctx, 0, compiled, deletePattern);
         compiled = static_cast<Pattern*>(sqlite3_get_auxdata(ctx, 0));
-        if (!compiled) {   // the engine could not keep it and has deleted it
+        if (!compiled) { // the engine could not keep it and has deleted it
             sqlite3_result_int(ctx, likeMatch(pattern, patternLength, text, textLength, escape));
             return;
         }
@@ -300,7 +311,7 @@ int compareText(const char* a, std::size_t aLength, const char* b, std::size_t b
     const auto* pb = reinterpret_cast<const unsigned char*>(b);
     const auto* endA = pa + aLength;
     const auto* endB = pb + bLength;
-    int accents = 0;   // the first difference of accents, which counts only when the letters agree
+    int accents = 0; // the first difference of accents, which counts only when the letters agree
     while (pa < endA || pb < endB) {
         const char32_t ca = pa < endA ? fold(decode(pa, endA)) : U' ';
         const char32_t cb = pb < endB ? fold(decode(pb, endB)) : U' ';
@@ -315,8 +326,8 @@ int compareText(const char* a, std::size_t aLength, const char* b, std::size_t b
     return accents;
 }
 
-bool likeMatch(const char* pattern, std::size_t patternLength, const char* text, std::size_t textLength,
-               char32_t escape)
+bool likeMatch(
+    const char* pattern, std::size_t patternLength, const char* text, std::size_t textLength, char32_t escape)
 {
     const Pattern compiled = compile(pattern, patternLength, escape);
     std::u32string folded;

@@ -1,23 +1,25 @@
 // The conversions SQL Server makes (or refuses) where SQLite would quietly make a
 // number of a text or round a fraction into a whole number.
-#include "session/TSqlFunctions.h"
-
 #include "session/Dates.h"
+#include "session/TSqlFunctions.h"
 
 #include <QByteArray>
 #include <QDate>
 #include <QString>
-
-#include <sqlite3.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <sqlite3.h>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
-bool isNull(sqlite3_value* v) { return sqlite3_value_type(v) == SQLITE_NULL; }
+bool isNull(sqlite3_value* v)
+{
+    return sqlite3_value_type(v) == SQLITE_NULL;
+}
 
 const char* textOf(sqlite3_value* v)
 {
@@ -31,7 +33,10 @@ const char* argText(int argc, sqlite3_value** argv, int i, const char* fallback)
     return argc > i && !isNull(argv[i]) ? textOf(argv[i]) : fallback;
 }
 
-void error(sqlite3_context* ctx, const QByteArray& text) { sqlite3_result_error(ctx, text.constData(), int(text.size())); }
+void error(sqlite3_context* ctx, const QByteArray& text)
+{
+    sqlite3_result_error(ctx, text.constData(), int(text.size()));
+}
 
 QByteArray conversionFailed(const char* source, sqlite3_value* v, const char* target)
 {
@@ -103,7 +108,9 @@ void tsqlInt(sqlite3_context* ctx, int argc, sqlite3_value** argv)
     const IntRange range = rangeOf(type);
     qint64 v = 0;
     switch (sqlite3_value_type(argv[0])) {
-    case SQLITE_INTEGER: v = sqlite3_value_int64(argv[0]); break;
+    case SQLITE_INTEGER:
+        v = sqlite3_value_int64(argv[0]);
+        break;
     case SQLITE_FLOAT: {
         // Money rounds to a whole number (half away from zero); float and decimal are cut off.
         const double x = sqlite3_value_double(argv[0]);
@@ -118,12 +125,16 @@ void tsqlInt(sqlite3_context* ctx, int argc, sqlite3_value** argv)
     default: {
         const char* source = argText(argc, argv, 2, "nvarchar");
         switch (intFromText(textOf(argv[0]), &v)) {
-        case TextInt::Ok: break;
+        case TextInt::Ok:
+            break;
         case TextInt::Overflow:
-            error(ctx, QByteArray("The conversion of the ") + source + " value '" + textOf(argv[0]) + "' overflowed an "
-                    + type + " column.");
+            error(ctx,
+                QByteArray("The conversion of the ") + source + " value '" + textOf(argv[0]) + "' overflowed an " + type
+                    + " column.");
             return;
-        case TextInt::Syntax: error(ctx, conversionFailed(source, argv[0], type)); return;
+        case TextInt::Syntax:
+            error(ctx, conversionFailed(source, argv[0], type));
+            return;
         }
     }
     }
@@ -149,7 +160,8 @@ void tsqlNum(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         ++end;
     const bool blank = text[std::strspn(text, " ")] == '\0';
     if (blank || !end || *end != '\0' || !std::isfinite(d)) {
-        error(ctx, QByteArray("Error converting data type ") + argText(argc, argv, 2, "nvarchar") + " to "
+        error(ctx,
+            QByteArray("Error converting data type ") + argText(argc, argv, 2, "nvarchar") + " to "
                 + argText(argc, argv, 1, "numeric") + '.');
         return;
     }
@@ -165,7 +177,9 @@ void tsqlDate(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
     QDate d;
     switch (sqlite3_value_type(argv[0])) {
-    case SQLITE_NULL: sqlite3_result_null(ctx); return;
+    case SQLITE_NULL:
+        sqlite3_result_null(ctx);
+        return;
     case SQLITE_INTEGER:
     case SQLITE_FLOAT: {
         const double days = std::floor(sqlite3_value_double(argv[0]));
@@ -199,7 +213,8 @@ void tsqlMod(sqlite3_context* ctx, int, sqlite3_value** argv)
         sqlite3_result_null(ctx);
         return;
     }
-    if (sqlite3_value_numeric_type(argv[0]) == SQLITE_INTEGER && sqlite3_value_numeric_type(argv[1]) == SQLITE_INTEGER) {
+    if (sqlite3_value_numeric_type(argv[0]) == SQLITE_INTEGER
+        && sqlite3_value_numeric_type(argv[1]) == SQLITE_INTEGER) {
         const sqlite3_int64 a = sqlite3_value_int64(argv[0]), b = sqlite3_value_int64(argv[1]);
         if (b == 0)
             sqlite3_result_error(ctx, "Divide by zero error encountered.", -1);
@@ -230,15 +245,15 @@ void tsqlSubstring(sqlite3_context* ctx, int, sqlite3_value** argv)
     }
     const QString s = QString::fromUtf8(textOf(argv[0]));
     const sqlite3_int64 from = std::max<sqlite3_int64>(start, 1);
-    const sqlite3_int64 to = start > std::numeric_limits<sqlite3_int64>::max() - length ? start : start + length;   // exclusive
-    const QByteArray out = from >= to || from > s.size() ? QByteArray()
-                                                          : s.mid(qsizetype(from - 1), qsizetype(to - from)).toUtf8();
+    const sqlite3_int64 to
+        = start > std::numeric_limits<sqlite3_int64>::max() - length ? start : start + length; // exclusive
+    const QByteArray out
+        = from >= to || from > s.size() ? QByteArray() : s.mid(qsizetype(from - 1), qsizetype(to - from)).toUtf8();
     sqlite3_result_text(ctx, out.constData(), int(out.size()), SQLITE_TRANSIENT);
 }
 
 // UPPER and LOWER of every letter, one letter for one as the server maps them (ß stays ß).
-template<bool Upper>
-void changeCase(sqlite3_context* ctx, int, sqlite3_value** argv)
+template <bool Upper> void changeCase(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
     if (isNull(argv[0])) {
         sqlite3_result_null(ctx);
@@ -285,13 +300,20 @@ bool registerConversions(sqlite3* db)
         void (*fn)(sqlite3_context*, int, sqlite3_value**);
     };
     static const Def defs[] = {
-        { "tsql_int", 1, tsqlInt },          { "tsql_int", 2, tsqlInt },         { "tsql_int", 3, tsqlInt },
-        { "tsql_num", 3, tsqlNum },          { "tsql_date", 1, tsqlDate },       { "tsql_mod", 2, tsqlMod },
-        { "tsql_substring", 3, tsqlSubstring }, { "upper", 1, changeCase<true> }, { "lower", 1, changeCase<false> },
+        { "tsql_int", 1, tsqlInt },
+        { "tsql_int", 2, tsqlInt },
+        { "tsql_int", 3, tsqlInt },
+        { "tsql_num", 3, tsqlNum },
+        { "tsql_date", 1, tsqlDate },
+        { "tsql_mod", 2, tsqlMod },
+        { "tsql_substring", 3, tsqlSubstring },
+        { "upper", 1, changeCase<true> },
+        { "lower", 1, changeCase<false> },
     };
     for (const Def& d : defs) {
         const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-        if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr) != SQLITE_OK)
+        if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr)
+            != SQLITE_OK)
             return false;
     }
     return true;

@@ -4,14 +4,18 @@
 #include <utility>
 #include <vector>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 // The significant tokens of a statement, read with bounds: past the end is an empty
 // symbol, so a statement cut short anywhere reads as ending there.
-class Cursor {
+class Cursor
+{
 public:
-    explicit Cursor(const QVector<Token>& tokens) : m_tokens(tokens)
+    explicit Cursor(const QVector<Token>& tokens)
+        : m_tokens(tokens)
     {
         for (int i = 0; i < tokens.size(); ++i)
             if (!tokens[i].isTrivia())
@@ -74,8 +78,10 @@ QString columnCheck(const ColumnDef& col, QString typeName)
         // "yyyy-MM-dd" of a real day (with a modifier date() moves 30 February on),
         // which another program's time of day may follow.
         typeName = QStringLiteral("datetime");
-        check = QStringLiteral("%1 IS NULL OR (typeof(%1) = 'text' AND date(substr(%1,1,10),'+0 days') IS substr(%1,1,10) "
-                               "AND substr(%1,11,1) IN ('',' ','T'))").arg(name);
+        check = QStringLiteral(
+            "%1 IS NULL OR (typeof(%1) = 'text' AND date(substr(%1,1,10),'+0 days') IS substr(%1,1,10) "
+            "AND substr(%1,11,1) IN ('',' ','T'))")
+                    .arg(name);
         break;
     case SqlType::Text:
         // Blanks past the width are dropped on the server, not refused.
@@ -84,9 +90,11 @@ QString columnCheck(const ColumnDef& col, QString typeName)
         typeName = QStringLiteral("nvarchar");
         check = QStringLiteral("length(rtrim(%1,' ')) <= %2").arg(name).arg(col.width);
         break;
-    default: return QString();
+    default:
+        return QString();
     }
-    return QStringLiteral("CONSTRAINT \"tsql:%1:%2\" CHECK (%3)").arg(typeName, QString(col.name).replace(u'"', QStringLiteral("\"\"")), check);
+    return QStringLiteral("CONSTRAINT \"tsql:%1:%2\" CHECK (%3)")
+        .arg(typeName, QString(col.name).replace(u'"', QStringLiteral("\"\"")), check);
 }
 
 // Reads a column's name and type at p; returns the position after the type and
@@ -153,7 +161,7 @@ std::optional<CreateTable> createTable(const QVector<Token>& tokens)
                 ++depth;
             else if ((t.is(")") && depth-- == 0) || (t.is(",") && depth == 0))
                 break;
-            if (t.is("IDENTITY"))   // the embedded tables number nothing themselves
+            if (t.is("IDENTITY")) // the embedded tables number nothing themselves
                 out.edits.replace[c.index(q)] = QString();
         }
         if (!check.isEmpty() && q > p)

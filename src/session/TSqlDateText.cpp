@@ -2,8 +2,10 @@
 
 #include <QRegularExpression>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 // The earliest year of SQL Server's datetime.
 constexpr int kFirstYear = 1753;
@@ -29,8 +31,8 @@ DateText::Status dateFrom(int y, int m, int d, QDate* out)
 // midnight. False when the text is not a time.
 bool readTime(const QString& text, QTime* out)
 {
-    static const QRegularExpression re(QStringLiteral(
-        "^(\\d{1,2}):(\\d{1,2})(?::(\\d{1,2})(?:[.:](\\d{1,3}))?)?\\s*([AaPp][Mm])?$"));
+    static const QRegularExpression re(
+        QStringLiteral("^(\\d{1,2}):(\\d{1,2})(?::(\\d{1,2})(?:[.:](\\d{1,3}))?)?\\s*([AaPp][Mm])?$"));
     if (text.isEmpty()) {
         *out = QTime(0, 0);
         return true;
@@ -55,7 +57,10 @@ bool readTime(const QString& text, QTime* out)
 
 } // namespace
 
-QString DateText::storedForm() const { return date.toString(Qt::ISODate); }
+QString DateText::storedForm() const
+{
+    return date.toString(Qt::ISODate);
+}
 
 QString DateText::comparableForm() const
 {

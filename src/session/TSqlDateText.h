@@ -4,19 +4,20 @@
 #include <QString>
 #include <QTime>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // A text as SQL Server reads it into a datetime under SET DATEFORMAT mdy, the order
 // in which the system writes its date literals.
 struct DateText {
     enum class Status {
-        Date,         // date (and time) read
-        OutOfRange,   // a date's shape with an impossible month, day or year: '15.03.2026'
-        NotADate,     // no date at all
+        Date, // date (and time) read
+        OutOfRange, // a date's shape with an impossible month, day or year: '15.03.2026'
+        NotADate, // no date at all
     };
     Status status = Status::NotADate;
     QDate date;
-    QTime time;       // midnight when the text has no time
+    QTime time; // midnight when the text has no time
 
     // "yyyy-MM-dd", the one form the embedded database stores dates in.
     QString storedForm() const;

@@ -5,15 +5,15 @@
 
 #include <QHash>
 #include <QString>
-
 #include <optional>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // Replacement texts by token index, applied when a statement is written back.
 struct Edits {
     QHash<int, QString> replace;
-    QHash<int, QString> append;    // written after the token
+    QHash<int, QString> append; // written after the token
 };
 
 // A CREATE TABLE statement: the table it defines and the rewrites of its column types.

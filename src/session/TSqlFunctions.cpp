@@ -7,18 +7,18 @@
 #include <QDate>
 #include <QString>
 #include <QStringList>
-
-#include <sqlite3.h>
-
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <algorithm>
 #include <limits>
+#include <sqlite3.h>
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 const char* const kDivideByZero = "Divide by zero error encountered.";
 
@@ -61,7 +61,7 @@ TextMoney moneyFromText(const char* text, qint64* units)
         ++p;
     quint64 whole = 0;
     int wholeDigits = 0, fractionDigits = 0;
-    quint64 fraction = 0;   // the first four decimals
+    quint64 fraction = 0; // the first four decimals
     bool roundUp = false;
     for (; *p >= '0' && *p <= '9'; ++p) {
         if (wholeDigits > 0 || *p != '0')
@@ -86,16 +86,22 @@ TextMoney moneyFromText(const char* text, qint64* units)
     for (int i = std::min(fractionDigits, 4); i < 4; ++i)
         fraction *= 10;
     const quint64 magnitude = whole * 10000 + fraction + (roundUp ? 1 : 0);
-    const quint64 limit = negative ? quint64(std::numeric_limits<qint64>::max()) + 1
-                                   : quint64(std::numeric_limits<qint64>::max());
+    const quint64 limit
+        = negative ? quint64(std::numeric_limits<qint64>::max()) + 1 : quint64(std::numeric_limits<qint64>::max());
     if (magnitude > limit)
         return TextMoney::Overflow;
     *units = negative ? qint64(0 - magnitude) : qint64(magnitude);
     return TextMoney::Ok;
 }
 
-bool isNull(sqlite3_value* v) { return sqlite3_value_type(v) == SQLITE_NULL; }
-bool isInteger(sqlite3_value* v) { return sqlite3_value_numeric_type(v) == SQLITE_INTEGER; }
+bool isNull(sqlite3_value* v)
+{
+    return sqlite3_value_type(v) == SQLITE_NULL;
+}
+bool isInteger(sqlite3_value* v)
+{
+    return sqlite3_value_numeric_type(v) == SQLITE_INTEGER;
+}
 
 // Shared by tsql_div and tsql_divm; `money` rounds the quotient to four decimals.
 void divide(sqlite3_context* ctx, sqlite3_value** argv, bool money)
@@ -115,7 +121,7 @@ void divide(sqlite3_context* ctx, sqlite3_value** argv, bool money)
             sqlite3_result_error(ctx, "Arithmetic overflow error converting expression to data type int.", -1);
             return;
         }
-        sqlite3_result_int64(ctx, a / b);   // truncates toward zero, as SQL Server does
+        sqlite3_result_int64(ctx, a / b); // truncates toward zero, as SQL Server does
         return;
     }
     const double b = sqlite3_value_double(argv[1]);
@@ -127,8 +133,14 @@ void divide(sqlite3_context* ctx, sqlite3_value** argv, bool money)
     sqlite3_result_double(ctx, money ? roundDecimal(q, 4) : q);
 }
 
-void tsqlDiv(sqlite3_context* ctx, int, sqlite3_value** argv) { divide(ctx, argv, false); }
-void tsqlDivMoney(sqlite3_context* ctx, int, sqlite3_value** argv) { divide(ctx, argv, true); }
+void tsqlDiv(sqlite3_context* ctx, int, sqlite3_value** argv)
+{
+    divide(ctx, argv, false);
+}
+void tsqlDivMoney(sqlite3_context* ctx, int, sqlite3_value** argv)
+{
+    divide(ctx, argv, true);
+}
 
 // v rounded half away from zero (or truncated) to a multiple of p; nothing when the
 // result leaves 64 bits.
@@ -207,16 +219,16 @@ std::optional<qint64> moneyOperand(sqlite3_value* v)
 }
 
 // a + b and a - b of money, the overflow error past either end of the range.
-template<bool Subtract>
-void tsqlMoneySum(sqlite3_context* ctx, int, sqlite3_value** argv)
+template <bool Subtract> void tsqlMoneySum(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
     if (isNull(argv[0]) || isNull(argv[1])) {
         sqlite3_result_null(ctx);
         return;
     }
     const auto a = moneyOperand(argv[0]), b = moneyOperand(argv[1]);
-    const Money sum = a && b ? (Subtract ? Money::fromUnits(*a) - Money::fromUnits(*b) : Money::fromUnits(*a) + Money::fromUnits(*b))
-                             : Money::outOfRange();
+    const Money sum = a && b
+        ? (Subtract ? Money::fromUnits(*a) - Money::fromUnits(*b) : Money::fromUnits(*a) + Money::fromUnits(*b))
+        : Money::outOfRange();
     if (sum.isOutOfRange())
         overflow(ctx, "expression", "money");
     else
@@ -236,12 +248,17 @@ void tsqlMoney(sqlite3_context* ctx, int argc, sqlite3_value** argv)
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
         qint64 units = 0;
         switch (moneyFromText(text ? text : "", &units)) {
-        case TextMoney::Ok: sqlite3_result_double(ctx, double(units) / 10000.0); return;
-        case TextMoney::Overflow: overflow(ctx, source, "money"); return;
+        case TextMoney::Ok:
+            sqlite3_result_double(ctx, double(units) / 10000.0);
+            return;
+        case TextMoney::Overflow:
+            overflow(ctx, source, "money");
+            return;
         case TextMoney::Syntax:
             // Other number forms (1e3) go the way of a double.
             if (sqlite3_value_numeric_type(argv[0]) == SQLITE_TEXT) {
-                sqlite3_result_error(ctx, "Cannot convert a char value to money. The char value has incorrect syntax.", -1);
+                sqlite3_result_error(
+                    ctx, "Cannot convert a char value to money. The char value has incorrect syntax.", -1);
                 return;
             }
             break;
@@ -289,8 +306,7 @@ QDate dateOf(sqlite3_value* v)
     return d.isValid() ? d : dates::parseMonthFirst(s);
 }
 
-template<int Part>
-void datePart(sqlite3_context* ctx, int, sqlite3_value** argv)
+template <int Part> void datePart(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
     if (isNull(argv[0])) {
         sqlite3_result_null(ctx);
@@ -356,7 +372,7 @@ double roundDecimal(double x, int n)
     for (const char* p = buf; p < e; ++p)
         if (*p >= '0' && *p <= '9')
             digits = digits * 10 + (*p - '0');
-    const int cut = -(exponent - 14 + n);   // decimal places of the digits below the rounding place
+    const int cut = -(exponent - 14 + n); // decimal places of the digits below the rounding place
     if (cut <= 0)
         return x;
     if (cut > 15)
@@ -377,15 +393,26 @@ bool registerFunctions(sqlite3* db)
         void (*fn)(sqlite3_context*, int, sqlite3_value**);
     };
     static const Def defs[] = {
-        { "tsql_div", 2, tsqlDiv },     { "tsql_divm", 2, tsqlDivMoney }, { "tsql_round", 2, tsqlRound },
-        { "tsql_round", 3, tsqlRound }, { "tsql_money", 1, tsqlMoney },   { "tsql_money", 2, tsqlMoney },
-        { "tsql_roundm", 2, tsqlRoundMoney }, { "tsql_roundm", 3, tsqlRoundMoney }, { "tsql_str", 2, tsqlStr },
-        { "tsql_madd", 2, tsqlMoneySum<false> }, { "tsql_msub", 2, tsqlMoneySum<true> },       { "tsql_len", 1, tsqlLen },
-        { "YEAR", 1, datePart<0> },     { "MONTH", 1, datePart<1> },      { "DAY", 1, datePart<2> },
+        { "tsql_div", 2, tsqlDiv },
+        { "tsql_divm", 2, tsqlDivMoney },
+        { "tsql_round", 2, tsqlRound },
+        { "tsql_round", 3, tsqlRound },
+        { "tsql_money", 1, tsqlMoney },
+        { "tsql_money", 2, tsqlMoney },
+        { "tsql_roundm", 2, tsqlRoundMoney },
+        { "tsql_roundm", 3, tsqlRoundMoney },
+        { "tsql_str", 2, tsqlStr },
+        { "tsql_madd", 2, tsqlMoneySum<false> },
+        { "tsql_msub", 2, tsqlMoneySum<true> },
+        { "tsql_len", 1, tsqlLen },
+        { "YEAR", 1, datePart<0> },
+        { "MONTH", 1, datePart<1> },
+        { "DAY", 1, datePart<2> },
     };
     for (const Def& d : defs) {
         const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
-        if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr) != SQLITE_OK)
+        if (sqlite3_create_function_v2(db, d.name, d.args, flags, nullptr, d.fn, nullptr, nullptr, nullptr)
+            != SQLITE_OK)
             return false;
     }
     return registerConversions(db) && registerCollation(db);

@@ -2,12 +2,12 @@
 
 #include <QString>
 #include <QtGlobal>
-
 #include <optional>
 
 struct sqlite3;
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // Registers on an embedded database connection the functions the translated
 // statements call:

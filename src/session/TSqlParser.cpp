@@ -1,17 +1,17 @@
+#include "session/StackDepth.h"
 #include "session/TSqlAst.h"
 
-#include "session/StackDepth.h"
-
 #include <QSet>
-
 #include <algorithm>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
-const char* const kNestedTooDeeply =
-    "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.";
+const char* const kNestedTooDeeply
+    = "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller queries.";
 
-namespace {
+namespace
+{
 
 struct ParseError {
     QString what;
@@ -26,23 +26,53 @@ constexpr std::size_t kStackReserve = 64 * 1024;
 bool isReserved(const Token& t)
 {
     static const QSet<QString> words = {
-        QStringLiteral("SELECT"), QStringLiteral("FROM"), QStringLiteral("WHERE"), QStringLiteral("GROUP"),
-        QStringLiteral("ORDER"), QStringLiteral("HAVING"), QStringLiteral("UNION"), QStringLiteral("EXCEPT"),
-        QStringLiteral("INTERSECT"), QStringLiteral("INNER"), QStringLiteral("LEFT"), QStringLiteral("RIGHT"),
-        QStringLiteral("FULL"), QStringLiteral("CROSS"), QStringLiteral("OUTER"), QStringLiteral("JOIN"),
-        QStringLiteral("ON"), QStringLiteral("AS"), QStringLiteral("SET"), QStringLiteral("VALUES"),
-        QStringLiteral("AND"), QStringLiteral("OR"), QStringLiteral("NOT"), QStringLiteral("WHEN"),
-        QStringLiteral("THEN"), QStringLiteral("ELSE"), QStringLiteral("END"), QStringLiteral("INTO"),
-        QStringLiteral("BY"), QStringLiteral("ASC"), QStringLiteral("DESC"), QStringLiteral("LIKE"),
-        QStringLiteral("IN"), QStringLiteral("IS"), QStringLiteral("BETWEEN"), QStringLiteral("CASE"),
-        QStringLiteral("WITH"), QStringLiteral("OPTION"),
+        QStringLiteral("SELECT"),
+        QStringLiteral("FROM"),
+        QStringLiteral("WHERE"),
+        QStringLiteral("GROUP"),
+        QStringLiteral("ORDER"),
+        QStringLiteral("HAVING"),
+        QStringLiteral("UNION"),
+        QStringLiteral("EXCEPT"),
+        QStringLiteral("INTERSECT"),
+        QStringLiteral("INNER"),
+        QStringLiteral("LEFT"),
+        QStringLiteral("RIGHT"),
+        QStringLiteral("FULL"),
+        QStringLiteral("CROSS"),
+        QStringLiteral("OUTER"),
+        QStringLiteral("JOIN"),
+        QStringLiteral("ON"),
+        QStringLiteral("AS"),
+        QStringLiteral("SET"),
+        QStringLiteral("VALUES"),
+        QStringLiteral("AND"),
+        QStringLiteral("OR"),
+        QStringLiteral("NOT"),
+        QStringLiteral("WHEN"),
+        QStringLiteral("THEN"),
+        QStringLiteral("ELSE"),
+        QStringLiteral("END"),
+        QStringLiteral("INTO"),
+        QStringLiteral("BY"),
+        QStringLiteral("ASC"),
+        QStringLiteral("DESC"),
+        QStringLiteral("LIKE"),
+        QStringLiteral("IN"),
+        QStringLiteral("IS"),
+        QStringLiteral("BETWEEN"),
+        QStringLiteral("CASE"),
+        QStringLiteral("WITH"),
+        QStringLiteral("OPTION"),
     };
     return t.kind == Token::Kind::Word && words.contains(t.text.toUpper());
 }
 
-class Parser {
+class Parser
+{
 public:
-    explicit Parser(ParsedStatement& st) : m_st(st)
+    explicit Parser(ParsedStatement& st)
+        : m_st(st)
     {
         for (int i = 0; i < st.tokens.size(); ++i)
             if (!st.tokens[i].isTrivia())
@@ -114,9 +144,11 @@ private:
 
     // Counts one level of recursion for its lifetime; too deep a statement, or too
     // little stack left, stops the parse with SQL Server's own message.
-    class Level {
+    class Level
+    {
     public:
-        explicit Level(Parser& p) : m_p(p)
+        explicit Level(Parser& p)
+            : m_p(p)
         {
             if (++m_p.m_depth > kMaxNesting || stackLeft() < kStackReserve)
                 throw NestingError {};
@@ -582,7 +614,8 @@ private:
             finish(n);
             return n;
         }
-        default: break;
+        default:
+            break;
         }
         if (t.is("NULL")) {
             Node* n = make(Node::Kind::Literal, index());

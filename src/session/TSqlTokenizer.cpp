@@ -2,7 +2,8 @@
 
 #include <QStringList>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 bool Token::is(const char* word) const
 {
@@ -34,10 +35,17 @@ QString quoteString(const QString& value)
     return u'\'' + v.replace(u'\'', QStringLiteral("''")) + u'\'';
 }
 
-namespace {
+namespace
+{
 
-bool isWordStart(QChar c) { return c.isLetter() || c == u'_' || c == u'@' || c == u'#'; }
-bool isWordPart(QChar c) { return c.isLetterOrNumber() || c == u'_' || c == u'@' || c == u'#' || c == u'$'; }
+bool isWordStart(QChar c)
+{
+    return c.isLetter() || c == u'_' || c == u'@' || c == u'#';
+}
+bool isWordPart(QChar c)
+{
+    return c.isLetterOrNumber() || c == u'_' || c == u'@' || c == u'#' || c == u'$';
+}
 
 // Index just past a quoted run that starts at `i` with `open` and ends with `close`,
 // where a doubled `close` stands for itself.
@@ -153,7 +161,7 @@ QStringList splitStatements(const QString& sql)
     QStringList out;
     QString current;
     int depth = 0;
-    bool create = false;   // the statement began with CREATE: a trigger body may follow
+    bool create = false; // the statement began with CREATE: a trigger body may follow
     bool started = false;
     for (const Token& t : tokenize(sql)) {
         if (!t.isTrivia() && !started) {

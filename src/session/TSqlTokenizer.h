@@ -4,24 +4,25 @@
 #include <QStringList>
 #include <QVector>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // One lexical piece of a T-SQL text. Whitespace and comments are kept as tokens of
 // their own so that a rewritten statement keeps the layout of the original.
 struct Token {
     enum class Kind {
-        Space,       // blanks, line breaks
-        Comment,     // -- to the end of the line, or /* ... */
-        Word,        // identifier or keyword: letters (any script), digits, _, @, #, $
-        Quoted,      // [name] or "name"
-        String,      // '...' with '' inside
-        NString,     // N'...'
-        Number,      // 12, 12.5, .5, 1e3
-        Param,       // ?
-        Symbol,      // operators and punctuation: ( ) , . ; = <> != <= >= + - * / % || ...
+        Space, // blanks, line breaks
+        Comment, // -- to the end of the line, or /* ... */
+        Word, // identifier or keyword: letters (any script), digits, _, @, #, $
+        Quoted, // [name] or "name"
+        String, // '...' with '' inside
+        NString, // N'...'
+        Number, // 12, 12.5, .5, 1e3
+        Param, // ?
+        Symbol, // operators and punctuation: ( ) , . ; = <> != <= >= + - * / % || ...
     };
     Kind kind = Kind::Symbol;
-    QString text;   // exactly as written
+    QString text; // exactly as written
 
     bool isTrivia() const { return kind == Kind::Space || kind == Kind::Comment; }
     // Case-insensitive test of a word or symbol.

@@ -3,14 +3,21 @@
 #include "session/StackDepth.h"
 #include "session/TSqlAnalyzer.h"
 
-namespace knjige::tsql {
-namespace {
+namespace knjige::tsql
+{
+namespace
+{
 
 using Kind = Node::Kind;
 
-class Emitter {
+class Emitter
+{
 public:
-    Emitter(const QVector<Token>& tokens, const Edits& edits) : m_tokens(tokens), m_edits(edits) {}
+    Emitter(const QVector<Token>& tokens, const Edits& edits)
+        : m_tokens(tokens)
+        , m_edits(edits)
+    {
+    }
 
     QString node(const Node* n) const
     {
@@ -32,15 +39,19 @@ public:
         case SqlType::Int:
             return QStringLiteral("tsql_int(") + text
                 + (n->type == SqlType::Text || n->type == SqlType::Money ? QStringLiteral(", 'int', '") + source + u'\''
-                                                                        : QString())
+                                                                         : QString())
                 + u')';
-        case SqlType::Money: return QStringLiteral("tsql_money(") + text + QStringLiteral(", '") + source + QStringLiteral("')");
+        case SqlType::Money:
+            return QStringLiteral("tsql_money(") + text + QStringLiteral(", '") + source + QStringLiteral("')");
         case SqlType::Decimal:
         case SqlType::Float:
-            return QStringLiteral("tsql_num(") + text + (n->convertTo == SqlType::Float ? QStringLiteral(", 'float', '") : QStringLiteral(", 'numeric', '"))
+            return QStringLiteral("tsql_num(") + text
+                + (n->convertTo == SqlType::Float ? QStringLiteral(", 'float', '") : QStringLiteral(", 'numeric', '"))
                 + source + QStringLiteral("')");
-        case SqlType::Date: return QStringLiteral("tsql_date(") + text + u')';
-        default: return text;
+        case SqlType::Date:
+            return QStringLiteral("tsql_date(") + text + u')';
+        default:
+            return text;
         }
     }
 
@@ -57,10 +68,12 @@ public:
         case Node::Rewrite::Divide:
             // SQL Server divides integers as integers and stops on a zero divisor;
             // money quotients keep four decimals.
-            return (n->type == SqlType::Money ? QStringLiteral("tsql_divm(") : QStringLiteral("tsql_div("))
-                + node(n->a) + QStringLiteral(", ") + node(n->b) + u')';
-        case Node::Rewrite::CastMoney: return money(n->a);
-        case Node::Rewrite::CastText: return castText(n);
+            return (n->type == SqlType::Money ? QStringLiteral("tsql_divm(") : QStringLiteral("tsql_div(")) + node(n->a)
+                + QStringLiteral(", ") + node(n->b) + u')';
+        case Node::Rewrite::CastMoney:
+            return money(n->a);
+        case Node::Rewrite::CastText:
+            return castText(n);
         case Node::Rewrite::CastInteger:
             if (n->op == u"bit")
                 return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS INTEGER)");
@@ -74,9 +87,12 @@ public:
                     + (n->type == SqlType::Float ? QStringLiteral(", 'float', '") : QStringLiteral(", 'numeric', '"))
                     + sourceName(n->a) + QStringLiteral("')");
             return QStringLiteral("CAST(") + node(n->a) + QStringLiteral(" AS REAL)");
-        case Node::Rewrite::CastDrop: return node(n->a);
-        case Node::Rewrite::Today: return QStringLiteral("date('now','localtime')");
-        case Node::Rewrite::None: break;
+        case Node::Rewrite::CastDrop:
+            return node(n->a);
+        case Node::Rewrite::Today:
+            return QStringLiteral("date('now','localtime')");
+        case Node::Rewrite::None:
+            break;
         }
         return splice(n->first, n->last, n->kids);
     }
@@ -116,8 +132,10 @@ private:
         case Kind::Param:
         case Kind::Paren:
         case Kind::Subquery:
-        case Kind::Func: return true;
-        default: return n->storedAsMoney || n->convertTo != SqlType::Unknown;
+        case Kind::Func:
+            return true;
+        default:
+            return n->storedAsMoney || n->convertTo != SqlType::Unknown;
         }
     }
 
@@ -140,13 +158,18 @@ private:
     QString sourceName(const Node* n) const
     {
         switch (n->type) {
-        case SqlType::Float: return QStringLiteral("float");
-        case SqlType::Decimal: return QStringLiteral("numeric");
-        case SqlType::Money: return QStringLiteral("money");
+        case SqlType::Float:
+            return QStringLiteral("float");
+        case SqlType::Decimal:
+            return QStringLiteral("numeric");
+        case SqlType::Money:
+            return QStringLiteral("money");
         case SqlType::Text:
-            return n->kind == Kind::Literal && m_tokens[n->first].kind == Token::Kind::String ? QStringLiteral("varchar")
-                                                                                                : QStringLiteral("nvarchar");
-        default: return QStringLiteral("expression");
+            return n->kind == Kind::Literal && m_tokens[n->first].kind == Token::Kind::String
+                ? QStringLiteral("varchar")
+                : QStringLiteral("nvarchar");
+        default:
+            return QStringLiteral("expression");
         }
     }
 
@@ -164,12 +187,15 @@ private:
     {
         const QString inner = node(n->a);
         switch (n->a->type) {
-        case SqlType::Money: return QStringLiteral("tsql_str(") + inner + QStringLiteral(", 2)");
+        case SqlType::Money:
+            return QStringLiteral("tsql_str(") + inner + QStringLiteral(", 2)");
         case SqlType::Int:
         case SqlType::Bit:
         case SqlType::Decimal:
-        case SqlType::Float: return QStringLiteral("CAST(") + inner + QStringLiteral(" AS TEXT)");
-        case SqlType::Date: return inner;
+        case SqlType::Float:
+            return QStringLiteral("CAST(") + inner + QStringLiteral(" AS TEXT)");
+        case SqlType::Date:
+            return inner;
         default:
             if (n->width > 0)
                 return QStringLiteral("SUBSTR(") + inner + QStringLiteral(",1,") + QString::number(n->width) + u')';
@@ -190,8 +216,8 @@ void tokenEdits(const QVector<Token>& tokens, Edits& edits)
         const Token& t = tokens[i];
         if (t.isTrivia())
             continue;
-        if (t.kind == Token::Kind::Word && t.text.compare(u"dbo", Qt::CaseInsensitive) == 0
-            && i + 1 < tokens.size() && tokens[i + 1].is(".") && !(prevSig >= 0 && tokens[prevSig].is("."))) {
+        if (t.kind == Token::Kind::Word && t.text.compare(u"dbo", Qt::CaseInsensitive) == 0 && i + 1 < tokens.size()
+            && tokens[i + 1].is(".") && !(prevSig >= 0 && tokens[prevSig].is("."))) {
             edits.replace[i] = QString();
             edits.replace[i + 1] = QString();
         } else if (t.kind == Token::Kind::NString) {
@@ -224,7 +250,8 @@ Translation::Statement translateStatement(const QString& tsql, const Catalog& ca
     }
     // SQLite lets a comment run to the end of the text; the server does not.
     for (const Token& t : st.tokens)
-        if (t.kind == Token::Kind::Comment && t.text.startsWith(u"/*") && (t.text.size() < 4 || !t.text.endsWith(u"*/"))) {
+        if (t.kind == Token::Kind::Comment && t.text.startsWith(u"/*")
+            && (t.text.size() < 4 || !t.text.endsWith(u"*/"))) {
             out.error = QStringLiteral("Missing end comment mark '*/'.");
             return out;
         }

@@ -5,18 +5,18 @@
 #include <QHash>
 #include <QString>
 #include <QVector>
-
 #include <memory>
 #include <optional>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // A T-SQL text as the embedded database runs it.
 struct Translation {
     enum class Kind {
-        Query,     // returns rows; columnTypes as SQL Server would type them
-        Command,   // changes data or schema
-        NoOp,      // has no meaning on the embedded database (SET options)
+        Query, // returns rows; columnTypes as SQL Server would type them
+        Command, // changes data or schema
+        NoOp, // has no meaning on the embedded database (SET options)
     };
     struct Statement {
         QString sql;
@@ -24,7 +24,7 @@ struct Translation {
         // One entry per result column when the adapter could type them all; empty
         // when it could not (the backend then types columns from their values).
         QVector<SqlType> columnTypes;
-        bool changesSchema = false;   // CREATE, DROP, ALTER: the catalog must be re-read
+        bool changesSchema = false; // CREATE, DROP, ALTER: the catalog must be re-read
         // Why the statement must not run, in SQL Server's words (nested too deeply, a
         // date literal that is no date); the backend reports it instead of running it.
         QString error;
@@ -46,9 +46,13 @@ std::optional<TableDef> parseCreateTable(const QString& tsql);
 // Translates whole texts (statements separated by ';') and keeps the results: the
 // same few statements run thousands of times. The cache must be cleared when the
 // catalog changes.
-class Translator {
+class Translator
+{
 public:
-    explicit Translator(const Catalog& catalog) : m_catalog(catalog) {}
+    explicit Translator(const Catalog& catalog)
+        : m_catalog(catalog)
+    {
+    }
     std::shared_ptr<const Translation> translate(const QString& tsql);
     void clearCache() { m_cache.clear(); }
 

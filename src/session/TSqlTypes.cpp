@@ -2,20 +2,29 @@
 
 #include <QRegularExpression>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 static int precedence(SqlType t)
 {
     switch (t) {
     case SqlType::Unknown:
-    case SqlType::Null: return 0;
-    case SqlType::Text: return 1;
-    case SqlType::Bit: return 2;
-    case SqlType::Int: return 3;
-    case SqlType::Money: return 4;
-    case SqlType::Decimal: return 5;
-    case SqlType::Float: return 6;
-    case SqlType::Date: return 7;
+    case SqlType::Null:
+        return 0;
+    case SqlType::Text:
+        return 1;
+    case SqlType::Bit:
+        return 2;
+    case SqlType::Int:
+        return 3;
+    case SqlType::Money:
+        return 4;
+    case SqlType::Decimal:
+        return 5;
+    case SqlType::Float:
+        return 6;
+    case SqlType::Date:
+        return 7;
     }
     return 0;
 }
@@ -36,13 +45,20 @@ bool isNumericType(SqlType t)
 FieldType fieldTypeOf(SqlType t)
 {
     switch (t) {
-    case SqlType::Bit: return FieldType::Boolean;
-    case SqlType::Int: return FieldType::Integer;
-    case SqlType::Money: return FieldType::Currency;
-    case SqlType::Decimal: return FieldType::Decimal;
-    case SqlType::Float: return FieldType::Float;
-    case SqlType::Date: return FieldType::Date;
-    default: return FieldType::Text;
+    case SqlType::Bit:
+        return FieldType::Boolean;
+    case SqlType::Int:
+        return FieldType::Integer;
+    case SqlType::Money:
+        return FieldType::Currency;
+    case SqlType::Decimal:
+        return FieldType::Decimal;
+    case SqlType::Float:
+        return FieldType::Float;
+    case SqlType::Date:
+        return FieldType::Date;
+    default:
+        return FieldType::Text;
     }
 }
 
@@ -69,15 +85,22 @@ SqlType typeFromTSqlName(const QString& typeName)
 QString sqliteDeclaredType(SqlType type, int width)
 {
     switch (type) {
-    case SqlType::Bit: return QStringLiteral("BIT_INTEGER");
-    case SqlType::Int: return QStringLiteral("INTEGER");
-    case SqlType::Money: return QStringLiteral("MONEY_REAL");
-    case SqlType::Decimal: return QStringLiteral("DECIMAL_REAL");
-    case SqlType::Float: return QStringLiteral("FLOAT");
-    case SqlType::Date: return QStringLiteral("DATETIME_TEXT");
+    case SqlType::Bit:
+        return QStringLiteral("BIT_INTEGER");
+    case SqlType::Int:
+        return QStringLiteral("INTEGER");
+    case SqlType::Money:
+        return QStringLiteral("MONEY_REAL");
+    case SqlType::Decimal:
+        return QStringLiteral("DECIMAL_REAL");
+    case SqlType::Float:
+        return QStringLiteral("FLOAT");
+    case SqlType::Date:
+        return QStringLiteral("DATETIME_TEXT");
     case SqlType::Text:
         return width > 0 ? QStringLiteral("NVARCHAR(%1)").arg(width) : QStringLiteral("NVARCHAR");
-    default: return QString();
+    default:
+        return QString();
     }
 }
 
@@ -128,7 +151,13 @@ const TableDef* Catalog::find(const QString& table) const
     return it == m_tables.constEnd() ? nullptr : &it.value();
 }
 
-void Catalog::add(const TableDef& table) { m_tables.insert(key(table.name), table); }
-void Catalog::remove(const QString& table) { m_tables.remove(key(table)); }
+void Catalog::add(const TableDef& table)
+{
+    m_tables.insert(key(table.name), table);
+}
+void Catalog::remove(const QString& table)
+{
+    m_tables.remove(key(table));
+}
 
 } // namespace knjige::tsql

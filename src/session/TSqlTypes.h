@@ -6,7 +6,8 @@
 #include <QString>
 #include <QVector>
 
-namespace knjige::tsql {
+namespace knjige::tsql
+{
 
 // The data types the adapter tells apart, as SQL Server types an expression. Null is
 // the type of the NULL literal; Unknown is anything the adapter cannot type (a column
@@ -33,18 +34,19 @@ SqlType typeFromSqliteDeclared(const QString& declared, int* width = nullptr);
 struct ColumnDef {
     QString name;
     SqlType type = SqlType::Unknown;
-    int width = 0;      // declared length of a text column; 0 otherwise
+    int width = 0; // declared length of a text column; 0 otherwise
 };
 
 struct TableDef {
-    QString name;       // without schema, as declared
+    QString name; // without schema, as declared
     QVector<ColumnDef> columns;
-    const ColumnDef* column(const QString& name) const;   // case-insensitive
+    const ColumnDef* column(const QString& name) const; // case-insensitive
 };
 
 // The tables the adapter knows the column types of. Names are case-insensitive and
 // the schema prefix ("dbo.") is ignored.
-class Catalog {
+class Catalog
+{
 public:
     const TableDef* find(const QString& table) const;
     void add(const TableDef& table);

@@ -5,10 +5,10 @@
 #include "session/ResultSet.h"
 
 #include <QStringList>
-
 #include <string>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 // The fields' names, or the names of their types, joined with commas.
 inline std::string fieldNames(const ResultSet& rs)

@@ -12,14 +12,17 @@
 #include <QLocale>
 #include <QProcess>
 #include <QStandardPaths>
-
 #include <gtest/gtest.h>
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
-Money money(const char* text) { return Money::parse(QString::fromLatin1(text)).value(); }
+Money money(const char* text)
+{
+    return Money::parse(QString::fromLatin1(text)).value();
+}
 
 // The fields of the FBiH income and expense book's SELECT, typed as the server types them.
 ResultSet incomeExpenseRows()
@@ -48,7 +51,8 @@ ResultSet incomeExpenseRows()
         rs.setText(4, QString::fromLatin1(r.opis));
         rs.setInteger(5, r.vrsta);
         rs.setText(6, entryKindText(96, r.vrsta));
-        for (const auto& [c, amount] : { std::pair { 7, r.prihodi }, { 8, r.pdvPrihodi }, { 9, r.rashodi }, { 10, r.pdvRashodi } })
+        for (const auto& [c, amount] :
+            { std::pair { 7, r.prihodi }, { 8, r.pdvPrihodi }, { 9, r.rashodi }, { 10, r.pdvRashodi } })
             rs.setMoney(c, money(amount));
         rs.setText(11, QString());
     }
@@ -59,8 +63,9 @@ ResultSet assetRows()
 {
     ResultSet rs({ { "RBroj", FieldType::Integer }, { "Naziv", FieldType::Text }, { "Datum", FieldType::Date },
         { "Isprava", FieldType::Text }, { "NabVrijednost", FieldType::Currency },
-        { "KnjigVrijednost", FieldType::Currency }, { "VijekTr", FieldType::Integer }, { "StopaAm", FieldType::Currency },
-        { "IznosAmort", FieldType::Decimal }, { "NovaKnjigVrij", FieldType::Decimal }, { "I", FieldType::Text } });
+        { "KnjigVrijednost", FieldType::Currency }, { "VijekTr", FieldType::Integer },
+        { "StopaAm", FieldType::Currency }, { "IznosAmort", FieldType::Decimal },
+        { "NovaKnjigVrij", FieldType::Decimal }, { "I", FieldType::Text } });
     const int vijek[] = { 5, 8, 4 };
     for (int i = 0; i < 3; ++i) {
         rs.appendRow();
@@ -103,9 +108,9 @@ std::string column(const BookModel& m, int c)
 
 TEST(BookTotals, EachKindSumsItsOwnColumnsWithItsOwnBoldCells)
 {
-    const std::pair<int, const char*> cases[] = { { 96, "8b 9 10 11" }, { 109, "8b 9 10 11" },
-        { 97, "8b 9b 10b 11b" }, { 102, "8b 9b 10b 11b" }, { 98, "6b 7b" }, { 106, "7b 8b" }, { 99, "5b 6" },
-        { 100, "5b 6" }, { 101, "5b 6 8 9 10" }, { 105, "5b 6 8 9 10" }, { 125, "5b" }, { 126, "5b 6b" }, { 103, "" } };
+    const std::pair<int, const char*> cases[] = { { 96, "8b 9 10 11" }, { 109, "8b 9 10 11" }, { 97, "8b 9b 10b 11b" },
+        { 102, "8b 9b 10b 11b" }, { 98, "6b 7b" }, { 106, "7b 8b" }, { 99, "5b 6" }, { 100, "5b 6" },
+        { 101, "5b 6 8 9 10" }, { 105, "5b 6 8 9 10" }, { 125, "5b" }, { 126, "5b 6b" }, { 103, "" } };
     for (const auto& [kind, layout] : cases) {
         QStringList out;
         for (const TotalsColumn& c : totalsColumns(kind))
@@ -204,7 +209,10 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
     // Grid column 5 is field 4, Opis; letter case is ignored.
-    const struct { int gridColumn; const char *expression, *opis; } clicks[] = {
+    const struct {
+        int gridColumn;
+        const char *expression, *opis;
+    } clicks[] = {
         { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
         { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
         { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
@@ -278,8 +286,8 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
     // collator's, the order is the collator's: two-letter letters in every case, digits,
     // signs, the empty text, beginnings longer than a key's first sixteen letters.
     const char* tricky[] = { "lja", "Lk", "LJUBAV", "ljubav", "nje", "Nk", "NJ", "džem", "dzz", "Džin", "đak", "dŽ",
-        "a-b", "a b", "ab", "A1", "10", "9", "R-12", "R.12", "(x)", "", "stavka dugačka 000001",
-        "Stavka dugačka 00000", "STAVKA DUGAČKA 000002", "šuma", "Sx", "ž", "Zz", "Ljiljan" };
+        "a-b", "a b", "ab", "A1", "10", "9", "R-12", "R.12", "(x)", "", "stavka dugačka 000001", "Stavka dugačka 00000",
+        "STAVKA DUGAČKA 000002", "šuma", "Sx", "ž", "Zz", "Ljiljan" };
     const QCollator collator = textCollator();
     for (const bool foreign : { false, true }) {
         ResultSet texts({ { "Opis", FieldType::Text } });
@@ -312,10 +320,10 @@ TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
         QStringLiteral(" WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.BrojPoduzeca=3 ORDER BY K.RBroj"));
     const auto shownMenus = [](int kind, const char* level) {
         const browser::MenuVisibility v = browser::menuVisibility(kind, QString::fromLatin1(level));
-        const std::pair<bool, const char*> entries[] = { { v.rekapitulacija, "rekap" }, { v.istaStavka, "ista" },
-            { v.renumeracija, "renum" }, { v.renumeracijaPoDat, "renumDat" }, { v.ubaciZapis, "ubaci" },
-            { v.pocetnoStanje, "pocetno" }, { v.generiranje, "gen" }, { v.uvozIzvozPod, "uvozIzvoz" },
-            { v.brisPrikPod, "brisPrik" } };
+        const std::pair<bool, const char*> entries[]
+            = { { v.rekapitulacija, "rekap" }, { v.istaStavka, "ista" }, { v.renumeracija, "renum" },
+                  { v.renumeracijaPoDat, "renumDat" }, { v.ubaciZapis, "ubaci" }, { v.pocetnoStanje, "pocetno" },
+                  { v.generiranje, "gen" }, { v.uvozIzvozPod, "uvozIzvoz" }, { v.brisPrikPod, "brisPrik" } };
         std::string out;
         for (const auto& [on, name] : entries)
             out += on ? std::string(out.empty() ? "" : " ") + name : "";
@@ -323,10 +331,10 @@ TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
     };
     for (int kind : { 97, 98, 99, 100, 102, 106, 125, 126 })
         EXPECT_EQ(shownMenus(kind, "0"), "ista renum renumDat ubaci") << kind;
-    const std::tuple<int, const char*, const char*> menus[] = { { 96, "0", "rekap ista renum renumDat ubaci" },
-        { 96, "2", "rekap ista renum renumDat ubaci" }, { 101, "0", "ista pocetno" }, { 105, "0", "ista pocetno" },
-        { 109, "0", "ista renum renumDat ubaci gen" }, { 109, "2", "ista renum renumDat ubaci gen brisPrik" },
-        { 109, "3", "ista renum renumDat ubaci gen" } };
+    const std::tuple<int, const char*, const char*> menus[]
+        = { { 96, "0", "rekap ista renum renumDat ubaci" }, { 96, "2", "rekap ista renum renumDat ubaci" },
+              { 101, "0", "ista pocetno" }, { 105, "0", "ista pocetno" }, { 109, "0", "ista renum renumDat ubaci gen" },
+              { 109, "2", "ista renum renumDat ubaci gen brisPrik" }, { 109, "3", "ista renum renumDat ubaci gen" } };
     for (const auto& [kind, level, expected] : menus)
         EXPECT_EQ(shownMenus(kind, level), expected) << kind << " " << level;
 
@@ -341,8 +349,8 @@ TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
         EXPECT_TRUE(!restrictions || got == restrictions) << level << ": " << got;
     }
 
-    for (const auto& [twips, dpi, pixels] : { std::array { 9645, 96, 643 }, { 5800, 96, 387 }, { 3500, 96, 233 },
-             { 1440, 120, 120 } })
+    for (const auto& [twips, dpi, pixels] :
+        { std::array { 9645, 96, 643 }, { 5800, 96, 387 }, { 3500, 96, 233 }, { 1440, 120, 120 } })
         EXPECT_EQ(browser::twipsToPixels(twips, dpi), pixels) << twips;
     EXPECT_EQ(browser::pixelsToTwips(643, 96), 9645);
     EXPECT_EQ(browser::pixelsToTwips(120, 120), 1440);

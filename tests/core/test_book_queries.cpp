@@ -15,9 +15,7 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 using namespace knjige;
@@ -76,10 +74,10 @@ TEST(Schema, MoneyKeepsFourDecimalsInQuotientsAndStoredResults)
 
 TEST(Schema, TextWidthsComeFromTheScript)
 {
-    const std::tuple<const char*, const char*, int> cases[] = { { "dbo.KnjPrihRashFBiH", "Isprava", 20 },
-        { "knjprihrashfbih", "ISPRAVA", 20 }, { "dbo.KnjPrihRashDB", "Opis", 100 },
-        { "dbo.KnjPopListaDugImovFBiH", "Naziv", 100 }, { "dbo.KnjPrihRashDB", "Iznos", 0 }, { "dbo.Nema", "Opis", 0 },
-        { "dbo.KnjPrihRashDB", "Nema", 0 } };
+    const std::tuple<const char*, const char*, int> cases[]
+        = { { "dbo.KnjPrihRashFBiH", "Isprava", 20 }, { "knjprihrashfbih", "ISPRAVA", 20 },
+              { "dbo.KnjPrihRashDB", "Opis", 100 }, { "dbo.KnjPopListaDugImovFBiH", "Naziv", 100 },
+              { "dbo.KnjPrihRashDB", "Iznos", 0 }, { "dbo.Nema", "Opis", 0 }, { "dbo.KnjPrihRashDB", "Nema", 0 } };
     for (const auto& [table, column, width] : cases)
         EXPECT_EQ(textColumnWidth(QString::fromLatin1(table), QString::fromLatin1(column)), width) << table << column;
 }
@@ -130,7 +128,8 @@ TEST(SqliteBackend, ReadOnlyFileGivesAClearErrorOnWrite)
     db.disconnect();
 }
 
-namespace {
+namespace
+{
 
 // The grid's query for company 1, working year 2016, as the browser opens it.
 QString openingQuery(int book)
@@ -153,8 +152,9 @@ void incomeExpense(TestDatabase& t, const char* table, int company, int rbroj, Q
 void asset(TestDatabase& t, int rbroj, QDate datum, double nab, double knjig, int vijek)
 {
     t.insert("dbo.KnjPopListaDugImovFBiH",
-        { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2016 }, { "RBroj", rbroj }, { "Naziv", QStringLiteral("S%1").arg(rbroj) },
-            { "Datum", datum }, { "Isprava", QStringLiteral("%1").arg(rbroj) }, { "NabVrijednost", money(nab) },
+        { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2016 }, { "RBroj", rbroj },
+            { "Naziv", QStringLiteral("S%1").arg(rbroj) }, { "Datum", datum },
+            { "Isprava", QStringLiteral("%1").arg(rbroj) }, { "NabVrijednost", money(nab) },
             { "KnjigVrijednost", money(knjig) }, { "VijekTr", vijek } });
 }
 
@@ -196,9 +196,12 @@ void fixtureRows(TestDatabase& t)
     for (int prod : { 5, 6 }) {
         const RowChange::Values key { { "BrojPoduzeca", 1 }, { "BrojProd", prod }, { "RBroj", 1 },
             { "Datum", QDate(2016, 2, 2) }, { "GodinaKnj", 2016 } };
-        t.insert("dbo.TrgKnjUsluga", key + RowChange::Values { { "Opis", QStringLiteral("u") }, { "Iznos", money(3.5) } });
+        t.insert(
+            "dbo.TrgKnjUsluga", key + RowChange::Values { { "Opis", QStringLiteral("u") }, { "Iznos", money(3.5) } });
         t.insert("dbo.TrgKnjKomisiona",
-            key + RowChange::Values { { "Opis", QStringLiteral("k") }, { "Zaduzenje", money(8) }, { "Razduzenje", money(2) } });
+            key
+                + RowChange::Values {
+                    { "Opis", QStringLiteral("k") }, { "Zaduzenje", money(8) }, { "Razduzenje", money(2) } });
     }
     asset(t, 1, QDate(2016, 1, 15), 1200, 1200, 5); // January: twelve months
     asset(t, 2, QDate(2016, 12, 1), 1200, 1200, 5); // December: one month
@@ -214,11 +217,11 @@ TEST(DialectBooks, EveryBookListsItsRowsWithItsFieldsTypesAndValues)
     TestDatabase t;
     fixtureRows(t);
     const std::string receivables = "RBroj,ImeKomit1,Datum,Isprava,Opis,Vrsta,NazivVrste,IznosIR,UplateIR,IznosUR,"
-                                "UplateUR,Iznos,RBrojKPR,SifKomit,I";
+                                    "UplateUR,Iznos,RBrojKPR,SifKomit,I";
     const std::string receivableTypes = "integer,text,date,text,text,integer,text,currency,currency,currency,currency,"
-                                    "currency,integer,integer,text";
+                                        "currency,integer,integer,text";
     const std::string assets = "RBroj,Naziv,Datum,Isprava,NabVrijednost,KnjigVrijednost,VijekTr,StopaAm,IznosAmort,"
-                           "NovaKnjigVrij,I";
+                               "NovaKnjigVrij,I";
     // SQL Server types the asset list's two CASE columns by their highest branch:
     // decimal over money.
     const std::string assetTypes = "integer,text,date,text,currency,currency,integer,currency,decimal,decimal,text";

@@ -12,15 +12,14 @@
 
 #include <QFile>
 #include <QFileInfo>
-
-#include <gtest/gtest.h>
-
 #include <array>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 using Kind = ConnectionTarget::Kind;
 
-namespace {
+namespace
+{
 
 const QString FreeTds = QStringLiteral("FreeTDS");
 const QString Microsoft = QStringLiteral("ODBC Driver 18 for SQL Server");
@@ -65,18 +64,24 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
     const QString instance = "Provider=SQLOLEDB.1;Data Source=srv\\SQLEXPRESS;Initial Catalog=db;User ID=sa;Password=x";
     const QString port = "Provider=SQLOLEDB.1;Data Source=tcp:10.0.0.5, 1500;Initial Catalog=db;User ID=sa;Password=x";
     // How the result must match: = whole, ^ its start, $ its end, ~ a part of it, ! not a part of it.
-    const struct { QString input; bool microsoft; char match; QString odbc; } cases[] = {
+    const struct {
+        QString input;
+        bool microsoft;
+        char match;
+        QString odbc;
+    } cases[] = {
         // The generator's source connection, built by the system with an empty password.
         { "Provider=SQLOLEDB.1;Data Source=POSLOVNI;Initial Catalog=KIF2016;User ID=sa;Password=", false, '=',
-            "DRIVER={FreeTDS};SERVER=POSLOVNI;PORT=1433;DATABASE=KIF2016;UID=sa;PWD=;TDS_Version=7.4;ClientCharset=UTF-8" },
+            "DRIVER={FreeTDS};SERVER=POSLOVNI;PORT=1433;DATABASE=KIF2016;UID=sa;PWD=;TDS_Version=7.4;ClientCharset=UTF-"
+            "8" },
         // Keys in any case and spacing, their other names, the last of two equal keys,
         // and keys the ODBC side has no use for dropped.
         { " provider = sqloledb.1 ; DATA SOURCE = srv ;initial   catalog=Knjige;user id=ana;PASSWORD=tajna;", false,
             '=', knjige },
         { "Server=srv;Database=Knjige;UID=ana;PWD=tajna", false, '=', knjige },
         { "Provider=SQLNCLI11;Address=srv;Database=Knjige;User=ana;Pwd=tajna;;", false, '=', knjige },
-        { "Provider=SQLOLEDB;Data Source=stari;Initial Catalog=Knjige;User ID=ana;Password=tajna;Server=srv", false, '=',
-            knjige },
+        { "Provider=SQLOLEDB;Data Source=stari;Initial Catalog=Knjige;User ID=ana;Password=tajna;Server=srv", false,
+            '=', knjige },
         { "Provider=SQLOLEDB.1;Persist Security Info=True;User ID=ana;Password=tajna;Initial Catalog=Knjige;"
           "Data Source=srv;Use Procedure for Prepare=1;Auto Translate=True;Packet Size=4096",
             false, '=', knjige },
@@ -107,7 +112,8 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
         { "Server=srv\\INST,1501;Database=db;UID=sa;PWD=x", false, '^', "DRIVER={FreeTDS};SERVER=srv;PORT=1501;" },
         { "Server=srv;Port=1600;Database=db;UID=sa;PWD=x", false, '^', "DRIVER={FreeTDS};SERVER=srv;PORT=1600;" },
         { "Server=(local);Database=db;UID=sa;PWD=x", false, '^', "DRIVER={FreeTDS};SERVER=localhost;PORT=1433;" },
-        { "Server=.\\SQLEXPRESS;Database=db;UID=sa;PWD=x", false, '^', "DRIVER={FreeTDS};SERVER=localhost\\SQLEXPRESS;" },
+        { "Server=.\\SQLEXPRESS;Database=db;UID=sa;PWD=x", false, '^',
+            "DRIVER={FreeTDS};SERVER=localhost\\SQLEXPRESS;" },
         { "Server=(local);Database=db;UID=sa;PWD=x", true, '~', ";SERVER=(local);" },
         // Certificates are never trusted silently; an explicit driver wins, escaped.
         { kAdo, true, '!', "TrustServerCertificate" },
@@ -141,8 +147,10 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
     // Encryption settings reach FreeTDS in its own words.
     const char* encryption[][3] = { // the string's keys, FreeTDS's setting, what Driver 18 is told
         { "", "", "" }, { ";Encrypt=Mandatory", ";Encryption=require", ";Encrypt=yes" },
-        { ";Encrypt=strict", ";Encryption=require", ";Encrypt=strict" }, { ";Encrypt=no", ";Encryption=off", ";Encrypt=no" },
-        { ";TrustServerCertificate=yes", ";Encryption=request", ";TrustServerCertificate=yes" } };
+        { ";Encrypt=strict", ";Encryption=require", ";Encrypt=strict" },
+        { ";Encrypt=no", ";Encryption=off", ";Encrypt=no" },
+        { ";TrustServerCertificate=yes", ";Encryption=request", ";TrustServerCertificate=yes" }
+    };
     for (const auto& c : encryption) {
         EXPECT_EQ(odbc(kAdo + c[0]),
             "DRIVER={FreeTDS};SERVER=srv;PORT=1433;DATABASE=db;UID=sa;PWD=x;TDS_Version=7.4;ClientCharset=UTF-8"
@@ -175,9 +183,11 @@ TEST(ConnectionString, TheMachinesDriverAndTheServerSessionSetUp)
 TEST(ConnectionString, DatabaseFilesOpenTheEmbeddedDatabase)
 {
     const std::pair<const char*, const char*> cases[] = {
-        { "/home/ana/knjige.db", "/home/ana/knjige.db" }, { "  podaci/knjige.SQLITE3 ", "podaci/knjige.SQLITE3" },
+        { "/home/ana/knjige.db", "/home/ana/knjige.db" },
+        { "  podaci/knjige.SQLITE3 ", "podaci/knjige.SQLITE3" },
         { "C:\\Arbosa\\knjige.sqlite", "C:\\Arbosa\\knjige.sqlite" },
-        { "sqlite:/tmp/bilo koja datoteka", "/tmp/bilo koja datoteka" }, { "SQLite:relativna", "relativna" },
+        { "sqlite:/tmp/bilo koja datoteka", "/tmp/bilo koja datoteka" },
+        { "SQLite:relativna", "relativna" },
         { "Data Source=/tmp/knjige.db", "/tmp/knjige.db" },
         { "Data Source=\"/tmp/moje knjige;2016.db\"", "/tmp/moje knjige;2016.db" },
         { "Provider=SQLite;Data Source=/tmp/knjige", "/tmp/knjige" },
@@ -203,8 +213,10 @@ TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
         { "Provider=SQLOLEDB.1;User ID=sa;Password=x",
             "nedostaje Data Source (naziv servera) i Initial Catalog (naziv baze)." },
         // Without a catalog, a server name is not taken for a file.
-        { "Data Source=srv;User ID=sa;Password=x", catalog }, { "Data Source=srv", catalog },
-        { "", "prazan je." }, { "sqlite:  ", "iza \"sqlite:\" nedostaje putanja do datoteke baze." },
+        { "Data Source=srv;User ID=sa;Password=x", catalog },
+        { "Data Source=srv", catalog },
+        { "", "prazan je." },
+        { "sqlite:  ", "iza \"sqlite:\" nedostaje putanja do datoteke baze." },
         { "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=knjige.mdb",
             "Provider \"Microsoft.Jet.OLEDB.4.0\" nije podržan (očekuje se SQLOLEDB za SQL Server ili SQLite za "
             "datoteku baze)." },
@@ -212,10 +224,12 @@ TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
             "dio \"Data Source srv\" nema oblik Ključ=Vrijednost." },
         { "Server=srv;Database=db;PWD=\"nezatvoren", "vrijednost otvorena znakom \" nije zatvorena." },
         // What follows a password is its rest as like as not.
-        { "Server=srv;Database=db;PWD=\"Taj\"na", "iza vrijednosti ključa PWD u navodnicima slijedi još teksta umjesto "
-                                                  "znaka ';'." },
+        { "Server=srv;Database=db;PWD=\"Taj\"na",
+            "iza vrijednosti ključa PWD u navodnicima slijedi još teksta umjesto "
+            "znaka ';'." },
         { "Server=srv;Database=\"db\" x", "iza vrijednosti u navodnicima slijedi \"x\" umjesto znaka ';'." },
-        { "Server=srv;Password=Taj;na;Database=db", "dio iza vrijednosti ključa Password nema oblik Ključ=Vrijednost." },
+        { "Server=srv;Password=Taj;na;Database=db",
+            "dio iza vrijednosti ključa Password nema oblik Ključ=Vrijednost." },
         { "Server=srv,14x33;Database=db", "port \"14x33\" nije broj od 1 do 65535." },
         { "Server=srv,x;Database=db;PWD=Tajna123", "port \"x\" nije broj od 1 do 65535." },
         { "Server=\\INST;Database=db", "nedostaje naziv servera u Data Source." },
@@ -244,11 +258,16 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
     const std::pair<QString, bool> values[] = { // a value, refused
         { hostile, true }, { "ta}jna", false }, { "a;b", false }, { "{x}", true }, { "p=q", false },
         { "\"quoted\"", false }, { "'single'", false }, { "tajna}", false }, { "{x", false }, { " čćž ", false },
-        { "a;b}", true } };
+        { "a;b}", true }
+    };
     const QString adoKeys[] = { "Password", "User ID", "Initial Catalog" };
-    const QString base = QStringLiteral("Provider=SQLOLEDB.1;Driver={FreeTDS};Data Source=127.0.0.1,%1;Encrypt=no")
-                             .arg(server.port());
-    struct Row { QString text; QString key; std::array<QString, 3> login; }; // login: password, user, database
+    const QString base
+        = QStringLiteral("Provider=SQLOLEDB.1;Driver={FreeTDS};Data Source=127.0.0.1,%1;Encrypt=no").arg(server.port());
+    struct Row {
+        QString text;
+        QString key;
+        std::array<QString, 3> login;
+    }; // login: password, user, database
     std::vector<Row> rows;
     for (const auto& [value, refused] : values)
         for (int k = 0; k < 3; ++k) {
@@ -260,8 +279,10 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
             rows.push_back({ text, refused ? adoKeys[k] : QString(), login });
         }
     // An ODBC string written by the host for FreeTDS: the ODBC rule's '}}' arrives as '}'.
-    const QString odbcString = QStringLiteral("DRIVER={FreeTDS};SERVER=127.0.0.1;PORT=%1;Encryption=off;DATABASE=Knjige;"
-                                              "UID=ana;PWD=").arg(server.port());
+    const QString odbcString
+        = QStringLiteral("DRIVER={FreeTDS};SERVER=127.0.0.1;PORT=%1;Encryption=off;DATABASE=Knjige;"
+                         "UID=ana;PWD=")
+              .arg(server.port());
     rows.push_back({ odbcString + "{ta}}jna}", {}, { "ta}jna", "ana", "Knjige" } });
     rows.push_back({ odbcString + "{" + QString(hostile).replace("}", "}}") + "}", "PWD", {} });
 
@@ -270,7 +291,8 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
         EXPECT_FALSE(db.connect(row.text));
         const std::vector<test::TdsLogin> logins = server.takeLogins();
         if (!row.key.isEmpty()) {
-            EXPECT_EQ(db.errorDescription(), "Neispravan connection string: " + freeTdsRefusal(row.key)) << row.text.toStdString();
+            EXPECT_EQ(db.errorDescription(), "Neispravan connection string: " + freeTdsRefusal(row.key))
+                << row.text.toStdString();
             EXPECT_TRUE(logins.empty());
             continue;
         }
@@ -281,7 +303,8 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
         EXPECT_EQ(got.port, server.port());
         EXPECT_EQ(got.server, "127.0.0.1");
         EXPECT_EQ(QStringList({ got.password, got.user, got.database }),
-            QStringList({ row.login[0], row.login[1], row.login[2] })) << row.text.toStdString();
+            QStringList({ row.login[0], row.login[1], row.login[2] }))
+            << row.text.toStdString();
     }
     EXPECT_EQ(server.decoyVisits(), 0);
 }
@@ -307,19 +330,28 @@ TEST(OdbcBackend, DataSourceNamesLoseTheirKeyAndFieldTypesFollowTheColumnDescrip
     EXPECT_EQ(odbcFieldType(-7, 1, 0), FieldType::Boolean);
     const std::tuple<FieldType, int, int, std::vector<int>> byType[] = { // type, size, digits, codes
         { FieldType::Integer, 10, 0, { -6, -5, 4, 5 } }, { FieldType::Float, 53, 0, { 6, 7, 8 } },
-        { FieldType::Date, 23, 3, { 9, 11, 91, 93, -155 } }, { FieldType::Text, 30, 0, { 1, 12, -8, -9, -1, -10, -11 } } };
+        { FieldType::Date, 23, 3, { 9, 11, 91, 93, -155 } }, { FieldType::Text, 30, 0, { 1, 12, -8, -9, -1, -10, -11 } }
+    };
     for (const auto& [type, size, digits, codes] : byType)
         for (int code : codes)
             EXPECT_EQ(odbcFieldType(code, size, digits), type) << code;
 }
 
-namespace {
+namespace
+{
 
-QString connectionString(const QString& path) { return QStringLiteral("DRIVER={SQLite3};Database=") + path; }
+QString connectionString(const QString& path)
+{
+    return QStringLiteral("DRIVER={SQLite3};Database=") + path;
+}
 
-QVariant amount(qint64 units) { return QVariant::fromValue(Money::fromUnits(units)); }
+QVariant amount(qint64 units)
+{
+    return QVariant::fromValue(Money::fromUnits(units));
+}
 
-class OdbcBackendTest : public ::testing::Test {
+class OdbcBackendTest : public ::testing::Test
+{
 protected:
     void SetUp() override
     {
@@ -335,7 +367,10 @@ protected:
              "Placeno bit, Stopa float, Veliki bigint)");
     }
 
-    void exec(const char* sql) { ASSERT_TRUE(m_db.execute(QString::fromUtf8(sql))) << m_db.errorDescription().toStdString(); }
+    void exec(const char* sql)
+    {
+        ASSERT_TRUE(m_db.execute(QString::fromUtf8(sql))) << m_db.errorDescription().toStdString();
+    }
     // Writes one row; a failure is the caller's to check.
     bool write(RowChange::Kind kind, const RowChange::Values& values, const RowChange::Values& original = {})
     {
@@ -381,14 +416,16 @@ TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpOrReportsTheDriverManage
     EXPECT_FALSE(other.errorDescription().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(missingFolder));
     EXPECT_FALSE(other.connect(QStringLiteral("DSN=KnjigeNepostojeciDsn")));
-    EXPECT_TRUE(other.errorDescription().contains(QLatin1String("not found"))) << other.errorDescription().toStdString();
+    EXPECT_TRUE(other.errorDescription().contains(QLatin1String("not found")))
+        << other.errorDescription().toStdString();
 }
 
 TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesArriveIntact)
 {
     exec("INSERT INTO Stavke (RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki) VALUES (7, 3, 1234567.8901, "
          "'2016-03-15 00:00:00', 'Nabavka', 1, 0.17, 9000000000)");
-    const ResultSet rs = rows(QStringLiteral("SELECT RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki FROM Stavke"));
+    const ResultSet rs
+        = rows(QStringLiteral("SELECT RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki FROM Stavke"));
     ASSERT_EQ(rs.rowCount(), 1);
     EXPECT_EQ(test::fieldNames(rs), "RBroj,Vrsta,Iznos,Datum,Opis,Placeno,Stopa,Veliki");
     const FieldType types[] = { FieldType::Integer, FieldType::Integer, {}, FieldType::Date, FieldType::Text,
@@ -428,7 +465,8 @@ TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndRepor
     EXPECT_EQ(count(QStringLiteral(" WHERE Opis = 'promijenjeno'")), 1);
     EXPECT_EQ(count(QStringLiteral(" WHERE Opis = 'isto'")), 1);
     // A NULL in the row as read matches the NULL in the table.
-    ASSERT_TRUE(write(K::Update, { { "Iznos", amount(30000) } }, { { "RBroj", 6 }, { "Iznos", QVariant() } })) << error();
+    ASSERT_TRUE(write(K::Update, { { "Iznos", amount(30000) } }, { { "RBroj", 6 }, { "Iznos", QVariant() } }))
+        << error();
     EXPECT_EQ(count(QStringLiteral(" WHERE RBroj = 6 AND Iznos = 3")), 1);
 
     const RowChange::Values removal = { { "RBroj", 5 }, { "Iznos", iznos } };
@@ -438,8 +476,8 @@ TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndRepor
     EXPECT_EQ(count(QStringLiteral(" WHERE RBroj = 5")), 0);
     // The row is gone: the driver's row count tells the caller so.
     EXPECT_FALSE(write(K::Delete, {}, removal));
-    EXPECT_EQ(m_db.errorDescription(),
-        "Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik.");
+    EXPECT_EQ(
+        m_db.errorDescription(), "Zapis više ne postoji u bazi podataka: promijenio ga je ili obrisao drugi korisnik.");
     EXPECT_FALSE(write(K::Update, changed, asRead));
     EXPECT_EQ(count(), 1);
 

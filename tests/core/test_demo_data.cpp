@@ -17,7 +17,8 @@
 using namespace knjige;
 using knjige::test::TestDatabase;
 
-namespace {
+namespace
+{
 
 // The browser's own query of a book for the demo company: as it opens, or for one shop
 // over the whole year.
@@ -39,7 +40,8 @@ QSet<qint64> kindsIn(TestDatabase& t, const QString& table)
     return kinds;
 }
 
-class DemoData : public ::testing::Test {
+class DemoData : public ::testing::Test
+{
 protected:
     void SetUp() override
     {
@@ -82,7 +84,8 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckAndTheNextYearItsOwn)
 TEST_F(DemoData, AmountsKindsAndLinksHoldTogether)
 {
     const QString where = QStringLiteral(" WHERE GodinaKnj=%1 AND BrojPoduzeca=1").arg(year);
-    const ResultSet fbih = t.query(QStringLiteral("SELECT RBroj,Vrsta,Iznos,IznosPDV,GodinaKnj FROM dbo.KnjPrihRashFBiH"));
+    const ResultSet fbih
+        = t.query(QStringLiteral("SELECT RBroj,Vrsta,Iznos,IznosPDV,GodinaKnj FROM dbo.KnjPrihRashFBiH"));
     QHash<qint64, std::pair<qint64, Money>> entries; // of the working year
     for (int r = 0; r < fbih.rowCount(); ++r) {
         const qint64 vrsta = fbih.integer(r, 1);
@@ -102,8 +105,8 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogether)
     }
     EXPECT_EQ(t.query(browserSql(*findBook(Knjiga::EvidPotObvFBiH), year)).rowCount(), evid.rowCount());
 
-    const std::pair<const char*, QSet<qint64>> kinds[] = {
-        { "dbo.KnjPrihRashFBiH", { 11, 12, 13, 16, 17, 18, 19 } }, { "dbo.KnjEvidPotrIObvFBiH", { 11, 12, 21, 22 } },
+    const std::pair<const char*, QSet<qint64>> kinds[] = { { "dbo.KnjPrihRashFBiH", { 11, 12, 13, 16, 17, 18, 19 } },
+        { "dbo.KnjEvidPotrIObvFBiH", { 11, 12, 21, 22 } },
         { "dbo.KnjPrihRashDB", { 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 } }, { "dbo.KnjPrihodaRS", { 4, 5, 6, 7, 8 } },
         { "dbo.KnjRashodaRS", { 4, 5, 6, 7, 8, 9, 10, 13 } } };
     for (const auto& [table, expected] : kinds)
@@ -112,7 +115,8 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogether)
     for (int y : { year - 1, year }) {
         const ResultSet rs = t.query(browserSql(*findBook(Knjiga::PopListaFBiH), y));
         ASSERT_GE(rs.rowCount(), 3) << y;
-        const int nab = rs.indexOf(QStringLiteral("NabVrijednost")), knjig = rs.indexOf(QStringLiteral("KnjigVrijednost"));
+        const int nab = rs.indexOf(QStringLiteral("NabVrijednost")),
+                  knjig = rs.indexOf(QStringLiteral("KnjigVrijednost"));
         const int vijek = rs.indexOf(QStringLiteral("VijekTr"));
         for (int r = 0; r < rs.rowCount(); ++r) {
             EXPECT_TRUE(rs.money(r, knjig) > Money() && rs.money(r, knjig) <= rs.money(r, nab)) << y << " row " << r;

@@ -13,11 +13,9 @@
 #include "support/TestDatabase.h"
 
 #include <QThread>
-
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <limits>
 #include <sqlite3.h>
@@ -27,7 +25,8 @@ using namespace knjige;
 using namespace knjige::tsql;
 using knjige::test::TestDatabase;
 
-namespace {
+namespace
+{
 
 const Catalog& schemaCatalog()
 {
@@ -41,7 +40,10 @@ const Catalog& schemaCatalog()
     return catalog;
 }
 
-Translation::Statement tr(const QString& sql) { return translateStatement(sql, schemaCatalog()); }
+Translation::Statement tr(const QString& sql)
+{
+    return translateStatement(sql, schemaCatalog());
+}
 
 } // namespace
 
@@ -75,7 +77,8 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
         // + joins only character data.
         { "SELECT K.Isprava+'-'+K.Opis AS A, K.Iznos+K.IznosPDV AS B, K.Vrsta+1 AS C, '7'+K.Vrsta AS D, "
           "rtrim(cast(K.Vrsta as nvarchar(5)))+'x' AS E FROM dbo.KnjPrihRashFBiH K",
-            "SELECT K.Isprava||'-'||K.Opis AS A, tsql_madd(K.Iznos, K.IznosPDV) AS B, K.Vrsta+1 AS C, tsql_int('7', 'int', 'varchar')+K.Vrsta AS D, "
+            "SELECT K.Isprava||'-'||K.Opis AS A, tsql_madd(K.Iznos, K.IznosPDV) AS B, K.Vrsta+1 AS C, tsql_int('7', "
+            "'int', 'varchar')+K.Vrsta AS D, "
             "rtrim(CAST(K.Vrsta AS TEXT))||'x' AS E FROM KnjPrihRashFBiH K" },
         // Every division goes through the registered function; a money quotient keeps four decimals.
         { "SELECT 100.0/K.VijekTr/12*(13-MONTH(Datum)) AS X FROM KnjPopListaDugImovFBiH K",
@@ -116,7 +119,8 @@ TEST(TSqlTranslate, EachRewriteGivesTheSqliteText)
             "UPDATE TrgKnjUsluga SET Datum='2016-12-31', Opis='12.31.2016' WHERE RBroj=1" },
         // Comments and N strings pass through; a text the parser cannot read keeps its
         // words, for the engine to report.
-        { "SELECT N'Žiro' AS A -- dbo.X / 2\nFROM dbo.KnjPrihRashDB", "SELECT 'Žiro' AS A -- dbo.X / 2\nFROM KnjPrihRashDB" },
+        { "SELECT N'Žiro' AS A -- dbo.X / 2\nFROM dbo.KnjPrihRashDB",
+            "SELECT 'Žiro' AS A -- dbo.X / 2\nFROM KnjPrihRashDB" },
         { "SELECT FROM WHERE dbo.X", "SELECT FROM WHERE X" },
         // The trade books read an entry with the year and AND written together.
         { "SELECT * FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=1",
@@ -188,19 +192,26 @@ TEST(TSqlTranslate, CreateTableSplittingAndDecimalRounding)
     EXPECT_TRUE(parts[2].endsWith(QStringLiteral("END; END")));
 
     // ROUND of a decimal value: half away from zero.
-    const std::tuple<double, int, double> rounds[] = { { 2.675, 2, 2.68 }, { -2.675, 2, -2.68 }, { 1.005, 2, 1.01 },
-        { 2.5, 0, 3.0 }, { 2.4999, 0, 2.0 }, { 1234.5, -1, 1230.0 }, { 1235, -1, 1240.0 }, { 0.0004, 2, 0.0 },
-        { 83.333333333333, 2, 83.33 } };
+    const std::tuple<double, int, double> rounds[]
+        = { { 2.675, 2, 2.68 }, { -2.675, 2, -2.68 }, { 1.005, 2, 1.01 }, { 2.5, 0, 3.0 }, { 2.4999, 0, 2.0 },
+              { 1234.5, -1, 1230.0 }, { 1235, -1, 1240.0 }, { 0.0004, 2, 0.0 }, { 83.333333333333, 2, 83.33 } };
     for (const auto& [value, digits, rounded] : rounds)
         EXPECT_DOUBLE_EQ(roundDecimal(value, digits), rounded) << value << " " << digits;
 }
 
-namespace {
+namespace
+{
 
 const std::string kTooDeep = tsql::kNestedTooDeeply;
 
-QString nested(int depth) { return QStringLiteral("SELECT ") + QString(depth, u'(') + u'1' + QString(depth, u')'); }
-QString terms(int count) { return QStringLiteral("SELECT 1") + QStringLiteral("+1").repeated(count - 1); }
+QString nested(int depth)
+{
+    return QStringLiteral("SELECT ") + QString(depth, u'(') + u'1' + QString(depth, u')');
+}
+QString terms(int count)
+{
+    return QStringLiteral("SELECT 1") + QStringLiteral("+1").repeated(count - 1);
+}
 
 // The error of a statement run through the helper; empty when it ran.
 std::string errorOf(TestDatabase& t, const QString& sql)
@@ -234,8 +245,9 @@ TEST(DialectHardening, EveryMalformedOrTooDeepStatementIsAnErrorNotACrash)
              "SELECT CAST(1 AS", "SELECT CASE WHEN", "SELECT 'open", "SELECT [open", "SELECT 1 /* open",
              "SELECT * FROM (SELECT", "CREATE TABLE", "SELECT N'", "SELECT .", "(" })
         EXPECT_FALSE(errorOf(t, QString::fromLatin1(sql)).empty()) << sql;
-    const QString deep[] = { nested(10500), terms(14000), nested(1001), QStringLiteral("SELECT ") + QStringLiteral("- ").repeated(5000) + u'1',
-                             QStringLiteral("SELECT 1 WHERE ") + QStringLiteral("NOT ").repeated(3000) + QStringLiteral("1=1") };
+    const QString deep[] = { nested(10500), terms(14000), nested(1001),
+        QStringLiteral("SELECT ") + QStringLiteral("- ").repeated(5000) + u'1',
+        QStringLiteral("SELECT 1 WHERE ") + QStringLiteral("NOT ").repeated(3000) + QStringLiteral("1=1") };
     for (const QString& sql : deep)
         EXPECT_EQ(errorOf(t, sql), kTooDeep) << sql.left(40).toStdString();
     // Nesting within the limit runs as far as the engine's own parser goes.
@@ -276,7 +288,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     struct Case {
         const char* expr;
         std::string error;
-        const char* value;   // the result as ResultSet::text gives it when it runs
+        const char* value; // the result as ResultSet::text gives it when it runs
     };
     const Case cases[] = {
         { "CAST(922337203685477.5807 AS money)", {}, "922337203685477.5807" },
@@ -305,7 +317,8 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "ISNULL(CAST(NULL AS int),2.7)", {}, "2" },
         { "CAST(-3.7 AS int)", {}, "-3" },
         { "CAST(CAST(-2.5 AS money) AS int)", {}, "-3" },
-        { "CAST(70000 AS smallint)", "Arithmetic overflow error converting expression to data type smallint.", nullptr },
+        { "CAST(70000 AS smallint)", "Arithmetic overflow error converting expression to data type smallint.",
+            nullptr },
         // A text meets a number: converted to the number's type, or refused.
         { "'a'+1", failed("varchar", "a"), nullptr },
         { "1+'1.5'", failed("varchar", "1.5"), nullptr },
@@ -356,8 +369,9 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     };
     for (const auto& [values, error] : writes)
         EXPECT_EQ(errorOf(t, QString::fromLatin1(insert) + values), error) << values.left(60).toStdString();
-    for (const char* sql : { "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos", "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
-             "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos-CAST(1 AS money) WHERE Iznos<0" })
+    for (const char* sql :
+        { "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos", "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
+            "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos-CAST(1 AS money) WHERE Iznos<0" })
         EXPECT_EQ(errorOf(t, QString::fromLatin1(sql)).rfind("Arithmetic overflow error", 0), 0u) << sql;
     const std::pair<RowChange::Values, std::string> bound[] = {
         { { { "RBroj", "x" } }, failed("nvarchar", "x") },
@@ -369,30 +383,33 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     };
     for (const auto& [values, error] : bound) {
         RowChange change { RowChange::Kind::Insert, "dbo.KnjPrihRashDB",
-                           { { "BrojPoduzeca", 1 }, { "RBroj", 3 }, { "GodinaKnj", 2016 } }, {} };
+            { { "BrojPoduzeca", 1 }, { "RBroj", 3 }, { "GodinaKnj", 2016 } }, {} };
         for (const auto& [column, value] : values)
             for (auto& [name, old] : change.values)
                 if (name == column)
                     old = value;
-        if (change.values.size() == 3 && change.values[1].first != values[0].first && change.values[2].first != values[0].first)
+        if (change.values.size() == 3 && change.values[1].first != values[0].first
+            && change.values[2].first != values[0].first)
             change.values.append(values[0]);
         EXPECT_FALSE(t.db().writeRow(change)) << values[0].first.toStdString();
         EXPECT_EQ(t.db().errorDescription().toStdString(), error) << values[0].first.toStdString();
     }
-    EXPECT_EQ(errorOf(t, QStringLiteral("SELECT COUNT(*) AS N FROM dbo.KnjPrihRashDB K WHERE K.Opis=1")), failed("nvarchar", "x"));
+    EXPECT_EQ(errorOf(t, QStringLiteral("SELECT COUNT(*) AS N FROM dbo.KnjPrihRashDB K WHERE K.Opis=1")),
+        failed("nvarchar", "x"));
     // Bound as the server takes a parameter: 3.9 cut off, a day number and a month-first
     // text as dates; blanks past the width are dropped on the server, not refused.
-    t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 3.9 }, { "GodinaKnj", 2016 },
-                                    { "Datum", 45001 }, { "Opis", QString(100, u'b') + "   " } });
-    t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 5 }, { "GodinaKnj", 2016 },
-                                    { "Datum", "03.15.2016" } });
+    t.insert("dbo.KnjPrihRashDB",
+        { { "BrojPoduzeca", 1 }, { "RBroj", 3.9 }, { "GodinaKnj", 2016 }, { "Datum", 45001 },
+            { "Opis", QString(100, u'b') + "   " } });
+    t.insert("dbo.KnjPrihRashDB",
+        { { "BrojPoduzeca", 1 }, { "RBroj", 5 }, { "GodinaKnj", 2016 }, { "Datum", "03.15.2016" } });
     const ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
     ASSERT_EQ(rs.rowCount(), 4);
     EXPECT_EQ(rs.text(0, 0), "1");
     EXPECT_EQ(rs.money(0, 2).units(), std::numeric_limits<qint64>::max());
     EXPECT_EQ(rs.text(1, 0), "3");
     EXPECT_EQ(rs.text(1, 1), "2023-03-18");
-    EXPECT_EQ(rs.text(2, 0), "4");   // 4.7 cut off
+    EXPECT_EQ(rs.text(2, 0), "4"); // 4.7 cut off
     EXPECT_EQ(rs.text(2, 1), "2023-03-17");
     EXPECT_EQ(rs.money(2, 2).units(), std::numeric_limits<qint64>::min());
     EXPECT_EQ(rs.text(3, 1), "2016-03-15");
@@ -415,12 +432,15 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
         t.exec(QString::fromLatin1(insert) + QString::fromLatin1(w));
     t.exec("UPDATE dbo.KnjPrihRashDB SET Datum=CASE WHEN RBroj=8 THEN '01.03.2016' ELSE Datum END");
     EXPECT_EQ(stored(t.path(), "SELECT Datum FROM KnjPrihRashDB ORDER BY RBroj"),
-              (QStringList { "2016-03-15", "2016-03-15", "2016-03-15", "2016-01-02", "2016-12-31", "2016-02-29",
-                             "2016-01-01", "2016-01-03" }));
+        (QStringList { "2016-03-15", "2016-03-15", "2016-03-15", "2016-01-02", "2016-12-31", "2016-02-29", "2016-01-01",
+            "2016-01-03" }));
     // The text column keeps the text that looks like a date.
     EXPECT_EQ(stored(t.path(), "SELECT Opis FROM KnjPrihRashDB WHERE RBroj=1"), QStringList { "03.15.2016" });
 
-    struct Count { const char* where; int rows; };
+    struct Count {
+        const char* where;
+        int rows;
+    };
     const Count reads[] = {
         { "K.Datum=ISNULL(NULL,'3.15.2016')", 3 },
         { "K.Datum IN (SELECT '03.15.16')", 3 },
@@ -432,9 +452,10 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
         { "MONTH(K.Datum)=3", 3 },
     };
     for (const Count& r : reads)
-        EXPECT_EQ(t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE ") + QString::fromLatin1(r.where))
-                      .integer(0, 0),
-                  r.rows)
+        EXPECT_EQ(
+            t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE ") + QString::fromLatin1(r.where))
+                .integer(0, 0),
+            r.rows)
             << r.where;
 
     // An impossible date fails the statement, in the server's words, and stores nothing.
@@ -443,38 +464,56 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
             + " data type to a datetime data type resulted in an out-of-range value.";
     };
     EXPECT_EQ(errorOf(t, QString::fromLatin1(insert) + QStringLiteral("VALUES (1,9,2016,'x','15.03.2026')")),
-              outOfRange("varchar"));
+        outOfRange("varchar"));
     EXPECT_EQ(errorOf(t, QStringLiteral("SELECT * FROM dbo.KnjPrihRashDB WHERE Datum>=N'02.30.2016'")),
-              outOfRange("nvarchar"));
+        outOfRange("nvarchar"));
     EXPECT_EQ(errorOf(t, QStringLiteral("UPDATE dbo.KnjPrihRashDB SET Datum='danas'")),
-              "Conversion failed when converting date and/or time from character string.");
+        "Conversion failed when converting date and/or time from character string.");
     EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 8);
 }
 
 TEST(DialectHardening, TextComparesWithoutCaseButWithAccentsAndTrailingBlanks)
 {
     TestDatabase t;
-    struct Case { const char* predicate; bool holds; };
+    struct Case {
+        const char* predicate;
+        bool holds;
+    };
     const Case cases[] = {
-        { "N'č'=N'Č'", true },          { "N'č'=N'c'", false },          { "'a'='a  '", true },
-        { "N'Šećer'=N'šEĆER'", true },   { "N'é'=N'e'", false },          { "N'ž'>N'z'", true },
-        { "N'ča'>N'cz'", true },          { "N'Đ'<N'e'", true },           { "'a' IN ('A ','b')", true },
-        { "N'Šećer' LIKE N'%šeć%'", true }, { "N'Šećer' LIKE 'sec%'", false }, { "'Dalmacija' LIKE '[A-M]%'", true },
-        { "N'Žito' LIKE '[A-M]%'", false }, { "N'Čelik' LIKE N'[a-c]%'", false }, { "'a_b' LIKE 'a[_]b'", true },
-        { "'axb' LIKE 'a[_]b'", false },   { "'bcd' LIKE '[^a]_D'", true },  { "'a ' LIKE 'a'", false },
-        { "'a%b' LIKE 'a!%b' ESCAPE '!'", true }, { "'ab' LIKE 'a!%b' ESCAPE '!'", false },
+        { "N'č'=N'Č'", true },
+        { "N'č'=N'c'", false },
+        { "'a'='a  '", true },
+        { "N'Šećer'=N'šEĆER'", true },
+        { "N'é'=N'e'", false },
+        { "N'ž'>N'z'", true },
+        { "N'ča'>N'cz'", true },
+        { "N'Đ'<N'e'", true },
+        { "'a' IN ('A ','b')", true },
+        { "N'Šećer' LIKE N'%šeć%'", true },
+        { "N'Šećer' LIKE 'sec%'", false },
+        { "'Dalmacija' LIKE '[A-M]%'", true },
+        { "N'Žito' LIKE '[A-M]%'", false },
+        { "N'Čelik' LIKE N'[a-c]%'", false },
+        { "'a_b' LIKE 'a[_]b'", true },
+        { "'axb' LIKE 'a[_]b'", false },
+        { "'bcd' LIKE '[^a]_D'", true },
+        { "'a ' LIKE 'a'", false },
+        { "'a%b' LIKE 'a!%b' ESCAPE '!'", true },
+        { "'ab' LIKE 'a!%b' ESCAPE '!'", false },
     };
     for (const Case& c : cases)
         EXPECT_EQ(t.query(QStringLiteral("SELECT CASE WHEN ") + QString::fromUtf8(c.predicate)
-                          + QStringLiteral(" THEN 1 ELSE 0 END AS R"))
+                       + QStringLiteral(" THEN 1 ELSE 0 END AS R"))
                       .integer(0, 0),
-                  c.holds ? 1 : 0)
+            c.holds ? 1 : 0)
             << c.predicate;
     // A filter on a column finds the entries whatever their letter case.
-    for (const QString& opis : { QStringLiteral("Dnevni promet maloprodaje"), QStringLiteral("DNEVNI PROMET MALOPRODAJE "),
-                                 QStringLiteral("Dnevni promet maloprodaje č") })
-        t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 1 }, { "GodinaKnj", 2016 }, { "Opis", opis } });
-    EXPECT_EQ(t.query("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE K.Opis='dnevni promet maloprodaje'").integer(0, 0), 2);
+    for (const QString& opis : { QStringLiteral("Dnevni promet maloprodaje"),
+             QStringLiteral("DNEVNI PROMET MALOPRODAJE "), QStringLiteral("Dnevni promet maloprodaje č") })
+        t.insert(
+            "dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", 1 }, { "GodinaKnj", 2016 }, { "Opis", opis } });
+    EXPECT_EQ(
+        t.query("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE K.Opis='dnevni promet maloprodaje'").integer(0, 0), 2);
     EXPECT_EQ(t.query("SELECT K.Opis FROM dbo.KnjPrihRashDB K GROUP BY K.Opis").rowCount(), 2);
 }
 
@@ -487,14 +526,14 @@ TEST(DialectHardening, WritersWaitForEachOtherAndReadersForNoOne)
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open(t.path().toUtf8().constData(), &other), SQLITE_OK);
     sqlite3_exec(other, "BEGIN IMMEDIATE; INSERT INTO KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,2,2016)",
-                 nullptr, nullptr, nullptr);
+        nullptr, nullptr, nullptr);
     std::thread writer([other] {
         std::this_thread::sleep_for(std::chrono::milliseconds(400));
         sqlite3_exec(other, "COMMIT", nullptr, nullptr, nullptr);
     });
     EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 1); // the reader does not wait: it sees the last commit
     {
-        TransactionGuard tx(t.db());   // waits for the other writer instead of failing
+        TransactionGuard tx(t.db()); // waits for the other writer instead of failing
         EXPECT_TRUE(tx.isActive()) << t.db().errorDescription().toStdString();
         t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,3,2016)");
         EXPECT_TRUE(tx.commit());
@@ -507,8 +546,8 @@ TEST(DialectHardening, WritersWaitForEachOtherAndReadersForNoOne)
 TEST(DialectHardening, CollationOrdersTheAlphabetAsAWholeOrder)
 {
     // Sorted as the collation must order them; every pair is checked both ways.
-    const char* const ordered[] = { "", "1", "a", "Ab", "C", "cz", "Ča", "čb", "Ća", "d", "Dz", "Đa", "e", "é",
-                                    "s", "Šx", "z", "Ža" };
+    const char* const ordered[]
+        = { "", "1", "a", "Ab", "C", "cz", "Ča", "čb", "Ća", "d", "Dz", "Đa", "e", "é", "s", "Šx", "z", "Ža" };
     const int n = int(std::size(ordered));
     for (int i = 0; i < n; ++i)
         for (int j = 0; j < n; ++j) {

@@ -4,16 +4,16 @@
 #include "browser/TotalsPanel.h"
 #include "support/TestDatabase.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
+#include <gtest/gtest.h>
 #include <tuple>
 
 using namespace knjige;
 using namespace knjige::browser;
 using knjige::test::money;
 
-namespace {
+namespace
+{
 
 const QString kDatum = QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' "
                                       "AND K.GodinaKnj=2016");
@@ -35,38 +35,85 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
     struct Case {
         int kind;
         std::function<void(FilterInput&)> fill;
-        QString where;         // after the period condition
-        QString description;   // after the period piece
+        QString where; // after the period condition
+        QString description; // after the period piece
     };
     const QList<Case> cases = {
-        {96, [](FilterInput& i) { i.txtIsprava = " R-1 "; i.txtOpis = "O'Brien"; i.vrsta = "11 - Prihod - Gotovina";
-                                  i.ubIznos = Money::fromUnits(125000); i.ubIznosPDV = Money::fromWhole(-3); },
-         " AND  K.Isprava LIKE 'R-1%' AND  K.Opis LIKE 'O''Brien%' AND  K.Vrsta LIKE '11%' AND  K.Iznos= 12.5 AND "
-         " K.IznosPDV=-3",
-         ",Isprava: R-1...',Opis: O'Brien...',Vrsta: 11...',Iznos: 12.50,PDV: -3.00"},
-        {109, [](FilterInput& i) { i.vrsta = " 5 - Prihod - Gotovina"; i.ubIznos = Money::fromWhole(1234567); },
-         " AND  K.Vrsta LIKE '5%' AND  K.Iznos= 1234567", ",Vrsta: 5...',Iznos: 1,234,567.00"},
-        {97, [](FilterInput& i) { i.txtKomitent = " 007x"; i.imeKomitenta = "Alfa"; i.vrsta = "21 - Primljeni racuni";
-                                  i.ubKPR = Money::fromWhole(7); i.ubIznos = Money::fromWhole(5); },
-         " AND  K.SifKomit=7 AND  K.Vrsta LIKE '21%' AND  K.RBrojKPR= 7 AND  K.Iznos= 5",
-         ",Šifra komitenta: 7,Vrsta: 21...',Br. Knjige p. i r.: 7,iznos: 5.00"},
-        {102, [](FilterInput& i) { i.txtIsprava = "%5_"; i.txtKomitent = "abc"; i.imeKomitenta = "Alfa"; },
-         " AND  K.Isprava LIKE '%5_%' AND  K.SifKomit=0", ",Isprava: %5_...',Šifra komitenta: 0 Alfa"},
-        {98, [](FilterInput& i) { i.txtOpis = "Utržak"; i.ubCek = Money::fromUnits(5); },
-         " AND  K.Opis LIKE 'Utržak%' AND  K.IznosCek= 0.0005", ",Opis: Utržak...',Cek: 0.00"},
-        {99, [](FilterInput& i) { i.vrsta = "4 - Prihod - Proizvoda i materijala"; i.ubIznosPDV = Money::fromWhole(2); },
-         " AND  K.Vrsta LIKE '4%' AND  K.IznosPDV= 2", ",Vrsta: 4...',PDV: 2.00"},
+        { 96,
+            [](FilterInput& i) {
+                i.txtIsprava = " R-1 ";
+                i.txtOpis = "O'Brien";
+                i.vrsta = "11 - Prihod - Gotovina";
+                i.ubIznos = Money::fromUnits(125000);
+                i.ubIznosPDV = Money::fromWhole(-3);
+            },
+            " AND  K.Isprava LIKE 'R-1%' AND  K.Opis LIKE 'O''Brien%' AND  K.Vrsta LIKE '11%' AND  K.Iznos= 12.5 AND "
+            " K.IznosPDV=-3",
+            ",Isprava: R-1...',Opis: O'Brien...',Vrsta: 11...',Iznos: 12.50,PDV: -3.00" },
+        { 109,
+            [](FilterInput& i) {
+                i.vrsta = " 5 - Prihod - Gotovina";
+                i.ubIznos = Money::fromWhole(1234567);
+            },
+            " AND  K.Vrsta LIKE '5%' AND  K.Iznos= 1234567", ",Vrsta: 5...',Iznos: 1,234,567.00" },
+        { 97,
+            [](FilterInput& i) {
+                i.txtKomitent = " 007x";
+                i.imeKomitenta = "Alfa";
+                i.vrsta = "21 - Primljeni racuni";
+                i.ubKPR = Money::fromWhole(7);
+                i.ubIznos = Money::fromWhole(5);
+            },
+            " AND  K.SifKomit=7 AND  K.Vrsta LIKE '21%' AND  K.RBrojKPR= 7 AND  K.Iznos= 5",
+            ",Šifra komitenta: 7,Vrsta: 21...',Br. Knjige p. i r.: 7,iznos: 5.00" },
+        { 102,
+            [](FilterInput& i) {
+                i.txtIsprava = "%5_";
+                i.txtKomitent = "abc";
+                i.imeKomitenta = "Alfa";
+            },
+            " AND  K.Isprava LIKE '%5_%' AND  K.SifKomit=0", ",Isprava: %5_...',Šifra komitenta: 0 Alfa" },
+        { 98,
+            [](FilterInput& i) {
+                i.txtOpis = "Utržak";
+                i.ubCek = Money::fromUnits(5);
+            },
+            " AND  K.Opis LIKE 'Utržak%' AND  K.IznosCek= 0.0005", ",Opis: Utržak...',Cek: 0.00" },
+        { 99,
+            [](FilterInput& i) {
+                i.vrsta = "4 - Prihod - Proizvoda i materijala";
+                i.ubIznosPDV = Money::fromWhole(2);
+            },
+            " AND  K.Vrsta LIKE '4%' AND  K.IznosPDV= 2", ",Vrsta: 4...',PDV: 2.00" },
         // The RS list takes the name pattern from the hidden box, the FBiH list from its own.
-        {101, [](FilterInput& i) { i.txtNazivSredstva = "Auto"; i.txtBrojDokumenta = "12.50"; },
-         " AND  K.Naziv LIKE '%' AND  K.Isprava=12.5", ",Naziv: ...',Isprava: 12.5"},
-        {105, [](FilterInput& i) { i.txtNazivSredstva = "Auto"; i.txtNaziv = "X"; i.ubVijekTrajanja = Money::fromWhole(5);
-                                   i.ubNabavna = Money::fromWhole(900); },
-         " AND  K.Naziv LIKE 'Auto%' AND  K.NabVrijednost= 900 AND  K.VijekTr= 5",
-         ",Naziv: Auto...',Nabavna: 900.00,Vijek trajanja: 5"},
-        {125, [](FilterInput& i) { i.prodavnica = 3; i.imeProdavnice = "Market"; i.ubIznos = Money::fromWhole(1); },
-         " AND  K.BrojProd=3 AND  K.Iznos= 1", ",Broj prod.: 3 Market,Iznos naknade: 1.00"},
-        {126, [](FilterInput& i) { i.txtOpis = "a'"; i.ubRazduženje = Money::fromWhole(4); },
-         " AND  K.Opis LIKE 'a''%' AND  K.Razduzenje= 4", ",Opis: a'...',Iznos razduzenja: 4.00"},
+        { 101,
+            [](FilterInput& i) {
+                i.txtNazivSredstva = "Auto";
+                i.txtBrojDokumenta = "12.50";
+            },
+            " AND  K.Naziv LIKE '%' AND  K.Isprava=12.5", ",Naziv: ...',Isprava: 12.5" },
+        { 105,
+            [](FilterInput& i) {
+                i.txtNazivSredstva = "Auto";
+                i.txtNaziv = "X";
+                i.ubVijekTrajanja = Money::fromWhole(5);
+                i.ubNabavna = Money::fromWhole(900);
+            },
+            " AND  K.Naziv LIKE 'Auto%' AND  K.NabVrijednost= 900 AND  K.VijekTr= 5",
+            ",Naziv: Auto...',Nabavna: 900.00,Vijek trajanja: 5" },
+        { 125,
+            [](FilterInput& i) {
+                i.prodavnica = 3;
+                i.imeProdavnice = "Market";
+                i.ubIznos = Money::fromWhole(1);
+            },
+            " AND  K.BrojProd=3 AND  K.Iznos= 1", ",Broj prod.: 3 Market,Iznos naknade: 1.00" },
+        { 126,
+            [](FilterInput& i) {
+                i.txtOpis = "a'";
+                i.ubRazduženje = Money::fromWhole(4);
+            },
+            " AND  K.Opis LIKE 'a''%' AND  K.Razduzenje= 4", ",Opis: a'...',Iznos razduzenja: 4.00" },
     };
     for (const Case& c : cases) {
         FilterInput in = march();
@@ -81,7 +128,7 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
     }
     // Nothing filled and no date range: the year from its first day, with no upper
     // bound; an amount of 0 is never a condition.
-    const FilterState empty = buildFilter(96, 4, 2016, FilterInput{}, QLocale::c());
+    const FilterState empty = buildFilter(96, 4, 2016, FilterInput {}, QLocale::c());
     EXPECT_EQ(empty.where, " WHERE K.BrojPoduzeca=4 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016");
     EXPECT_EQ(empty.description, "Period od 01.01.16");
     EXPECT_EQ(empty.periodEnd, QDate(2016, 12, 31));
@@ -89,7 +136,7 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
     FilterInput shop = march();
     shop.prodavnica = 2;
     EXPECT_EQ(periodFilter(126, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where,
-              buildFilter(126, 1, 2016, shop).where);
+        buildFilter(126, 1, 2016, shop).where);
     EXPECT_EQ(periodFilter(96, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where, kDatum);
     EXPECT_EQ(filterLine({}), "Filter: Svi");
     EXPECT_EQ(filterLine(kPeriod), "Filter : " + kPeriod);
@@ -102,9 +149,12 @@ TEST(FilterClause, PeriodTextIsReadOrRefusedWithAReason)
     EXPECT_EQ(ok->first, QDate(2026, 3, 1));
     EXPECT_EQ(ok->second, QDate(2026, 3, 31));
     const QList<std::pair<QString, QString>> bad = {
-        {"01.03.2026", "dd.mm.gggg-dd.mm.gggg"},     {"31.02.2026-31.03.2026", "Neispravan početni datum"},
-        {"01.03.2026-32.03.2026", "završni datum"},  {"31.03.2026-01.03.2026", "je iza završnog"},
-        {"01.03.2025-31.03.2025", "nije u radnoj godini 2026"}, {"'; DROP TABLE x", "dd.mm.gggg-dd.mm.gggg"},
+        { "01.03.2026", "dd.mm.gggg-dd.mm.gggg" },
+        { "31.02.2026-31.03.2026", "Neispravan početni datum" },
+        { "01.03.2026-32.03.2026", "završni datum" },
+        { "31.03.2026-01.03.2026", "je iza završnog" },
+        { "01.03.2025-31.03.2025", "nije u radnoj godini 2026" },
+        { "'; DROP TABLE x", "dd.mm.gggg-dd.mm.gggg" },
     };
     for (const auto& [text, reason] : bad) {
         QString error;
@@ -125,42 +175,42 @@ TEST(TotalsPanel, StatementsAreTheSystemsOwnTexts)
         "sum(case when P.Vrsta>=16 and P.Vrsta<=19 then P.Iznos-P.IznosPDV else 0 end) as P21 ");
     const QDate mar1(2016, 3, 1), mar31(2016, 3, 31), jan1(2016, 1, 1), dec31(2016, 12, 31);
     EXPECT_EQ(totalsPanelSql(96, 1, 2016, 0, mar1, mar31),
-              "SELECT 'Promet do 29.02.16' AS Opis," + fbihSums
-                  + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='01.01.2016' AND P.Datum<='02.29.2016' and "
-                    "P.brojpoduzeca=1 AND P.GodinaKnj=2016 UNION SELECT 'Pr.od 01.03.16 do 03.31.16' AS Opis,"
-                  + fbihSums
-                  + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='03.01.2016' AND P.Datum<='03.31.2016' and "
-                    "P.brojpoduzeca=1 AND P.GodinaKnj=2016");
+        "SELECT 'Promet do 29.02.16' AS Opis," + fbihSums
+            + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='01.01.2016' AND P.Datum<='02.29.2016' and "
+              "P.brojpoduzeca=1 AND P.GodinaKnj=2016 UNION SELECT 'Pr.od 01.03.16 do 03.31.16' AS Opis,"
+            + fbihSums
+            + "FROM dbo.KnjPrihRashFBiH P where P.Datum>='03.01.2016' AND P.Datum<='03.31.2016' and "
+              "P.brojpoduzeca=1 AND P.GodinaKnj=2016");
     EXPECT_EQ(totalsPanelSql(109, 2, 2016, 9, jan1, dec31),
-              "SELECT 'Pr.od 01.01.16 do 12.31.16' AS Opis,sum(case when P.Vrsta=5 then P.Iznos else 0 end) as P5,"
-              "sum(case when P.Vrsta=6 then P.Iznos else 0 end) as P6,sum(case when P.Vrsta=7 then P.Iznos else 0 "
-              "end) as P7,sum(case when P.Vrsta>=5 and P.Vrsta<=7 then P.Iznos else 0 end) as P8,sum(case when "
-              "P.Vrsta=9 then P.Iznos else 0 end) as P9,sum(case when P.Vrsta=10 then P.Iznos else 0 end) as P10,"
-              "sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,sum(case when P.Vrsta=12 then P.Iznos else 0 "
-              "end) as P12,sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,sum(case when P.Vrsta=14 then "
-              "P.Iznos else 0 end) as P14,sum(case when P.Vrsta=15 then P.Iznos else 0 end) as P15,sum(case when "
-              "P.Vrsta=16 then P.Iznos else 0 end) as P16,sum(case when P.Vrsta>=9 and P.Vrsta<=15 then P.Iznos else 0 "
-              "end)-sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P17 FROM dbo.KnjPrihRashDB P where "
-              "P.Datum>='01.01.2016' AND P.Datum<='12.31.2016' and P.brojpoduzeca=2 AND P.GodinaKnj=2016");
+        "SELECT 'Pr.od 01.01.16 do 12.31.16' AS Opis,sum(case when P.Vrsta=5 then P.Iznos else 0 end) as P5,"
+        "sum(case when P.Vrsta=6 then P.Iznos else 0 end) as P6,sum(case when P.Vrsta=7 then P.Iznos else 0 "
+        "end) as P7,sum(case when P.Vrsta>=5 and P.Vrsta<=7 then P.Iznos else 0 end) as P8,sum(case when "
+        "P.Vrsta=9 then P.Iznos else 0 end) as P9,sum(case when P.Vrsta=10 then P.Iznos else 0 end) as P10,"
+        "sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,sum(case when P.Vrsta=12 then P.Iznos else 0 "
+        "end) as P12,sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,sum(case when P.Vrsta=14 then "
+        "P.Iznos else 0 end) as P14,sum(case when P.Vrsta=15 then P.Iznos else 0 end) as P15,sum(case when "
+        "P.Vrsta=16 then P.Iznos else 0 end) as P16,sum(case when P.Vrsta>=9 and P.Vrsta<=15 then P.Iznos else 0 "
+        "end)-sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P17 FROM dbo.KnjPrihRashDB P where "
+        "P.Datum>='01.01.2016' AND P.Datum<='12.31.2016' and P.brojpoduzeca=2 AND P.GodinaKnj=2016");
     EXPECT_EQ(totalsPanelSql(98, 1, 2016, 0, mar1, mar31),
-              "SELECT 'Promet do 29.02.16' AS Opis, SUM(K.IznosGot) As Gotovina,SUM(K.IznosCek) AS Cek FROM "
-              "KnjPrometaFBiH K where K.Datum>='01.01.2016' AND K.Datum<='02.29.2016' and K.brojpoduzeca=1 AND "
-              "K.GodinaKnj=2016 UNION SELECT 'Promet od 01.03.16 do 03.31.16' AS Opis,SUM(K.IznosGot) AS gotovina,"
-              "SUM(K.IznosCek) As Cek FROM KnjPrometaFBiH K where K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' "
-              "and K.brojpoduzeca=1 AND K.GodinaKnj=2016");
+        "SELECT 'Promet do 29.02.16' AS Opis, SUM(K.IznosGot) As Gotovina,SUM(K.IznosCek) AS Cek FROM "
+        "KnjPrometaFBiH K where K.Datum>='01.01.2016' AND K.Datum<='02.29.2016' and K.brojpoduzeca=1 AND "
+        "K.GodinaKnj=2016 UNION SELECT 'Promet od 01.03.16 do 03.31.16' AS Opis,SUM(K.IznosGot) AS gotovina,"
+        "SUM(K.IznosCek) As Cek FROM KnjPrometaFBiH K where K.Datum>='03.01.2016' AND K.Datum<='03.31.2016' "
+        "and K.brojpoduzeca=1 AND K.GodinaKnj=2016");
     EXPECT_EQ(totalsPanelSql(125, 1, 2016, 3, QDate(2016, 1, 2), mar31),
-              "SELECT 'Promet do 01.01.16' AS Opis, SUM(K.Iznos) As Iznos FROM dbo.TrgKnjUsluga K where "
-              "K.Datum>='01.01.2016' AND K.Datum<='01.01.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND "
-              "K.BrojProd=3 UNION SELECT 'Promet od 02.01.16 do 03.31.16' AS Opis,SUM(K.Iznos) AS Iznos FROM "
-              "dbo.TrgKnjUsluga K where K.Datum>='01.02.2016' AND K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND "
-              "K.GodinaKnj=2016 AND K.BrojProd=3");
+        "SELECT 'Promet do 01.01.16' AS Opis, SUM(K.Iznos) As Iznos FROM dbo.TrgKnjUsluga K where "
+        "K.Datum>='01.01.2016' AND K.Datum<='01.01.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND "
+        "K.BrojProd=3 UNION SELECT 'Promet od 02.01.16 do 03.31.16' AS Opis,SUM(K.Iznos) AS Iznos FROM "
+        "dbo.TrgKnjUsluga K where K.Datum>='01.02.2016' AND K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND "
+        "K.GodinaKnj=2016 AND K.BrojProd=3");
     EXPECT_EQ(totalsPanelSql(126, 1, 2016, 3, jan1, mar31),
-              "SELECT 'Promet od 01.01.16 do 03.31.16' AS Opis,ISNULL(SUM(K.Zaduzenje),0) As Zaduzenje,"
-              "ISNULL(SUM(K.Razduzenje),0) As Razduzenje FROM dbo.TrgKnjKomisiona K where K.Datum>='01.01.2016' AND "
-              "K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND K.BrojProd=3");
-    for (int kind : {97, 99, 100, 101, 102, 105, 106}) {
+        "SELECT 'Promet od 01.01.16 do 03.31.16' AS Opis,ISNULL(SUM(K.Zaduzenje),0) As Zaduzenje,"
+        "ISNULL(SUM(K.Razduzenje),0) As Razduzenje FROM dbo.TrgKnjKomisiona K where K.Datum>='01.01.2016' AND "
+        "K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND K.BrojProd=3");
+    for (int kind : { 97, 99, 100, 101, 102, 105, 106 }) {
         EXPECT_TRUE(totalsPanelSql(kind, 1, 2016, 0, mar1, mar31).isEmpty()) << kind;
-        EXPECT_TRUE(totalsPanelRows(kind, ResultSet{}).rows.isEmpty()) << kind;
+        EXPECT_TRUE(totalsPanelRows(kind, ResultSet {}).rows.isEmpty()) << kind;
     }
 }
 
@@ -171,10 +221,12 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
     const QDate mar1(2016, 3, 1), mar31(2016, 3, 31);
     const QList<std::tuple<int, QDate, int, double>> rows = { // RBroj, date, kind, amount of the DB book
         { 1, { 2016, 1, 5 }, 5, 100 }, { 2, { 2016, 2, 10 }, 9, 40 }, { 3, { 2016, 3, 3 }, 16, 15 },
-        { 4, { 2016, 3, 9 }, 14, 7.25 }, { 5, { 2016, 3, 31 }, 6, 3 }, { 6, { 2016, 4, 1 }, 5, 999 } };
+        { 4, { 2016, 3, 9 }, 14, 7.25 }, { 5, { 2016, 3, 31 }, 6, 3 }, { 6, { 2016, 4, 1 }, 5, 999 }
+    };
     for (const auto& [r, d, v, a] : rows)
-        t.insert("dbo.KnjPrihRashDB", { { "BrojPoduzeca", 1 }, { "RBroj", r }, { "Datum", d }, { "GodinaKnj", 2016 },
-                                          { "Vrsta", v }, { "Iznos", money(a) } });
+        t.insert("dbo.KnjPrihRashDB",
+            { { "BrojPoduzeca", 1 }, { "RBroj", r }, { "Datum", d }, { "GodinaKnj", 2016 }, { "Vrsta", v },
+                { "Iznos", money(a) } });
     // Every sum is money, whatever the rows; the label is text.
     for (int kind : { 96, 98, 109, 125, 126 }) {
         const ResultSet rs = t.query(totalsPanelSql(kind, 1, 2016, 4, mar1, mar31));

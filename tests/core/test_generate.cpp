@@ -84,20 +84,24 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         QString expected; // count and sum of the source rows, read independently, before the range
         QList<int> kinds;
     } cases[] = {
-        { DgpRacuni, {}, "SELECT COUNT(*),SUM(IznosIfakt) FROM Ifakture WHERE Vrsta='DGP' AND OrgJed=1 AND DatumIfakt", { 5 } },
+        { DgpRacuni, {}, "SELECT COUNT(*),SUM(IznosIfakt) FROM Ifakture WHERE Vrsta='DGP' AND OrgJed=1 AND DatumIfakt",
+            { 5 } },
         { UplateIzlaznih, {}, "SELECT COUNT(*),SUM(Iznos) FROM IFAKTUplate WHERE OrgJed=1 AND Datum", { 6 } },
         { UlazniRacuni, {}, "SELECT COUNT(*),SUM(IznosFakture) FROM KUF WHERE SifKomit=201 AND DatFakture", { 11 } },
         { UplateUlaznih, {},
-            "SELECT COUNT(*),SUM(Iznos) FROM KUFUplate WHERE BrojKUFa IN (SELECT BrojKUFa FROM KUF WHERE SifKomit<>201) "
+            "SELECT COUNT(*),SUM(Iznos) FROM KUFUplate WHERE BrojKUFa IN (SELECT BrojKUFa FROM KUF WHERE "
+            "SifKomit<>201) "
             "AND Datum",
             { 9, 10 } },
         { MatOtpremnice, "501",
             "SELECT COUNT(*),SUM(IznosOtprem+UkPorez) FROM dbo.MOtpremInt WHERE BrojSklad=501 AND ŠifraKom=101 AND "
             "DatumOtprem",
             { 9 } },
-        { PosOtpremnice, {}, "SELECT COUNT(*),SUM(IznosPovr) FROM dbo.RIntOtprem WHERE ŠifraKom=101 AND DatumPovr", { 9 } },
+        { PosOtpremnice, {}, "SELECT COUNT(*),SUM(IznosPovr) FROM dbo.RIntOtprem WHERE ŠifraKom=101 AND DatumPovr",
+            { 9 } },
         { PosPovrat, "502",
-            "SELECT COUNT(*),-SUM(IznosPovr) FROM dbo.RIntOtprem WHERE BrojSklad=502 AND ŠifraKom=101 AND DatumPovr", { 9 } },
+            "SELECT COUNT(*),-SUM(IznosPovr) FROM dbo.RIntOtprem WHERE BrojSklad=502 AND ŠifraKom=101 AND DatumPovr",
+            { 9 } },
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.vrsta);
@@ -153,7 +157,10 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     QString error;
     ASSERT_TRUE(periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
     // Writing the same documents again is what the operator asks for here.
-    const auto writeAgain = [this] { script->clear(); script->answers << Answer::Yes << Answer::Yes << Answer::Yes; };
+    const auto writeAgain = [this] {
+        script->clear();
+        script->answers << Answer::Yes << Answer::Yes << Answer::Yes;
+    };
     writeAgain();
     EXPECT_EQ(generiraj(march(DgpRacuni)).zapisano, 0);
     EXPECT_TRUE(script->texts().last().startsWith(QStringLiteral("Razdoblje knjige je zaključano do 31.03.2016. "
@@ -187,7 +194,9 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
     p.orgJed = QStringLiteral("1234567");
     EXPECT_EQ(generiraj(p).zapisano, 1);
     EXPECT_EQ(test::rowText(entriesAfter(before), 0),
-        QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4").arg(before + 1).toStdString());
+        QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4")
+            .arg(before + 1)
+            .toStdString());
 }
 
 // A second run over the same days, and a payment of last year's invoice: each is asked
@@ -296,12 +305,14 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
         std::function<void(Parametri&)> change;
         QString message; // empty: passes
     } cases[] = {
-        { DgpRacuni, [](Parametri& p) { p.od = p.doDatuma.addDays(1), p.orgJed.clear(); }, "Prvi datum veći od drugog!" },
+        { DgpRacuni, [](Parametri& p) { p.od = p.doDatuma.addDays(1), p.orgJed.clear(); },
+            "Prvi datum veći od drugog!" },
         { UplateIzlaznih, [](Parametri& p) { p.orgJed = QStringLiteral("1a"); }, "Org.jedinica nije dobro upisana!" },
         { UlazniRacuni, [](Parametri& p) { p.dobavljač = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
         { UplateUlaznih, [](Parametri& p) { p.dobavljač = QStringLiteral("1 OR 1=1"); },
             "Dobavljač nije dobro upisan!" },
-        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.skladište.clear(); }, "Tko prima ili kupac nije upisan!" },
+        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.skladište.clear(); },
+            "Tko prima ili kupac nije upisan!" },
         { PosPovrat, [](Parametri& p) { p.orgJed = QStringLiteral("x"); }, {} },
         { PosOtpremnice, [](Parametri& p) { p.skladište = QStringLiteral("5;"); },
             "Skladište/Maloprodaja nije dobro upisano!" },
@@ -379,21 +390,22 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
     TestDatabase t;
     QString error;
     ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
-    for (const char* sql : {
-             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
-             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
-             "INSERT INTO Ifakture VALUES (1,2016,'VP',3,1,'03.15.2016',0,1)",
-             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12347,'04.16.2016',0,100)", // after the range
-             "INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',0,10)",
-             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)",
-             "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'DGP','03.20.2016','X',1)", // no invoice
-             "INSERT INTO KUF VALUES (1,2016,'KUF',2,77,500,'03.02.2016',99.99)",
-             "INSERT INTO KUF VALUES (1,2016,'KUF',2,78,600,'03.03.2016',10)",
-             "INSERT INTO KUFUplate VALUES (1,77,2016,2,'KUF','03.10.2016','UPL-1',50)",
-             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,4,15,900,'03.01.2016',100,17)",
-             "INSERT INTO dbo.MOtpremInt VALUES (1,2016,5,16,900,'03.02.2016',50,8.5)", // no right
-             "INSERT INTO dbo.RIntOtprem VALUES (1,2016,5,3,900,'03.05.2016',12.3456)",
-             "INSERT INTO PRAVA VALUES ('ana','SKLADIŠTE','4')", "INSERT INTO PRAVA VALUES ('ana','MALOPROBJEKT','5')" })
+    for (const char* sql :
+        { "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
+            "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
+            "INSERT INTO Ifakture VALUES (1,2016,'VP',3,1,'03.15.2016',0,1)",
+            "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12347,'04.16.2016',0,100)", // after the range
+            "INSERT INTO Ifakture VALUES (1,2016,'VELEPRODAJ',1234567,2000000001,'03.15.2016',0,10)",
+            "INSERT INTO IFAKTUplate VALUES "
+            "(1,2000000001,2016,1234567,'VELEPRODAJ','03.20.2016','IZVOD-2016-000123',7.5)",
+            "INSERT INTO IFAKTUplate VALUES (1,2000000001,2016,1234567,'DGP','03.20.2016','X',1)", // no invoice
+            "INSERT INTO KUF VALUES (1,2016,'KUF',2,77,500,'03.02.2016',99.99)",
+            "INSERT INTO KUF VALUES (1,2016,'KUF',2,78,600,'03.03.2016',10)",
+            "INSERT INTO KUFUplate VALUES (1,77,2016,2,'KUF','03.10.2016','UPL-1',50)",
+            "INSERT INTO dbo.MOtpremInt VALUES (1,2016,4,15,900,'03.01.2016',100,17)",
+            "INSERT INTO dbo.MOtpremInt VALUES (1,2016,5,16,900,'03.02.2016',50,8.5)", // no right
+            "INSERT INTO dbo.RIntOtprem VALUES (1,2016,5,3,900,'03.05.2016',12.3456)",
+            "INSERT INTO PRAVA VALUES ('ana','SKLADIŠTE','4')", "INSERT INTO PRAVA VALUES ('ana','MALOPROBJEKT','5')" })
         t.exec(QString::fromUtf8(sql));
     const std::string columns = "integer,integer,date,text,text,currency";
     const struct {

@@ -70,8 +70,9 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
     entry(t, 4, QDate(2016, 1, 7), "C");
     receivable(t, 1, 2);
     t.insert(QStringLiteral("dbo.KnjPopListaDugImovFBiH"),
-        { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2016 }, { "RBroj", 1 }, { "Naziv", "Kombi" }, { "Datum", QDate(2016, 1, 1) },
-            { "Isprava", "7" }, { "NabVrijednost", money(1000) }, { "KnjigVrijednost", money(1000) }, { "VijekTr", 5 } });
+        { { "BrojPoduzeca", 1 }, { "GodinaKnj", 2016 }, { "RBroj", 1 }, { "Naziv", "Kombi" },
+            { "Datum", QDate(2016, 1, 1) }, { "Isprava", "7" }, { "NabVrijednost", money(1000) },
+            { "KnjigVrijednost", money(1000) }, { "VijekTr", 5 } });
 
     script->answers.enqueue(Answer::Yes);
     EXPECT_EQ(renumber::byOrdinal(sessionBook(96)), renumber::After::Reload); // 4 -> 3
@@ -96,13 +97,15 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
     const bookcheck::Report book = check(t, 96);
     EXPECT_EQ(book.status, bookcheck::Report::Status::Clean) << book.text.toStdString();
     EXPECT_EQ(check(t, 97).findings,
-        QStringList { "stavka 1: veza je pomjerena na drugi dokument. Data je za stavku 4 (09.01.2016, \"B\", \"B opis\"), "
-                      "a sada pokazuje na stavku 1 (01.01.2016, \"\", \"\")." });
+        QStringList {
+            "stavka 1: veza je pomjerena na drugi dokument. Data je za stavku 4 (09.01.2016, \"B\", \"B opis\"), "
+            "a sada pokazuje na stavku 1 (01.01.2016, \"\", \"\")." });
 
     const QList<std::pair<QStringList, QString>> tampering = {
         { { "UPDATE KnjDnevnik SET Poslije='5>3' WHERE Redni=3" },
             "Lanac dnevnika je prekinut kod zapisa 3 (renumeracija, " },
-        { { "DELETE FROM KnjDnevnik WHERE Redni=4" }, "Lanac dnevnika je prekinut: nedostaje zapis 4 (sljedeći je 5)." },
+        { { "DELETE FROM KnjDnevnik WHERE Redni=4" },
+            "Lanac dnevnika je prekinut: nedostaje zapis 4 (sljedeći je 5)." },
         { { "UPDATE KnjDnevnik SET Redni=Redni+10 WHERE Redni>=4 AND GodinaKnj=2016",
               "INSERT INTO KnjDnevnik SELECT BrojPoduzeca,GodinaKnj,4,TipKnjige,BrojProd,Vrijeme,Operater,Radnja,RBroj,"
               "Prije,Poslije,Hash FROM KnjDnevnik WHERE Redni=3 AND GodinaKnj=2016" },
@@ -131,8 +134,8 @@ TEST(Journal, AFailedRecordUndoesTheChange)
     entry(t, 3, QDate(2016, 1, 2), "B");
     ASSERT_TRUE(journal::ensureBaseline(t.db(), { 96, 1, 2016, 0 }, nullptr));
     const ResultSet before = t.query(QStringLiteral("SELECT RBroj,Isprava FROM dbo.KnjPrihRashFBiH ORDER BY Isprava"));
-    ASSERT_TRUE(t.db().executeNative(QStringLiteral(
-        "CREATE TRIGGER kvar BEFORE INSERT ON KnjDnevnik WHEN NEW.Redni > 2 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")));
+    ASSERT_TRUE(t.db().executeNative(QStringLiteral("CREATE TRIGGER kvar BEFORE INSERT ON KnjDnevnik WHEN NEW.Redni > "
+                                                    "2 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")));
     const QList<std::function<void()>> paths = {
         [] { EXPECT_FALSE(renumber::insertAt(sessionBook(96), 1)); },
         [&] {
@@ -166,11 +169,13 @@ TEST(BookCheck, EachFindingOnASmallBookMadeToHaveIt)
     const QList<Case> cases = {
         { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 2, jan, "B"); }, {} },
         { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 3, jan, "B"); }, "Nedostaje redni broj 2." },
-        { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 5, jan, "B"); }, "Nedostaju redni brojevi 2 do 4." },
+        { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 5, jan, "B"); },
+            "Nedostaju redni brojevi 2 do 4." },
         { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 1, jan, "B"); }, "Redni broj 1 se ponavlja." },
         { 96, [&](TestDatabase& t) { entry(t, 0, jan, "A"), entry(t, 1, jan, "B"); }, "Redni broj 0 je manji od 1." },
         { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A"), entry(t, 2, QDate(2016, 1, 2), "B"); },
-            "Stavka 2 (02.01.2016) je datirana prije stavke 1 (05.01.2016): redni brojevi ne prate datume dokumenata." },
+            "Stavka 2 (02.01.2016) je datirana prije stavke 1 (05.01.2016): redni brojevi ne prate datume "
+            "dokumenata." },
         { 96, [&](TestDatabase& t) { entry(t, 1, QDate(2015, 12, 31), "A"); },
             "stavka 1 je datirana 31.12.2015, prije godine knjige." },
         { 96, [&](TestDatabase& t) { entry(t, 1, jan, "A", 900e12), entry(t, 2, jan, "B", 900e12); },
@@ -213,7 +218,8 @@ TEST(BookCheck, EachFindingOnASmallBookMadeToHaveIt)
         c.make(t);
         const bookcheck::Report r = check(t, c.tip);
         EXPECT_EQ(r.findings, c.finding.isEmpty() ? QStringList() : QStringList { c.finding }) << r.text.toStdString();
-        EXPECT_EQ(r.status, c.finding.isEmpty() ? bookcheck::Report::Status::Clean : bookcheck::Report::Status::Findings);
+        EXPECT_EQ(
+            r.status, c.finding.isEmpty() ? bookcheck::Report::Status::Clean : bookcheck::Report::Status::Findings);
     }
     // Without the journal's table the book still checks, and says it has no journal.
     TestDatabase t;

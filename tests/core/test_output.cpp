@@ -15,16 +15,19 @@
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QFile>
-
 #include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::report;
 using namespace knjige::output;
 
-namespace {
+namespace
+{
 
-Money m(qint64 whole) { return Money::fromWhole(whole); }
+Money m(qint64 whole)
+{
+    return Money::fromWhole(whole);
+}
 
 } // namespace
 
@@ -51,8 +54,8 @@ TEST(ReportPages, RowsFallOnPagesAndCarryTheirSums)
         { "a tall row ending at a page's foot", 5, 6, { 1, 8, 1 }, { { 0, 0 }, { 1, 0 }, { 1, 4 }, { 2, 0 } } },
         { "Donos takes a line of the first page", 5, 6, { 1, 1, 1, 1 }, { { 0, 0 }, { 3, 0 } }, true },
         { "a closing that fits stays", 5, 6, { 1, 1 }, { { 0, 0 } }, true, 1 },
-        { "a closing that does not fit opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 }, { 5, 0 } },
-            false, 4 },
+        { "a closing that does not fit opens a page", 5, 6, { 1, 1, 1, 1, 1 }, { { 0, 0 }, { 4, 0 }, { 5, 0 } }, false,
+            4 },
     };
     for (const Case& c : cases) {
         Paginator p(c.firstLines, c.otherLines, 2);
@@ -204,28 +207,29 @@ TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
     EXPECT_EQ(salesPointLine(0, {}), QStringLiteral("Prodajno mjesto: sva"));
 }
 
-namespace {
+namespace
+{
 
 const QString kLetters = QStringLiteral("ČĆĐŠŽ čćđšž");
 
 ResultSet sampleRows()
 {
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"Datum", FieldType::Date}, {"Opis", FieldType::Text},
-                  {"Iznos", FieldType::Currency}, {"Stopa", FieldType::Decimal}, {"Zatvoreno", FieldType::Boolean},
-                  {"I", FieldType::Text}});
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
+        { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Decimal }, { "Zatvoreno", FieldType::Boolean },
+        { "I", FieldType::Text } });
     rs.appendRow();
     rs.setInteger(0, 1234567);
-    rs.setDate(1, {2030, 3, 15}); // a spreadsheet reads 15.03.30 as 1930
+    rs.setDate(1, { 2030, 3, 15 }); // a spreadsheet reads 15.03.30 as 1930
     rs.setText(2, QStringLiteral("  Pazar; \"Centar\"  "));
     rs.setMoney(3, Money::parse(QStringLiteral("1234567.5")).value());
     rs.setReal(4, 0.125);
     rs.set(5, true);
     rs.setText(6, QString());
-    rs.appendRow();   // a row of NULLs but the text
+    rs.appendRow(); // a row of NULLs but the text
     rs.setText(2, kLetters);
     rs.appendRow();
     rs.setInteger(0, -3);
-    rs.setDate(1, {9999, 12, 31});
+    rs.setDate(1, { 9999, 12, 31 });
     rs.setMoney(3, Money::fromWhole(-7));
     rs.setReal(4, -1000000.25);
     rs.set(5, false);
@@ -241,9 +245,14 @@ QByteArray exported(const ResultSet& rows, const ExportOptions& options, ExportR
 }
 
 // Takes what it is given until `capacity` bytes, then refuses; counts the calls.
-class LimitedDevice final : public QIODevice {
+class LimitedDevice final : public QIODevice
+{
 public:
-    explicit LimitedDevice(qint64 capacity) : m_capacity(capacity) { open(WriteOnly); }
+    explicit LimitedDevice(qint64 capacity)
+        : m_capacity(capacity)
+    {
+        open(WriteOnly);
+    }
     QList<qint64> writes;
 
 protected:
@@ -266,21 +275,27 @@ private:
 TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
 {
     const QString header = QStringLiteral("RBroj%1Datum%1Opis%1Iznos%1Stopa%1Zatvoreno%1I\r\n");
-    const QString quotedHeader = QStringLiteral("\"RBroj\"%1\"Datum\"%1\"Opis\"%1\"Iznos\"%1\"Stopa\"%1\"Zatvoreno\"%1\"I\"\r\n");
-    struct Case { const char* separator; const char* decimal; bool quote; QString rows; };
+    const QString quotedHeader
+        = QStringLiteral("\"RBroj\"%1\"Datum\"%1\"Opis\"%1\"Iznos\"%1\"Stopa\"%1\"Zatvoreno\"%1\"I\"\r\n");
+    struct Case {
+        const char* separator;
+        const char* decimal;
+        bool quote;
+        QString rows;
+    };
     const Case cases[] = {
-        {";", ",", true,
-         QStringLiteral("1234567;15.03.2030;\"  Pazar; \"\"Centar\"\"  \";1234567,5;0,125;1;\r\n"
-                        ";;\"ČĆĐŠŽ čćđšž\";;;;\r\n"
-                        "-3;31.12.9999;;-7;-1000000,25;0;\r\n")},
-        {";", ",", false,
-         QStringLiteral("1234567;15.03.2030;Pazar; \"Centar\";1234567,5;0,125;1;\r\n"
-                        ";;ČĆĐŠŽ čćđšž;;;;\r\n"
-                        "-3;31.12.9999;;-7;-1000000,25;0;\r\n")},
-        {",", ".", true,
-         QStringLiteral("1234567,15.03.2030,\"  Pazar; \"\"Centar\"\"  \",1234567.5,0.125,1,\r\n"
-                        ",,\"ČĆĐŠŽ čćđšž\",,,,\r\n"
-                        "-3,31.12.9999,,-7,-1000000.25,0,\r\n")},
+        { ";", ",", true,
+            QStringLiteral("1234567;15.03.2030;\"  Pazar; \"\"Centar\"\"  \";1234567,5;0,125;1;\r\n"
+                           ";;\"ČĆĐŠŽ čćđšž\";;;;\r\n"
+                           "-3;31.12.9999;;-7;-1000000,25;0;\r\n") },
+        { ";", ",", false,
+            QStringLiteral("1234567;15.03.2030;Pazar; \"Centar\";1234567,5;0,125;1;\r\n"
+                           ";;ČĆĐŠŽ čćđšž;;;;\r\n"
+                           "-3;31.12.9999;;-7;-1000000,25;0;\r\n") },
+        { ",", ".", true,
+            QStringLiteral("1234567,15.03.2030,\"  Pazar; \"\"Centar\"\"  \",1234567.5,0.125,1,\r\n"
+                           ",,\"ČĆĐŠŽ čćđšž\",,,,\r\n"
+                           "-3,31.12.9999,,-7,-1000000.25,0,\r\n") },
     };
     const ResultSet rows = sampleRows();
     for (const Case& c : cases) {
@@ -302,7 +317,7 @@ TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
 {
     QString unmappable;
     EXPECT_EQ(toCp1250(kLetters + QStringLiteral("€„"), &unmappable),
-              QByteArray("\xC8\xC6\xD0\x8A\x8E \xE8\xE6\xF0\x9A\x9E\x80\x84"));
+        QByteArray("\xC8\xC6\xD0\x8A\x8E \xE8\xE6\xF0\x9A\x9E\x80\x84"));
     EXPECT_TRUE(unmappable.isEmpty());
     EXPECT_EQ(toCp1250(QStringLiteral("aЖ∑😀bЖ") + QChar(0xD800), &unmappable), QByteArray("a???b??"));
     EXPECT_EQ(unmappable, QStringLiteral("Ж∑😀") + QChar(0xD800));
@@ -319,29 +334,34 @@ TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
     EXPECT_EQ(result.unmappable, QStringLiteral("Жито∑"));
     EXPECT_EQ(result.firstUnmappableLine, 5);
     const QString note = unmappableNote(result.unmappable, result.firstUnmappableLine);
-    EXPECT_TRUE(note.contains(QStringLiteral("Ж и т о ∑")) && note.contains(QStringLiteral("retku 5"))) << note.toStdString();
+    EXPECT_TRUE(note.contains(QStringLiteral("Ж и т о ∑")) && note.contains(QStringLiteral("retku 5")))
+        << note.toStdString();
 }
 
 TEST(OfficeExport, ChecksComeInTheirOrderAndTheProgramOnlyWhenItIsStarted)
 {
     const QString program = QCoreApplication::applicationFilePath();
-    struct Case { ExportFields fields; const char* message; };
+    struct Case {
+        ExportFields fields;
+        const char* message;
+    };
     // The dialog's test runs every message in order; here what decides the program's checks.
     const Case cases[] = {
-        {{"a.csv", ";", ",,", "", true}, "Znak za decimalnu točku za brojeve može biti točka ili zarez !"},
-        {{"a.csv", ";", ".", QStringLiteral("nema-ovog-programa-9"), true}, "Uneseno ime EXE datoteke je neispravno !"},
-        {{"a.csv", ";", ".", "/nema/ovog/programa", false}, ""},
-        {{"a.csv", ";", ".", program, true}, ""},
+        { { "a.csv", ";", ",,", "", true }, "Znak za decimalnu točku za brojeve može biti točka ili zarez !" },
+        { { "a.csv", ";", ".", QStringLiteral("nema-ovog-programa-9"), true },
+            "Uneseno ime EXE datoteke je neispravno !" },
+        { { "a.csv", ";", ".", "/nema/ovog/programa", false }, "" },
+        { { "a.csv", ";", ".", program, true }, "" },
     };
     for (const Case& c : cases)
         EXPECT_EQ(firstFailedCheck(c.fields), QString::fromUtf8(c.message)) << c.fields.program.toStdString();
     EXPECT_EQ(reportText(QStringLiteral("C:\\Export.csv"), 12),
-              QStringLiteral("U datoteku: C:\\Export.csv prebačeno 12 zapisa u CSV formatu!"));
+        QStringLiteral("U datoteku: C:\\Export.csv prebačeno 12 zapisa u CSV formatu!"));
 }
 
 TEST(OfficeExport, WritesInPiecesAndStopsAtTheFirstRefusal)
 {
-    ResultSet rows({{"RBroj", FieldType::Integer}, {"Opis", FieldType::Text}});
+    ResultSet rows({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } });
     for (int i = 0; i < 20000; ++i) {
         rows.appendRow();
         rows.setInteger(0, i);

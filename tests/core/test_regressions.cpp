@@ -10,7 +10,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-
 #include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
@@ -21,9 +20,13 @@
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
-Money amount(const char* text) { return Money::parse(QString::fromLatin1(text)).value(); }
+Money amount(const char* text)
+{
+    return Money::parse(QString::fromLatin1(text)).value();
+}
 
 const QString outOfRange = QString::fromUtf8(Money::OutOfRangeText);
 
@@ -40,26 +43,26 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
         const char* shown;
     };
     const Case cases[] = {
-        {big + big, nullptr},
-        {-big - big, nullptr},
-        {big + big - big, nullptr}, // stays out of range, as the server's error would
-        {big * 2, nullptr},
-        {Money::fromWhole(1000000000000000), nullptr},
-        {Money::fromDouble(1e300), nullptr},
-        {big + Money::fromUnits(4000000000000001200), "900,000,000,000,000.12"},
-        {-big - Money::fromUnits(4223372036854775807), "-922,337,203,685,477.58"},
+        { big + big, nullptr },
+        { -big - big, nullptr },
+        { big + big - big, nullptr }, // stays out of range, as the server's error would
+        { big * 2, nullptr },
+        { Money::fromWhole(1000000000000000), nullptr },
+        { Money::fromDouble(1e300), nullptr },
+        { big + Money::fromUnits(4000000000000001200), "900,000,000,000,000.12" },
+        { -big - Money::fromUnits(4223372036854775807), "-922,337,203,685,477.58" },
         // The whole range holds amounts; one past either end is out of range.
-        {Money::fromUnits(lowest), "-922,337,203,685,477.58"},
-        {Money::fromUnits(lowest + 2), "-922,337,203,685,477.58"},
-        {Money::fromUnits(-4611686018427387904) * 2, "-922,337,203,685,477.58"},
-        {Money::fromUnits(highest) - Money::fromUnits(highest) + Money::fromUnits(lowest), "-922,337,203,685,477.58"},
-        {Money::fromUnits(highest), "922,337,203,685,477.58"},
-        {Money::fromUnits(lowest) - Money::fromUnits(1), nullptr},
-        {Money::fromUnits(lowest) + Money::fromUnits(-1), nullptr},
-        {-Money::fromUnits(lowest), nullptr},
-        {Money::fromUnits(lowest) * -1, nullptr},
-        {Money::fromUnits(highest) + Money::fromUnits(1), nullptr},
-        {Money::fromUnits(highest) - Money::fromUnits(-1), nullptr},
+        { Money::fromUnits(lowest), "-922,337,203,685,477.58" },
+        { Money::fromUnits(lowest + 2), "-922,337,203,685,477.58" },
+        { Money::fromUnits(-4611686018427387904) * 2, "-922,337,203,685,477.58" },
+        { Money::fromUnits(highest) - Money::fromUnits(highest) + Money::fromUnits(lowest), "-922,337,203,685,477.58" },
+        { Money::fromUnits(highest), "922,337,203,685,477.58" },
+        { Money::fromUnits(lowest) - Money::fromUnits(1), nullptr },
+        { Money::fromUnits(lowest) + Money::fromUnits(-1), nullptr },
+        { -Money::fromUnits(lowest), nullptr },
+        { Money::fromUnits(lowest) * -1, nullptr },
+        { Money::fromUnits(highest) + Money::fromUnits(1), nullptr },
+        { Money::fromUnits(highest) - Money::fromUnits(-1), nullptr },
     };
     for (const Case& c : cases) {
         if (c.shown) {
@@ -70,16 +73,16 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
         }
     }
 
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"GodinaKnj", FieldType::Integer}, {"Datum", FieldType::Date},
-                  {"Isprava", FieldType::Text},  {"Opis", FieldType::Text},        {"IznosGot", FieldType::Currency},
-                  {"IznosCek", FieldType::Currency}, {"I", FieldType::Text}});
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
+        { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "IznosGot", FieldType::Currency },
+        { "IznosCek", FieldType::Currency }, { "I", FieldType::Text } });
     report::Paginator pages(60, 60, 2);
     for (int r = 0; r < 2; ++r) {
         rs.appendRow();
         rs.setInteger(0, r + 1);
         rs.setMoney(5, big);
         rs.setMoney(6, amount("1.25"));
-        pages.add(1, {big, amount("1.25")});
+        pages.add(1, { big, amount("1.25") });
     }
     BookModel model;
     model.setBookKind(98);
@@ -100,7 +103,7 @@ TEST(Regression, AnExportIntoANamedPipeReachesTheReader)
 {
     const QString pipe = test::scratchDir() + QStringLiteral("/izvoz.csv");
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    ResultSet rs({{"RBroj", FieldType::Integer}, {"Opis", FieldType::Text}});
+    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } });
     rs.appendRow();
     rs.setInteger(0, 1);
     rs.setText(1, QStringLiteral("Pazar"));
@@ -129,11 +132,11 @@ TEST(Regression, ARememberedWindowAlwaysOpensOnTheScreen)
         QRect remembered;
         QRect shown;
     } cases[] = {
-        {{40, 30, 643, 387}, {40, 30, 643, 387}},         // fits: unchanged
-        {{2000, 100, 643, 387}, {637, 100, 643, 387}},    // a second monitor to the right, gone
-        {{-5000, -3333, 643, 387}, {0, 0, 643, 387}},
-        {{900, 900, 643, 387}, {637, 637, 643, 387}},     // half off: moved in, not shrunk
-        {{10, 10, 5000, 4000}, {0, 0, 1280, 1024}},        // larger than the screen
+        { { 40, 30, 643, 387 }, { 40, 30, 643, 387 } }, // fits: unchanged
+        { { 2000, 100, 643, 387 }, { 637, 100, 643, 387 } }, // a second monitor to the right, gone
+        { { -5000, -3333, 643, 387 }, { 0, 0, 643, 387 } },
+        { { 900, 900, 643, 387 }, { 637, 637, 643, 387 } }, // half off: moved in, not shrunk
+        { { 10, 10, 5000, 4000 }, { 0, 0, 1280, 1024 } }, // larger than the screen
     };
     for (const auto& c : cases)
         EXPECT_EQ(browser::onScreen(c.remembered, screen), c.shown) << c.remembered.x() << "," << c.remembered.y();

@@ -67,9 +67,10 @@ void asset(TestDatabase& t, int company, int year, int rbroj, const char* naziv,
 // "RBroj|Naziv|Datum|Isprava|KnjigVrijednost" of each row of 2017 above `from`.
 std::vector<std::string> rows2017(TestDatabase& t, int from)
 {
-    const ResultSet rs = t.query(QStringLiteral("SELECT RBroj,Naziv,Datum,Isprava,KnjigVrijednost FROM "
-                                                "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY RBroj")
-                                     .arg(from));
+    const ResultSet rs
+        = t.query(QStringLiteral("SELECT RBroj,Naziv,Datum,Isprava,KnjigVrijednost FROM "
+                                 "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY RBroj")
+                      .arg(from));
     std::vector<std::string> out;
     for (int r = 0; r < rs.rowCount(); ++r)
         out.push_back(rowText(rs, r));
@@ -251,7 +252,6 @@ TEST(Renumbering, AFailureAtAnyRowChangesNothing)
     }
 }
 
-
 TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
 {
     TestDatabase t;
@@ -286,8 +286,9 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
             "Uspješno generirana početna stanja. Provjerite podatke!" }));
     EXPECT_EQ(script->messages.value(1).icon, Icon::Information);
     EXPECT_EQ(rows2017(t, 7),
-        (std::vector<std::string> { "8|Računar|2017-01-01|Poč.stanje iz 2016|201", "9|Kombi|2017-01-01|Poč.stanje iz 2016|800",
-            "10|Sto|2017-01-01|Poč.stanje iz 2016|75", "11|Alat|2017-01-01|Poč.stanje iz 2016|780.01" }));
+        (std::vector<std::string> { "8|Računar|2017-01-01|Poč.stanje iz 2016|201",
+            "9|Kombi|2017-01-01|Poč.stanje iz 2016|800", "10|Sto|2017-01-01|Poč.stanje iz 2016|75",
+            "11|Alat|2017-01-01|Poč.stanje iz 2016|780.01" }));
     EXPECT_EQ(openingstate::insertSql(3, 2020).toStdString(),
         "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
         "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,2021,Naziv,'01.01.2021','Poč.stanje iz 2020',NabVrijednost,"

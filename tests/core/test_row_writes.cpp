@@ -38,7 +38,6 @@ RowChange::Values entry(int rbroj, const QVariant& datum, const QVariant& iznos,
         { "Vrsta", 11 }, { "Iznos", iznos } };
 }
 
-
 constexpr int kEntries = 100000;
 constexpr int kLinks = 20000;
 
@@ -194,8 +193,6 @@ TEST(RowWrites, TwoOperatorsNeverShareANumber)
     EXPECT_EQ(rs.integer(0, 1), 400);
     EXPECT_GT(moved, 0) << "the two operators never met: the race was not tried";
 }
-
-
 
 namespace knjige::test
 {

@@ -17,9 +17,7 @@
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
-
 #include <gtest/gtest.h>
-
 #include <limits>
 
 using namespace knjige;
@@ -93,7 +91,8 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
             ASSERT_FALSE(edges.isNull(r, 3)) << r;
             ASSERT_EQ(edges.text(r, 3), r % 7 == 6 ? QString() : QStringLiteral("Rashod - Doprinosi %1").arg(r % 7));
             ASSERT_EQ(edges.text(r, 4),
-                r % 5 == 4 ? QStringLiteral("prvi") : (r == 1 ? longText : QStringLiteral("Stavka %1").arg(r))) << r;
+                r % 5 == 4 ? QStringLiteral("prvi") : (r == 1 ? longText : QStringLiteral("Stavka %1").arg(r)))
+                << r;
         }
     }
     std::vector<int> reversed(600);
@@ -101,7 +100,7 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
         reversed[i] = 599 - i;
     edges.permute(reversed);
     EXPECT_EQ(edges.integer(599, 0), 1);
-    EXPECT_EQ(edges.money(0, 1).units(), numbers[0]);   // row 599: (599 + 1) % 6 == 0
+    EXPECT_EQ(edges.money(0, 1).units(), numbers[0]); // row 599: (599 + 1) % 6 == 0
     EXPECT_EQ(edges.text(598, 4), longText);
     EXPECT_EQ(edges.utf8(598, 4).size(), 400);
 }
@@ -175,8 +174,8 @@ TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
         if (t.count(book.table) > 0)
             continue; // shared tables are filled once
         // Other company, other year, other sales point.
-        for (const auto& [company, year, rbroj, prod] :
-            { std::array { 1, 2016, 4, 3 }, { 1, 2016, 9, 3 }, { 2, 2016, 50, 3 }, { 1, 2015, 60, 3 }, { 1, 2016, 70, 8 } }) {
+        for (const auto& [company, year, rbroj, prod] : { std::array { 1, 2016, 4, 3 }, { 1, 2016, 9, 3 },
+                 { 2, 2016, 50, 3 }, { 1, 2015, 60, 3 }, { 1, 2016, 70, 8 } }) {
             RowChange::Values v { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj },
                 { "Datum", QDate(year, 1, 1) } };
             if (isTradeBook(book.code))
@@ -239,19 +238,38 @@ TEST(Money, ParsesStoresRoundsAndShows)
 {
     // How the parsed text comes back: s toString, r rounded(2), d display, p plain,
     // v the 17 % VAT contained (x * 17 / 117); "-" when the text is refused.
-    const struct { const char* text; char op; const char* expected; } cases[] = {
-        { " 1234,5 ", 's', "1234.5000" }, { "-.25", 's', "-0.2500" }, { "", 's', "-" }, { "1.234,56", 's', "-" },
-        { "12a", 's', "-" }, { "-", 's', "-" },
+    const struct {
+        const char* text;
+        char op;
+        const char* expected;
+    } cases[] = {
+        { " 1234,5 ", 's', "1234.5000" },
+        { "-.25", 's', "-0.2500" },
+        { "", 's', "-" },
+        { "1.234,56", 's', "-" },
+        { "12a", 's', "-" },
+        { "-", 's', "-" },
         // Half to even at the fifth decimal.
-        { "1.00005", 's', "1.0000" }, { "1.00015", 's', "1.0002" }, { "1.000151", 's', "1.0002" },
-        { "1.000051", 's', "1.0001" }, { "0.125", 'r', "0.1200" }, { "0.135", 'r', "0.1400" },
+        { "1.00005", 's', "1.0000" },
+        { "1.00015", 's', "1.0002" },
+        { "1.000151", 's', "1.0002" },
+        { "1.000051", 's', "1.0001" },
+        { "0.125", 'r', "0.1200" },
+        { "0.135", 'r', "0.1400" },
         { "-0.135", 'r', "-0.1400" },
-        { "1234567.891", 'd', "1,234,567.89" }, { "-999.995", 'd', "-1,000.00" }, { "7.5", 'p', "7.5" },
+        { "1234567.891", 'd', "1,234,567.89" },
+        { "-999.995", 'd', "-1,000.00" },
+        { "7.5", 'p', "7.5" },
         { "-3", 'p', "-3" },
         // The edges of the range, and one past each.
-        { "-922337203685477.5808", 's', "-922337203685477.5808" }, { "-922337203685477.58086", 's', "-" },
-        { "922337203685477.5807", 's', "922337203685477.5807" }, { "922337203685477.5808", 's', "-" },
-        { "-922337203685477.5809", 's', "-" }, { "100", 'v', "14.5299" }, { "117", 'v', "17.0000" }, { "-58.50", 'v', "-8.5000" },
+        { "-922337203685477.5808", 's', "-922337203685477.5808" },
+        { "-922337203685477.58086", 's', "-" },
+        { "922337203685477.5807", 's', "922337203685477.5807" },
+        { "922337203685477.5808", 's', "-" },
+        { "-922337203685477.5809", 's', "-" },
+        { "100", 'v', "14.5299" },
+        { "117", 'v', "17.0000" },
+        { "-58.50", 'v', "-8.5000" },
     };
     for (const auto& c : cases) {
         const std::optional<Money> m = Money::parse(QString::fromLatin1(c.text));
@@ -264,7 +282,8 @@ TEST(Money, ParsesStoresRoundsAndShows)
                                 : (*m * 17).dividedBy(117.0).toString();
         EXPECT_EQ(shown, QString::fromLatin1(c.expected)) << c.text << " " << c.op;
     }
-    for (const auto& [value, units] : { std::pair { 0.00005, 0 }, { 0.00015, 2 }, { -0.00015, -2 }, { 2.00004, 20000 } })
+    for (const auto& [value, units] :
+        { std::pair { 0.00005, 0 }, { 0.00015, 2 }, { -0.00015, -2 }, { 2.00004, 20000 } })
         EXPECT_EQ(Money::fromDouble(value).units(), units) << value;
     EXPECT_EQ(Money().toDisplayString(u'.', u','), QStringLiteral("0,00"));
 }
@@ -290,13 +309,22 @@ TEST(Dates, SqlLiteralsAreMonthFirstScreenDatesDayFirstStoredTextIso)
     EXPECT_EQ(dates::monthFirstShort(QDate(2016, 3, 31)), QStringLiteral("03.31.16"));
     EXPECT_EQ(dates::isoText(QDate(2016, 1, 5)), QStringLiteral("2016-01-05"));
     // Each reader against texts it takes and texts it refuses (an invalid date).
-    const struct { QDate (*read)(const QString&); const char* text; QDate expected; } reads[] = {
-        { dates::parseDayFirst, "31.12.2015", { 2015, 12, 31 } }, { dates::parseDayFirst, "31.12.15", {} },
-        { dates::parseMonthFirst, "1.1.2016", { 2016, 1, 1 } }, { dates::parseMonthFirst, "03.15.2016", d },
-        { dates::parseMonthFirst, "15.03.2016", {} }, { dates::fromIsoText, "2016-03-15", d },
+    const struct {
+        QDate (*read)(const QString&);
+        const char* text;
+        QDate expected;
+    } reads[] = {
+        { dates::parseDayFirst, "31.12.2015", { 2015, 12, 31 } },
+        { dates::parseDayFirst, "31.12.15", {} },
+        { dates::parseMonthFirst, "1.1.2016", { 2016, 1, 1 } },
+        { dates::parseMonthFirst, "03.15.2016", d },
+        { dates::parseMonthFirst, "15.03.2016", {} },
+        { dates::fromIsoText, "2016-03-15", d },
         { dates::fromIsoText, "2016-12-31 00:00:00", { 2016, 12, 31 } },
-        { dates::fromIsoText, "2016-12-31T10:00:00.000", { 2016, 12, 31 } }, { dates::fromIsoText, "2016-02-30", {} },
-        { dates::fromIsoText, "2016-1a-01", {} }, { dates::fromIsoText, "03.15.2016", {} },
+        { dates::fromIsoText, "2016-12-31T10:00:00.000", { 2016, 12, 31 } },
+        { dates::fromIsoText, "2016-02-30", {} },
+        { dates::fromIsoText, "2016-1a-01", {} },
+        { dates::fromIsoText, "03.15.2016", {} },
     };
     for (const auto& r : reads)
         EXPECT_EQ(r.read(QString::fromLatin1(r.text)), r.expected) << r.text;
@@ -306,7 +334,12 @@ TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
 {
     const NumberConventions bs = NumberConventions::of(QLocale(QLocale::Bosnian));
     const NumberConventions en = NumberConventions::of(QLocale(QLocale::English));
-    const struct { NumberConventions c; const char* text; State state; qint64 units; } cases[] = {
+    const struct {
+        NumberConventions c;
+        const char* text;
+        State state;
+        qint64 units;
+    } cases[] = {
         { bs, "1.234,56", State::Exact, 12345600 },
         { bs, "12.500", State::Exact, 125000000 },
         { bs, "-0,5", State::Exact, -5000 },
@@ -339,7 +372,11 @@ TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
 // Qt's own dialogs speak Croatian wherever the component's Bosnian is spoken.
 TEST(Workstation, BosnianConventionsForCAndCroatianQtTextsForTheLanguagesOfBiH)
 {
-    const struct { QLocale locale; const char* amount; const char* catalogue; } cases[] = {
+    const struct {
+        QLocale locale;
+        const char* amount;
+        const char* catalogue;
+    } cases[] = {
         { QLocale::c(), "52.482,39", "qtbase_hr" },
         { QLocale(QLocale::Bosnian, QLocale::BosniaAndHerzegovina), "52.482,39", "qtbase_hr" },
         { QLocale(QLocale::Serbian, QLocale::LatinScript, QLocale::Serbia), "52.482,39", "qtbase_hr" },

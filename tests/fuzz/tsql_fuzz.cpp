@@ -8,22 +8,24 @@
 
 #include <QFile>
 #include <QRegularExpression>
-
-#include <sqlite3.h>
-
 #include <cstdio>
 #include <cstdlib>
+#include <sqlite3.h>
 
 using namespace knjige::tsql;
 
-namespace {
+namespace
+{
 
 sqlite3* g_db = nullptr;
 Catalog g_catalog;
 int g_steps = 0;
 
 // A statement may run ten million engine steps at most.
-int progress(void*) { return ++g_steps > 10000 ? 1 : 0; }
+int progress(void*)
+{
+    return ++g_steps > 10000 ? 1 : 0;
+}
 
 // The fuzzed statements may read and change rows, but not touch files, transactions
 // or settings.
@@ -34,8 +36,10 @@ int authorize(void*, int action, const char*, const char*, const char*, const ch
     case SQLITE_DETACH:
     case SQLITE_TRANSACTION:
     case SQLITE_SAVEPOINT:
-    case SQLITE_PRAGMA: return SQLITE_DENY;
-    default: return SQLITE_OK;
+    case SQLITE_PRAGMA:
+        return SQLITE_DENY;
+    default:
+        return SQLITE_OK;
     }
 }
 
@@ -96,8 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     sqlite3_set_authorizer(g_db, authorize, nullptr);
     for (const QString& statement : splitStatements(text)) {
         const Translation::Statement t = translateStatement(statement, g_catalog);
-        static const QRegularExpression dataStatement(QStringLiteral("^\\s*(SELECT|INSERT|UPDATE|DELETE|\\()"),
-                                             QRegularExpression::CaseInsensitiveOption);
+        static const QRegularExpression dataStatement(
+            QStringLiteral("^\\s*(SELECT|INSERT|UPDATE|DELETE|\\()"), QRegularExpression::CaseInsensitiveOption);
         if (t.error.isEmpty() && t.kind != Translation::Kind::NoOp && dataStatement.match(t.sql).hasMatch())
             run(t.sql);
     }

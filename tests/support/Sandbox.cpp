@@ -5,7 +5,8 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 static QTemporaryDir& root()
 {

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 // Points the per-user settings store at a throwaway folder for the whole test run,
 // so tests never read or write a developer's real settings.

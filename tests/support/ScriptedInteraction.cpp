@@ -1,12 +1,17 @@
 #include "support/ScriptedInteraction.h"
 
-namespace knjige::test {
-namespace {
+namespace knjige::test
+{
+namespace
+{
 
-class RecordedProgress final : public Progress {
+class RecordedProgress final : public Progress
+{
 public:
     RecordedProgress(ScriptedInteraction& script, const ProgressSpec& spec)
-        : m_script(script), m_index(script.progress.size()), m_label(spec.label)
+        : m_script(script)
+        , m_index(script.progress.size())
+        , m_label(spec.label)
     {
         ProgressRecord record;
         record.title = spec.title;
@@ -72,7 +77,7 @@ QString ScriptedInteraction::chooseOpenFile(const FileChoice&)
 
 bool ScriptedInteraction::startProgram(const QString& program, const QStringList& arguments)
 {
-    startedPrograms.append(QStringList{program} + arguments);
+    startedPrograms.append(QStringList { program } + arguments);
     return true;
 }
 
@@ -106,6 +111,9 @@ ScopedScript::ScopedScript()
     m_previous = setInteraction(std::move(script));
 }
 
-ScopedScript::~ScopedScript() { setInteraction(std::move(m_previous)); }
+ScopedScript::~ScopedScript()
+{
+    setInteraction(std::move(m_previous));
+}
 
 } // namespace knjige::test

@@ -4,31 +4,32 @@
 
 #include <QList>
 #include <QQueue>
-
 #include <functional>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 // One operation's progress as the person would have seen it.
 struct ProgressRecord {
     QString title;
-    QStringList texts;          // each stage's text as last shown: "Ispis: stranica 3 od 3"
-    qint64 total = 0;           // of the last stage
-    qint64 done = -1;           // the last count reported
+    QStringList texts; // each stage's text as last shown: "Ispis: stranica 3 od 3"
+    qint64 total = 0; // of the last stage
+    qint64 done = -1; // the last count reported
     bool cancellable = false;
-    bool cancelled = false;     // the script stopped it
-    bool finished = false;      // the operation let it go
+    bool cancelled = false; // the script stopped it
+    bool finished = false; // the operation let it go
 };
 
 // Stands in for the person at the screen: records every message, answers questions
 // from a script (the message's default when the script runs dry), and lets a test
 // drive each modal dialog with a handler of its own.
-class ScriptedInteraction final : public Interaction {
+class ScriptedInteraction final : public Interaction
+{
 public:
     QList<Message> messages;
     QQueue<Answer> answers;
     QQueue<QString> files;
-    QList<QStringList> startedPrograms;     // program first, then its arguments
+    QList<QStringList> startedPrograms; // program first, then its arguments
     // Runs a modal dialog; without a handler the dialog is rejected at once.
     std::function<int(QDialog&)> onDialog;
     QList<ProgressRecord> progress;
@@ -48,7 +49,8 @@ public:
 };
 
 // Installs a scripted person for the life of the object and restores the previous one.
-class ScopedScript {
+class ScopedScript
+{
 public:
     ScopedScript();
     ~ScopedScript();

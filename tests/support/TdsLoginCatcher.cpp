@@ -4,11 +4,12 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtEndian>
-
 #include <utility>
 
-namespace knjige::test {
-namespace {
+namespace knjige::test
+{
+namespace
+{
 
 constexpr int waitMs = 5000; // for a client that stops halfway; no test waits on it
 constexpr char preLogin = 0x12;

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <QString>
-
 #include <atomic>
 #include <future>
 #include <mutex>
 #include <thread>
 #include <vector>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 // What a client put into the login record of the TDS protocol.
 struct TdsLogin {
@@ -22,7 +22,8 @@ struct TdsLogin {
 // A SQL Server stand-in on two loopback ports, in a thread of its own: on port() it
 // answers the pre-login (no encryption) and reads the login that follows, then closes
 // the connection, so no login ever succeeds; on decoyPort() it only counts who came.
-class TdsLoginCatcher {
+class TdsLoginCatcher
+{
 public:
     TdsLoginCatcher();
     ~TdsLoginCatcher();
@@ -40,8 +41,8 @@ private:
 
     quint16 m_port = 0;
     quint16 m_decoyPort = 0;
-    std::atomic<bool> m_stop{false};
-    std::atomic<int> m_decoyVisits{0};
+    std::atomic<bool> m_stop { false };
+    std::atomic<int> m_decoyVisits { 0 };
     std::mutex m_mutex;
     std::vector<TdsLogin> m_logins;
     std::thread m_thread;

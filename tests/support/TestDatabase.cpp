@@ -5,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 TestDatabase::TestDatabase(qint16 company, qint16 year)
 {
@@ -20,9 +21,15 @@ TestDatabase::TestDatabase(qint16 company, qint16 year)
     s.RadnaGodina = year;
 }
 
-TestDatabase::~TestDatabase() { session().reset(); }
+TestDatabase::~TestDatabase()
+{
+    session().reset();
+}
 
-Database& TestDatabase::db() { return session().db(); }
+Database& TestDatabase::db()
+{
+    return session().db();
+}
 
 void TestDatabase::exec(const QString& tsql)
 {
@@ -54,6 +61,9 @@ int TestDatabase::count(const QString& table)
     return rs.isEmpty() ? -1 : int(rs.integer(0, 0));
 }
 
-QVariant money(double amount) { return QVariant::fromValue(Money::fromDouble(amount)); }
+QVariant money(double amount)
+{
+    return QVariant::fromValue(Money::fromDouble(amount));
+}
 
 } // namespace knjige::test

@@ -6,7 +6,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
-namespace knjige::test {
+namespace knjige::test
+{
 
 // A throwaway embedded book database with the whole schema (sql/schema.sql), to which
 // knjige::session() points for the life of the object: ConnString is the file,
@@ -21,7 +22,8 @@ namespace knjige::test {
 //
 // exec, insert and query record a test failure (with the data layer's text) when the
 // statement fails; use db() directly to test failures.
-class TestDatabase {
+class TestDatabase
+{
 public:
     explicit TestDatabase(qint16 company = 1, qint16 year = 2016);
     ~TestDatabase();

@@ -1,12 +1,11 @@
 #include "support/Sandbox.h"
 
 #include <QCoreApplication>
-
+#include <cstring>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-namespace knjige::test {
+namespace knjige::test
+{
 // The child of the crash test: renumbers the book at `path` and is killed meanwhile.
 int renumberChild(const QString& path);
 }

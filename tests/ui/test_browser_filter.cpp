@@ -111,7 +111,9 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // March and a description with an apostrophe: one row, its totals, the panel of
     // the period with the months before it.
-    answer([](RecordEditor& e) { return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true; });
+    answer([](RecordEditor& e) {
+        return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true;
+    });
     w->mnu_Click(4);
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 3 });
     EXPECT_EQ(w->query().filter.description, "Period od 01.03.16 do 31.03.16,Opis: O'Brien...',Iznos: 20,00,PDV: 2,00");
@@ -132,7 +134,8 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     const QString where = w->query().filter.where;
     answer([](RecordEditor& e) {
         EXPECT_TRUE(e.chkPoDatumima->isChecked());
-        EXPECT_EQ(values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
+        EXPECT_EQ(
+            values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
         return false;
     });
     w->PostaviFilter();
@@ -157,7 +160,8 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
     // Cancelled at the opening, nothing is loaded: neither every shop's rows nor the
     // totals of none.
     answer([](RecordEditor&) { return false; });
-    EXPECT_EQ(open(126)->rsStavke().rowCount() + open(125)->findChild<QTreeWidget*>("lvStanje")->topLevelItemCount(), 0);
+    EXPECT_EQ(
+        open(126)->rsStavke().rowCount() + open(125)->findChild<QTreeWidget*>("lvStanje")->topLevelItemCount(), 0);
     answer([](RecordEditor& e) { return e.setSkladište(demo::Maloprodaja2), true; });
     for (int kind : { 125, 126, 125 }) {
         const int before = filters;

@@ -63,7 +63,7 @@ protected:
     // RBroj of the entries in grid order.
     static QList<qint64> rBrojevi(frmSifarnikKnj& w);
     // Changes the query the window reads with next.
-    template<typename Edit> static void change(frmSifarnikKnj& w, Edit edit)
+    template <typename Edit> static void change(frmSifarnikKnj& w, Edit edit)
     {
         browser::BookQuery q = w.query();
         edit(q);

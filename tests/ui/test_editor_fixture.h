@@ -15,7 +15,8 @@ namespace knjige::test
 // the message that follows (none when empty) with its title and icon, and the control
 // that has the focus afterwards (not checked when empty).
 struct Try {
-    Try(QString set_ = {}, QString message_ = {}, QString focus_ = {}, QString title_ = {}, Icon icon_ = Icon::Exclamation)
+    Try(QString set_ = {}, QString message_ = {}, QString focus_ = {}, QString title_ = {},
+        Icon icon_ = Icon::Exclamation)
         : set(std::move(set_))
         , message(std::move(message_))
         , focus(std::move(focus_))

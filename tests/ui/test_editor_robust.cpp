@@ -165,13 +165,14 @@ TEST_F(RobustEditor, KeysConfirmCancelAndMoveThroughTheFields)
 // aligns one-digit codes with a blank); Alt+Down and F4 open it, Down alone moves on.
 TEST_F(RobustEditor, KindListsTakeTheTypedCodeAndOpenWithAltDownOrF4)
 {
-    const struct { int book; const char* keys; const char* chosen; } cases[] = {
-        { 109, "5", " 5 - Prihod - Gotovina" },
-        { 109, "15", "15 - Rashod - Plaćen PPU" },
-        { 109, "1", "10 - Rashod - Žiro račun" },
-        { 96, "16", "16 - Rashod - Nabavka robe/materijala" },
-        { 96, "5", "" },
-        { 97, "21", "21 - Primljeni racuni" },
+    const struct {
+        int book;
+        const char* keys;
+        const char* chosen;
+    } cases[] = {
+        { 109, "5", " 5 - Prihod - Gotovina" }, { 109, "15", "15 - Rashod - Plaćen PPU" },
+        { 109, "1", "10 - Rashod - Žiro račun" }, { 96, "16", "16 - Rashod - Nabavka robe/materijala" },
+        { 96, "5", "" }, { 97, "21", "21 - Primljeni racuni" },
         { 100, "13", "13 - Rashod - Rashodi koji se ne priznaju" },
         { 99, "87", "7 - Prihod - Naplaćeni prihod od financiranja" }, // 87 is no code: 7 starts anew
     };
@@ -183,7 +184,8 @@ TEST_F(RobustEditor, KindListsTakeTheTypedCodeAndOpenWithAltDownOrF4)
             list->setFocus();
             QTest::keyClicks(list, c.keys);
             EXPECT_EQ(list->currentText(), QString::fromUtf8(c.chosen)) << c.book << " " << c.keys;
-            for (const auto& [key, modifier] : { std::pair(Qt::Key_Down, Qt::AltModifier), std::pair(Qt::Key_F4, Qt::NoModifier) }) {
+            for (const auto& [key, modifier] :
+                { std::pair(Qt::Key_Down, Qt::AltModifier), std::pair(Qt::Key_F4, Qt::NoModifier) }) {
                 QTest::keyClick(list, key, modifier);
                 EXPECT_TRUE(list->view()->isVisible()) << c.book;
                 list->hidePopup();

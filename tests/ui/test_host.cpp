@@ -645,7 +645,8 @@ TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
         script->clear();
         book.Show(level, "Ana");
         EXPECT_EQ(script->texts(),
-            QStringList { QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(level) });
+            QStringList {
+                QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(level) });
         EXPECT_FALSE(openBrowser());
     }
     closeAll();

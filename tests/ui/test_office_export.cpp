@@ -26,9 +26,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTimer>
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -201,12 +200,12 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
     ASSERT_TRUE(QFile::link(db->path(), folder + QStringLiteral("/veza.db")));
     std::error_code linked;
     std::filesystem::create_hard_link(QFile::encodeName(db->path()).toStdString(),
-                                      QFile::encodeName(folder + QStringLiteral("/tvrda.db")).toStdString(), linked);
+        QFile::encodeName(folder + QStringLiteral("/tvrda.db")).toStdString(), linked);
     ASSERT_FALSE(linked) << linked.message();
     const QByteArray before = read(db->path());
     frmPrikazTeksta viewer;
-    for (const char* name : {"/knjige.db", "/./knjige.db", "/veza.db", "/tvrda.db", "/knjige.db-wal",
-                             "/knjige.db-shm", "/knjige.db-journal"}) {
+    for (const char* name : { "/knjige.db", "/./knjige.db", "/veza.db", "/tvrda.db", "/knjige.db-wal", "/knjige.db-shm",
+             "/knjige.db-journal" }) {
         const QString target = folder + QLatin1String(name);
         const QString refusal = QStringLiteral("Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "
                                                "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
@@ -220,7 +219,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
         script->files.enqueue(target);
         viewer.cmdSpremiTekst->click();
         EXPECT_EQ(script->texts().join(u'\n').toStdString(),
-                  (QStringLiteral("Desila se greška: ") + refusal + u'\n' + refusal).toStdString());
+            (QStringLiteral("Desila se greška: ") + refusal + u'\n' + refusal).toStdString());
     }
     EXPECT_EQ(read(db->path()), before);
     EXPECT_FALSE(QFile::exists(folder + QStringLiteral("/knjige.db-journal")));

@@ -19,8 +19,8 @@
 #include <QImage>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
-#include <QPrinter>
 #include <QPrintPreviewWidget>
+#include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScreen>
@@ -145,8 +145,9 @@ std::optional<QVector<Money>> sumsInTable(TestDatabase& db, int book, const QStr
     const QString pdv = "sum(case when Vrsta between %1 and %2 then IznosPDV else 0 end)";
     const QString net = "sum(case when Vrsta between %1 and %2 then Iznos-IznosPDV else 0 end)";
     static const QMap<int, QStringList> columns = {
-        { 96, { v.arg(11), v.arg(12), v.arg(13), pdv.arg(11).arg(13), net.arg(11).arg(13), v.arg(16), v.arg(17),
-                  v.arg(18), v.arg(19), pdv.arg(16).arg(19), net.arg(16).arg(19) } },
+        { 96,
+            { v.arg(11), v.arg(12), v.arg(13), pdv.arg(11).arg(13), net.arg(11).arg(13), v.arg(16), v.arg(17),
+                v.arg(18), v.arg(19), pdv.arg(16).arg(19), net.arg(16).arg(19) } },
         { 106, { "sum(IznosGot)", "sum(IznosCek)" } },
     };
     if (!columns.contains(book))
@@ -218,7 +219,8 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
             ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
             old.close();
             script->progress.clear();
-            script->cancelAt = book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od") : QStringLiteral("Ispis: stranica 2 od");
+            script->cancelAt
+                = book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od") : QStringLiteral("Ispis: stranica 2 od");
             EXPECT_FALSE(printer->writePdf(pdf, &error));
             EXPECT_TRUE(printer->cancelled());
             EXPECT_EQ(error, QStringLiteral("ispis u datoteku %1 je prekinut").arg(pdf));
@@ -292,9 +294,9 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const bool continues = filtered && !isAssetList(book.code);
         QVector<Money> running(summed.size());
         if (continues) {
-            const ResultSet earlier = db->query(book.selectSql
-                + " WHERE K.BrojPoduzeca=1 AND K.GodinaKnj=2016 AND K.Datum<'01.02.2016'"
-                + (shop ? QStringLiteral(" AND K.BrojProd=501") : QString()));
+            const ResultSet earlier
+                = db->query(book.selectSql + " WHERE K.BrojPoduzeca=1 AND K.GodinaKnj=2016 AND K.Datum<'01.02.2016'"
+                    + (shop ? QStringLiteral(" AND K.BrojProd=501") : QString()));
             const auto b = report::BoundLayout::bind(bound->layout(), earlier, &error);
             ASSERT_TRUE(b && earlier.rowCount() == 3);
             for (int r = 0; r < earlier.rowCount(); ++r)
@@ -348,8 +350,8 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         // The print command asks the rights the window asks: Edin may open book 96 but
         // not print it, and may not open the others; rights that cannot be read allow nothing.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
-        const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year",
-            "2016", "--operator", "Edin", "--pdf", cliPdf };
+        const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
+            "--operator", "Edin", "--pdf", cliPdf };
         EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
         ASSERT_EQ(script->messages.size(), 1);
         EXPECT_TRUE(script->messages[0].text.startsWith("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA"));

@@ -10,8 +10,8 @@
 #include "session/Database.h"
 #include "session/ResultSet.h"
 #include "session/Session.h"
-#include "session/widgets/DialogInteraction.h"
 #include "session/widgets/DateTyping.h"
+#include "session/widgets/DialogInteraction.h"
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
@@ -25,24 +25,25 @@
 #include <QFileSystemModel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QProcess>
+#include <QPushButton>
 #include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
-
 #include <gtest/gtest.h>
 
 using namespace knjige;
 
-namespace {
+namespace
+{
 
 int partners(Database& db)
 {
     ResultSet rs;
-    EXPECT_TRUE(db.open(QStringLiteral("SELECT COUNT(*) AS N FROM dbo.Komitent"), rs)) << db.errorDescription().toStdString();
+    EXPECT_TRUE(db.open(QStringLiteral("SELECT COUNT(*) AS N FROM dbo.Komitent"), rs))
+        << db.errorDescription().toStdString();
     return rs.rowCount() == 1 ? int(rs.integer(0, 0)) : -1;
 }
 
@@ -51,7 +52,7 @@ int partners(Database& db)
 std::string otherProgram(const QString& db, const QString& sql)
 {
     QProcess p;
-    p.start(QStringLiteral(KNJIGE_PROGRAM), {QStringLiteral("query"), QStringLiteral("--db"), db, sql});
+    p.start(QStringLiteral(KNJIGE_PROGRAM), { QStringLiteral("query"), QStringLiteral("--db"), db, sql });
     EXPECT_TRUE(p.waitForFinished(60000));
     EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     return p.readAllStandardOutput().toStdString();
@@ -103,7 +104,7 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
     QDir::setCurrent(folder);
     t.exec(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit, ImeKomit1) VALUES (1, 'prvi')"));
 
-    const auto chooser = fileChooser({QStringLiteral("Izvorna baza"), folder, {}, {}, {}}, QFileDialog::AcceptOpen);
+    const auto chooser = fileChooser({ QStringLiteral("Izvorna baza"), folder, {}, {}, {} }, QFileDialog::AcceptOpen);
     chooser->show();
     listWhole(*chooser, folder);
     chooser->reject();
@@ -142,10 +143,10 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
         .preview(nullptr);
     EXPECT_TRUE(printerDialog);
     EXPECT_EQ(script->texts().join(u'\n').toStdString(),
-              QStringLiteral("Desila se greška: Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "
-                             "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
-                  .arg(t.path())
-                  .toStdString());
+        QStringLiteral("Desila se greška: Datoteka %1 je baza podataka s kojom program radi (ili njena pomoćna "
+                       "datoteka) i ne smije se prepisati. Izaberite drugu datoteku.")
+            .arg(t.path())
+            .toStdString());
 
     const QString list = QStringLiteral("SELECT SifKomit FROM dbo.Komitent ORDER BY SifKomit");
     EXPECT_EQ(otherProgram(t.path(), list), "SifKomit\n1\n");
@@ -163,7 +164,7 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
     ASSERT_TRUE(a.execute(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit, ImeKomit1) VALUES (4, 'a')")));
     ASSERT_TRUE(b.execute(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit, ImeKomit1) VALUES (5, 'b')")));
     a.disconnect();
-    for (const char* suffix : {"", "-wal", "-shm"}) {
+    for (const char* suffix : { "", "-wal", "-shm" }) {
         QFile file(t.path() + QLatin1String(suffix));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << suffix;
     }
@@ -183,7 +184,7 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
 TEST(Regression, InitForceStartsFromAFreshFileWhateverTheOldOneLeftBeside)
 {
     const QString path = test::scratchDir() + QStringLiteral("/zamjena.db");
-    const QStringList init = {QStringLiteral("--db"), path, QStringLiteral("--demo"), QStringLiteral("--force")};
+    const QStringList init = { QStringLiteral("--db"), path, QStringLiteral("--demo"), QStringLiteral("--force") };
     ASSERT_EQ(cli::runInit(init), 0);
     Database old;
     ASSERT_TRUE(old.connect(QStringLiteral("sqlite:") + path));
@@ -210,20 +211,20 @@ TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
         int book;
         const char* typed;
         QDate date; // invalid: refused on saving
-        QDate shown = {2016, 3, 20};
+        QDate shown = { 2016, 3, 20 };
     };
     const Case cases[] = {
-        {98, "15.03.2016", {2016, 3, 15}},
-        {105, "31.12.2016", {2016, 12, 31}},
-        {96, "01.01.2016", {2016, 1, 1}},
-        {109, "1.3.2016", {2016, 3, 1}},
-        {125, "31122016", {2016, 12, 31}},
-        {96, "31.03.2026", {2026, 3, 31}, {2026, 11, 25}},
-        {97, "31032026", {2026, 3, 31}, {2026, 11, 25}},
-        {98, "31.12.2026", {2026, 12, 31}, {2026, 11, 25}},
-        {109, "29.02.2028", {2028, 2, 29}, {2026, 11, 25}},
-        {96, "29.02.2027", {}, {2026, 11, 25}},
-        {125, "31.11.2026", {}, {2026, 9, 25}},
+        { 98, "15.03.2016", { 2016, 3, 15 } },
+        { 105, "31.12.2016", { 2016, 12, 31 } },
+        { 96, "01.01.2016", { 2016, 1, 1 } },
+        { 109, "1.3.2016", { 2016, 3, 1 } },
+        { 125, "31122016", { 2016, 12, 31 } },
+        { 96, "31.03.2026", { 2026, 3, 31 }, { 2026, 11, 25 } },
+        { 97, "31032026", { 2026, 3, 31 }, { 2026, 11, 25 } },
+        { 98, "31.12.2026", { 2026, 12, 31 }, { 2026, 11, 25 } },
+        { 109, "29.02.2028", { 2028, 2, 29 }, { 2026, 11, 25 } },
+        { 96, "29.02.2027", {}, { 2026, 11, 25 } },
+        { 125, "31.11.2026", {}, { 2026, 9, 25 } },
     };
     for (const Case& c : cases) {
         std::unique_ptr<RecordEditor> e = createEditor(c.book);
@@ -242,7 +243,7 @@ TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
             e->ubRBroj->setFocus();
             e->cmdSpremi->click();
             EXPECT_EQ(script->texts(),
-                QStringList{QStringLiteral("Datum %1 ne postoji. Upišite ispravan datum.").arg(c.typed)});
+                QStringList { QStringLiteral("Datum %1 ne postoji. Upišite ispravan datum.").arg(c.typed) });
             EXPECT_TRUE(e->isVisible()) << c.typed;
             EXPECT_TRUE(e->dpDatum->hasFocus()) << c.typed;
             // A date chosen in the calendar takes the place of the one typed.

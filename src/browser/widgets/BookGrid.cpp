@@ -6,10 +6,10 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QStyle>
-
 #include <algorithm>
 
-namespace knjige {
+namespace knjige
+{
 
 QVariant BookGridModel::data(const QModelIndex& index, int role) const
 {
@@ -25,7 +25,8 @@ QVariant BookGridModel::data(const QModelIndex& index, int role) const
         return BookModel::data(index, TotalsRowRole).toBool() ? QVariant(QBrush(Qt::white)) : QVariant();
     case Qt::ForegroundRole:
         return BookModel::data(index, TotalsRowRole).toBool() ? QVariant(QBrush(Qt::black)) : QVariant();
-    default: return BookModel::data(index, role);
+    default:
+        return BookModel::data(index, role);
     }
 }
 

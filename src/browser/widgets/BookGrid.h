@@ -3,14 +3,15 @@
 #include "browser/BookModel.h"
 
 #include <QTableView>
-
 #include <functional>
 
-namespace knjige {
+namespace knjige
+{
 
 // The book model as the grid draws it: bold cells and the white-on-black totals rows
 // turned into fonts and brushes, which the core model cannot name.
-class BookGridModel final : public BookModel {
+class BookGridModel final : public BookModel
+{
     Q_OBJECT
 public:
     using BookModel::BookModel;
@@ -20,7 +21,8 @@ public:
 
 // The browser's grid `fg`. Keys go first to the browser's handler; a key it takes is
 // swallowed, so Enter never reaches a default button of the window.
-class BookGrid final : public QTableView {
+class BookGrid final : public QTableView
+{
     Q_OBJECT
 public:
     explicit BookGrid(QWidget* parent = nullptr);

@@ -131,10 +131,9 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
             && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + m_query.filter.where, gone);
         if (read)
-            locked = periodlock::refuseRows(db, scope, gone, nullptr,
-                QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
-        const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt,
-            journal::rowsText(gone), {} };
+            locked = periodlock::refuseRows(
+                db, scope, gone, nullptr, QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
+        const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone), {} };
         if (locked.isEmpty() && error.isEmpty()
             && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
             && error.isEmpty())

@@ -3,7 +3,8 @@
 #include "output/widgets/frmOfficeExportPost.h"
 #include "session/Interaction.h"
 
-namespace knjige {
+namespace knjige
+{
 
 void frmSifarnikKnj::PrebaciUExcel()
 {

@@ -10,13 +10,14 @@
 
 #include <QAction>
 #include <QHeaderView>
-
 #include <algorithm>
 #include <memory>
 #include <vector>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 // The width the cells of a column want, over the rows a first look shows and the rows
 // after them up to a thousand, and the totals rows: the cells with the longest texts
@@ -28,7 +29,7 @@ int sadrzajKolone(const QTableView& grid, int column)
     const int rows = model->rowCount();
     constexpr int kSampled = 1000;
     constexpr int kMeasured = 8;
-    std::vector<std::pair<qsizetype, int>> longest;   // text length, row
+    std::vector<std::pair<qsizetype, int>> longest; // text length, row
     auto consider = [&](int row) {
         const qsizetype length = model->data(model->index(row, column)).toString().size();
         longest.emplace_back(length, row);
@@ -39,7 +40,7 @@ int sadrzajKolone(const QTableView& grid, int column)
         consider(rows - 1);
     const auto cut = longest.begin() + std::min<qsizetype>(kMeasured, qsizetype(longest.size()));
     std::partial_sort(longest.begin(), cut, longest.end(),
-                      [](const auto& a, const auto& b) { return a.first > b.first || (a.first == b.first && a.second < b.second); });
+        [](const auto& a, const auto& b) { return a.first > b.first || (a.first == b.first && a.second < b.second); });
     int width = 0;
     for (auto it = longest.begin(); it != cut; ++it)
         width = std::max(width, grid.sizeHintForIndex(model->index(it->second, column)).width());
@@ -64,7 +65,10 @@ qint32 frmSifarnikKnj::trenutniRBroj() const
     return row < 0 || f < 0 ? 0 : qint32(rsStavke().integer(row, f));
 }
 
-bool frmSifarnikKnj::jeRedUkupno(int modelRow) const { return m_model->isTotalsRow(modelRow); }
+bool frmSifarnikKnj::jeRedUkupno(int modelRow) const
+{
+    return m_model->isTotalsRow(modelRow);
+}
 
 void frmSifarnikKnj::postaviTrenutniRed(int dataRow)
 {
@@ -101,8 +105,8 @@ void frmSifarnikKnj::OsvjeziZapise()
     ResultSet rows;
     if (!db.open(m_query.sql(), rows)) {
         warn(QStringLiteral("Desila se greška u pristupu podacima. Ponovite!") + QStringLiteral("\r\n")
-                 + db.errorDescription(),
-             QStringLiteral("Greška u pristupu podacima"));
+                + db.errorDescription(),
+            QStringLiteral("Greška u pristupu podacima"));
         return;
     }
     m_fg->setUpdatesEnabled(false);
@@ -135,8 +139,8 @@ void frmSifarnikKnj::postaviŠirineKolona()
     QHeaderView* header = m_fg->horizontalHeader();
     const int cap = m_fg->fontMetrics().horizontalAdvance(QLatin1Char('0')) * 60;
     const int nameWidth = browser::twipsToPixels(m_velNazivaSifri, logicalDpiX());
-    static const QStringList nameColumns = {QStringLiteral("Opis"), QStringLiteral("Naziv"),
-                                            QStringLiteral("ImeKomit1"), QStringLiteral("ImeProd")};
+    static const QStringList nameColumns
+        = { QStringLiteral("Opis"), QStringLiteral("Naziv"), QStringLiteral("ImeKomit1"), QStringLiteral("ImeProd") };
     for (int c = 0; c < m_model->columnCount(); ++c) {
         const QString name = rsStavke().field(c).name;
         if (c == m_model->columnCount() - 1 && name == QLatin1String("I")) {
@@ -185,20 +189,27 @@ bool frmSifarnikKnj::fg_KeyDown(int key)
             mnu_Click(8);
         return true;
     case Qt::Key_F9:
-    case Qt::Key_Insert: mnu_Click(1); return true;
-    case Qt::Key_F3: mnu_Click(4); return true;
+    case Qt::Key_Insert:
+        mnu_Click(1);
+        return true;
+    case Qt::Key_F3:
+        mnu_Click(4);
+        return true;
     case Qt::Key_F4: {
         QAction* ista = menuItem(QStringLiteral("mnuIstaStavka"));
         if (ista->isVisible() && ista->isEnabled())
             ista->trigger();
         return true;
     }
-    case Qt::Key_Delete: mnu_Click(3); return true;
+    case Qt::Key_Delete:
+        mnu_Click(3);
+        return true;
     case Qt::Key_F10:
         if (m_mnu[8]->isEnabled())
             mnu_Click(8);
         return true;
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -213,18 +224,33 @@ void frmSifarnikKnj::mnu_Click(int index)
         return;
     emit naredba(index);
     switch (index) {
-    case 1: NoviZapis(); break;
-    case 2: IzmjenaZapisa(2); break;
-    case 3: IzmjenaZapisa(4); break;
-    case 4: PostaviFilter(); break;
-    case 5: OsvjeziZapise(); break;
-    case 6: IspišiZapise(); break;
-    case 7: close(); break;
+    case 1:
+        NoviZapis();
+        break;
+    case 2:
+        IzmjenaZapisa(2);
+        break;
+    case 3:
+        IzmjenaZapisa(4);
+        break;
+    case 4:
+        PostaviFilter();
+        break;
+    case 5:
+        OsvjeziZapise();
+        break;
+    case 6:
+        IspišiZapise();
+        break;
+    case 7:
+        close();
+        break;
     case 8:
         PreneseniRBroj = trenutniRBroj();
         accept();
         break;
-    default: break;
+    default:
+        break;
     }
 }
 

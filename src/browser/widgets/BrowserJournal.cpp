@@ -74,8 +74,9 @@ void frmSifarnikKnj::ZaključajRazdoblje()
         warn(QStringLiteral("Desila se greška: ") + error);
         return;
     }
-    inform(opened ? QStringLiteral("Razdoblje knjige je otključano.")
-                  : QStringLiteral("Knjiga je zaključana do %1.").arg(dpDo->date().toString(QStringLiteral("dd.MM.yyyy"))),
+    inform(opened
+            ? QStringLiteral("Razdoblje knjige je otključano.")
+            : QStringLiteral("Knjiga je zaključana do %1.").arg(dpDo->date().toString(QStringLiteral("dd.MM.yyyy"))),
         {}, Icon::Information);
 }
 

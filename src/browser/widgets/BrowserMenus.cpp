@@ -14,8 +14,10 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QAction* addItem(QMenu* menu, const QString& name, const QString& caption)
 {
@@ -58,9 +60,14 @@ void frmSifarnikKnj::napraviIzbornike()
     QMenu* naredbe = bar->addMenu(QStringLiteral("&Naredbe"));
     naredbe->setObjectName(QStringLiteral("mnuNaredbe"));
     const QStringList captions = {
-        QStringLiteral("&Novi (F9)"), QStringLiteral("&Izmjena(Ret)"), QStringLiteral("Obriši(&Del)"),
-        QStringLiteral("&Filter(F3)"), QStringLiteral("&Osvježi"), QStringLiteral("Is&pis"),
-        QStringLiteral("I&zlaz(Esc)"), QStringLiteral("P&rijenos(F10)"),
+        QStringLiteral("&Novi (F9)"),
+        QStringLiteral("&Izmjena(Ret)"),
+        QStringLiteral("Obriši(&Del)"),
+        QStringLiteral("&Filter(F3)"),
+        QStringLiteral("&Osvježi"),
+        QStringLiteral("Is&pis"),
+        QStringLiteral("I&zlaz(Esc)"),
+        QStringLiteral("P&rijenos(F10)"),
     };
     m_mnu.fill(nullptr, 9);
     for (int i = 1; i <= 8; ++i) {
@@ -74,43 +81,43 @@ void frmSifarnikKnj::napraviIzbornike()
     QMenu* alati = bar->addMenu(QStringLiteral("&Alati"));
     alati->setObjectName(QStringLiteral("mnuAlati"));
     connect(addItem(alati, QStringLiteral("mnuIstaStavka"), QStringLiteral("Ista stavka (F4)")), &QAction::triggered,
-            this, [this] {
-                // A copy needs an entry to copy; a totals row is none.
-                if (trenutniRed() >= 0)
-                    IstaStavka();
-            });
+        this, [this] {
+            // A copy needs an entry to copy; a totals row is none.
+            if (trenutniRed() >= 0)
+                IstaStavka();
+        });
     connect(addItem(alati, QStringLiteral("mnuUbaciZapis"), QStringLiteral("Ubaci zapis na označeno mjesto")),
-            &QAction::triggered, this, [this] { UbaciZapis(); });
+        &QAction::triggered, this, [this] { UbaciZapis(); });
     alati->addSeparator();
     connect(addItem(alati, QStringLiteral("mnuRenumeracija"), QStringLiteral("Renumeracija")), &QAction::triggered,
-            this, [this] { ProvjeraNumeracije(); });
+        this, [this] { ProvjeraNumeracije(); });
     connect(addItem(alati, QStringLiteral("mnuRenumeracijaPoDat"), QStringLiteral("Renumeracija po datumu")),
-            &QAction::triggered, this, [this] { ReNumeracijaPoDatumu(); });
+        &QAction::triggered, this, [this] { ReNumeracijaPoDatumu(); });
     connect(addItem(alati, QStringLiteral("mnuPocetnoStanje"), QStringLiteral("Početno stanje iz prethodne godine")),
-            &QAction::triggered, this, [this] { PočetnoStanje(); });
+        &QAction::triggered, this, [this] { PočetnoStanje(); });
     connect(addItem(alati, QStringLiteral("mnuRekapKnjPrihRash"), QStringLiteral("Rekapitulacija")),
-            &QAction::triggered, this, [this] { Rekapitulacija(); });
+        &QAction::triggered, this, [this] { Rekapitulacija(); });
     m_mnuGen = alati->addMenu(QStringLiteral("&Generiranje"));
     m_mnuGen->setObjectName(QStringLiteral("mnuGen"));
     m_mnuGen->menuAction()->setObjectName(QStringLiteral("mnuGen"));
     for (int i = 0; i < generationCaptions().size(); ++i)
-        connect(addItem(m_mnuGen, QStringLiteral("mnuGenDGP_%1").arg(i), generationCaptions()[i]),
-                &QAction::triggered, this, [this, i] { Generiranje(i); });
+        connect(addItem(m_mnuGen, QStringLiteral("mnuGenDGP_%1").arg(i), generationCaptions()[i]), &QAction::triggered,
+            this, [this, i] { Generiranje(i); });
     alati->addSeparator();
     connect(addItem(alati, QStringLiteral("mnuBrisPrikPod"), QStringLiteral("Brisanje prikazanih podataka")),
-            &QAction::triggered, this, [this] { BrisanjePrikazanihPodataka(); });
+        &QAction::triggered, this, [this] { BrisanjePrikazanihPodataka(); });
     alati->addSeparator();
-    connect(addItem(alati, QStringLiteral("mnuProvjeraKnjige"), QStringLiteral("Provjera knjige")),
-            &QAction::triggered, this, [this] { ProvjeraKnjige(); });
+    connect(addItem(alati, QStringLiteral("mnuProvjeraKnjige"), QStringLiteral("Provjera knjige")), &QAction::triggered,
+        this, [this] { ProvjeraKnjige(); });
     connect(addItem(alati, QStringLiteral("mnuZakljucajRazdoblje"), QStringLiteral("Zaključaj razdoblje")),
-            &QAction::triggered, this, [this] { ZaključajRazdoblje(); });
+        &QAction::triggered, this, [this] { ZaključajRazdoblje(); });
 
     QMenu* uvozIzvoz = bar->addMenu(QStringLiteral("&Uvoz/Izvoz"));
     uvozIzvoz->setObjectName(QStringLiteral("mnuUvozIzvoz"));
     connect(addItem(uvozIzvoz, QStringLiteral("mnuPrebaciUExcel"), QStringLiteral("Prebaci u Excel")),
-            &QAction::triggered, this, [this] { PrebaciUExcel(); });
+        &QAction::triggered, this, [this] { PrebaciUExcel(); });
     connect(addItem(uvozIzvoz, QStringLiteral("mnuUvozIzvozPod"), QStringLiteral("Uvoz/izvoz podataka")),
-            &QAction::triggered, this, [this] { nijeJošDostupno(QStringLiteral("Uvoz/izvoz podataka")); });
+        &QAction::triggered, this, [this] { nijeJošDostupno(QStringLiteral("Uvoz/izvoz podataka")); });
 
     QMenu* postavke = bar->addMenu(QStringLiteral("&Postavke"));
     postavke->setObjectName(QStringLiteral("mnuPostavke"));
@@ -127,23 +134,23 @@ void frmSifarnikKnj::napraviAlatnuTraku()
     m_toolbar->setIconSize(QSize(20, 20));
     QStyle* st = style();
     struct Button {
-        QString key;       // the button's key text, by which hosts and the menu know it
+        QString key; // the button's key text, by which hosts and the menu know it
         QStyle::StandardPixmap icon;
-        int command;   // 0: a separator
+        int command; // 0: a separator
     };
     // Ten buttons; the tenth ("Prenesi") stays hidden unless the host calls the book
     // as its sub-window.
     const QVector<Button> buttons = {
-        {QStringLiteral("Novi"), QStyle::SP_FileIcon, 1},
-        {QStringLiteral("Izmjena"), QStyle::SP_FileDialogDetailedView, 2},
-        {QStringLiteral("Obriši"), QStyle::SP_TrashIcon, 3},
-        {QStringLiteral("Filter"), QStyle::SP_FileDialogContentsView, 4},
-        {QStringLiteral("Osvježi"), QStyle::SP_BrowserReload, 5},
-        {QStringLiteral("Print"), QStyle::SP_DriveFDIcon, 6},
-        {{}, {}, 0},
-        {QStringLiteral("Izlaz"), QStyle::SP_DialogCloseButton, 7},
-        {{}, {}, 0},
-        {QStringLiteral("Prenesi"), QStyle::SP_ArrowForward, 8},
+        { QStringLiteral("Novi"), QStyle::SP_FileIcon, 1 },
+        { QStringLiteral("Izmjena"), QStyle::SP_FileDialogDetailedView, 2 },
+        { QStringLiteral("Obriši"), QStyle::SP_TrashIcon, 3 },
+        { QStringLiteral("Filter"), QStyle::SP_FileDialogContentsView, 4 },
+        { QStringLiteral("Osvježi"), QStyle::SP_BrowserReload, 5 },
+        { QStringLiteral("Print"), QStyle::SP_DriveFDIcon, 6 },
+        { {}, {}, 0 },
+        { QStringLiteral("Izlaz"), QStyle::SP_DialogCloseButton, 7 },
+        { {}, {}, 0 },
+        { QStringLiteral("Prenesi"), QStyle::SP_ArrowForward, 8 },
     };
     m_tbButtons.fill(nullptr, 11);
     for (int n = 1; n <= buttons.size(); ++n) {
@@ -197,7 +204,7 @@ void frmSifarnikKnj::napraviRaspored()
 
     m_fg->onKey = [this](int key) { return fg_KeyDown(key); };
     connect(m_fg->horizontalHeader(), &QHeaderView::sectionClicked, this,
-            [this](int section) { fg_HeaderClick(section + 1); });
+        [this](int section) { fg_HeaderClick(section + 1); });
 }
 
 } // namespace knjige

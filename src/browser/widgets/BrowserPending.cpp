@@ -7,12 +7,13 @@
 
 #include <QLineEdit>
 
-namespace knjige {
+namespace knjige
+{
 
 void frmSifarnikKnj::nijeJošDostupno(const QString& what)
 {
     inform(what + QStringLiteral(": ova mogućnost još nije dostupna u ovoj izvedbi programa."), windowTitle(),
-           Icon::Information);
+        Icon::Information);
 }
 
 } // namespace knjige

@@ -21,7 +21,8 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-namespace knjige {
+namespace knjige
+{
 
 frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
     : QDialog(parent, Qt::Window | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
@@ -39,23 +40,22 @@ frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
     primijeniPrikaz();
 
     connect(menuItem(QStringLiteral("mnuNeKoristiNoviGrid")), &QAction::triggered, this, [this](bool checked) {
-        settings::setFlag(settings::sharedApplication(), settings::section(), browser::keys::neKoristiNoviGrid(),
-                          checked);
+        settings::setFlag(
+            settings::sharedApplication(), settings::section(), browser::keys::neKoristiNoviGrid(), checked);
         primijeniPrikaz();
     });
     connect(menuItem(QStringLiteral("mnuSelektMisem")), &QAction::triggered, this, [this](bool checked) {
-        settings::setFlag(settings::sharedApplication(), settings::section(),
-                          browser::keys::selektiranjeKretanjemMisa(), checked);
+        settings::setFlag(
+            settings::sharedApplication(), settings::section(), browser::keys::selektiranjeKretanjemMisa(), checked);
         primijeniPrikaz();
     });
     connect(menuItem(QStringLiteral("mnuOpisiNaTipkama")), &QAction::triggered, this, [this](bool checked) {
-        settings::setFlag(settings::sharedApplication(), settings::section(), browser::keys::opisiNaTipkama(),
-                          checked);
+        settings::setFlag(settings::sharedApplication(), settings::section(), browser::keys::opisiNaTipkama(), checked);
         primijeniPrikaz();
     });
     connect(menuItem(QStringLiteral("mnuPostFiltera")), &QAction::triggered, this, [](bool checked) {
-        settings::setFlag(settings::sharedApplication(), settings::section(),
-                          browser::keys::postaviFilterNaPocetku(), checked);
+        settings::setFlag(
+            settings::sharedApplication(), settings::section(), browser::keys::postaviFilterNaPocetku(), checked);
     });
 }
 
@@ -68,8 +68,14 @@ void frmSifarnikKnj::setQuery(const browser::BookQuery& query)
     m_query.bookKind = kind;
 }
 
-const ResultSet& frmSifarnikKnj::rsStavke() const { return m_model->resultSet(); }
-BookModel& frmSifarnikKnj::model() { return *m_model; }
+const ResultSet& frmSifarnikKnj::rsStavke() const
+{
+    return m_model->resultSet();
+}
+BookModel& frmSifarnikKnj::model()
+{
+    return *m_model;
+}
 
 QAction* frmSifarnikKnj::mnu(int index) const
 {
@@ -105,8 +111,8 @@ void frmSifarnikKnj::citajPostavke()
 {
     const QString app = settings::sharedApplication();
     const QString sec = settings::section();
-    m_velNazivaSifri = settings::number(postavkeAplikacija(), sec, browser::keys::velNazivaSifri(),
-                                        browser::kDefaultVelNazivaSifri);
+    m_velNazivaSifri
+        = settings::number(postavkeAplikacija(), sec, browser::keys::velNazivaSifri(), browser::kDefaultVelNazivaSifri);
     menuItem(QStringLiteral("mnuPostFiltera"))
         ->setChecked(settings::flag(app, sec, browser::keys::postaviFilterNaPocetku(), false));
     menuItem(QStringLiteral("mnuSelektMisem"))
@@ -126,8 +132,8 @@ void frmSifarnikKnj::primijeniPrikaz()
     m_fg->setShowGrid(true);
     m_fg->setRowFollowsMouse(menuItem(QStringLiteral("mnuSelektMisem"))->isChecked());
     m_toolbar->setToolButtonStyle(menuItem(QStringLiteral("mnuOpisiNaTipkama"))->isChecked()
-                                      ? Qt::ToolButtonTextUnderIcon
-                                      : Qt::ToolButtonIconOnly);
+            ? Qt::ToolButtonTextUnderIcon
+            : Qt::ToolButtonIconOnly);
 }
 
 void frmSifarnikKnj::postaviIzbornikeKnjige()
@@ -231,7 +237,8 @@ void frmSifarnikKnj::onemogućiGrupu(int group)
         m_cmdFG->setEnabled(false);
         menuItem(QStringLiteral("mnuUvozIzvozPod"))->setVisible(false);
         break;
-    default: break;
+    default:
+        break;
     }
 }
 

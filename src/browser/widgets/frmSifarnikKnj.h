@@ -7,7 +7,6 @@
 #include <QDialog>
 #include <QVariant>
 #include <QVector>
-
 #include <optional>
 
 class QAction;
@@ -17,7 +16,8 @@ class QPushButton;
 class QToolBar;
 class QTreeWidget;
 
-namespace knjige {
+namespace knjige
+{
 
 class BookGrid;
 class BookGridModel;
@@ -29,7 +29,8 @@ class BookGridModel;
 // 5 refresh, 6 print, 7 close, 8 transfer); the toolbar and the grid's keys only forward
 // to it, and an entry runs only while it is enabled. Commands that act on the current
 // entry do nothing while a totals row is current.
-class frmSifarnikKnj final : public QDialog {
+class frmSifarnikKnj final : public QDialog
+{
     Q_OBJECT
 public:
     explicit frmSifarnikKnj(QWidget* parent = nullptr);
@@ -165,8 +166,8 @@ private:
     QLineEdit* m_txtFilter = nullptr;
     QPushButton* m_cmdFG = nullptr;
     QTreeWidget* m_lvStanje = nullptr;
-    QVector<QAction*> m_mnu;        // index 1..8; [0] unused
-    QVector<QAction*> m_tbButtons;  // index 1..10; [0] unused
+    QVector<QAction*> m_mnu; // index 1..8; [0] unused
+    QVector<QAction*> m_tbButtons; // index 1..10; [0] unused
     QMenu* m_mnuGen = nullptr;
 };
 

@@ -50,10 +50,9 @@ public:
         const qint64 whole = reading.value.units() / Money::Scale;
         if (whole >= m_box->minimum() && whole <= m_box->maximum())
             return Acceptable;
-        m_box->noteRefusal(
-            QStringLiteral("Broj mora biti između %1 i %2.")
-                .arg(wholeDisplay(m_box->minimum(), m_box->numberLocale()),
-                    wholeDisplay(m_box->maximum(), m_box->numberLocale())));
+        m_box->noteRefusal(QStringLiteral("Broj mora biti između %1 i %2.")
+                               .arg(wholeDisplay(m_box->minimum(), m_box->numberLocale()),
+                                   wholeDisplay(m_box->maximum(), m_box->numberLocale())));
         return Invalid;
     }
 

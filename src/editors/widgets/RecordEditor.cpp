@@ -446,13 +446,14 @@ bool RecordEditor::numbersReadable()
                 + readAmount(box->text(), box->conventions(), box->limits()).problem;
         else if (!box->problem().isEmpty())
             // A refused keystroke leaves the box saying less than was typed.
-            problem = QStringLiteral("Dio upisa u polje nije prihvaćen (ostalo je \"%1\").\n").arg(box->text().trimmed())
+            problem
+                = QStringLiteral("Dio upisa u polje nije prihvaćen (ostalo je \"%1\").\n").arg(box->text().trimmed())
                 + box->problem() + QStringLiteral("\nIspravite broj u polju.");
         else if (box->value().units() % Money::Scale != 0 && box->isWholeNumber())
             problem = QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala.");
         else if (!box->inRange())
-            problem = QStringLiteral("Broj mora biti između ") + QString::number(box->minimum())
-                + QStringLiteral(" i ") + QString::number(box->maximum()) + QStringLiteral("!");
+            problem = QStringLiteral("Broj mora biti između ") + QString::number(box->minimum()) + QStringLiteral(" i ")
+                + QString::number(box->maximum()) + QStringLiteral("!");
         if (problem.isEmpty())
             continue;
         warn(problem);
@@ -481,7 +482,7 @@ bool RecordEditor::proposedNumber(const RowChange& change) const
 
 bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
 {
-    NumberSlot slot{QStringLiteral("RBroj"), {QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj")}};
+    NumberSlot slot { QStringLiteral("RBroj"), { QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj") } };
     if (isTradeBook(m_tip))
         slot.scope << QStringLiteral("BrojProd");
     const qint64 proposed = ubRBroj->integerValue();

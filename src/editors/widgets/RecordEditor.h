@@ -13,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-
 #include <functional>
 
 class QGridLayout;
@@ -178,7 +177,7 @@ private:
     int m_rows = 0;
     QList<QWidget*> m_tabChain;
     QList<QWidget*> m_lookupButtons;
-    QString m_typedCode;          // digits typed into a kind list in quick succession
+    QString m_typedCode; // digits typed into a kind list in quick succession
     QElapsedTimer m_typedAt;
 };
 

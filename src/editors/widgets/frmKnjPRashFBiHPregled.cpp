@@ -197,14 +197,16 @@ void frmKnjPRashFBiHPregled::afterWrite()
     Database& db = session().db();
     int moved = 0;
     if (!db.execute(QStringLiteral("UPDATE dbo.KnjEvidPotrIObvFBiH SET RBrojKPR=") + QString::number(novi)
-            + QStringLiteral(" WHERE GODINAKNJ=") + QString::number(s.RadnaGodina) + QStringLiteral(" AND BROJPODUZECA=")
-            + QString::number(s.BrojPoduzeca) + QStringLiteral(" AND RBrojKPR=") + QString::number(sRedniBroj),
+                + QStringLiteral(" WHERE GODINAKNJ=") + QString::number(s.RadnaGodina)
+                + QStringLiteral(" AND BROJPODUZECA=") + QString::number(s.BrojPoduzeca)
+                + QStringLiteral(" AND RBrojKPR=") + QString::number(sRedniBroj),
             &moved)
         || moved == 0)
         return;
     // The links that followed the entry are part of its change.
     QString error;
-    const journal::Change links { journal::Radnja::Veze, std::nullopt, {}, journal::valueChanges({ { sRedniBroj, novi } }) };
+    const journal::Change links { journal::Radnja::Veze, std::nullopt, {},
+        journal::valueChanges({ { sRedniBroj, novi } }) };
     if (!journal::append(db, { Knjiga::EvidPotObvFBiH, s.BrojPoduzeca, s.RadnaGodina, 0 }, links, &error))
         m_writeError = QStringLiteral("Desila se greška: ") + error;
 }

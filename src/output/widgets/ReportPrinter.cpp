@@ -5,8 +5,8 @@
 #include "output/widgets/ReportText.h"
 #include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
-#include "session/widgets/QuietFileIcons.h"
 #include "session/Workstation.h"
+#include "session/widgets/QuietFileIcons.h"
 
 #include <QFontMetricsF>
 #include <QLocale>

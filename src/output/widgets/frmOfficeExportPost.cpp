@@ -15,11 +15,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-namespace knjige {
+namespace knjige
+{
 
 using namespace output;
 
-namespace {
+namespace
+{
 
 #ifdef Q_OS_WIN
 constexpr bool kChooseEncoding = false;
@@ -51,7 +53,9 @@ QPushButton* button(const QString& name, const QString& caption)
 
 } // namespace
 
-frmOfficeExportPost::frmOfficeExportPost(const ResultSet& rows, QWidget* parent) : QDialog(parent), m_rows(rows)
+frmOfficeExportPost::frmOfficeExportPost(const ResultSet& rows, QWidget* parent)
+    : QDialog(parent)
+    , m_rows(rows)
 {
     setObjectName(QStringLiteral("frmOfficeExportPost"));
     setWindowTitle(QStringLiteral("Prebacivanje podataka u CSV datoteku"));
@@ -83,7 +87,7 @@ void frmOfficeExportPost::napraviKontrole()
     chkAutomatskiPokr->setObjectName(QStringLiteral("chkAutomatskiPokr"));
     cmdGdjeSpremiti = button(QStringLiteral("cmdGdjeSpremiti"), QStringLiteral("..."));
     cmdLokacija = button(QStringLiteral("cmdLokacija"), QStringLiteral("..."));
-    for (QPushButton* b : {cmdGdjeSpremiti, cmdLokacija})
+    for (QPushButton* b : { cmdGdjeSpremiti, cmdLokacija })
         b->setMaximumWidth(b->fontMetrics().horizontalAdvance(b->text()) + 24);
     cmdPrebaciPodatke = button(QStringLiteral("cmdPrebaciPodatke"), QStringLiteral("&Prebaci podatke"));
     cmdIzlaz = button(QStringLiteral("cmdIzlaz"), QStringLiteral("I&zlaz"));
@@ -106,8 +110,8 @@ void frmOfficeExportPost::napraviKontrole()
     if (kChooseEncoding) {
         cmbKodiranje = new QComboBox;
         cmbKodiranje->setObjectName(QStringLiteral("cmbKodiranje"));
-        cmbKodiranje->addItem(QStringLiteral("Windows-1250 (kodna stranica Windowsa)"),
-                              encodingName(TextEncoding::Windows1250));
+        cmbKodiranje->addItem(
+            QStringLiteral("Windows-1250 (kodna stranica Windowsa)"), encodingName(TextEncoding::Windows1250));
         cmbKodiranje->addItem(QStringLiteral("UTF-8 s oznakom (BOM)"), encodingName(TextEncoding::Utf8WithBom));
         addRow(QStringLiteral("&Kodiranje:"), cmbKodiranje);
     }
@@ -166,8 +170,8 @@ ExportOptions frmOfficeExportPost::opcije() const
 
 bool frmOfficeExportPost::PrebaciPodatke()
 {
-    const QString problem = firstFailedCheck({txtNazivDat->text(), txtSeparator->text(), txtDecTočka->text(),
-                                              txtLokacijaEXE->text(), chkAutomatskiPokr->isChecked()});
+    const QString problem = firstFailedCheck({ txtNazivDat->text(), txtSeparator->text(), txtDecTočka->text(),
+        txtLokacijaEXE->text(), chkAutomatskiPokr->isChecked() });
     if (!problem.isEmpty()) {
         warn(problem, windowTitle());
         return false;
@@ -186,11 +190,11 @@ bool frmOfficeExportPost::PrebaciPodatke()
     const QFileInfo folder(QFileInfo(name).absolutePath());
     if (!folder.isDir() || !folder.isWritable()) {
         warn(QStringLiteral("Desila se greška: ")
-                 + (folder.isDir() ? QStringLiteral("u mapu %1 nije dopušteno pisati.")
-                                   : QStringLiteral("mapa %1 ne postoji."))
-                       .arg(QDir::toNativeSeparators(folder.absoluteFilePath()))
-                 + QStringLiteral(" Izaberite drugu mapu za datoteku."),
-             windowTitle());
+                + (folder.isDir() ? QStringLiteral("u mapu %1 nije dopušteno pisati.")
+                                  : QStringLiteral("mapa %1 ne postoji."))
+                      .arg(QDir::toNativeSeparators(folder.absoluteFilePath()))
+                + QStringLiteral(" Izaberite drugu mapu za datoteku."),
+            windowTitle());
         return false;
     }
     if (QFileInfo::exists(name) && !pitajZaPrepisivanje(name))
@@ -209,8 +213,8 @@ bool frmOfficeExportPost::PrebaciPodatke()
 
 bool frmOfficeExportPost::pitajZaPrepisivanje(const QString& name) const
 {
-    return askYesNo(QStringLiteral("Datoteka: ") + name + QStringLiteral(" već postoji. Želite li je prepisati?"),
-                    windowTitle());
+    return askYesNo(
+        QStringLiteral("Datoteka: ") + name + QStringLiteral(" već postoji. Želite li je prepisati?"), windowTitle());
 }
 
 bool frmOfficeExportPost::upisi(const QString& name, ExportResult* result) const
@@ -226,10 +230,10 @@ void frmOfficeExportPost::pokreniProgram(const QString& name) const
 {
     const QString program = resolveProgram(txtLokacijaEXE->text());
     const QString file = QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath());
-    if (!interaction().startProgram(program, {file}))
+    if (!interaction().startProgram(program, { file }))
         warn(QStringLiteral("Desila se greška: program ") + txtLokacijaEXE->text().trimmed()
-                 + QStringLiteral(" nije moguće pokrenuti."),
-             windowTitle());
+                + QStringLiteral(" nije moguće pokrenuti."),
+            windowTitle());
 }
 
 void frmOfficeExportPost::GdjeSpremiti()

@@ -9,7 +9,8 @@ class QComboBox;
 class QLineEdit;
 class QPushButton;
 
-namespace knjige {
+namespace knjige
+{
 
 class ResultSet;
 
@@ -19,7 +20,8 @@ class ResultSet;
 // that passes the checks.
 //
 // The rows are read, not copied: they must outlive the dialog.
-class frmOfficeExportPost final : public QDialog {
+class frmOfficeExportPost final : public QDialog
+{
     Q_OBJECT
 public:
     explicit frmOfficeExportPost(const ResultSet& rows, QWidget* parent = nullptr);

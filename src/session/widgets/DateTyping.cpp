@@ -8,11 +8,14 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-namespace knjige {
+namespace knjige
+{
 
-namespace {
+namespace
+{
 
-class SeparatorAfterFullPart final : public QObject {
+class SeparatorAfterFullPart final : public QObject
+{
 public:
     using QObject::QObject;
 

@@ -6,7 +6,8 @@
 class QDateTimeEdit;
 class QWidget;
 
-namespace knjige {
+namespace knjige
+{
 
 // Lets a date be typed as it is written, "15.03.2016": a date picker moves on to the
 // next part by itself once a part is full, and the separator typed right after that is

@@ -13,21 +13,27 @@
 #include <QPointer>
 #include <QProcess>
 #include <QProgressDialog>
-
 #include <algorithm>
 #include <climits>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
 QMessageBox::Icon boxIcon(Icon icon)
 {
     switch (icon) {
-    case Icon::Information: return QMessageBox::Information;
-    case Icon::Exclamation: return QMessageBox::Warning;
-    case Icon::Critical: return QMessageBox::Critical;
-    case Icon::Question: return QMessageBox::Question;
-    case Icon::None: break;
+    case Icon::Information:
+        return QMessageBox::Information;
+    case Icon::Exclamation:
+        return QMessageBox::Warning;
+    case Icon::Critical:
+        return QMessageBox::Critical;
+    case Icon::Question:
+        return QMessageBox::Question;
+    case Icon::None:
+        break;
     }
     return QMessageBox::NoIcon;
 }
@@ -35,10 +41,14 @@ QMessageBox::Icon boxIcon(Icon icon)
 QMessageBox::StandardButton boxButton(Answer answer)
 {
     switch (answer) {
-    case Answer::Ok: return QMessageBox::Ok;
-    case Answer::Yes: return QMessageBox::Yes;
-    case Answer::No: return QMessageBox::No;
-    case Answer::Cancel: return QMessageBox::Cancel;
+    case Answer::Ok:
+        return QMessageBox::Ok;
+    case Answer::Yes:
+        return QMessageBox::Yes;
+    case Answer::No:
+        return QMessageBox::No;
+    case Answer::Cancel:
+        return QMessageBox::Cancel;
     }
     return QMessageBox::Ok;
 }
@@ -46,10 +56,14 @@ QMessageBox::StandardButton boxButton(Answer answer)
 QMessageBox::StandardButtons boxButtons(Buttons buttons)
 {
     switch (buttons) {
-    case Buttons::Ok: return QMessageBox::Ok;
-    case Buttons::YesNo: return QMessageBox::Yes | QMessageBox::No;
-    case Buttons::YesNoCancel: return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    case Buttons::OkCancel: return QMessageBox::Ok | QMessageBox::Cancel;
+    case Buttons::Ok:
+        return QMessageBox::Ok;
+    case Buttons::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::YesNoCancel:
+        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case Buttons::OkCancel:
+        return QMessageBox::Ok | QMessageBox::Cancel;
     }
     return QMessageBox::Ok;
 }
@@ -57,10 +71,14 @@ QMessageBox::StandardButtons boxButtons(Buttons buttons)
 Answer answerOf(int button)
 {
     switch (button) {
-    case QMessageBox::Yes: return Answer::Yes;
-    case QMessageBox::No: return Answer::No;
-    case QMessageBox::Cancel: return Answer::Cancel;
-    default: return Answer::Ok;
+    case QMessageBox::Yes:
+        return Answer::Yes;
+    case QMessageBox::No:
+        return Answer::No;
+    case QMessageBox::Cancel:
+        return Answer::Cancel;
+    default:
+        return Answer::Ok;
     }
 }
 
@@ -100,7 +118,8 @@ Answer showInViewer(const Message& message)
             text = trimmed.left(lastBreak).trimmed();
         }
     }
-    viewer.Prikaži(message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, text, ask, question);
+    viewer.Prikaži(
+        message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, text, ask, question);
     if (!ask)
         return Answer::Ok;
     return viewer.Odgovor() ? Answer::Yes : Answer::No;
@@ -109,8 +128,8 @@ Answer showInViewer(const Message& message)
 // The buttons speak the program's language whatever translations the toolkit has.
 void nameButtons(QMessageBox& box)
 {
-    const std::pair<QMessageBox::StandardButton, const char*> names[] = {
-        {QMessageBox::Yes, "&Da"}, {QMessageBox::No, "&Ne"}, {QMessageBox::Cancel, "&Odustani"}};
+    const std::pair<QMessageBox::StandardButton, const char*> names[]
+        = { { QMessageBox::Yes, "&Da" }, { QMessageBox::No, "&Ne" }, { QMessageBox::Cancel, "&Odustani" } };
     for (const auto& [button, name] : names)
         if (QAbstractButton* b = box.button(button))
             b->setText(QString::fromUtf8(name));
@@ -118,10 +137,12 @@ void nameButtons(QMessageBox& box)
 
 // Where stopping was not offered, neither the title bar's close button nor Escape
 // stops the operation.
-class ProgressWindow final : public QProgressDialog {
+class ProgressWindow final : public QProgressDialog
+{
 public:
     ProgressWindow(bool cancellable, QWidget* parent)
-        : QProgressDialog(parent), m_cancellable(cancellable)
+        : QProgressDialog(parent)
+        , m_cancellable(cancellable)
     {
     }
     void reject() override
@@ -145,10 +166,12 @@ private:
 
 // The window is brought up to date a few times a second, not on every row: each update
 // lets the toolkit handle its events, which costs more than painting a row.
-class WindowProgress final : public Progress {
+class WindowProgress final : public Progress
+{
 public:
     explicit WindowProgress(const ProgressSpec& spec)
-        : m_window(new ProgressWindow(spec.cancellable, QApplication::activeWindow())), m_label(spec.label)
+        : m_window(new ProgressWindow(spec.cancellable, QApplication::activeWindow()))
+        , m_label(spec.label)
     {
         m_window->setObjectName(QStringLiteral("frmNapredak"));
         m_window->setWindowTitle(spec.title.isEmpty() ? QApplication::applicationDisplayName() : spec.title);
@@ -214,8 +237,8 @@ Answer DialogInteraction::show(const Message& message)
     if (isLongText(message.text) && (message.buttons == Buttons::Ok || message.buttons == Buttons::YesNo))
         return showInViewer(message);
     QMessageBox box(boxIcon(message.icon),
-                    message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
-                    boxButtons(message.buttons), dialogOwner());
+        message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
+        boxButtons(message.buttons), dialogOwner());
     box.setDefaultButton(boxButton(message.buttons == Buttons::Ok ? Answer::Ok : message.defaultAnswer));
     nameButtons(box);
     const int button = box.exec();
@@ -237,8 +260,7 @@ int DialogInteraction::exec(QDialog& dialog)
 
 std::unique_ptr<QFileDialog> fileChooser(const FileChoice& choice, QFileDialog::AcceptMode mode)
 {
-    auto dialog = std::make_unique<QFileDialog>(dialogOwner(), choice.title, choice.directory,
-                                                qtFilter(choice.filter));
+    auto dialog = std::make_unique<QFileDialog>(dialogOwner(), choice.title, choice.directory, qtFilter(choice.filter));
     dialog->setAcceptMode(mode);
 #ifndef Q_OS_WIN
     // A desktop's own chooser runs inside this process and sniffs the folder's files.

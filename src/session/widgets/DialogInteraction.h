@@ -3,14 +3,15 @@
 #include "session/Interaction.h"
 
 #include <QFileDialog>
-
 #include <memory>
 
-namespace knjige {
+namespace knjige
+{
 
 // The seam as a person meets it: real message boxes, modal dialogs, file choosers
 // and program starts. A host (or the component's first window) installs it once.
-class DialogInteraction final : public Interaction {
+class DialogInteraction final : public Interaction
+{
 public:
     Answer show(const Message& message) override;
     int exec(QDialog& dialog) override;

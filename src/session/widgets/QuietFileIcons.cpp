@@ -8,10 +8,13 @@
 #include <QFileSystemModel>
 #include <QMimeDatabase>
 
-namespace knjige {
-namespace {
+namespace knjige
+{
+namespace
+{
 
-class QuietIconProvider final : public QFileIconProvider {
+class QuietIconProvider final : public QFileIconProvider
+{
 public:
     QIcon icon(IconType type) const override { return QFileIconProvider::icon(type); }
     // A look at the file's kind (stat), never its contents.
@@ -45,9 +48,15 @@ void quietenFileModels(QObject* root)
             model->setIconProvider(&quietFileIcons());
 }
 
-QuietFileDialogs::QuietFileDialogs() { qApp->installEventFilter(this); }
+QuietFileDialogs::QuietFileDialogs()
+{
+    qApp->installEventFilter(this);
+}
 
-QuietFileDialogs::~QuietFileDialogs() { qApp->removeEventFilter(this); }
+QuietFileDialogs::~QuietFileDialogs()
+{
+    qApp->removeEventFilter(this);
+}
 
 bool QuietFileDialogs::eventFilter(QObject* watched, QEvent* event)
 {

@@ -4,7 +4,8 @@
 
 class QAbstractFileIconProvider;
 
-namespace knjige {
+namespace knjige
+{
 
 // Icons and type names of files told from their names alone. The toolkit's own provider
 // opens each file of a listed folder to sniff its type; opening and closing the embedded
@@ -19,7 +20,8 @@ void quietenFileModels(QObject* root);
 // While alive, every dialog the toolkit opens by itself (the print preview's printer
 // dialog with its file name completer, that dialog's file chooser) gets the quiet icons
 // as it is first shown, before its models list a folder.
-class QuietFileDialogs final : public QObject {
+class QuietFileDialogs final : public QObject
+{
 public:
     QuietFileDialogs();
     ~QuietFileDialogs() override;

@@ -6,7 +6,8 @@
 #include <QLineEdit>
 #include <QTimer>
 
-namespace knjige {
+namespace knjige
+{
 
 void SelektirajTekst(QLineEdit* field)
 {
@@ -14,9 +15,11 @@ void SelektirajTekst(QLineEdit* field)
         field->setSelection(0, int(field->text().size()));
 }
 
-namespace {
+namespace
+{
 
-class SelectOnFocus final : public QObject {
+class SelectOnFocus final : public QObject
+{
 public:
     using QObject::QObject;
 

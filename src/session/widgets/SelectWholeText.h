@@ -3,7 +3,8 @@
 class QLineEdit;
 class QWidget;
 
-namespace knjige {
+namespace knjige
+{
 
 // Selects the whole text of an input field, from the start; editors call it when a
 // field gains focus so that typing replaces the old value.
