@@ -2,6 +2,7 @@
 
 #include "journal/PeriodLock.h"
 #include "session/Clock.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -97,8 +98,7 @@ bool generate(int tip)
         return false;
     QString error;
     if (!run(insertSql(s.BrojPoduzeca, year), { tip, s.BrojPoduzeca, qint16(next), 0 }, &error)) {
-        warn(QStringLiteral("Desila se greška: ") + QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: ")
-            + error);
+        warn(failureText(QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: "), error));
         return false;
     }
     inform(QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information);

@@ -4,6 +4,7 @@
 #include "browser/BookQuery.h"
 #include "journal/PeriodLock.h"
 #include "session/BulkNumbers.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -18,7 +19,6 @@ namespace knjige::renumber
 namespace
 {
 
-const QString kGreska = QStringLiteral("Desila se greška: ");
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kLockedNumber = QStringLiteral("Renumeracija bi promijenila redni broj stavke %1 datirane %2.");
 
@@ -398,12 +398,12 @@ After byOrdinal(const Book& b)
     Database& db = session().db();
     ResultSet links;
     if (b.tip == Knjiga::PrihRashFBiH && !db.open(linkedReceivablesSql(b), links)) {
-        warn(kGreska + QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza ") + db.errorDescription());
+        warn(failureText(QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza "), db.errorDescription()));
         return After::Stay;
     }
     ResultSet rows;
     if (!db.open(rowsSql(b, QStringLiteral(" order by RBroj")), rows)) {
-        warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + db.errorDescription());
+        warn(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
         return After::Stay;
     }
     const std::vector<qint64> numbers = numbersOf(rows);
@@ -423,7 +423,7 @@ After byOrdinal(const Book& b)
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
     QString error;
     if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
-        inform(kGreska + QStringLiteral("u spremanju renumeriranih zapisa. Ponovite! ") + error, {}, Icon::Critical);
+        inform(failureText(QStringLiteral("u spremanju renumeriranih zapisa. Ponovite! "), error), {}, Icon::Critical);
     return After::Reload;
 }
 
@@ -443,10 +443,10 @@ After byDate(const Book& b)
     case DateStep::Done:
         return After::Reload;
     case DateStep::Begin:
-        warn(kGreska + QStringLiteral(" u otvaranju konekcije: ") + error);
+        warn(failureText(QStringLiteral(" u otvaranju konekcije: "), error));
         return After::Stay;
     case DateStep::Read:
-        warn(kGreska + QStringLiteral(" Čitanje tek.zapisa ") + error);
+        warn(failureText(QStringLiteral(" Čitanje tek.zapisa "), error));
         return After::Stay;
     case DateStep::Locked:
         warn(error);
@@ -454,7 +454,7 @@ After byDate(const Book& b)
     case DateStep::Write:
         break;
     }
-    inform(kGreska + QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: ") + error, {}, Icon::Critical);
+    inform(failureText(QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: "), error), {}, Icon::Critical);
     return After::Reload;
 }
 

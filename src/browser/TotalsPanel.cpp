@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "session/Dates.h"
+#include "session/Failure.h"
 
 #include <algorithm>
 
@@ -151,7 +152,7 @@ QString totalsPanelSql(
 
 QString totalsPanelFailure()
 {
-    return QStringLiteral("Desila se greška: ") + QStringLiteral("u čitanju podataka o prethodnom periodu!");
+    return failureText(QStringLiteral("u čitanju podataka o prethodnom periodu!"));
 }
 
 TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs)

@@ -9,6 +9,7 @@
 #include "output/OutputFile.h"
 #include "session/Database.h"
 #include "session/Dates.h"
+#include "session/Failure.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -137,8 +138,8 @@ int runExport(const QStringList& args)
     // a few hundred rows; the file replaces an existing one only once it is complete.
     output::OutputFile file(r.out);
     if (!file.open())
-        return complain(QStringLiteral("Desila se greška: ")
-            + QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString()));
+        return complain(failureText(
+            QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString())));
     output::OfficeExportWriter writer(file.device(), r.options);
     bool headed = false;
     const bool read = db.openInParts(sql, [&](const ResultSet& part) {
@@ -162,8 +163,7 @@ int runExport(const QStringList& args)
         file.cancel();
         if (!read && result.ok())
             return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
-        return complain(QStringLiteral("Desila se greška: ")
-            + QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error));
+        return complain(failureText(QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error)));
     }
     if (!result.unmappable.isEmpty())
         complain(output::unmappableNote(result.unmappable, result.firstUnmappableLine));

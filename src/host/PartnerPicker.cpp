@@ -1,5 +1,6 @@
 #include "host/PartnerPicker.h"
 
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
@@ -167,7 +168,7 @@ std::optional<QVector<Partner>> KomitentRegister::readAll(Kind kind)
     Database& db = session().db();
     ResultSet rs;
     if (!db.open(listSql(kind), rs)) {
-        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+        warn(failureText(db.errorDescription()));
         return std::nullopt;
     }
     QVector<Partner> out;

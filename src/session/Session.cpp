@@ -1,6 +1,7 @@
 #include "session/Session.h"
 
 #include "books/BookKind.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 
 #include <QCoreApplication>
@@ -110,7 +111,7 @@ qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd)
     Database& db = s.db();
     ResultSet rs;
     if (!db.open(sql, rs)) {
-        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+        warn(failureText(db.errorDescription()));
         return 0;
     }
     if (rs.isEmpty())

@@ -7,6 +7,7 @@
 #include "editors/widgets/MoneyBox.h"
 #include "journal/PeriodLock.h"
 #include "session/Clock.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -28,7 +29,7 @@ std::optional<qint32> nextNumber(int tip)
     if (!db.errorDescription().isEmpty())
         return std::nullopt;
     if (next > std::numeric_limits<qint32>::max()) {
-        warn(QStringLiteral("Desila se greška: ") + QStringLiteral("Overflow"));
+        warn(failureText(QStringLiteral("Overflow")));
         return std::nullopt;
     }
     return qint32(next);
@@ -140,7 +141,7 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
             error = db.errorDescription();
     }
     if (!locked.isEmpty() || !error.isEmpty()) {
-        warn(locked.isEmpty() ? QStringLiteral("Desila se greška: ") + error : locked);
+        warn(locked.isEmpty() ? failureText(error) : locked);
         return;
     }
     OsvjeziZapise();

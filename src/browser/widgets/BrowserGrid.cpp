@@ -4,6 +4,7 @@
 #include "browser/widgets/TotalsPanelView.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "output/GridWorkbook.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/ReadAside.h"
 #include "session/Session.h"
@@ -259,7 +260,7 @@ void frmSifarnikKnj::SpremiGrid()
     QString error;
     const QString path = browser::gridDumpPath();
     if (!GridWorkbook::write(*m_model, path, &error))
-        warn(QStringLiteral("Desila se greška: ") + error);
+        warn(failureText(error));
     else
         inform(browser::gridDumpMessage(path), QStringLiteral("Tablica u Excel"), Icon::Information);
 }

@@ -3,6 +3,7 @@
 #include "journal/BookCheck.h"
 #include "journal/PeriodLock.h"
 #include "output/widgets/frmPrikazTeksta.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -37,7 +38,7 @@ void frmSifarnikKnj::ZaključajRazdoblje()
     QDate current;
     QString error;
     if (!periodlock::lockDate(db, scope, &current, &error)) {
-        warn(QStringLiteral("Desila se greška: ") + error);
+        warn(failureText(error));
         return;
     }
     QDialog dialog(this);
@@ -71,7 +72,7 @@ void frmSifarnikKnj::ZaključajRazdoblje()
     const bool done = opened ? periodlock::unlock(db, scope, txtRazlog->text(), &error)
                              : periodlock::lock(db, scope, dpDo->date(), &error);
     if (!done) {
-        warn(QStringLiteral("Desila se greška: ") + error);
+        warn(failureText(error));
         return;
     }
     inform(opened

@@ -7,6 +7,7 @@
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
 #include "output/widgets/ReportPrinter.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -19,7 +20,7 @@ void previewOrReport(ReportPrinter& printer, QWidget* parent)
 {
     QString error;
     if (!printer.isReady(&error)) {
-        warn(QStringLiteral("Desila se greška: ") + error);
+        warn(failureText(error));
         return;
     }
     printer.preview(parent);
@@ -34,7 +35,7 @@ std::unique_ptr<ReportPrinter> bookReport(frmSifarnikKnj& w)
     report::BroughtForward forward;
     QString error;
     if (!report::broughtForward(query, layout, &forward, &error)) {
-        warn(QStringLiteral("Desila se greška: ") + error);
+        warn(failureText(error));
         return nullptr;
     }
     auto printer = std::make_unique<ReportPrinter>(layout, report::bookHeader(query, w.rsStavke()), w.rsStavke());
@@ -47,7 +48,7 @@ std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
     Database& db = session().db();
     ResultSet rows;
     if (!db.open(report::recapitulationSql(w.query().filter.where), rows)) {
-        warn(QStringLiteral("Desila se greška: ") + db.errorDescription());
+        warn(failureText(db.errorDescription()));
         return nullptr;
     }
     return std::make_unique<ReportPrinter>(

@@ -5,6 +5,7 @@
 #include "editors/widgets/MoneyBox.h"
 #include "journal/PeriodLock.h"
 #include "session/Clock.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/Workstation.h"
@@ -313,7 +314,7 @@ void RecordEditor::procitaj()
     m_procitan = false;
     ResultSet rs;
     if (!db.open(readStatement(), rs)) {
-        inform(QStringLiteral("Desila se greška: ") + QStringLiteral(" Čitanje tek.zapisa ") + db.errorDescription());
+        inform(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
         return;
     }
     // Two entries may share a number: the one the browser's row shows is meant.

@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "editors/widgets/MoneyBox.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
@@ -175,7 +176,7 @@ bool frmKnjPRashFBiHPregled::mayDelete()
         + QStringLiteral(" AND RBrojKPR=") + QString::number(sRedniBroj);
     if (!db.open(sql, linked)) {
         // The deletion goes on although the link could not be checked.
-        inform(QStringLiteral("Desila se greška: ") + QStringLiteral("u čitanju stavke."));
+        inform(failureText(QStringLiteral("u čitanju stavke.")));
         return true;
     }
     if (linked.isEmpty())
@@ -208,7 +209,7 @@ void frmKnjPRashFBiHPregled::afterWrite()
     const journal::Change links { journal::Radnja::Veze, std::nullopt, {},
         journal::valueChanges({ { sRedniBroj, novi } }) };
     if (!journal::append(db, { Knjiga::EvidPotObvFBiH, s.BrojPoduzeca, s.RadnaGodina, 0 }, links, &error))
-        m_writeError = QStringLiteral("Desila se greška: ") + error;
+        m_writeError = failureText(error);
 }
 
 } // namespace knjige

@@ -4,6 +4,7 @@
 #include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
 #include "session/DatabaseFiles.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Workstation.h"
 #include "session/widgets/QuietFileIcons.h"
@@ -470,7 +471,7 @@ void ReportPrinter::preview(QWidget* parent)
     // truncate the file the moment it begins.
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this, &dialog](QPrinter* target) {
         if (target->outputFormat() == QPrinter::PdfFormat && isOpenDatabaseFile(target->outputFileName())) {
-            warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(target->outputFileName()));
+            warn(failureText(openDatabaseRefusal(target->outputFileName())));
             return;
         }
         // Pages for the screen may be given up (the preview closes); a job for the

@@ -1,6 +1,7 @@
 #include "output/widgets/frmOfficeExportPost.h"
 
 #include "session/DatabaseFiles.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/ResultSet.h"
 #include "session/SettingsStore.h"
@@ -179,21 +180,20 @@ bool frmOfficeExportPost::PrebaciPodatke()
     spremiPostavke();
     const QString name = txtNazivDat->text().trimmed();
     if (QFileInfo(name).isDir()) {
-        warn(QStringLiteral("Desila se greška: ") + name + QStringLiteral(" je mapa, a ne datoteka."), windowTitle());
+        warn(failureText(name + QStringLiteral(" je mapa, a ne datoteka.")), windowTitle());
         return false;
     }
     if (isOpenDatabaseFile(name)) {
-        warn(QStringLiteral("Desila se greška: ") + openDatabaseRefusal(name), windowTitle());
+        warn(failureText(openDatabaseRefusal(name)), windowTitle());
         return false;
     }
     // The system's own words would name the failure in English only once writing began.
     const QFileInfo folder(QFileInfo(name).absolutePath());
     if (!folder.isDir() || !folder.isWritable()) {
-        warn(QStringLiteral("Desila se greška: ")
-                + (folder.isDir() ? QStringLiteral("u mapu %1 nije dopušteno pisati.")
-                                  : QStringLiteral("mapa %1 ne postoji."))
-                      .arg(QDir::toNativeSeparators(folder.absoluteFilePath()))
-                + QStringLiteral(" Izaberite drugu mapu za datoteku."),
+        warn(failureText((folder.isDir() ? QStringLiteral("u mapu %1 nije dopušteno pisati.")
+                                         : QStringLiteral("mapa %1 ne postoji."))
+                             .arg(QDir::toNativeSeparators(folder.absoluteFilePath())),
+                 QStringLiteral(" Izaberite drugu mapu za datoteku.")),
             windowTitle());
         return false;
     }
@@ -222,7 +222,7 @@ bool frmOfficeExportPost::upisi(const QString& name, ExportResult* result) const
     *result = exportToFile(m_rows, opcije(), name);
     // Stopped by the person: the file stays as it was and the form open.
     if (!result->ok() && !result->cancelled)
-        warn(QStringLiteral("Desila se greška: ") + result->error, windowTitle());
+        warn(failureText(result->error), windowTitle());
     return result->ok();
 }
 
@@ -231,8 +231,8 @@ void frmOfficeExportPost::pokreniProgram(const QString& name) const
     const QString program = resolveProgram(txtLokacijaEXE->text());
     const QString file = QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath());
     if (!interaction().startProgram(program, { file }))
-        warn(QStringLiteral("Desila se greška: program ") + txtLokacijaEXE->text().trimmed()
-                + QStringLiteral(" nije moguće pokrenuti."),
+        warn(failureText(QStringLiteral("program ") + txtLokacijaEXE->text().trimmed()
+                 + QStringLiteral(" nije moguće pokrenuti.")),
             windowTitle());
 }
 
