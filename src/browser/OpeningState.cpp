@@ -78,16 +78,16 @@ QString insertSql(qint16 company, qint16 year)
         + QStringLiteral(" AND KnjigVrijednost>0 AND round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2)>0");
 }
 
-bool generate(int tip)
+Generated generate(int tip)
 {
     const Session& s = session();
     const qint16 year = s.RadnaGodina;
     const int next = year + 1;
-    if (next > clock::today().year()) {
-        warn(QStringLiteral("Nije moguće generirati početna stanja za ") + QString::number(next)
-            + QStringLiteral(" jer ona još nije nastupila!"));
-        return false;
-    }
+    if (next > clock::today().year())
+        return { false,
+            { QStringLiteral("Nije moguće generirati početna stanja za ") + QString::number(next)
+                    + QStringLiteral(" jer ona još nije nastupila!"),
+                {}, Icon::Exclamation } };
     QString question;
     if (highestNumberIn(tip, qint16(next)) > 0)
         question = QStringLiteral("Već postoji knjiženje za godinu: ") + QString::number(next) + QStringLiteral(" ! ");
@@ -95,14 +95,14 @@ bool generate(int tip)
         + QStringLiteral(" na osnovu stanja u godini: ") + QString::number(year) + QStringLiteral("?") + u'\n'
         + QStringLiteral("Pažljivo, moguće dupliranje podataka!");
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::Yes }) != Answer::Yes)
-        return false;
+        return {};
     QString error;
-    if (!run(insertSql(s.BrojPoduzeca, year), { tip, s.BrojPoduzeca, qint16(next), 0 }, &error)) {
-        warn(failureText(QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: "), error));
-        return false;
-    }
-    inform(QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information);
-    return true;
+    if (!run(insertSql(s.BrojPoduzeca, year), { tip, s.BrojPoduzeca, qint16(next), 0 }, &error))
+        return { false,
+            { failureText(QStringLiteral("u generiranju stanja. Ponovite postupak. Greška: "), error), {},
+                Icon::Exclamation } };
+    return { true,
+        { QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information } };
 }
 
 } // namespace knjige::openingstate

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "session/Failure.h"
+
 #include <QString>
 
 namespace knjige::openingstate
@@ -12,10 +14,17 @@ namespace knjige::openingstate
 // highest of the new year, in the order of their old numbers.
 QString insertSql(qint16 company, qint16 year);
 
+// Whether rows were made, and what to tell the operator afterwards: the refusal, the
+// failure with the data layer's words, or the success.
+struct Generated {
+    bool made = false;
+    Notice notice;
+};
+
 // Makes the opening state of the year after the session's working year for the asset
-// list `tip`: refuses a year that has not begun yet (by clock::today()), warns when the
-// year already holds rows, asks, runs the statement in one transaction and reports.
-// True when rows were made.
-bool generate(int tip);
+// list `tip`: refuses a year that has not begun yet (by clock::today()), asks through
+// the seam (saying so when the year already holds rows) and runs the statement in one
+// transaction. The outcome is returned, not shown: the caller tells it.
+Generated generate(int tip);
 
 } // namespace knjige::openingstate

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "session/Interaction.h"
+
 #include <QString>
 
 namespace knjige
@@ -11,6 +13,22 @@ namespace knjige
 inline QString failureText(const QString& phrase, const QString& detail = {})
 {
     return QStringLiteral("Desila se greška: ") + phrase + detail;
+}
+
+// What a core routine has to tell the person once its work is over, most often a
+// failure, as a value: the routine does the work and returns it, and whoever called
+// (a window, a batch command) decides how to show it. An empty text: nothing to tell.
+struct Notice {
+    QString text;
+    QString title; // empty: the application's default title
+    Icon icon = Icon::Exclamation;
+};
+
+// Shows a notice through the seam as a message box with its icon; nothing for an empty one.
+inline void tell(const Notice& notice)
+{
+    if (!notice.text.isEmpty())
+        inform(notice.text, notice.title, notice.icon);
 }
 
 } // namespace knjige

@@ -81,7 +81,7 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
     EXPECT_EQ(renumber::byDate(sessionBook(96)), renumber::After::Reload); // blank, A, C, B
     clock::setToday(QDate(2017, 3, 1));
     script->answers.enqueue(Answer::Yes);
-    EXPECT_TRUE(openingstate::generate(Knjiga::PopListaFBiH));
+    EXPECT_TRUE(openingstate::generate(Knjiga::PopListaFBiH).made);
     clock::setToday({});
 
     const std::vector<journal::Record> records = chain(t);

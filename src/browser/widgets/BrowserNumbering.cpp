@@ -35,7 +35,11 @@ void frmSifarnikKnj::ReNumeracijaPoDatumu()
 
 void frmSifarnikKnj::PočetnoStanje()
 {
-    if (isAssetList(m_query.bookKind) && openingstate::generate(m_query.bookKind))
+    if (!isAssetList(m_query.bookKind))
+        return;
+    const openingstate::Generated generated = openingstate::generate(m_query.bookKind);
+    tell(generated.notice);
+    if (generated.made)
         OsvjeziZapise();
 }
 
