@@ -30,6 +30,12 @@ std::unique_ptr<Progress> showSteps(int steps)
         { QStringLiteral("Renumeracija"), QStringLiteral("Renumeracija: korak %1 od %2"), steps, false });
 }
 
+// A refusal or failure that leaves the book as it was, to be told as a warning.
+Outcome refusal(const QString& text)
+{
+    return { After::Stay, { text, {}, Icon::Exclamation } };
+}
+
 QString num(qint64 v)
 {
     return QString::number(v);
@@ -369,93 +375,89 @@ QString linkedReceivablesSql(const Book& b)
         + QStringLiteral(" AND BROJPODUZECA=") + num(b.company) + QStringLiteral(" AND RBrojKPR<>0 order by RBroj");
 }
 
-bool insertAt(const Book& b, qint32 n)
+Outcome insertAt(const Book& b, qint32 n)
 {
     // A trade book without a chosen sales point would get a blank entry of none.
     if (n == 0 || !takesPart(b.tip) || (isTradeBook(b.tip) && b.brojProd == 0))
-        return false;
+        return {};
     Database& db = session().db();
     // The blank entry is dated 1 January and every entry after it changes its number.
     const QString locked = periodlock::refuseDates(db, scopeOf(b), { QDate(b.year, 1, 1) },
         QStringLiteral("Ubačena stavka bila bi datirana %1, a stavke iza nje dobile bi nove redne brojeve."));
-    if (!locked.isEmpty()) {
-        warn(locked);
-        return false;
-    }
+    if (!locked.isEmpty())
+        return refusal(locked);
     TransactionGuard tx(db);
     QString error;
     ResultSet blank;
-    return tx.isActive() && journal::ensureBaseline(db, scopeOf(b), &error) && db.execute(shiftSql(b, n))
+    const bool inserted = tx.isActive() && journal::ensureBaseline(db, scopeOf(b), &error) && db.execute(shiftSql(b, n))
         && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
         && journal::append(db, scopeOf(b), { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
         && tx.commit();
+    return { inserted ? After::Reload : After::Stay, {} };
 }
 
-After byOrdinal(const Book& b)
+Outcome byOrdinal(const Book& b)
 {
     if (!takesPart(b.tip))
-        return After::Stay;
+        return {};
     Database& db = session().db();
     ResultSet links;
     if (b.tip == Knjiga::PrihRashFBiH && !db.open(linkedReceivablesSql(b), links)) {
-        warn(failureText(QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza "), db.errorDescription()));
-        return After::Stay;
+        return refusal(
+            failureText(QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza "), db.errorDescription()));
     }
     ResultSet rows;
     if (!db.open(rowsSql(b, QStringLiteral(" order by RBroj")), rows)) {
-        warn(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
-        return After::Stay;
+        return refusal(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
     }
     const std::vector<qint64> numbers = numbersOf(rows);
     const int from = firstOutOfPlace(numbers);
     if (from < 0)
-        return After::Stay;
+        return {};
     if (interaction().show({ QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"),
             QStringLiteral("Renumeracija"), Icon::Question, Buttons::YesNo, Answer::Yes })
         != Answer::Yes)
-        return After::Reload;
+        return { After::Reload, {} };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
     if (const QString locked = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
         !locked.isEmpty()) {
-        warn(locked);
-        return After::Stay;
+        return refusal(locked);
     }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
     QString error;
     if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
-        inform(failureText(QStringLiteral("u spremanju renumeriranih zapisa. Ponovite! "), error), {}, Icon::Critical);
-    return After::Reload;
+        return { After::Reload,
+            { failureText(QStringLiteral("u spremanju renumeriranih zapisa. Ponovite! "), error), {},
+                Icon::Critical } };
+    return { After::Reload, {} };
 }
 
-After byDate(const Book& b)
+Outcome byDate(const Book& b)
 {
     if (!takesPart(b.tip))
-        return After::Stay;
+        return {};
     const QString question = QStringLiteral("Želite li ažurirati redne brojeve, ali tako da budu složeni po datumima "
                                             "dokumenata?")
         + u'\n' + QStringLiteral("Pažljivo. Svi redni brojevi se mijenjaju!");
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
-        return After::Stay;
+        return {};
 
     QString error;
-    // Each message comes after the rollback, so no lock is held while it is read.
+    // Each notice is told after the rollback, so no lock is held while it is read.
     switch (renumberByDate(session().db(), b, &error)) {
     case DateStep::Done:
-        return After::Reload;
+        return { After::Reload, {} };
     case DateStep::Begin:
-        warn(failureText(QStringLiteral(" u otvaranju konekcije: "), error));
-        return After::Stay;
+        return refusal(failureText(QStringLiteral(" u otvaranju konekcije: "), error));
     case DateStep::Read:
-        warn(failureText(QStringLiteral(" Čitanje tek.zapisa "), error));
-        return After::Stay;
+        return refusal(failureText(QStringLiteral(" Čitanje tek.zapisa "), error));
     case DateStep::Locked:
-        warn(error);
-        return After::Stay;
+        return refusal(error);
     case DateStep::Write:
         break;
     }
-    inform(failureText(QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: "), error), {}, Icon::Critical);
-    return After::Reload;
+    return { After::Reload,
+        { failureText(QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: "), error), {}, Icon::Critical } };
 }
 
 } // namespace knjige::renumber

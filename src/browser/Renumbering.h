@@ -1,5 +1,7 @@
 #pragma once
 
+#include "session/Failure.h"
+
 #include <QString>
 
 namespace knjige::browser
@@ -46,21 +48,31 @@ QString linkedReceivablesSql(const Book& b);
 
 // --- The operations ---------------------------------------------------------------
 // Each runs in one transaction: it changes every number it should or, on any failure,
-// none. They speak to the operator through the interaction seam.
-
-// Opens a gap at number n and puts a blank entry into it. No question and no message:
-// false when nothing changed (n is 0, the book takes no part, or a statement failed).
-bool insertAt(const Book& b, qint32 n);
+// none. Their questions go through the interaction seam as the work reaches them; the
+// refusal or failure they end with is returned, for the caller to tell.
 
 // Whether the browser re-reads the book afterwards.
 enum class After { Stay, Reload };
 
+// How an operation ended: whether the book changed (or may have) and what to tell the
+// operator; an empty notice when all went well or the operator said no.
+struct Outcome {
+    After after = After::Stay;
+    Notice notice;
+};
+
+// Opens a gap at number n and puts a blank entry into it, without a question: Reload
+// when the entry is in. Stay when nothing changed: n is 0, the book takes no part, a
+// statement failed (the data layer keeps its words), or a locked period refuses it
+// (the notice says so).
+Outcome insertAt(const Book& b, qint32 n);
+
 // Closes gaps and duplicates in the order of the numbers, after asking. In the income
 // and expense book FBiH the first receivables row linked to a changed number follows it.
-After byOrdinal(const Book& b);
+Outcome byOrdinal(const Book& b);
 
 // Numbers the book 1, 2, 3, ... in the order of the dates, after asking. In the income
 // and expense book FBiH every receivables link follows its entry.
-After byDate(const Book& b);
+Outcome byDate(const Book& b);
 
 } // namespace knjige::renumber

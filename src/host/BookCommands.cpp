@@ -10,6 +10,7 @@
 #include "journal/PeriodLock.h"
 #include "session/Database.h"
 #include "session/Dates.h"
+#include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
 
@@ -228,7 +229,7 @@ int runRenumber(const QStringList& args)
         return complain(QStringLiteral("Knjiga %1 nema renumeraciju.").arg(b.book->code), Usage);
     const renumber::Book book = renumber::bookOf(b.query());
     return unattended([&] {
-        byDate ? renumber::byDate(book) : renumber::byOrdinal(book);
+        tell((byDate ? renumber::byDate(book) : renumber::byOrdinal(book)).notice);
         return true;
     });
 }
@@ -264,7 +265,11 @@ int runInsert(const QStringList& args)
                 .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
             Usage);
     const renumber::Book book = renumber::bookOf(b.query());
-    const int code = unattended([&] { return renumber::insertAt(book, qint32(*at)); });
+    const int code = unattended([&] {
+        const renumber::Outcome inserted = renumber::insertAt(book, qint32(*at));
+        tell(inserted.notice);
+        return inserted.after == renumber::After::Reload;
+    });
     if (code != Done && !session().db().errorDescription().isEmpty())
         return complain(QStringLiteral("Umetanje nije uspjelo: ") + session().db().errorDescription());
     if (code != Done)

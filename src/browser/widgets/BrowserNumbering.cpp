@@ -1,6 +1,6 @@
 // Insertion at a position, the two renumberings and the asset list's opening state:
-// the browser picks the book and the entry, the core does the work, the browser
-// re-reads the book.
+// the browser picks the book and the entry, the core does the work and returns how it
+// ended, the browser tells that and re-reads the book.
 #include "books/BookKind.h"
 #include "browser/OpeningState.h"
 #include "browser/Renumbering.h"
@@ -8,13 +8,24 @@
 
 namespace knjige
 {
+namespace
+{
+
+// Tells how the operation ended, before the book is read again.
+bool reloads(const renumber::Outcome& outcome)
+{
+    tell(outcome.notice);
+    return outcome.after == renumber::After::Reload;
+}
+
+} // namespace
 
 void frmSifarnikKnj::UbaciZapis()
 {
     if (rsStavke().isEmpty())
         return;
     const qint32 n = trenutniRBroj();
-    if (!renumber::insertAt(renumber::bookOf(m_query), n))
+    if (!reloads(renumber::insertAt(renumber::bookOf(m_query), n)))
         return;
     // The blank entry stands where the operator was.
     m_query.returnTo = n;
@@ -23,13 +34,13 @@ void frmSifarnikKnj::UbaciZapis()
 
 void frmSifarnikKnj::ProvjeraNumeracije()
 {
-    if (renumber::byOrdinal(renumber::bookOf(m_query)) == renumber::After::Reload)
+    if (reloads(renumber::byOrdinal(renumber::bookOf(m_query))))
         OsvjeziZapise();
 }
 
 void frmSifarnikKnj::ReNumeracijaPoDatumu()
 {
-    if (renumber::byDate(renumber::bookOf(m_query)) == renumber::After::Reload)
+    if (reloads(renumber::byDate(renumber::bookOf(m_query))))
         OsvjeziZapise();
 }
 
