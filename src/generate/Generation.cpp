@@ -437,15 +437,21 @@ void izostavi(QVector<RowChange::Values>& stavke, const QVector<bool>& koje)
     stavke = ostale;
 }
 
+Notice upozorenje(const QString& tekst)
+{
+    return { tekst, {}, Icon::Exclamation };
+}
+
 // A second run over the same period would write its documents again, and a payment
 // of an earlier year's invoice keeps the invoice's year while it takes a number of
 // the working year. Both are asked about before anything is written; the entries
-// left out take no number. False when the book cannot be read.
-bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke)
+// left out take no number. False, with the failure in `poruka`, when the book cannot
+// be read.
+bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, Notice* poruka)
 {
     const std::optional<QVector<bool>> upisane = većUpisane(db, p, stavke);
     if (!upisane) {
-        warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
+        *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return false;
     }
     const int već = int(upisane->count(true));
@@ -486,12 +492,12 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavk
 
 // Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
 // speed, but a failure keeps those written before it, as a run without a transaction
-// would.
-int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji)
+// would. A failure or refusal is left in `poruka`.
+int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji, Notice* poruka)
 {
     ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
-        warn(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
+        *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
     }
     // Nothing is written into a closed period; the rows written go into the journal
@@ -503,7 +509,7 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
     const QString zaključano = periodlock::refuseDates(
         db, knjigaDB, datumi, QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
     if (!zaključano.isEmpty()) {
-        warn(zaključano);
+        *poruka = upozorenje(zaključano);
         return 0;
     }
     TransactionGuard transakcija(db);
@@ -513,7 +519,7 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
             || journal::append(db, knjigaDB, { journal::Radnja::Generiranje, std::nullopt, {}, dnevnik }, &greška);
     };
     if (!journal::ensureBaseline(db, knjigaDB, &greška)) {
-        warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+        *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
     // Gone before any message: the rows written before a failure stay, so stopping
@@ -535,14 +541,14 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
             else if (transakcija.isActive())
                 transakcija.commit();
             napredak.reset();
-            warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+            *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
         napredak->advance(++zapisano);
     }
     napredak.reset();
     if (transakcija.isActive() && (!zapišiDnevnik() || !transakcija.commit())) {
-        warn(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
+        *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
     return zapisano;
@@ -559,7 +565,7 @@ Rezultat generiraj(const Parametri& p)
     Database& knjiga = session().db();
     const std::optional<qint64> zadnji = zadnjiBroj(knjiga, p);
     if (!zadnji) {
-        warn(QStringLiteral("Greška u čitanju zadnjeg rednog broja knjige!"));
+        rezultat.poruka = upozorenje(QStringLiteral("Greška u čitanju zadnjeg rednog broja knjige!"));
         return rezultat;
     }
     ResultSet redovi;
@@ -569,12 +575,12 @@ Rezultat generiraj(const Parametri& p)
         Database izvor;
         rezultat.izvorOtvoren = izvor.connect(p.izvor);
         if (!rezultat.izvorOtvoren || !izvor.open(izvorniUpit(p), redovi)) {
-            warn(opis.greškaČitanja);
+            rezultat.poruka = upozorenje(opis.greškaČitanja);
             return rezultat;
         }
     }
     if (redovi.isEmpty()) {
-        inform(opis.nemaPodataka, {}, Icon::Information);
+        rezultat.poruka = { opis.nemaPodataka, {}, Icon::Information };
         return rezultat;
     }
     if (!pitaj(QStringLiteral("Postoje ") + QString::number(redovi.rowCount()) + opis.upitBroja))
@@ -582,13 +588,13 @@ Rezultat generiraj(const Parametri& p)
     QVector<RowChange::Values> stavke;
     for (int r = 0; r < redovi.rowCount(); ++r)
         stavke << stavka(p, redovi, r);
-    if (!izaberi(knjiga, p, stavke))
+    if (!izaberi(knjiga, p, stavke, &rezultat.poruka))
         return rezultat;
-    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji);
+    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji, &rezultat.poruka);
     if (rezultat.zapisano == stavke.size())
-        inform(QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
+        rezultat.poruka = { QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
-            {}, Icon::Information);
+            {}, Icon::Information };
     return rezultat;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "session/Failure.h"
+
 #include <QDate>
 #include <QString>
 
@@ -79,6 +81,7 @@ int vrstaStavke(int vrsta, const QString& brojDokumenta = {});
 struct Rezultat {
     int zapisano = 0; // entries written to the book
     bool izvorOtvoren = false; // the source connection was made
+    Notice poruka; // how the run ended: a failure, "nothing to generate" or the success
 };
 
 // Runs one generation: the confirmation, the book's last number, the source rows on
@@ -87,8 +90,10 @@ struct Rezultat {
 // it asks whether to write again the documents the book already holds from an
 // earlier run (default No: they are left out) and whether to leave out the entries
 // whose year is not the working year (default Yes); entries left out take no number.
-// Every failure and every "No" to the first two questions ends the run with its
-// message; entries already written stay.
+// The questions go through the seam as the run reaches them; the message the run ends
+// with (a failure, an empty source, the success) is returned in `poruka` for the
+// caller to tell. Every failure and every "No" to the first two questions ends the
+// run; entries already written stay.
 Rezultat generiraj(const Parametri& p);
 
 } // namespace knjige::gen

@@ -307,6 +307,7 @@ void frmGenPrihRashDB::OKButton_Click()
         return;
     p.izvor = gen::vezaIzvora(izvor(), *sa);
     const gen::Rezultat r = gen::generiraj(p);
+    tell(r.poruka);
     m_zapisano += r.zapisano;
     // A typed password is kept once the server took it.
     if (r.izvorOtvoren && !izvor().ugrađena() && !txtLozinka->text().isEmpty()) {
