@@ -138,7 +138,7 @@ int print(const Request& r)
     ResultSet rows;
     if (!db.open(query.sql(), rows))
         return complain(QStringLiteral("Knjigu nije moguće pročitati: ") + db.errorDescription());
-    DefVarijabli::CitajKonfiguraciju(true);
+    tell(DefVarijabli::CitajKonfiguraciju(true));
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
     const report::Layout layout = report::bookLayout(r.kind, query.salesPoint());

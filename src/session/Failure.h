@@ -3,6 +3,7 @@
 #include "session/Interaction.h"
 
 #include <QString>
+#include <QVector>
 
 namespace knjige
 {
@@ -24,11 +25,19 @@ struct Notice {
     Icon icon = Icon::Exclamation;
 };
 
+using Notices = QVector<Notice>; // in the order they arose
+
 // Shows a notice through the seam as a message box with its icon; nothing for an empty one.
 inline void tell(const Notice& notice)
 {
     if (!notice.text.isEmpty())
         inform(notice.text, notice.title, notice.icon);
+}
+
+inline void tell(const Notices& notices)
+{
+    for (const Notice& notice : notices)
+        tell(notice);
 }
 
 } // namespace knjige

@@ -122,23 +122,26 @@ qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd)
     return qint32(rs.integer(0, c));
 }
 
-void CitajKonfiguraciju(bool sveKolone)
+Notices CitajKonfiguraciju(bool sveKolone)
 {
     Session& s = session();
     Database& db = s.db();
+    Notices notices;
     if (!db.execute(QStringLiteral("SET TEXTSIZE 1000000")))
-        warn(QStringLiteral("Nisam postavio veličinu TEXTSIZE"));
+        notices.append({ QStringLiteral("Nisam postavio veličinu TEXTSIZE"), {}, Icon::Exclamation });
     const QString sql = QStringLiteral("SELECT ") + (sveKolone ? QStringLiteral("*") : QStringLiteral("NazivFirme"))
         + QStringLiteral(" FROM dbo.CONFIG WHERE BROJPODUZECA=") + QString::number(s.BrojPoduzeca);
     ResultSet rs;
     if (!db.open(sql, rs)) {
-        warn(QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
-        return;
+        notices.append(
+            { QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"), {}, Icon::Exclamation });
+        return notices;
     }
     s.Konfiguracija = rs;
     const int c = rs.indexOf(QStringLiteral("NazivFirme"));
     if (!rs.isEmpty() && c >= 0)
         s.NazivFirme = rs.text(0, c);
+    return notices;
 }
 
 QString ImeOperatera()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "session/Database.h"
+#include "session/Failure.h"
 #include "session/ResultSet.h"
 
 #include <QString>
@@ -46,7 +47,9 @@ QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32
 // failure is reported ("Desila se greška: " + the data layer's text) and gives 0.
 qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd = 0);
 // Reads the company's configuration row into the session and sets the company name.
-void CitajKonfiguraciju(bool sveKolone);
+// What went wrong (the text size not set, the row not read: the name stays) is
+// returned for the caller to tell.
+Notices CitajKonfiguraciju(bool sveKolone);
 QString ImeOperatera();
 
 } // namespace DefVarijabli

@@ -218,18 +218,17 @@ TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
     TestDatabase t;
     t.insert("dbo.CONFIG",
         { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") }, { "Napomena", QString(5000, u'x') } });
-    DefVarijabli::CitajKonfiguraciju(true);
+    EXPECT_TRUE(DefVarijabli::CitajKonfiguraciju(true).isEmpty());
     EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
     const ResultSet& cfg = session().Konfiguracija;
     ASSERT_EQ(cfg.rowCount(), 1);
     EXPECT_EQ(cfg.text(0, cfg.indexOf("Napomena")).size(), 5000);
 
     t.exec(QStringLiteral("DROP TABLE dbo.CONFIG"));
-    ScopedScript script;
-    DefVarijabli::CitajKonfiguraciju(false);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_EQ(script->messages[0].text, QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
-    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    const Notices notices = DefVarijabli::CitajKonfiguraciju(false);
+    ASSERT_EQ(notices.size(), 1);
+    EXPECT_EQ(notices[0].text, QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"));
+    EXPECT_EQ(notices[0].icon, Icon::Exclamation);
     EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
     EXPECT_EQ(t.db().lastSql(), QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
 }

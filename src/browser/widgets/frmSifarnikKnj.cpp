@@ -167,7 +167,7 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
         return;
     }
     // The company's name and configuration row head every printed report.
-    DefVarijabli::CitajKonfiguraciju(true);
+    tell(DefVarijabli::CitajKonfiguraciju(true));
     // A book the journal has not met yet is fingerprinted as it stands; the check
     // reports (rather than this window) a journal that cannot be written.
     QString ignored;
