@@ -3,8 +3,8 @@
 // The entries of the demonstration company, book by book, before they are numbered
 // and written. Only DemoData.cpp and the generators use this header.
 
-#include "session/Database.h"
 #include "session/Money.h"
+#include "session/db/Database.h"
 
 #include <QDate>
 #include <QString>

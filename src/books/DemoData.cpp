@@ -2,7 +2,7 @@
 
 #include "books/DemoBooks.h"
 #include "session/Clock.h"
-#include "session/Database.h"
+#include "session/db/Database.h"
 
 #include <QHash>
 #include <QStringList>

@@ -3,9 +3,9 @@
 #include "books/BookKind.h"
 #include "browser/BookQuery.h"
 #include "journal/PeriodLock.h"
-#include "session/BulkNumbers.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/BulkNumbers.h"
 
 #include <QHash>
 #include <optional>

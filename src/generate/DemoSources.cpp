@@ -3,7 +3,7 @@
 #include "books/DemoBooks.h"
 #include "books/DemoData.h"
 #include "books/Schema.h"
-#include "session/Database.h"
+#include "session/db/Database.h"
 
 #include <QDate>
 #include <QFile>

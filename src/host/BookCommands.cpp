@@ -8,10 +8,10 @@
 #include "host/Cli.h"
 #include "journal/BookCheck.h"
 #include "journal/PeriodLock.h"
-#include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/Database.h"
 
 #include <QTextStream>
 #include <memory>

@@ -8,9 +8,9 @@
 #include "host/HostRights.h"
 #include "journal/Journal.h"
 #include "session/Clock.h"
-#include "session/ConnectionString.h"
-#include "session/Database.h"
-#include "session/TSqlTokenizer.h"
+#include "session/db/ConnectionString.h"
+#include "session/db/Database.h"
+#include "session/tsql/TSqlTokenizer.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -7,8 +7,8 @@
 #include "host/HostRights.h"
 #include "output/OfficeExport.h"
 #include "output/OutputFile.h"
-#include "session/Database.h"
 #include "session/Dates.h"
+#include "session/db/Database.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -10,11 +10,11 @@
 #include "host/HostRights.h"
 #include "host/PartnerPicker.h"
 #include "session/Clock.h"
-#include "session/ConnectionString.h"
 #include "session/Dates.h"
 #include "session/HostServices.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/ConnectionString.h"
 #include "session/widgets/DialogInteraction.h"
 
 #include <QApplication>

@@ -10,8 +10,8 @@
 #include "journal/BookCheck.h"
 #include "journal/Journal.h"
 #include "journal/PeriodLock.h"
-#include "session/ConnectionString.h"
 #include "session/Session.h"
+#include "session/db/ConnectionString.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
 

@@ -5,8 +5,8 @@
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "output/GridWorkbook.h"
 #include "session/Interaction.h"
-#include "session/ReadAside.h"
 #include "session/Session.h"
+#include "session/db/ReadAside.h"
 
 #include <QAction>
 #include <QHeaderView>

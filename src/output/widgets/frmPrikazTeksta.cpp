@@ -1,8 +1,8 @@
 #include "output/widgets/frmPrikazTeksta.h"
 
 #include "output/CodePage.h"
-#include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
+#include "session/db/DatabaseFiles.h"
 
 #include <QAction>
 #include <QDir>
