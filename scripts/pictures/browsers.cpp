@@ -2,7 +2,7 @@
 // and a book before and after renumbering, on the demonstration company.
 #include "Pictures.h"
 #include "books/BookKind.h"
-#include "books/DemoData.h"
+#include "demo/DemoData.h"
 #include "editors/widgets/RecordEditor.h"
 #include "journal/PeriodLock.h"
 #include "session/Clock.h"

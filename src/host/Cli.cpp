@@ -1,8 +1,8 @@
 #include "host/Cli.h"
 
-#include "books/DemoData.h"
 #include "books/Schema.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "host/HostRights.h"

@@ -1,10 +1,10 @@
 #include "host/HostWindows.h"
 
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "browser/widgets/frmSifarnikKnj.h"
+#include "demo/DemoData.h"
 #include "host/BookChooser.h"
 #include "host/Cli.h"
 #include "host/HostRights.h"

@@ -3,8 +3,8 @@
 // order, the questions, and the failures with their messages.
 #include "ResultText.h"
 #include "books/BookKind.h"
-#include "books/DemoData.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/Generation.h"
 #include "generate/SourceDatabase.h"
 #include "journal/BookCheck.h"

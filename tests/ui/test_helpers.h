@@ -1,6 +1,6 @@
 #pragma once
 
-#include "books/DemoData.h"
+#include "demo/DemoData.h"
 #include "session/db/ResultSet.h"
 
 #include <QStringList>

@@ -1,8 +1,8 @@
-#include "generate/DemoSources.h"
+#include "demo/DemoSources.h"
 
-#include "books/DemoBooks.h"
-#include "books/DemoData.h"
 #include "books/Schema.h"
+#include "demo/DemoBooks.h"
+#include "demo/DemoData.h"
 #include "session/db/Database.h"
 
 #include <QDate>

@@ -1,6 +1,6 @@
-#include "books/DemoData.h"
+#include "demo/DemoData.h"
 
-#include "books/DemoBooks.h"
+#include "demo/DemoBooks.h"
 #include "session/Clock.h"
 #include "session/db/Database.h"
 

@@ -1,4 +1,4 @@
-#include "books/DemoBooks.h"
+#include "demo/DemoBooks.h"
 
 #include <QHash>
 #include <algorithm>
