@@ -9,6 +9,7 @@
 #include "host/Cli.h"
 #include "host/HostRights.h"
 #include "host/PartnerPicker.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/Clock.h"
 #include "session/Dates.h"
 #include "session/HostServices.h"
@@ -241,6 +242,7 @@ void startWindows(const Options& o, WindowsScope& scope)
         scope.previous = setInteraction(std::make_unique<UnattendedInteraction>());
     else
         ensureDialogInteraction();
+    useTextViewerForLongTexts();
     installProgramServices();
 }
 
