@@ -4,8 +4,8 @@
 #include "books/Schema.h"
 #include "browser/BrowserRules.h"
 #include "session/Session.h"
-#include "session/TSqlFunctions.h"
-#include "session/TSqlTranslator.h"
+#include "session/tsql/TSqlFunctions.h"
+#include "session/tsql/TSqlTranslator.h"
 
 #include <QDate>
 #include <QSqlDatabase>

@@ -11,7 +11,7 @@
 #include "browser/widgets/BookGrid.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Session.h"
-#include "session/TSqlFunctions.h"
+#include "session/tsql/TSqlFunctions.h"
 
 #include <QApplication>
 #include <benchmark/benchmark.h>

@@ -9,7 +9,7 @@
 #include "bench_book.h"
 #include "books/BookKind.h"
 #include "browser/widgets/TotalsPanelView.h"
-#include "session/TSqlFunctions.h"
+#include "session/tsql/TSqlFunctions.h"
 
 #include <QApplication>
 #include <QTreeWidget>

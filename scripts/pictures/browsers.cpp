@@ -2,9 +2,10 @@
 // and a book before and after renumbering, on the demonstration company.
 #include "Pictures.h"
 #include "books/BookKind.h"
-#include "books/DemoData.h"
+#include "demo/DemoData.h"
 #include "editors/widgets/RecordEditor.h"
 #include "journal/PeriodLock.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/Clock.h"
 #include "session/Session.h"
 #include "session/widgets/DialogInteraction.h"
@@ -126,6 +127,7 @@ void renumbering(Scene& s)
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.25.2016' WHERE GodinaKnj=2016 AND RBroj=2");
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.21.2016' WHERE GodinaKnj=2016 AND RBroj=4");
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.07.2016' WHERE GodinaKnj=2016 AND RBroj=9");
+    useTextViewerForLongTexts();
     auto answering = setInteraction(std::make_unique<DialogInteraction>());
 
     auto w = s.open(Knjiga::PrihRashFBiH);

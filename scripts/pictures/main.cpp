@@ -3,8 +3,8 @@
 // Groups: browsers, editors (drawn offscreen), renumbering, generator, export, print
 // (drawn on a display server). Asserts nothing; it stops at the first failed group.
 #include "Pictures.h"
-#include "books/DemoData.h"
 #include "books/Schema.h"
+#include "demo/DemoData.h"
 #include "session/HostServices.h"
 #include "session/Session.h"
 

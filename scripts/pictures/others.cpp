@@ -2,9 +2,9 @@
 // display server.
 #include "Pictures.h"
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "browser/widgets/BrowserPrint.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/SourceDatabase.h"
 #include "generate/widgets/frmGenPrihRashDB.h"
 #include "output/widgets/ReportPrinter.h"

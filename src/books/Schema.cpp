@@ -1,8 +1,8 @@
 #include "books/Schema.h"
 
-#include "session/Database.h"
-#include "session/DatabaseBackend.h"
-#include "session/TSqlTranslator.h"
+#include "session/db/Database.h"
+#include "session/db/DatabaseBackend.h"
+#include "session/tsql/TSqlTranslator.h"
 
 #include <QFile>
 #include <QFileInfo>

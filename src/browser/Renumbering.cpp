@@ -3,10 +3,10 @@
 #include "books/BookKind.h"
 #include "browser/BookQuery.h"
 #include "journal/PeriodLock.h"
-#include "session/BulkNumbers.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/BulkNumbers.h"
 
 #include <QHash>
 #include <optional>

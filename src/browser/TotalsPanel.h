@@ -1,7 +1,7 @@
 #pragma once
 
 #include "session/Money.h"
-#include "session/ResultSet.h"
+#include "session/db/ResultSet.h"
 
 #include <QDate>
 #include <QString>

@@ -2,7 +2,7 @@
 
 #include "session/Interaction.h"
 #include "session/Money.h"
-#include "session/ResultSet.h"
+#include "session/db/ResultSet.h"
 
 #include <QDate>
 #include <QString>

@@ -2,6 +2,7 @@
 
 #include "books/BookKind.h"
 #include "browser/widgets/frmSifarnikKnj.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/Session.h"
 #include "session/Workstation.h"
 #include "session/widgets/DialogInteraction.h"
@@ -19,6 +20,7 @@ void KnjigaKlasa::Show(QString level, const QString& operatorName)
     s.NivoPristupa = level;
     s.ImeOperatera = operatorName;
     // A host that brought no seam of its own gets real message boxes and dialogs.
+    useTextViewerForLongTexts();
     ensureDialogInteraction();
     // And Qt's own dialogs in the workstation's language, unless the host has chosen.
     installQtTranslations();

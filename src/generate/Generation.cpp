@@ -3,11 +3,11 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
 #include "journal/PeriodLock.h"
-#include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Interaction.h"
 #include "session/Money.h"
 #include "session/Session.h"
+#include "session/db/Database.h"
 
 #include <QHash>
 #include <QVector>

@@ -1,6 +1,6 @@
 #include "generate/SourceDatabase.h"
 
-#include "session/ConnectionString.h"
+#include "session/db/ConnectionString.h"
 
 #include <QHash>
 

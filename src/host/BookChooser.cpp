@@ -2,9 +2,9 @@
 
 #include "books/BookKind.h"
 #include "entry/BookClasses.h"
-#include "session/ConnectionString.h"
 #include "session/Interaction.h"
 #include "session/SettingsStore.h"
+#include "session/db/ConnectionString.h"
 
 #include <QApplication>
 #include <QComboBox>

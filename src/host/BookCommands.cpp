@@ -8,11 +8,11 @@
 #include "host/Cli.h"
 #include "journal/BookCheck.h"
 #include "journal/PeriodLock.h"
-#include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/Database.h"
 
 #include <QTextStream>
 #include <memory>

@@ -1,16 +1,16 @@
 #include "host/Cli.h"
 
-#include "books/DemoData.h"
 #include "books/Schema.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/SourceDatabase.h"
 #include "host/Csv.h"
 #include "host/HostRights.h"
 #include "journal/Journal.h"
 #include "session/Clock.h"
-#include "session/ConnectionString.h"
-#include "session/Database.h"
-#include "session/TSqlTokenizer.h"
+#include "session/db/ConnectionString.h"
+#include "session/db/Database.h"
+#include "session/tsql/TSqlTokenizer.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -1,6 +1,6 @@
 #include "host/Csv.h"
 
-#include "session/ResultSet.h"
+#include "session/db/ResultSet.h"
 
 #include <QStringList>
 #include <QTextStream>

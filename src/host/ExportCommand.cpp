@@ -7,9 +7,9 @@
 #include "host/HostRights.h"
 #include "output/OfficeExport.h"
 #include "output/OutputFile.h"
-#include "session/Database.h"
 #include "session/Dates.h"
 #include "session/Failure.h"
+#include "session/db/Database.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "session/Database.h"
 #include "session/HostServices.h"
+#include "session/db/Database.h"
 
 #include <QSet>
 #include <QString>

@@ -1,20 +1,21 @@
 #include "host/HostWindows.h"
 
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
 #include "browser/widgets/frmSifarnikKnj.h"
+#include "demo/DemoData.h"
 #include "host/BookChooser.h"
 #include "host/Cli.h"
 #include "host/HostRights.h"
 #include "host/PartnerPicker.h"
+#include "output/widgets/frmPrikazTeksta.h"
 #include "session/Clock.h"
-#include "session/ConnectionString.h"
 #include "session/Dates.h"
 #include "session/HostServices.h"
 #include "session/Interaction.h"
 #include "session/Session.h"
+#include "session/db/ConnectionString.h"
 #include "session/widgets/DialogInteraction.h"
 
 #include <QApplication>
@@ -241,6 +242,7 @@ void startWindows(const Options& o, WindowsScope& scope)
         scope.previous = setInteraction(std::make_unique<UnattendedInteraction>());
     else
         ensureDialogInteraction();
+    useTextViewerForLongTexts();
     installProgramServices();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/Database.h"
+#include "session/db/Database.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/ResultSet.h"
+#include "session/db/ResultSet.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "output/OutputFile.h"
 
-#include "session/DatabaseFiles.h"
+#include "session/db/DatabaseFiles.h"
 
 #include <QFileInfo>
 

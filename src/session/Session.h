@@ -1,8 +1,8 @@
 #pragma once
 
-#include "session/Database.h"
 #include "session/Failure.h"
-#include "session/ResultSet.h"
+#include "session/db/Database.h"
+#include "session/db/ResultSet.h"
 
 #include <QString>
 

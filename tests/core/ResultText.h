@@ -2,7 +2,7 @@
 
 // Result sets as short texts, so that one comparison checks a whole header, row or
 // column: a wrong, missing or extra value shows in the message as it is (UTF-8).
-#include "session/ResultSet.h"
+#include "session/db/ResultSet.h"
 
 #include <QStringList>
 #include <string>

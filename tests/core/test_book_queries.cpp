@@ -8,7 +8,7 @@
 #include "books/BookKind.h"
 #include "books/Schema.h"
 #include "browser/BrowserRules.h"
-#include "session/DatabaseBackend.h"
+#include "session/db/DatabaseBackend.h"
 #include "support/TestDatabase.h"
 
 #include <QFile>

@@ -4,9 +4,9 @@
 // (no SQL Server runs on the build machines): every statement there is one that both
 // SQL Server and SQLite accept.
 #include "ResultText.h"
-#include "session/ConnectionString.h"
-#include "session/Database.h"
-#include "session/OdbcBackend.h"
+#include "session/db/ConnectionString.h"
+#include "session/db/Database.h"
+#include "session/db/OdbcBackend.h"
 #include "support/Sandbox.h"
 #include "support/TdsLoginCatcher.h"
 

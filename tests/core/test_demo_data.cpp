@@ -2,10 +2,10 @@
 // the amounts, kinds and links hold together, the texts fit their columns, the same
 // year gives the same rows, and a failure leaves nothing behind.
 #include "books/BookKind.h"
-#include "books/DemoData.h"
 #include "books/Schema.h"
 #include "browser/BrowserRules.h"
 #include "browser/FilterClause.h"
+#include "demo/DemoData.h"
 #include "journal/BookCheck.h"
 #include "session/Clock.h"
 #include "support/Sandbox.h"

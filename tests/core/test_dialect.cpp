@@ -5,11 +5,11 @@
 // writers.
 #include "books/Schema.h"
 #include "session/Session.h"
-#include "session/TSqlAst.h"
-#include "session/TSqlCollation.h"
-#include "session/TSqlFunctions.h"
-#include "session/TSqlTokenizer.h"
-#include "session/TSqlTranslator.h"
+#include "session/tsql/TSqlAst.h"
+#include "session/tsql/TSqlCollation.h"
+#include "session/tsql/TSqlFunctions.h"
+#include "session/tsql/TSqlTokenizer.h"
+#include "session/tsql/TSqlTranslator.h"
 #include "support/TestDatabase.h"
 
 #include <QThread>

@@ -3,15 +3,15 @@
 // order, the questions, and the failures with their messages.
 #include "ResultText.h"
 #include "books/BookKind.h"
-#include "books/DemoData.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/Generation.h"
 #include "generate/SourceDatabase.h"
 #include "journal/BookCheck.h"
 #include "journal/Journal.h"
 #include "journal/PeriodLock.h"
-#include "session/ConnectionString.h"
 #include "session/Session.h"
+#include "session/db/ConnectionString.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
 

@@ -2,9 +2,9 @@
 // into statements, translated against the books' tables, and the data statements run
 // on an in-memory database with the registered functions, collation and LIKE. A crash,
 // a read outside a buffer or undefined behaviour is a finding; an error is an answer.
-#include "session/TSqlAst.h"
-#include "session/TSqlFunctions.h"
-#include "session/TSqlTranslator.h"
+#include "session/tsql/TSqlAst.h"
+#include "session/tsql/TSqlFunctions.h"
+#include "session/tsql/TSqlTranslator.h"
 
 #include <QFile>
 #include <QRegularExpression>

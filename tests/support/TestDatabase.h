@@ -1,7 +1,7 @@
 #pragma once
 
-#include "session/Database.h"
-#include "session/ResultSet.h"
+#include "session/db/Database.h"
+#include "session/db/ResultSet.h"
 
 #include <QString>
 #include <QTemporaryDir>

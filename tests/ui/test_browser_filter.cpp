@@ -1,8 +1,8 @@
 // The filter through the book's editor, the trade books' sales point question at every
 // opening, the filter at opening, and the running totals panel under the grid.
-#include "books/DemoData.h"
 #include "browser/BrowserRules.h"
 #include "browser/widgets/TotalsPanelView.h"
+#include "demo/DemoData.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/frmKnjTrgovacke.h"
 #include "session/SettingsStore.h"

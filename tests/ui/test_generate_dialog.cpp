@@ -3,8 +3,8 @@
 // it closes, the remembered source, and the source password that is asked, never
 // written to the settings.
 #include "books/BookKind.h"
-#include "books/DemoData.h"
-#include "generate/DemoSources.h"
+#include "demo/DemoData.h"
+#include "demo/DemoSources.h"
 #include "generate/SourceDatabase.h"
 #include "generate/widgets/frmGenPrihRashDB.h"
 #include "session/Session.h"

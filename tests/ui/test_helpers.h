@@ -1,7 +1,7 @@
 #pragma once
 
-#include "books/DemoData.h"
-#include "session/ResultSet.h"
+#include "demo/DemoData.h"
+#include "session/db/ResultSet.h"
 
 #include <QStringList>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 // the command-line tool's output forms, and the public book classes a host creates
 // (identifiers, properties with write-through, and Show).
 #include "books/BookKind.h"
-#include "books/DemoData.h"
+#include "demo/DemoData.h"
 #include "entry/BookClasses.h"
 #include "host/BookChooser.h"
 #include "host/Cli.h"
@@ -12,8 +12,8 @@
 #include "host/HostWindows.h"
 #include "host/PartnerPicker.h"
 #include "session/HostServices.h"
-#include "session/ResultSet.h"
 #include "session/Session.h"
+#include "session/db/ResultSet.h"
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"

@@ -334,6 +334,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
 // as the question under the text.
 TEST(TextViewer, TheRealSeamShowsLongTextsInTheViewer)
 {
+    useTextViewerForLongTexts();
     auto previous = setInteraction(std::make_unique<DialogInteraction>());
     QString question;
     QString body;

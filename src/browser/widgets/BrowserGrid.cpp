@@ -6,8 +6,8 @@
 #include "output/GridWorkbook.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
-#include "session/ReadAside.h"
 #include "session/Session.h"
+#include "session/db/ReadAside.h"
 
 #include <QAction>
 #include <QHeaderView>

@@ -5,9 +5,9 @@
 #include "browser/widgets/TotalsPanelView.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "session/Interaction.h"
-#include "session/ReadAside.h"
 #include "session/Session.h"
 #include "session/Workstation.h"
+#include "session/db/ReadAside.h"
 
 #include <QHeaderView>
 #include <QTreeWidget>

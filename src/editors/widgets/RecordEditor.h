@@ -2,8 +2,8 @@
 
 #include "editors/EditorRules.h"
 #include "journal/Journal.h"
-#include "session/Database.h"
-#include "session/ResultSet.h"
+#include "session/db/Database.h"
+#include "session/db/ResultSet.h"
 
 #include <QCheckBox>
 #include <QComboBox>

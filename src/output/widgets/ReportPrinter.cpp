@@ -3,10 +3,10 @@
 #include "browser/BookModel.h"
 #include "output/OutputFile.h"
 #include "output/widgets/ReportText.h"
-#include "session/DatabaseFiles.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
 #include "session/Workstation.h"
+#include "session/db/DatabaseFiles.h"
 #include "session/widgets/QuietFileIcons.h"
 
 #include <QFontMetricsF>

@@ -1,10 +1,10 @@
 #include "output/widgets/frmOfficeExportPost.h"
 
-#include "session/DatabaseFiles.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
-#include "session/ResultSet.h"
 #include "session/SettingsStore.h"
+#include "session/db/DatabaseFiles.h"
+#include "session/db/ResultSet.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,8 +1,9 @@
 #include "output/widgets/frmPrikazTeksta.h"
 
 #include "output/CodePage.h"
-#include "session/DatabaseFiles.h"
 #include "session/Interaction.h"
+#include "session/db/DatabaseFiles.h"
+#include "session/widgets/DialogInteraction.h"
 
 #include <QAction>
 #include <QDir>
@@ -136,6 +137,15 @@ void frmPrikazTeksta::SpremiTekst()
     QFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         file.write(toCp1250(m_tekst));
+}
+
+void useTextViewerForLongTexts()
+{
+    setTextViewer([](QWidget* owner, const QString& title, const QString& text, bool ask, const QString& question) {
+        frmPrikazTeksta viewer(owner);
+        viewer.Prikaži(title, text, ask, question);
+        return viewer.Odgovor();
+    });
 }
 
 } // namespace knjige

@@ -44,4 +44,8 @@ private:
     bool m_odgovor = false;
 };
 
+// Makes the real seam (DialogInteraction) show long messages in this viewer. Whoever
+// installs the real seam calls it first.
+void useTextViewerForLongTexts();
+
 } // namespace knjige

@@ -1,6 +1,5 @@
 #include "session/widgets/DialogInteraction.h"
 
-#include "output/widgets/frmPrikazTeksta.h"
 #include "session/widgets/QuietFileIcons.h"
 
 #include <QAbstractButton>
@@ -102,11 +101,12 @@ bool isLongText(const QString& text)
     return text.size() > 700 || text.count(u'\n') > 18;
 }
 
+TextViewer g_textViewer = nullptr;
+
 // The viewer for a long message; for a question the last line, when there are several,
 // stands as the question under the text.
 Answer showInViewer(const Message& message)
 {
-    frmPrikazTeksta viewer(dialogOwner());
     const bool ask = message.buttons == Buttons::YesNo;
     QString text = message.text;
     QString question;
@@ -118,11 +118,11 @@ Answer showInViewer(const Message& message)
             text = trimmed.left(lastBreak).trimmed();
         }
     }
-    viewer.Prikaži(
+    const bool yes = g_textViewer(dialogOwner(),
         message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, text, ask, question);
     if (!ask)
         return Answer::Ok;
-    return viewer.Odgovor() ? Answer::Yes : Answer::No;
+    return yes ? Answer::Yes : Answer::No;
 }
 
 // The buttons speak the program's language whatever translations the toolkit has.
@@ -234,7 +234,8 @@ private:
 
 Answer DialogInteraction::show(const Message& message)
 {
-    if (isLongText(message.text) && (message.buttons == Buttons::Ok || message.buttons == Buttons::YesNo))
+    if (g_textViewer && isLongText(message.text)
+        && (message.buttons == Buttons::Ok || message.buttons == Buttons::YesNo))
         return showInViewer(message);
     QMessageBox box(boxIcon(message.icon),
         message.title.isEmpty() ? QApplication::applicationDisplayName() : message.title, message.text,
@@ -315,6 +316,11 @@ void setBookWindow(QWidget* window)
 std::unique_ptr<Progress> DialogInteraction::startProgress(const ProgressSpec& spec)
 {
     return std::make_unique<WindowProgress>(spec);
+}
+
+void setTextViewer(TextViewer viewer)
+{
+    g_textViewer = viewer;
 }
 
 void ensureDialogInteraction()

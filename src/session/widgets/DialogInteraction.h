@@ -36,6 +36,14 @@ void ensureDialogInteraction();
 // modal dialog in front, else the active window, else the book window last shown (a
 // window just shown is not yet active: the window system activates it later).
 QWidget* dialogOwner();
+
+// The window a long message opens in, which scrolls and can save the text: it lives in
+// output's windows, above this layer, so output registers it (useTextViewerForLongTexts
+// in output/widgets/frmPrikazTeksta.h). It returns true for Da. Until one is registered
+// a long text shows in a message box like any other.
+using TextViewer
+    = bool (*)(QWidget* owner, const QString& title, const QString& text, bool ask, const QString& question);
+void setTextViewer(TextViewer viewer);
 // The book window that owns messages while no window is active.
 void setBookWindow(QWidget* window);
 
