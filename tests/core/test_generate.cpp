@@ -347,12 +347,8 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
 
 TEST(GenerationTexts, StatementsQuestionsAndRights)
 {
-    Parametri p;
-    p.vrsta = DgpRacuni;
-    p.od = QDate(2016, 3, 1);
-    p.doDatuma = QDate(2016, 3, 31);
+    Parametri p = march(DgpRacuni, kNone);
     p.brojPoduzeca = 3;
-    p.godina = 2016;
     p.orgJed = QStringLiteral(" 7 ");
     EXPECT_EQ(izvorniUpit(p),
         "SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumIfakt,left('Pazar '+rtrim(cast(K.OrgJed as nvarchar(15))),20) "
