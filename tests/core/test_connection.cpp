@@ -447,10 +447,7 @@ TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesA
         << error();
     const ResultSet bound = rows(QStringLiteral("SELECT Opis, Iznos, Datum, Placeno, Stopa FROM Stavke"));
     ASSERT_EQ(bound.rowCount(), 1);
-    EXPECT_EQ(bound.text(0, 0), awkward);
-    EXPECT_EQ(bound.money(0, 1), Money::fromUnits(-1));
-    EXPECT_EQ(bound.date(0, 2), QDate(2016, 12, 31));
-    EXPECT_TRUE(!bound.isNull(0, 3) && !bound.value(0, 3).toBool() && bound.isNull(0, 4));
+    EXPECT_EQ(test::rowText(bound, 0), awkward.toStdString() + "|-0.0001|2016-12-31|0|<null>");
 }
 
 TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndReportCounts)
