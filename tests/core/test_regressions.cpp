@@ -38,40 +38,28 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
 {
     const Money big = Money::fromWhole(500000000000000);
     const qint64 lowest = std::numeric_limits<qint64>::min(), highest = std::numeric_limits<qint64>::max();
-    struct Case {
-        Money value;
-        const char* shown;
-    };
-    const Case cases[] = {
-        { big + big, nullptr },
-        { -big - big, nullptr },
-        { big + big - big, nullptr }, // stays out of range, as the server's error would
-        { big * 2, nullptr },
-        { Money::fromWhole(1000000000000000), nullptr },
-        { Money::fromDouble(1e300), nullptr },
+    // Out of range, and stays so (big + big - big), as the server's error would; one
+    // past either end of the range is out of it.
+    const Money outside[] = { big + big, -big - big, big + big - big, big * 2, Money::fromWhole(1000000000000000),
+        Money::fromDouble(1e300), Money::fromUnits(lowest) - Money::fromUnits(1),
+        Money::fromUnits(lowest) + Money::fromUnits(-1), -Money::fromUnits(lowest), Money::fromUnits(lowest) * -1,
+        Money::fromUnits(highest) + Money::fromUnits(1), Money::fromUnits(highest) - Money::fromUnits(-1) };
+    for (const Money& value : outside) {
+        EXPECT_TRUE(value.isOutOfRange()) << value.toString().toStdString();
+        EXPECT_EQ(value.toDisplayString(), outOfRange);
+    }
+    // The whole range holds amounts.
+    const std::pair<Money, const char*> inside[] = {
         { big + Money::fromUnits(4000000000000001200), "900,000,000,000,000.12" },
         { -big - Money::fromUnits(4223372036854775807), "-922,337,203,685,477.58" },
-        // The whole range holds amounts; one past either end is out of range.
         { Money::fromUnits(lowest), "-922,337,203,685,477.58" },
         { Money::fromUnits(lowest + 2), "-922,337,203,685,477.58" },
         { Money::fromUnits(-4611686018427387904) * 2, "-922,337,203,685,477.58" },
         { Money::fromUnits(highest) - Money::fromUnits(highest) + Money::fromUnits(lowest), "-922,337,203,685,477.58" },
         { Money::fromUnits(highest), "922,337,203,685,477.58" },
-        { Money::fromUnits(lowest) - Money::fromUnits(1), nullptr },
-        { Money::fromUnits(lowest) + Money::fromUnits(-1), nullptr },
-        { -Money::fromUnits(lowest), nullptr },
-        { Money::fromUnits(lowest) * -1, nullptr },
-        { Money::fromUnits(highest) + Money::fromUnits(1), nullptr },
-        { Money::fromUnits(highest) - Money::fromUnits(-1), nullptr },
     };
-    for (const Case& c : cases) {
-        if (c.shown) {
-            EXPECT_EQ(c.value.toDisplayString(), QString::fromLatin1(c.shown));
-        } else {
-            EXPECT_TRUE(c.value.isOutOfRange()) << c.value.toString().toStdString();
-            EXPECT_EQ(c.value.toDisplayString(), outOfRange);
-        }
-    }
+    for (const auto& [value, shown] : inside)
+        EXPECT_EQ(value.toDisplayString(), QString::fromLatin1(shown));
 
     ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
         { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "IznosGot", FieldType::Currency },
