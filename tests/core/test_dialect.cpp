@@ -432,11 +432,8 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
     // The text column keeps the text that looks like a date.
     EXPECT_EQ(stored(t.path(), "SELECT Opis FROM KnjPrihRashDB WHERE RBroj=1"), QStringList { "03.15.2016" });
 
-    struct Count {
-        const char* where;
-        int rows;
-    };
-    const Count reads[] = {
+    // A condition, and the rows it finds.
+    const std::pair<const char*, int> reads[] = {
         { "K.Datum=ISNULL(NULL,'3.15.2016')", 3 },
         { "K.Datum IN (SELECT '03.15.16')", 3 },
         { "CASE WHEN K.RBroj>0 THEN K.Datum END='03.15.2016'", 3 },
@@ -446,12 +443,10 @@ TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)
         { "K.Opis='03.15.2016'", 1 },
         { "MONTH(K.Datum)=3", 3 },
     };
-    for (const Count& r : reads)
+    for (const auto& [where, rows] : reads)
         EXPECT_EQ(
-            t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE ") + QString::fromLatin1(r.where))
-                .integer(0, 0),
-            r.rows)
-            << r.where;
+            t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashDB K WHERE ") + where).integer(0, 0), rows)
+            << where;
 
     // An impossible date fails the statement, in the server's words, and stores nothing.
     const auto outOfRange = [](const char* type) {

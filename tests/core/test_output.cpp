@@ -341,20 +341,16 @@ TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
 TEST(OfficeExport, ChecksComeInTheirOrderAndTheProgramOnlyWhenItIsStarted)
 {
     const QString program = QCoreApplication::applicationFilePath();
-    struct Case {
-        ExportFields fields;
-        const char* message;
-    };
     // The dialog's test runs every message in order; here what decides the program's checks.
-    const Case cases[] = {
+    const std::pair<ExportFields, const char*> cases[] = {
         { { "a.csv", ";", ",,", "", true }, "Znak za decimalnu točku za brojeve može biti točka ili zarez !" },
         { { "a.csv", ";", ".", QStringLiteral("nema-ovog-programa-9"), true },
             "Uneseno ime EXE datoteke je neispravno !" },
         { { "a.csv", ";", ".", "/nema/ovog/programa", false }, "" },
         { { "a.csv", ";", ".", program, true }, "" },
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(firstFailedCheck(c.fields), QString::fromUtf8(c.message)) << c.fields.program.toStdString();
+    for (const auto& [fields, message] : cases)
+        EXPECT_EQ(firstFailedCheck(fields), QString::fromUtf8(message)) << fields.program.toStdString();
     EXPECT_EQ(reportText(QStringLiteral("C:\\Export.csv"), 12),
         QStringLiteral("U datoteku: C:\\Export.csv prebačeno 12 zapisa u CSV formatu!"));
 }
