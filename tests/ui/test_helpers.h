@@ -3,6 +3,7 @@
 #include "demo/DemoData.h"
 #include "session/db/ResultSet.h"
 
+#include <QFile>
 #include <QStringList>
 #include <gtest/gtest.h>
 
@@ -32,6 +33,20 @@ inline bool fillDemo(Database& db, int year)
     const bool ok = fillDemoData(db, year, &error);
     EXPECT_TRUE(ok) << error.toStdString();
     return ok;
+}
+
+// A file's bytes, or "<nema datoteke>" when it cannot be read.
+inline QByteArray readFile(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<nema datoteke>");
+}
+
+// Writes `bytes` as the whole of the file; false when that fails.
+inline bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
 } // namespace knjige::test

@@ -13,6 +13,7 @@
 #include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
+#include "test_helpers.h"
 
 #include <QAction>
 #include <QApplication>
@@ -215,17 +216,14 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         QString error;
         // Stopped halfway, in the measuring or in the painting, the file stays as it was.
         if (book.code < 100) {
-            QFile old(pdf);
-            ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
-            old.close();
+            ASSERT_TRUE(writeFile(pdf, "staro"));
             script->progress.clear();
             script->cancelAt
                 = book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od") : QStringLiteral("Ispis: stranica 2 od");
             EXPECT_FALSE(printer->writePdf(pdf, &error));
             EXPECT_TRUE(printer->cancelled());
             EXPECT_EQ(error, QStringLiteral("ispis u datoteku %1 je prekinut").arg(pdf));
-            QFile kept(pdf);
-            EXPECT_TRUE(kept.open(QIODevice::ReadOnly) && kept.readAll() == "staro");
+            EXPECT_EQ(readFile(pdf), "staro");
             ASSERT_EQ(script->progress.size(), 1);
             EXPECT_TRUE(script->progress[0].cancelled && script->progress[0].finished);
             EXPECT_EQ(script->progress[0].texts.size(), book.code == 96 ? 1 : 2);
