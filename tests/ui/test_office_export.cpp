@@ -13,7 +13,6 @@
 #include "support/Sandbox.h"
 #include "support/ScriptedInteraction.h"
 #include "test_browser_fixture.h"
-#include "test_helpers.h"
 
 #include <QAction>
 #include <QApplication>

@@ -13,7 +13,6 @@
 #include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
-#include "test_helpers.h"
 
 #include <QAction>
 #include <QApplication>
@@ -351,8 +350,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
             "--operator", "Edin", "--pdf", cliPdf };
         EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
-        ASSERT_EQ(script->messages.size(), 1);
-        EXPECT_TRUE(script->messages[0].text.startsWith("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA"));
+        expectOneError(script->messages, "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA");
         script->clear();
         db->exec(host::PravaRights::createSql());
         for (const char* right : { "96", "96.1" })
@@ -448,7 +446,5 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     script->clear();
     w->Rekapitulacija();
     EXPECT_EQ(previews, 1);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith("Desila se greška: ")) << script->texts()[0].toStdString();
-    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    expectOneError(script->messages, "Desila se greška: ");
 }
