@@ -192,16 +192,8 @@ TEST_F(BrowserGridTest, KeysLeadToTheirCommandsButNotOnATotalsRowNorToADisabledT
 TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsToIt)
 {
     auto w = open(96);
-    const QStringList captions = {
-        "&Novi (F9)",
-        "&Izmjena(Ret)",
-        "Obriši(&Del)",
-        "&Filter(F3)",
-        "&Osvježi",
-        "Is&pis",
-        "I&zlaz(Esc)",
-        "P&rijenos(F10)",
-    };
+    const QStringList captions = { "&Novi (F9)", "&Izmjena(Ret)", "Obriši(&Del)", "&Filter(F3)", "&Osvježi", "Is&pis",
+        "I&zlaz(Esc)", "P&rijenos(F10)" };
     for (int i = 1; i <= 8; ++i)
         EXPECT_EQ(w->mnu(i)->text(), captions[i - 1]);
     EXPECT_EQ(w->toolbarButton(1)->text(), "Novi");
