@@ -486,17 +486,13 @@ TEST(EditorRules, KindListsMapCodesToPositionsBothWays)
 
 TEST(EditorRules, ReadStatementsAndCaptionsAreTheSystemsTexts)
 {
-    EXPECT_EQ(readEntrySql(96, 2016, 1, 7),
-        "SELECT * FROM dbo.KnjPrihRashFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=7");
-    EXPECT_EQ(readEntrySql(109, 2016, 1, 7),
-        "SELECT * FROM dbo.KnjPrihRashDB WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=7");
-    EXPECT_EQ(readEntrySql(102, 2016, 3, 2),
-        "SELECT * FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=3 AND RBroj=2");
+    const QString read = "SELECT * FROM %1 WHERE GODINAKNJ=2016 AND BROJPODUZECA=%2 AND RBroj=%3";
+    const std::tuple<int, int, int, const char*> entries[] = { { 96, 1, 7, "dbo.KnjPrihRashFBiH" },
+        { 109, 1, 7, "dbo.KnjPrihRashDB" }, { 102, 3, 2, "dbo.KnjEvidPotrIObvFBiH" },
+        { 106, 1, 1, "dbo.KnjPrometaFBiH" }, { 100, 1, 4, "dbo.KnjRashodaRS" } };
+    for (const auto& [book, company, rbroj, table] : entries)
+        EXPECT_EQ(readEntrySql(book, 2016, company, rbroj), read.arg(table).arg(company).arg(rbroj)) << book;
     EXPECT_EQ(readEntrySql(101, 2016, 1, 1), readEntrySql(105, 2016, 1, 1));
-    EXPECT_EQ(readEntrySql(106, 2016, 1, 1),
-        "SELECT * FROM dbo.KnjPrometaFBiH WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=1");
-    EXPECT_EQ(readEntrySql(100, 2016, 1, 4),
-        "SELECT * FROM dbo.KnjRashodaRS WHERE GODINAKNJ=2016 AND BROJPODUZECA=1 AND RBroj=4");
     // The year and the keyword touch in the trade books.
     EXPECT_EQ(readEntrySql(125, 2016, 1, 5, 2),
         "SELECT * FROM dbo.TrgKnjUsluga WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=5");

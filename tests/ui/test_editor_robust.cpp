@@ -135,9 +135,7 @@ TEST_F(RobustEditor, AFailedReadIsReportedAndTheDialogStillShows)
     bool shown = false;
     run(*e, [&] { shown = true; });
     EXPECT_TRUE(shown);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(lastMessage().text.startsWith("Desila se greška:  Čitanje tek.zapisa "));
-    EXPECT_EQ(lastMessage().icon, Icon::None);
+    expectOneError(script->messages, "Desila se greška:  Čitanje tek.zapisa ", Icon::None);
 }
 
 TEST_F(RobustEditor, KeysConfirmCancelAndMoveThroughTheFields)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "demo/DemoData.h"
+#include "session/Interaction.h"
 #include "session/db/ResultSet.h"
 
+#include <QFile>
 #include <QStringList>
 #include <gtest/gtest.h>
 
@@ -32,6 +34,32 @@ inline bool fillDemo(Database& db, int year)
     const bool ok = fillDemoData(db, year, &error);
     EXPECT_TRUE(ok) << error.toStdString();
     return ok;
+}
+
+// The one message shown: its text starts with `start` and goes on with the reason
+// (the data layer's words), under `icon`. An empty message when there was not one.
+inline Message expectOneError(const QList<Message>& messages, const QString& start, Icon icon = Icon::Exclamation)
+{
+    EXPECT_EQ(messages.size(), 1);
+    const Message m = messages.value(0);
+    EXPECT_TRUE(m.text.startsWith(start)) << m.text.toStdString();
+    EXPECT_GT(m.text.size(), start.size()) << "the reason follows: " << m.text.toStdString();
+    EXPECT_EQ(m.icon, icon);
+    return m;
+}
+
+// A file's bytes, or "<nema datoteke>" when it cannot be read.
+inline QByteArray readFile(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<nema datoteke>");
+}
+
+// Writes `bytes` as the whole of the file; false when that fails.
+inline bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
 } // namespace knjige::test

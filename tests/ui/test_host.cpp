@@ -232,11 +232,8 @@ TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
         m_script->messages.clear();
         EXPECT_FALSE(r->mayOpenBook(96));
         EXPECT_FALSE(r->hasRight(96, OperatorRights::Novi));
-        ASSERT_EQ(m_script->messages.size(), 1);
-        EXPECT_TRUE(m_script->messages[0].text.startsWith(
-            "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n"));
-        EXPECT_GT(m_script->messages[0].text.size(), 90) << "the data layer's reason follows";
-        EXPECT_EQ(m_script->messages[0].icon, Icon::Exclamation);
+        expectOneError(m_script->messages,
+            "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA, pa se knjiga ne otvara.\n");
     }
     // An empty table restricts nobody.
     m_db.exec(PravaRights::createSql());
@@ -361,9 +358,7 @@ TEST_F(HostPickers, AFailedReadIsReportedAndChoosesNothing)
         return QDialog::Rejected;
     };
     EXPECT_FALSE(KomitentRegister(KomitentRegister::Kind::Partners).choose());
-    ASSERT_EQ(m_script->messages.size(), 1);
-    EXPECT_TRUE(m_script->messages.first().text.startsWith("Desila se greška: "));
-    EXPECT_EQ(m_script->messages.first().icon, Icon::Exclamation);
+    expectOneError(m_script->messages, "Desila se greška: ");
 }
 
 // The window commands of the knjige program, run in process: the book drawn into a
@@ -424,19 +419,17 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
 TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
 {
     const QString missing = test::scratchDir() + QStringLiteral("/nema.db");
-    EXPECT_EQ(host::runOpen({ "104" }), 2);
-    EXPECT_EQ(host::runOpen({ "clsNemaTakve" }), 2);
-    EXPECT_EQ(host::runOpen({}), 2);
-    EXPECT_EQ(host::runOpen({ "96", "--year", "dvije" }), 2);
-    for (const QString& level : { QStringLiteral("12"), QStringLiteral("\uFF10"), QStringLiteral("\u0660") })
-        EXPECT_EQ(host::runOpen({ "96", "--level", level }), 2) << level.toStdString();
+    // Unknown books, bad years and levels; a period that is no period, or not of the
+    // year; a sales point of a book without one.
+    const QStringList refused[] = { { "104" }, { "clsNemaTakve" }, {}, { "96", "--year", "dvije" },
+        { "96", "--level", "12" }, { "96", "--level", "\uFF10" }, { "96", "--level", "\u0660" },
+        { "96", "--year=2016", "--db", missing, "--period", "31.03.2016-01.03.2016" },
+        { "96", "--year=2016", "--db", missing, "--period", "1.3.2016" },
+        { "96", "--year=2016", "--db", missing, "--period", "01.03.2015-31.03.2015" }, { "96", "--prod", "501" },
+        { "125", "--prod", "-1" } };
+    for (const QStringList& args : refused)
+        EXPECT_EQ(host::runOpen(args), 2) << args.join(u' ').toStdString();
     EXPECT_EQ(host::runChooser({ "--nepoznato" }), 2);
-    // A period that is no period, or not of the year; a sales point of a book without one.
-    for (const char* period : { "31.03.2016-01.03.2016", "1.3.2016", "01.03.2015-31.03.2015" })
-        EXPECT_EQ(host::runOpen({ "96", "--year=2016", "--db", missing, "--period", QString::fromLatin1(period) }), 2)
-            << period;
-    EXPECT_EQ(host::runOpen({ "96", "--prod", "501" }), 2);
-    EXPECT_EQ(host::runOpen({ "125", "--prod", "-1" }), 2);
     EXPECT_EQ(host::runChooser({ "--period", "01.03.2016-31.03.2016" }), 2);
     EXPECT_EQ(host::runOpen({ "96", "--db", missing }), 1);
     EXPECT_EQ(host::runChooser({ "--db", missing, "--conn", missing }), 2);
@@ -461,14 +454,11 @@ TEST(HostCommands, WithoutADisplayOnlyAPictureCanBeMade)
 // The command-line tool's output forms (knjige query), checked without a process.
 TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
 {
-    EXPECT_EQ(cli::plainNumber(0), "0");
-    EXPECT_EQ(cli::plainNumber(-0.0), "0");
-    EXPECT_EQ(cli::plainNumber(0.17), "0.17");
-    EXPECT_EQ(cli::plainNumber(100.0 / 3), "33.3333333333333");
-    EXPECT_EQ(cli::plainNumber(-2.5), "-2.5");
-    EXPECT_EQ(cli::plainNumber(1e-7), "0.0000001");
-    EXPECT_EQ(cli::plainNumber(2.5e20), "250000000000000000000");
-    EXPECT_EQ(cli::plainNumber(1234567.125), "1234567.125");
+    const std::pair<double, const char*> cases[]
+        = { { 0, "0" }, { -0.0, "0" }, { 0.17, "0.17" }, { 100.0 / 3, "33.3333333333333" }, { -2.5, "-2.5" },
+              { 1e-7, "0.0000001" }, { 2.5e20, "250000000000000000000" }, { 1234567.125, "1234567.125" } };
+    for (const auto& [value, text] : cases)
+        EXPECT_EQ(cli::plainNumber(value), text) << value;
 }
 
 TEST(CliOutput, EveryTypeHasOneTextForm)
@@ -500,16 +490,13 @@ TEST(CliOutput, EveryTypeHasOneTextForm)
 
 TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
 {
-    EXPECT_TRUE(cli::returnsRows("SELECT 1"));
-    EXPECT_TRUE(cli::returnsRows("  select * from dbo.CONFIG"));
-    EXPECT_TRUE(cli::returnsRows("-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)"));
-    EXPECT_TRUE(cli::returnsRows("WITH x AS (SELECT 1 AS a) SELECT a FROM x"));
-    EXPECT_TRUE(cli::returnsRows("EXEC sp_help"));
-    EXPECT_FALSE(cli::returnsRows("CREATE TABLE dbo.KUF (BrojKUFa int)"));
-    EXPECT_FALSE(cli::returnsRows("INSERT INTO T SELECT * FROM U"));
-    EXPECT_FALSE(cli::returnsRows("UPDATE T SET a = 1"));
-    EXPECT_FALSE(cli::returnsRows("SELECTIONS"));
-    EXPECT_FALSE(cli::returnsRows("-- samo komentar"));
+    for (const char* sql :
+        { "SELECT 1", "  select * from dbo.CONFIG", "-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)",
+            "WITH x AS (SELECT 1 AS a) SELECT a FROM x", "EXEC sp_help" })
+        EXPECT_TRUE(cli::returnsRows(sql)) << sql;
+    for (const char* sql : { "CREATE TABLE dbo.KUF (BrojKUFa int)", "INSERT INTO T SELECT * FROM U",
+             "UPDATE T SET a = 1", "SELECTIONS", "-- samo komentar" })
+        EXPECT_FALSE(cli::returnsRows(sql)) << sql;
 }
 
 TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)

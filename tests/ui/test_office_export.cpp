@@ -55,11 +55,6 @@ protected:
         };
         w.menuItem("mnuPrebaciUExcel")->trigger();
     }
-    static QByteArray read(const QString& name)
-    {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
     static QString setting(const char* key) { return settings::text("Arbosa", "Settings", QString::fromUtf8(key)); }
     QString path;
 };
@@ -132,7 +127,7 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     EXPECT_EQ(
         script->texts(), QStringList { QStringLiteral("U datoteku: %1 prebačeno 3 zapisa u CSV formatu!").arg(path) });
     EXPECT_EQ(script->startedPrograms, (QList<QStringList> { { program, QDir::toNativeSeparators(path) } }));
-    const QByteArray file = read(path);
+    const QByteArray file = readFile(path);
     EXPECT_TRUE(file.startsWith("RBroj;GodinaKnj;Datum;Isprava;Opis;Vrsta;NazivVrste;Prihodi;PDVPrihodi;Rashodi;"
                                 "PDVRashodi;I\r\n1;2016;10.01.2016;D-1;Pazar; \"Centar\" \xC8\xC6\xD0\x8A\x8E;11;"))
         << file.left(200).toStdString();
@@ -146,9 +141,7 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
 
 TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
 {
-    QFile old(path);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
-    old.close();
+    ASSERT_TRUE(writeFile(path, "staro"));
     auto w = open(96);
     for (Answer answer : { Answer::No, Answer::Yes }) {
         script->clear();
@@ -165,13 +158,12 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
         EXPECT_EQ(question.buttons, Buttons::YesNo);
         EXPECT_EQ(script->messages.size(), answer == Answer::No ? 1 : 2);
         if (answer == Answer::No) {
-            EXPECT_EQ(read(path), "staro");
+            EXPECT_EQ(readFile(path), "staro");
         }
     }
     // Stopped halfway the export leaves the file as it was and the form open, silent.
-    const QByteArray written = read(path);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
-    old.close();
+    const QByteArray written = readFile(path);
+    ASSERT_TRUE(writeFile(path, "staro"));
     script->clear();
     script->answers.enqueue(Answer::Yes);
     script->cancelAt = QStringLiteral("Izvoz: 2 od");
@@ -185,7 +177,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     EXPECT_EQ(script->progress[0].title, QStringLiteral("Izvoz"));
     EXPECT_EQ(script->progress[0].texts, QStringList { QStringLiteral("Izvoz: 2 od 3 redova") });
     EXPECT_TRUE(script->progress[0].cancelled && script->progress[0].finished);
-    EXPECT_EQ(read(path), "staro");
+    EXPECT_EQ(readFile(path), "staro");
     EXPECT_EQ(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files), QStringList { "knjiga.csv" });
     EXPECT_TRUE(written.startsWith("\"RBroj\";\"GodinaKnj\";"));
     EXPECT_TRUE(written.contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
@@ -202,7 +194,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
     std::filesystem::create_hard_link(QFile::encodeName(db->path()).toStdString(),
         QFile::encodeName(folder + QStringLiteral("/tvrda.db")).toStdString(), linked);
     ASSERT_FALSE(linked) << linked.message();
-    const QByteArray before = read(db->path());
+    const QByteArray before = readFile(db->path());
     frmPrikazTeksta viewer;
     for (const char* name : { "/knjige.db", "/./knjige.db", "/veza.db", "/tvrda.db", "/knjige.db-wal", "/knjige.db-shm",
              "/knjige.db-journal" }) {
@@ -221,7 +213,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
         EXPECT_EQ(script->texts().join(u'\n').toStdString(),
             (QStringLiteral("Desila se greška: ") + refusal + u'\n' + refusal).toStdString());
     }
-    EXPECT_EQ(read(db->path()), before);
+    EXPECT_EQ(readFile(db->path()), before);
     EXPECT_FALSE(QFile::exists(folder + QStringLiteral("/knjige.db-journal")));
     EXPECT_EQ(db->count(QStringLiteral("dbo.KnjPrihRashFBiH")), 3);
 }
@@ -240,7 +232,7 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
         f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData("utf-8"));
         f.cmdPrebaciPodatke->click();
     });
-    const QList<QByteArray> lines = read(path).split('\n');
+    const QList<QByteArray> lines = readFile(path).split('\n');
     ASSERT_EQ(lines.size(), 4);
     EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
     EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.2016;\"D-3\";\"Nabavka\";11;"));
@@ -256,17 +248,6 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
         EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
     });
 }
-
-namespace
-{
-
-QByteArray contents(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<nema datoteke>");
-}
-
-} // namespace
 
 TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
 {
@@ -300,17 +281,14 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
         QFile::remove(file);
         script->files.enqueue(file);
         viewer.cmdSpremiTekst->click();
-        EXPECT_EQ(contents(file), QByteArray("Prvi red: \xE8\xE6\x9E\x9A\xF0\r\nDrugi red: \xC8\xC6\x8E\x8A\xD0"));
+        EXPECT_EQ(readFile(file), QByteArray("Prvi red: \xE8\xE6\x9E\x9A\xF0\r\nDrugi red: \xC8\xC6\x8E\x8A\xD0"));
         EXPECT_TRUE(script->messages.isEmpty());
     }
 
     frmPrikazTeksta viewer;
     script->onDialog = [](QDialog&) { return 0; };
     viewer.Prikaži("Prazno", QString(), false, {});
-    QFile old(file);
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    old.write("stari tekst");
-    old.close();
+    ASSERT_TRUE(writeFile(file, "stari tekst"));
     script->files.enqueue(file);
     script->answers.enqueue(Answer::No);
     viewer.mnuSpremiTekst->trigger();
@@ -318,12 +296,12 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
     EXPECT_EQ(script->messages[0].text, "Datoteka sa tim imenom već postoji ! Želite li je prepisati?");
     EXPECT_EQ(script->messages[0].icon, Icon::Question);
     EXPECT_EQ(script->messages[0].buttons, Buttons::YesNo);
-    EXPECT_EQ(contents(file), QByteArray("stari tekst"));
+    EXPECT_EQ(readFile(file), QByteArray("stari tekst"));
     script->files.enqueue(file);
     script->answers.enqueue(Answer::Yes);
     viewer.cmdSpremiTekst->click();
     EXPECT_TRUE(QFile::exists(file));
-    EXPECT_EQ(contents(file), QByteArray()); // the empty text makes an empty file
+    EXPECT_EQ(readFile(file), QByteArray()); // the empty text makes an empty file
     // No file chosen: nothing asked, nothing written.
     script->clear();
     viewer.cmdSpremiTekst->click();

@@ -215,17 +215,14 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         QString error;
         // Stopped halfway, in the measuring or in the painting, the file stays as it was.
         if (book.code < 100) {
-            QFile old(pdf);
-            ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write("staro") == 5);
-            old.close();
+            ASSERT_TRUE(writeFile(pdf, "staro"));
             script->progress.clear();
             script->cancelAt
                 = book.code == 96 ? QStringLiteral("Priprema ispisa: 70 od") : QStringLiteral("Ispis: stranica 2 od");
             EXPECT_FALSE(printer->writePdf(pdf, &error));
             EXPECT_TRUE(printer->cancelled());
             EXPECT_EQ(error, QStringLiteral("ispis u datoteku %1 je prekinut").arg(pdf));
-            QFile kept(pdf);
-            EXPECT_TRUE(kept.open(QIODevice::ReadOnly) && kept.readAll() == "staro");
+            EXPECT_EQ(readFile(pdf), "staro");
             ASSERT_EQ(script->progress.size(), 1);
             EXPECT_TRUE(script->progress[0].cancelled && script->progress[0].finished);
             EXPECT_EQ(script->progress[0].texts.size(), book.code == 96 ? 1 : 2);
@@ -353,8 +350,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
             "--operator", "Edin", "--pdf", cliPdf };
         EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
-        ASSERT_EQ(script->messages.size(), 1);
-        EXPECT_TRUE(script->messages[0].text.startsWith("Prava operatera nije moguće pročitati iz tablice dbo.PRAVA"));
+        expectOneError(script->messages, "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA");
         script->clear();
         db->exec(host::PravaRights::createSql());
         for (const char* right : { "96", "96.1" })
@@ -450,7 +446,5 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     script->clear();
     w->Rekapitulacija();
     EXPECT_EQ(previews, 1);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith("Desila se greška: ")) << script->texts()[0].toStdString();
-    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    expectOneError(script->messages, "Desila se greška: ");
 }
