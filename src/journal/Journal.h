@@ -79,6 +79,8 @@ QString recordHash(qint16 company, qint16 year, const Record& r, const QString& 
 // --- The table ----------------------------------------------------------------------
 // Whether the database has dbo.KnjDnevnik; asked once per connection.
 bool available(Database& db);
+// Whether the database has the table; asked once per connection and table.
+bool hasTable(Database& db, const QString& table);
 // Every record of the company and year, in chain order. False when unreadable.
 bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& out);
 
