@@ -446,10 +446,4 @@ QString rowsText(const ResultSet& rows)
     return out;
 }
 
-void forget()
-{
-    availability().clear();
-    baselines().clear();
-}
-
 } // namespace knjige::journal

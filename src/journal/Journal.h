@@ -121,7 +121,4 @@ QString valueChanges(const std::vector<std::pair<qint64, qint64>>& pairs);
 // Rows as one text, one per line.
 QString rowsText(const ResultSet& rows);
 
-// The process forgets what it knows about the tables of the connection (tests).
-void forget();
-
 } // namespace knjige::journal
