@@ -17,7 +17,6 @@
 #include <QApplication>
 #include <QDateEdit>
 #include <QLineEdit>
-#include <QMap>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
@@ -28,21 +27,6 @@ namespace knjige::pictures
 
 namespace
 {
-
-// Stands in for the machine's credential store.
-struct MemoryStore final : gen::PasswordStore {
-    QMap<QString, QString> kept;
-    bool trajna() const override { return true; }
-    std::optional<QString> pročitaj(const QString& k) override
-    {
-        return kept.contains(k) ? std::optional<QString>(kept.value(k)) : std::nullopt;
-    }
-    bool spremi(const QString& k, const QString& v) override
-    {
-        kept.insert(k, v);
-        return true;
-    }
-};
 
 // The March 2016 values that give every kind entries on the demo documents.
 void fillMarch(frmGenPrihRashDB& d)
@@ -62,7 +46,7 @@ void fillMarch(frmGenPrihRashDB& d)
 // The generator for three kinds, and the DB book after generating March's takings.
 void generator(Scene& s)
 {
-    auto previousStore = gen::setPasswordStore(std::make_unique<MemoryStore>());
+    auto previousStore = gen::setPasswordStore(std::make_unique<gen::MemoryPasswordStore>(true));
     QString error;
     s.check(createSourceTables(session().db(), &error), error);
     s.check(fillDemoSources(session().db(), 2016, { gen::imeOperateraSustava() }, &error), error);

@@ -154,16 +154,11 @@ std::unordered_map<qint64, qint64> followAllLinks(
     return out;
 }
 
-journal::Scope scopeOf(const Book& b)
-{
-    return { b.tip, b.company, b.year, b.brojProd };
-}
-
 // One record lists every number that changed, another every link that followed.
 bool journalNumbers(Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
 {
     return (numbers.isEmpty()
-               || journal::append(db, scopeOf(b), { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
+               || journal::append(db, b, { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
         && (links.isEmpty()
             || journal::append(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 },
                 { journal::Radnja::Veze, std::nullopt, {}, links }, error));
@@ -181,7 +176,7 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
     const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!journal::ensureBaseline(db, scopeOf(b), error) || !rewriteNumbers(db, rowsTarget, rows, book, error))
+    if (!journal::ensureBaseline(db, b, error) || !rewriteNumbers(db, rowsTarget, rows, book, error))
         return false;
     progress->advance(1);
     if ((links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
@@ -247,7 +242,7 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         return DateStep::Begin;
     }
     ResultSet rows;
-    if (!journal::ensureBaseline(db, scopeOf(b), error))
+    if (!journal::ensureBaseline(db, b, error))
         return DateStep::Write;
     if (!db.open(rowsSql(b, dateOrder(b.tip)), rows)) {
         *error = db.errorDescription();
@@ -257,7 +252,7 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
     const std::vector<qint64> numbers = numbersOf(rows);
     const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
-    *error = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
+    *error = periodlock::refuseRows(db, b, rows, &changes, kLockedNumber);
     if (!error->isEmpty())
         return DateStep::Locked;
     if (!rewriteNumbers(db, target, rows, changes, error))
@@ -382,16 +377,16 @@ Outcome insertAt(const Book& b, qint32 n)
         return {};
     Database& db = session().db();
     // The blank entry is dated 1 January and every entry after it changes its number.
-    const QString locked = periodlock::refuseDates(db, scopeOf(b), { QDate(b.year, 1, 1) },
+    const QString locked = periodlock::refuseDates(db, b, { QDate(b.year, 1, 1) },
         QStringLiteral("Ubačena stavka bila bi datirana %1, a stavke iza nje dobile bi nove redne brojeve."));
     if (!locked.isEmpty())
         return refusal(locked);
     TransactionGuard tx(db);
     QString error;
     ResultSet blank;
-    const bool inserted = tx.isActive() && journal::ensureBaseline(db, scopeOf(b), &error) && db.execute(shiftSql(b, n))
+    const bool inserted = tx.isActive() && journal::ensureBaseline(db, b, &error) && db.execute(shiftSql(b, n))
         && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
-        && journal::append(db, scopeOf(b), { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
+        && journal::append(db, b, { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
         && tx.commit();
     return { inserted ? After::Reload : After::Stay, {} };
 }
@@ -419,8 +414,7 @@ Outcome byOrdinal(const Book& b)
         != Answer::Yes)
         return { After::Reload, {} };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
-    if (const QString locked = periodlock::refuseRows(db, scopeOf(b), rows, &changes, kLockedNumber);
-        !locked.isEmpty()) {
+    if (const QString locked = periodlock::refuseRows(db, b, rows, &changes, kLockedNumber); !locked.isEmpty()) {
         return refusal(locked);
     }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);

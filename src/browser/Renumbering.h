@@ -1,5 +1,6 @@
 #pragma once
 
+#include "journal/Journal.h"
 #include "session/Failure.h"
 
 #include <QString>
@@ -14,12 +15,7 @@ namespace knjige::renumber
 
 // The numbers an operation rewrites: one book of a company and year and, in the trade
 // books, one sales point.
-struct Book {
-    int tip = 0;
-    qint16 company = 0;
-    qint16 year = 0;
-    qint32 brojProd = 0;
-};
+using Book = journal::Scope;
 
 // The book of the session's company and year.
 Book sessionBook(int tip, qint32 brojProd = 0);

@@ -2,30 +2,19 @@
 
 #include "session/db/ConnectionString.h"
 
-#include <QHash>
-
 namespace knjige::gen
 {
 namespace
 {
 
-class SessionPasswordStore final : public PasswordStore
+// The process's own store: told apart from one a test installs by its type.
+class SessionPasswordStore final : public MemoryPasswordStore
 {
 public:
-    bool trajna() const override { return false; }
-    std::optional<QString> pročitaj(const QString& ključ) override
+    SessionPasswordStore()
+        : MemoryPasswordStore(false)
     {
-        const auto it = m_lozinke.constFind(ključ);
-        return it == m_lozinke.constEnd() ? std::nullopt : std::optional<QString>(*it);
     }
-    bool spremi(const QString& ključ, const QString& lozinka) override
-    {
-        m_lozinke.insert(ključ, lozinka);
-        return true;
-    }
-
-private:
-    QHash<QString, QString> m_lozinke;
 };
 
 std::unique_ptr<PasswordStore>& current()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -42,6 +43,33 @@ public:
     virtual bool trajna() const = 0;
     virtual std::optional<QString> pročitaj(const QString& ključ) = 0;
     virtual bool spremi(const QString& ključ, const QString& lozinka) = 0;
+};
+
+// A store that keeps the passwords in memory. The process's default says it does not
+// outlive the process; tests and the pictures program install one that says it does,
+// so the windows behave as on a machine with a credential store.
+class MemoryPasswordStore : public PasswordStore
+{
+public:
+    explicit MemoryPasswordStore(bool trajna)
+        : m_trajna(trajna)
+    {
+    }
+    bool trajna() const override { return m_trajna; }
+    std::optional<QString> pročitaj(const QString& ključ) override
+    {
+        const auto it = m_lozinke.constFind(ključ);
+        return it == m_lozinke.constEnd() ? std::nullopt : std::optional<QString>(*it);
+    }
+    bool spremi(const QString& ključ, const QString& lozinka) override
+    {
+        m_lozinke.insert(ključ, lozinka);
+        return true;
+    }
+
+private:
+    bool m_trajna;
+    QHash<QString, QString> m_lozinke;
 };
 
 PasswordStore& passwordStore();

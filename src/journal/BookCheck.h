@@ -1,5 +1,6 @@
 #pragma once
 
+#include "journal/Journal.h"
 #include "session/db/Database.h"
 
 #include <QString>
@@ -11,12 +12,8 @@
 namespace knjige::bookcheck
 {
 
-struct Request {
-    int tip = 0;
-    qint16 company = 0;
-    qint16 year = 0;
-    qint32 brojProd = 0; // trade books: one sales point, 0 for all
-};
+// The book to check; a trade book's brojProd is one sales point, 0 for all.
+using Request = journal::Scope;
 
 struct Report {
     enum class Status { Clean, Findings, Unreadable };

@@ -241,17 +241,23 @@ QString recordHash(qint16 company, qint16 year, const Record& r, const QString& 
         QCryptographicHash::hash(fields.join(QChar(0x1f)).toUtf8(), QCryptographicHash::Sha256).toHex());
 }
 
-bool available(Database& db)
+bool hasTable(Database& db, const QString& table)
 {
-    const QString key = db.connectionString();
+    const QString key = db.connectionString() + u'\n' + table;
     const auto it = availability().constFind(key);
     if (it != availability().constEnd())
         return *it;
     ResultSet probe;
-    const bool has = db.open(QStringLiteral("SELECT COUNT(*) AS Broj FROM dbo.KnjDnevnik WHERE 1=0"), probe);
+    const bool has
+        = db.open(QStringLiteral("SELECT COUNT(*) AS Broj FROM ") + table + QStringLiteral(" WHERE 1=0"), probe);
     if (db.isConnected())
         availability().insert(key, has);
     return has;
+}
+
+bool available(Database& db)
+{
+    return hasTable(db, kTable);
 }
 
 bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& out)
@@ -438,12 +444,6 @@ QString rowsText(const ResultSet& rows)
     for (int r = 0; r < rows.rowCount(); ++r)
         out += rowText(rows, r) + u'\n';
     return out;
-}
-
-void forget()
-{
-    availability().clear();
-    baselines().clear();
 }
 
 } // namespace knjige::journal

@@ -79,6 +79,8 @@ QString recordHash(qint16 company, qint16 year, const Record& r, const QString& 
 // --- The table ----------------------------------------------------------------------
 // Whether the database has dbo.KnjDnevnik; asked once per connection.
 bool available(Database& db);
+// Whether the database has the table; asked once per connection and table.
+bool hasTable(Database& db, const QString& table);
 // Every record of the company and year, in chain order. False when unreadable.
 bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& out);
 
@@ -118,8 +120,5 @@ QString numberChanges(const ResultSet& rows, const QString& column, const std::v
 QString valueChanges(const std::vector<std::pair<qint64, qint64>>& pairs);
 // Rows as one text, one per line.
 QString rowsText(const ResultSet& rows);
-
-// The process forgets what it knows about the tables of the connection (tests).
-void forget();
 
 } // namespace knjige::journal

@@ -2,8 +2,6 @@
 
 #include "session/Dates.h"
 
-#include <QHash>
-
 namespace knjige::periodlock
 {
 namespace
@@ -36,15 +34,7 @@ bool finish(Database& db, TransactionGuard& tx, bool ok, QString* error)
 
 bool available(Database& db)
 {
-    static QHash<QString, bool> known;
-    const auto it = known.constFind(db.connectionString());
-    if (it != known.constEnd())
-        return *it;
-    ResultSet probe;
-    const bool has = db.open(QStringLiteral("SELECT COUNT(*) AS Broj FROM dbo.KnjZakljucano WHERE 1=0"), probe);
-    if (db.isConnected())
-        known.insert(db.connectionString(), has);
-    return has;
+    return journal::hasTable(db, QStringLiteral("dbo.KnjZakljucano"));
 }
 
 bool lockDate(Database& db, const journal::Scope& scope, QDate* date, QString* error)

@@ -56,6 +56,11 @@ bool installQtTranslations()
     const QString name = qtCatalogueName(QLocale());
     if (name.isEmpty() || !QCoreApplication::instance())
         return false;
+    // Every book window asks; a catalogue that was not there is not looked for again.
+    static bool looked = false;
+    if (looked)
+        return false;
+    looked = true;
     // Qt's own folder, then a "translations" folder beside the program (a Windows
     // installation carries its catalogues there).
     const QStringList folders = { QLibraryInfo::path(QLibraryInfo::TranslationsPath),

@@ -26,28 +26,13 @@ using namespace knjige::test;
 namespace
 {
 
-// Stands in for the machine's credential store.
-struct MemoryStore final : gen::PasswordStore {
-    QMap<QString, QString> kept;
-    bool trajna() const override { return true; }
-    std::optional<QString> pročitaj(const QString& k) override
-    {
-        return kept.contains(k) ? std::optional<QString>(kept.value(k)) : std::nullopt;
-    }
-    bool spremi(const QString& k, const QString& v) override
-    {
-        kept.insert(k, v);
-        return true;
-    }
-};
-
 class GenerateDialog : public BrowserTest
 {
 protected:
     void SetUp() override
     {
         BrowserTest::SetUp();
-        previousStore = gen::setPasswordStore(std::make_unique<MemoryStore>());
+        previousStore = gen::setPasswordStore(std::make_unique<gen::MemoryPasswordStore>(true));
         ASSERT_TRUE(fillDemo(db->db(), 2016));
         QString error;
         ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
