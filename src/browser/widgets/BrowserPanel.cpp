@@ -53,8 +53,9 @@ std::unique_ptr<ReadAside> pocniCitanjePanela(const browser::BookQuery& query)
 {
     if (!browser::hasTotalsPanel(query.bookKind))
         return nullptr;
-    return std::make_unique<ReadAside>(browser::totalsPanelSql(query.bookKind, query.company, query.year,
-        query.salesPoint(), query.filter.periodStart, query.filter.periodEnd));
+    return std::make_unique<ReadAside>(session().db(), session().ConnString,
+        browser::totalsPanelSql(query.bookKind, query.company, query.year, query.salesPoint(), query.filter.periodStart,
+            query.filter.periodEnd));
 }
 
 bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query, ReadAside* started)

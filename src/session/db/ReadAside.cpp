@@ -1,19 +1,17 @@
 #include "session/db/ReadAside.h"
 
-#include "session/Session.h"
 #include "session/db/Database.h"
 
 namespace knjige
 {
 
-ReadAside::ReadAside(QString sql)
-    : m_sql(std::move(sql))
+ReadAside::ReadAside(Database& db, const QString& connection, QString sql)
+    : m_db(db)
+    , m_sql(std::move(sql))
 {
-    Session& s = session();
-    Database& db = s.db();
     if (!db.isConnected() || db.inTransaction() || db.dialect() != SqlDialect::Sqlite)
         return;
-    m_future = std::async(std::launch::async, [sql = m_sql, connection = s.ConnString] {
+    m_future = std::async(std::launch::async, [sql = m_sql, connection] {
         Outcome out;
         Database aside;
         if (!aside.connect(connection)) {
@@ -35,9 +33,8 @@ ReadAside::~ReadAside()
 bool ReadAside::wait(ResultSet& rows, QString* error)
 {
     if (!m_future.valid()) {
-        Database& db = session().db();
-        const bool ok = db.open(m_sql, rows);
-        *error = db.errorDescription();
+        const bool ok = m_db.open(m_sql, rows);
+        *error = m_db.errorDescription();
         return ok;
     }
     Outcome out = m_future.get();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "session/db/Database.h"
 #include "session/db/ResultSet.h"
 
 #include <QString>
@@ -16,7 +17,9 @@ namespace knjige
 class ReadAside
 {
 public:
-    explicit ReadAside(QString sql);
+    // db is the caller's connection; connection is its connection string, with which
+    // the read aside opens a connection of its own.
+    ReadAside(Database& db, const QString& connection, QString sql);
     ~ReadAside();
     ReadAside(const ReadAside&) = delete;
     ReadAside& operator=(const ReadAside&) = delete;
@@ -30,6 +33,7 @@ private:
         ResultSet rows;
         QString error;
     };
+    Database& m_db;
     QString m_sql;
     std::future<Outcome> m_future;
 };

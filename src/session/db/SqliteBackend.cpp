@@ -28,6 +28,28 @@ namespace
 
 using tsql::SqlType;
 
+// The adapter types an expression as SQL Server would; a result set knows fewer kinds.
+// A column still Unknown here held only NULLs: it reads as text.
+FieldType fieldTypeOf(SqlType t)
+{
+    switch (t) {
+    case SqlType::Bit:
+        return FieldType::Boolean;
+    case SqlType::Int:
+        return FieldType::Integer;
+    case SqlType::Money:
+        return FieldType::Currency;
+    case SqlType::Decimal:
+        return FieldType::Decimal;
+    case SqlType::Float:
+        return FieldType::Float;
+    case SqlType::Date:
+        return FieldType::Date;
+    default:
+        return FieldType::Text;
+    }
+}
+
 constexpr int kBusyTimeoutMs = 10000;
 // Rows a part of a result read in parts holds.
 constexpr int kPartRows = 512;
@@ -433,7 +455,7 @@ private:
         QVector<Field> fields;
         std::vector<char> int32(n, 0);
         for (int c = 0; c < n; ++c) {
-            fields << Field { columnName(raw, c), tsql::fieldTypeOf(types[c]) };
+            fields << Field { columnName(raw, c), fieldTypeOf(types[c]) };
             int32[c] = st.columnTypes.size() == n && st.columnTypes[c] == SqlType::Int;
         }
         ResultSet rs(fields);

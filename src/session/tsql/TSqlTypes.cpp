@@ -42,26 +42,6 @@ bool isNumericType(SqlType t)
         || t == SqlType::Float;
 }
 
-FieldType fieldTypeOf(SqlType t)
-{
-    switch (t) {
-    case SqlType::Bit:
-        return FieldType::Boolean;
-    case SqlType::Int:
-        return FieldType::Integer;
-    case SqlType::Money:
-        return FieldType::Currency;
-    case SqlType::Decimal:
-        return FieldType::Decimal;
-    case SqlType::Float:
-        return FieldType::Float;
-    case SqlType::Date:
-        return FieldType::Date;
-    default:
-        return FieldType::Text;
-    }
-}
-
 SqlType typeFromTSqlName(const QString& typeName)
 {
     const QString t = typeName.toLower();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "session/db/ResultSet.h"
-
 #include <QHash>
 #include <QString>
 #include <QVector>
@@ -18,8 +16,6 @@ enum class SqlType { Unknown, Null, Bit, Int, Money, Decimal, Float, Date, Text 
 // Date > Float > Decimal > Money > Int > Bit > Text > Null/Unknown.
 SqlType higher(SqlType a, SqlType b);
 bool isNumericType(SqlType t);
-// Unknown stays Unknown: the backend types such a column from its first value.
-FieldType fieldTypeOf(SqlType t);
 
 // "int", "smallint", "money", "datetime", "nvarchar" ... (no length).
 SqlType typeFromTSqlName(const QString& typeName);
