@@ -184,12 +184,10 @@ QString upitRačuna(const Parametri& p)
 }
 
 // A typed code that is present but not a whole number: its message, shown.
-bool neispravanBroj(const QString& text, const QString& poruka)
+// A number that is typed but is not one; an empty text is another check's matter.
+bool badNumber(const QString& text)
 {
-    if (text.trimmed().isEmpty() || broj(text))
-        return false;
-    warn(poruka);
-    return true;
+    return !text.trimmed().isEmpty() && !broj(text);
 }
 
 } // namespace
@@ -215,39 +213,32 @@ bool imaSkladište(int vrsta)
     return vrsta >= MatOtpremnice && vrsta <= PosPovrat;
 }
 
-bool provjeri(const Parametri& p)
+Check provjeri(const Parametri& p)
 {
-    if (p.od > p.doDatuma) {
-        warn(QStringLiteral("Prvi datum veći od drugog!"));
-        return false;
-    }
-    if (imaOrgJedinicu(p.vrsta) && !broj(p.orgJed)) {
-        warn(QStringLiteral("Org.jedinica nije dobro upisana!"));
-        return false;
-    }
+    const auto refused = [](const char* text) { return Check { QString::fromUtf8(text), {} }; };
+    if (p.od > p.doDatuma)
+        return refused("Prvi datum veći od drugog!");
+    if (imaOrgJedinicu(p.vrsta) && !broj(p.orgJed))
+        return refused("Org.jedinica nije dobro upisana!");
     if (imaDobavljača(p.vrsta)) {
-        if (p.dobavljač.trimmed().isEmpty()) {
-            warn(QStringLiteral("Dobavljač nije upisan!"));
-            return false;
-        }
-        if (neispravanBroj(p.dobavljač, QStringLiteral("Dobavljač nije dobro upisan!")))
-            return false;
+        if (p.dobavljač.trimmed().isEmpty())
+            return refused("Dobavljač nije upisan!");
+        if (badNumber(p.dobavljač))
+            return refused("Dobavljač nije dobro upisan!");
     }
     if (!imaSkladište(p.vrsta))
-        return true;
-    if (p.prima.trimmed().isEmpty()) {
-        warn(QStringLiteral("Tko prima ili kupac nije upisan!"));
-        return false;
-    }
-    if (neispravanBroj(p.prima, QStringLiteral("Tko prima ili kupac nije dobro upisan!")))
-        return false;
+        return {};
+    if (p.prima.trimmed().isEmpty())
+        return refused("Tko prima ili kupac nije upisan!");
+    if (badNumber(p.prima))
+        return refused("Tko prima ili kupac nije dobro upisan!");
     if (p.skladište.trimmed().isEmpty())
-        return interaction().show({ QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za "
-                                                   "sva skl./malopr. za koje operater ima prava. Pažljivo. Želite li "
-                                                   "nastaviti sa generiranjem?"),
-                   {}, Icon::Question, Buttons::YesNo, Answer::No })
-            == Answer::Yes;
-    return !neispravanBroj(p.skladište, QStringLiteral("Skladište/Maloprodaja nije dobro upisano!"));
+        return { {},
+            QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za sva skl./malopr. za koje "
+                           "operater ima prava. Pažljivo. Želite li nastaviti sa generiranjem?") };
+    if (badNumber(p.skladište))
+        return refused("Skladište/Maloprodaja nije dobro upisano!");
+    return {};
 }
 
 QString uvjetPrava(int vrsta, const QString& operater)

@@ -59,10 +59,14 @@ struct Parametri {
     QString izvor; // connection string of the source database
 };
 
-// The checks of the OK button, in their order, each with its message; the question
-// about an empty warehouse or shop is asked here too. True when the run may start.
-// Touches no database.
-bool provjeri(const Parametri& p);
+// What the OK button's checks make of a run, without showing anything: the first
+// check that fails, in their order, is its refusal; a run for every warehouse or shop
+// the operator has a right to is asked about first (default No). Touches no database.
+struct Check {
+    QString refusal; // empty: every check holds
+    QString question; // empty: nothing to ask
+};
+Check provjeri(const Parametri& p);
 
 // The texts of a run; they expect parameters that passed provjeri().
 QString izvorniUpit(const Parametri& p);

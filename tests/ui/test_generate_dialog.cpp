@@ -144,4 +144,14 @@ TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSetti
     d.dpDatum->setDate(QDate(2016, 4, 1));
     d.OKButton->click();
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Prvi datum veći od drugog!") });
+    // A run over every shop is asked about first, and No stops it there too.
+    script->clear();
+    d.setVrsta(gen::PosOtpremnice);
+    fillMarch(d);
+    d.txtSkladište->clear();
+    script->answers << Answer::No;
+    d.OKButton->click();
+    ASSERT_EQ(script->texts().size(), 1);
+    EXPECT_TRUE(script->texts().first().startsWith(QStringLiteral("Skladište/Maloprodaja nije upisano!")));
+    EXPECT_EQ(d.result(), QDialog::Rejected);
 }

@@ -296,7 +296,13 @@ void frmGenPrihRashDB::OKButton_Click()
     if (!gen::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
         return;
     gen::Parametri p = parametri();
-    if (!gen::provjeri(p))
+    const gen::Check check = gen::provjeri(p);
+    if (!check.refusal.isEmpty()) {
+        warn(check.refusal);
+        return;
+    }
+    if (!check.question.isEmpty()
+        && interaction().show({ check.question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
         return;
     const gen::OpisVrste& o = gen::opisVrste(m_vrsta);
     const QString app = settings::sharedApplication();
