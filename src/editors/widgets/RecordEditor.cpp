@@ -199,6 +199,15 @@ void RecordEditor::addLookupButton(QPushButton* button)
     m_lookupButtons << button;
 }
 
+void RecordEditor::warnWhenNegative(std::initializer_list<MoneyBox*> boxes, const QString& text)
+{
+    for (MoneyBox* box : boxes)
+        connect(box, &MoneyBox::left, this, [box, text] {
+            if (box->value().isNegative())
+                inform(text, QStringLiteral("Napomena"), Icon::Exclamation);
+        });
+}
+
 void RecordEditor::moveToTabEnd(QWidget* widget)
 {
     m_tabChain.removeAll(widget);

@@ -66,8 +66,8 @@ public:
     // Copies the entry that was read into the controls (nothing when none was read).
     void NapuniPodatke();
     // Prepares the dialog for its mode, reads the entry and shows the dialog modally
-    // through the interaction seam. The argument is the display mode of the original
-    // program and is always modal here.
+    // through the interaction seam. The argument is the host's display mode; the
+    // editor is always modal.
     void Prikaži(int modal = 1);
     // Runs once the dialog is prepared for its mode, just before it is shown: the
     // browser puts the filter in force back into a filter form here.
@@ -115,6 +115,10 @@ protected:
     // Puts a row's lookup button into the tab chain at its place on screen (after the
     // field of the row last added). Enter and the arrows pass over it.
     void addLookupButton(QPushButton* button);
+    // Leaving one of these boxes with a negative amount warns, under "Napomena", with
+    // the editor's own text; the amount is kept.
+    void warnWhenNegative(std::initializer_list<MoneyBox*> boxes,
+        const QString& text = QStringLiteral("Unesena vrijednost je negativna, pažljivo !"));
     // The caption label of a row's field.
     QLabel* labelFor(const QWidget* field) const;
 

@@ -49,11 +49,7 @@ frmKnjEvidPotObvFBiH::frmKnjEvidPotObvFBiH(int bookKind, QWidget* parent)
     txtKomitent->installEventFilter(this);
 
     connect(cmdPrKomit, &QPushButton::clicked, this, &frmKnjEvidPotObvFBiH::izaberiKomitenta);
-    connect(ubIznos, &MoneyBox::left, this, [this] {
-        if (ubIznos->value().isNegative())
-            inform(QStringLiteral("Unesena vrijednost je negativna, pažljivo !"), QStringLiteral("Napomena"),
-                Icon::Exclamation);
-    });
+    warnWhenNegative({ ubIznos });
 }
 
 void frmKnjEvidPotObvFBiH::showKomitent()

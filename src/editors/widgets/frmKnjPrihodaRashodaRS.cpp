@@ -31,12 +31,7 @@ frmKnjPrihodaRashodaRS::frmKnjPrihodaRashodaRS(int bookKind, QWidget* parent)
     finishLayout();
     fillKinds();
 
-    for (MoneyBox* box : { ubIznos, ubIznosPDV })
-        connect(box, &MoneyBox::left, this, [box] {
-            if (box->value().isNegative())
-                inform(QStringLiteral("Unesena vrijednost je negativna, pažljivo !"), QStringLiteral("Napomena"),
-                    Icon::Exclamation);
-        });
+    warnWhenNegative({ ubIznos, ubIznosPDV });
 }
 
 QString frmKnjPrihodaRashodaRS::naslov() const

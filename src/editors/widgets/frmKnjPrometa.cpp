@@ -24,12 +24,7 @@ frmKnjPrometa::frmKnjPrometa(int bookKind, QWidget* parent)
     lblČekovi->setObjectName(QStringLiteral("lblČekovi"));
     finishLayout();
 
-    for (MoneyBox* box : { ubGotovina, ubCek })
-        connect(box, &MoneyBox::left, this, [box] {
-            if (box->value().isNegative())
-                inform(QStringLiteral("Unešena vrijednost je negativna, pažljivo !"), QStringLiteral("Napomena"),
-                    Icon::Exclamation);
-        });
+    warnWhenNegative({ ubGotovina, ubCek }, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
 }
 
 void frmKnjPrometa::fill(const ResultSet& rs)

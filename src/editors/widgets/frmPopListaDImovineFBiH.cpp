@@ -29,12 +29,7 @@ frmPopListaDImovineFBiH::frmPopListaDImovineFBiH(int bookKind, QWidget* parent)
     txtNaziv->setVisible(false);
     finishLayout();
 
-    for (MoneyBox* box : { ubNabavna, ubKnjigovodstvena })
-        connect(box, &MoneyBox::left, this, [box] {
-            if (box->value().isNegative())
-                inform(QStringLiteral("Unešena vrijednost je negativna, pažljivo !"), QStringLiteral("Napomena"),
-                    Icon::Exclamation);
-        });
+    warnWhenNegative({ ubNabavna, ubKnjigovodstvena }, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
 }
 
 void frmPopListaDImovineFBiH::fill(const ResultSet& rs)
