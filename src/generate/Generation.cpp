@@ -10,6 +10,7 @@
 #include "session/db/Database.h"
 
 #include <QHash>
+#include <QSet>
 #include <QVector>
 #include <limits>
 #include <optional>
@@ -382,12 +383,20 @@ QString otisak(const RowChange::Values& v)
     return otisak(v[StGodina].second, v[StDatum].second, v[StIsprava].second, v[StOpis].second, v[StIznos].second);
 }
 
-// For each entry, whether the book already holds it from an earlier run. Each book
-// row stands for one entry only, so of two equal source rows with one written before
-// only one counts as held. Nothing when the book cannot be read.
-std::optional<QVector<bool>> većUpisane(Database& db, const Parametri& p, const QVector<RowChange::Values>& stavke)
+// What the book already holds of a run's entries.
+struct Held {
+    // For each entry, whether the book holds it from an earlier run. Each book row
+    // stands for one entry only, so of two equal source rows with one written before
+    // only one counts as held.
+    QVector<bool> entries;
+    int bookRows = 0; // rows of the book equal to one of the entries
+};
+
+// Nothing when the book cannot be read.
+std::optional<Held> većUpisane(Database& db, const Parametri& p, const QVector<RowChange::Values>& stavke)
 {
-    QVector<bool> upisane(stavke.size(), false);
+    Held held;
+    held.entries.fill(false, stavke.size());
     QDate prvi, zadnji;
     for (const RowChange::Values& v : stavke) {
         const QDate d = v[StDatum].second.toDate();
@@ -397,7 +406,7 @@ std::optional<QVector<bool>> većUpisane(Database& db, const Parametri& p, const
             zadnji = d;
     }
     if (!prvi.isValid())
-        return upisane;
+        return held;
     ResultSet rs;
     if (!db.open(QStringLiteral("SELECT GodinaKnj,Datum,Isprava,Opis,Iznos FROM dbo.KnjPrihRashDB WHERE BrojPoduzeca=")
                 + QString::number(p.brojPoduzeca) + QStringLiteral(" AND Datum>='") + datum(prvi)
@@ -409,14 +418,20 @@ std::optional<QVector<bool>> većUpisane(Database& db, const Parametri& p, const
         const QVariant iznos = rs.isNull(r, 4) ? QVariant() : QVariant::fromValue(rs.money(r, 4));
         ++uKnjizi[otisak(int(rs.integer(r, 0)), rs.date(r, 1), tekst(rs, r, 2), tekst(rs, r, 3), iznos)];
     }
+    QSet<QString> traženi;
+    for (const RowChange::Values& v : stavke)
+        traženi.insert(otisak(v));
+    for (auto it = uKnjizi.cbegin(); it != uKnjizi.cend(); ++it)
+        if (traženi.contains(it.key()))
+            held.bookRows += it.value();
     for (int i = 0; i < stavke.size(); ++i) {
         const auto it = uKnjizi.find(otisak(stavke[i]));
         if (it != uKnjizi.end() && it.value() > 0) {
             --it.value();
-            upisane[i] = true;
+            held.entries[i] = true;
         }
     }
-    return upisane;
+    return held;
 }
 
 void izostavi(QVector<RowChange::Values>& stavke, const QVector<bool>& koje)
@@ -436,16 +451,10 @@ Notice upozorenje(const QString& tekst)
 // A second run over the same period would write its documents again, and a payment
 // of an earlier year's invoice keeps the invoice's year while it takes a number of
 // the working year. Both are asked about before anything is written; the entries
-// left out take no number. False, with the failure in `poruka`, when the book cannot
-// be read.
-bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, Notice* poruka)
+// left out take no number.
+void izaberi(const Parametri& p, QVector<RowChange::Values>& stavke, const Held& upisane)
 {
-    const std::optional<QVector<bool>> upisane = većUpisane(db, p, stavke);
-    if (!upisane) {
-        *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
-        return false;
-    }
-    const int već = int(upisane->count(true));
+    const int već = int(upisane.entries.count(true));
     if (već > 0
         && !askYesNo(QStringLiteral("Od %1 zapisa za prijenos, %2 već postoje u knjizi prihoda i rashoda DB iz ranijeg "
                                     "generiranja (isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? "
@@ -453,7 +462,7 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavk
                          .arg(stavke.size())
                          .arg(već),
             {}, Answer::No))
-        izostavi(stavke, *upisane);
+        izostavi(stavke, upisane.entries);
 
     constexpr int kNajvišeNavedenih = 10;
     QVector<bool> drugaGodina(stavke.size(), false);
@@ -478,13 +487,14 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& stavk
                                  "ih izostaviti?"),
             {}, Answer::Yes))
         izostavi(stavke, drugaGodina);
-    return true;
 }
 
 // Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
 // speed, but a failure keeps those written before it, as a run without a transaction
-// would. A failure or refusal is left in `poruka`.
-int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji, Notice* poruka)
+// would. A failure or refusal is left in `poruka`. `asked` is what the book held of
+// all the run's entries (`sve`) when the questions were put.
+int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji,
+    const QVector<RowChange::Values>& sve, const Held& asked, Notice* poruka)
 {
     ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
@@ -509,6 +519,23 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
         return dnevnik.isEmpty()
             || journal::append(db, knjigaDB, { journal::Radnja::Generiranje, std::nullopt, {}, dnevnik }, &greška);
     };
+    // The questions were answered while others could write, so the book is read again
+    // inside the transaction (which, on the embedded database, holds the book until
+    // the commit): the same documents booked meanwhile (a second run over the same
+    // days) stop this run, and the numbers go on from the last one taken meanwhile.
+    const std::optional<Held> now = većUpisane(db, p, sve);
+    const std::optional<qint64> zadnjiSada = zadnjiBroj(db, p);
+    if (!now || !zadnjiSada) {
+        *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
+        return 0;
+    }
+    if (now->bookRows > asked.bookRows) {
+        *poruka = upozorenje(QStringLiteral("Dok je generiranje čekalo odgovor, isti zapisi upisani su u knjigu DB "
+                                            "(drugo generiranje za isto razdoblje?). Ništa nije upisano; ponovite "
+                                            "generiranje."));
+        return 0;
+    }
+    zadnji = std::max(zadnji, *zadnjiSada);
     if (!journal::ensureBaseline(db, knjigaDB, &greška)) {
         *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
@@ -579,9 +606,14 @@ Rezultat generiraj(const Parametri& p)
     QVector<RowChange::Values> stavke;
     for (int r = 0; r < redovi.rowCount(); ++r)
         stavke << stavka(p, redovi, r);
-    if (!izaberi(knjiga, p, stavke, &rezultat.poruka))
+    const std::optional<Held> upisane = većUpisane(knjiga, p, stavke);
+    if (!upisane) {
+        rezultat.poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return rezultat;
-    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji, &rezultat.poruka);
+    }
+    const QVector<RowChange::Values> sve = stavke;
+    izaberi(p, stavke, *upisane);
+    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji, sve, *upisane, &rezultat.poruka);
     if (rezultat.zapisano == stavke.size())
         rezultat.poruka = { QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),

@@ -206,7 +206,8 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
 }
 
 // A second run over the same days, and a payment of last year's invoice: each is asked
-// about, unanswered it is left out, and what is left out takes no number.
+// about, unanswered it is left out, and what is left out takes no number. What others
+// write while the questions wait is seen before anything is written.
 TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
 {
     for (const char* sql : { "INSERT INTO Ifakture VALUES (1,2016,'VP',7,10,'03.01.2016',0,100)",
@@ -217,37 +218,61 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
         t.exec(QString::fromUtf8(sql));
     Parametri p = march(UplateIzlaznih);
     p.orgJed = QStringLiteral("7");
-    const QString again = "Od 3 zapisa za prijenos, 2 već postoje u knjizi prihoda i rashoda DB iz ranijeg generiranja "
-                          "(isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? Ako odgovorite Ne, upisat "
-                          "će se samo ostali zapisi.";
+    const auto again = [](int held) {
+        return QStringLiteral("Od 3 zapisa za prijenos, %1 već postoje u knjizi prihoda i rashoda DB iz ranijeg "
+                              "generiranja (isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? Ako "
+                              "odgovorite Ne, upisat će se samo ostali zapisi.")
+            .arg(held);
+    };
     const QString year
         = "Zapisi koji pripadaju drugoj godini knjige, a ne radnoj godini 2016:\n"
           "Uplata 7 d:IZV-2 (VP-7-90/2015), 03.03.16, godina 2015\n"
           "Upisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li ih izostaviti?";
     const std::string first = "1|2016|2016-03-02|Uplata 7 d:IZV-1|60; 2|2016|2016-03-04|Uplata 7 d:IZV-3|40";
+    const std::string third = first
+        + "; 3|2016|2016-03-02|Uplata 7 d:IZV-1|60; 4|2015|2016-03-03|Uplata 7 d:IZV-2|40; "
+          "5|2016|2016-03-04|Uplata 7 d:IZV-3|40";
+    const qint64 last = lastNumber();
+    const QList<Answer> writeAgainButNotLastYear { Answer::Yes, Answer::Yes, Answer::Yes, Answer::Yes };
     const struct {
         QList<Answer> answers; // none: each question's default
         QStringList questions;
         int written;
         std::string book; // number after the book's last, year, date, document, amount
+        QString meanwhile = {}; // run at the last question; %1: the book's last number before the runs
+        QString end = {}; // empty: the success message
     } runs[] = {
         { {}, { year }, 2, first },
-        { {}, { again, year }, 0, first },
-        { { Answer::Yes, Answer::Yes, Answer::Yes, Answer::No }, { again, year }, 3,
-            first
-                + "; 3|2016|2016-03-02|Uplata 7 d:IZV-1|60; 4|2015|2016-03-03|Uplata 7 d:IZV-2|40; "
-                  "5|2016|2016-03-04|Uplata 7 d:IZV-3|40" },
+        { {}, { again(2), year }, 0, first },
+        { { Answer::Yes, Answer::Yes, Answer::Yes, Answer::No }, { again(2), year }, 3, third },
+        // A second run books the same payment while this one waits: nothing is written.
+        { writeAgainButNotLastYear, { again(3), year }, 0, third + "; 1005|2016|2016-03-04|Uplata 7 d:IZV-3|40",
+            "INSERT INTO dbo.KnjPrihRashDB SELECT BrojPoduzeca,RBroj+1000,Datum,GodinaKnj,Isprava,Opis,Vrsta,Iznos "
+            "FROM dbo.KnjPrihRashDB WHERE RBroj=%1+5",
+            "Dok je generiranje čekalo odgovor, isti zapisi upisani su u knjigu DB (drugo generiranje za isto "
+            "razdoblje?). Ništa nije upisano; ponovite generiranje." },
+        // Another entry takes the next number meanwhile: the run numbers on after it.
+        { writeAgainButNotLastYear, { again(3), year }, 2,
+            third
+                + "; 1005|2016|2016-03-04|Uplata 7 d:IZV-3|40; 2001|2016|2016-03-02|Uplata 7 d:IZV-1|60; "
+                  "2002|2016|2016-03-04|Uplata 7 d:IZV-3|40",
+            "INSERT INTO dbo.KnjPrihRashDB VALUES (1,%1+2000,'03.09.2016',2016,'Drugi','Drugi',1,1)" },
     };
-    const qint64 last = lastNumber();
     for (const auto& run : runs) {
         script->clear();
         for (Answer a : run.answers)
             script->answers << a;
+        script->onQuestion = [&](const Message& m) {
+            if (m.text == year && !run.meanwhile.isEmpty())
+                t.exec(run.meanwhile.arg(last));
+        };
         EXPECT_EQ(izvedi(p).zapisano, run.written);
+        const QString end = !run.end.isEmpty()
+            ? run.end
+            : QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(run.written);
         EXPECT_EQ(script->texts(),
             QStringList({ pitanjePotvrde(p), "Postoje 3" + opisVrste(UplateIzlaznih).upitBroja }) + run.questions
-                + QStringList {
-                    QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(run.written) });
+                + QStringList { end });
         const ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
                                                       "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
                                            .arg(last));
@@ -256,6 +281,7 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
             rows += (r ? "; " : "") + test::rowText(book, r);
         EXPECT_EQ(rows, run.book);
     }
+    script->onQuestion = nullptr;
 }
 
 TEST_F(Generation, StopsWithTheMessageOfEachFailure)

@@ -57,6 +57,8 @@ Answer ScriptedInteraction::show(const Message& message)
     messages.append(message);
     if (message.buttons == Buttons::Ok)
         return Answer::Ok;
+    if (onQuestion)
+        onQuestion(message);
     return answers.isEmpty() ? message.defaultAnswer : answers.dequeue();
 }
 

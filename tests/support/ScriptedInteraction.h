@@ -32,6 +32,8 @@ public:
     QList<QStringList> startedPrograms; // program first, then its arguments
     // Runs a modal dialog; without a handler the dialog is rejected at once.
     std::function<int(QDialog&)> onDialog;
+    // Runs when a question is put, before it is answered: what others do meanwhile.
+    std::function<void(const Message&)> onQuestion;
     QList<ProgressRecord> progress;
     // Where stopping is offered, the person stops the next operation once its text
     // begins with this ("Ispis: stranica 2 od"); empty: never.
