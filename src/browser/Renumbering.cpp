@@ -21,6 +21,8 @@ namespace
 
 const QString kReceivables = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
 const QString kLockedNumber = QStringLiteral("Renumeracija bi promijenila redni broj stavke %1 datirane %2.");
+const QString kLockedLink
+    = QStringLiteral("Renumeracija bi promijenila vezu stavke %1 knjige evid.potr.i obveza datirane %2.");
 
 // The numbers change in a few statements inside one transaction, so the operator sees
 // its steps, and stopping is not offered: the rows read may no longer be the book's.
@@ -208,15 +210,44 @@ bool readLinkValues(Database& db, const Book& b, std::vector<qint64>& values, QH
     return true;
 }
 
-bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
+// The step of a renumbering by date that failed, if any.
+enum class DateStep { Done, Begin, Read, Locked, Write };
+
+// The links of the receivables book follow the numbers of book 96, so an entry of the
+// receivables book's closed period would change with them: that stops the renumbering.
+QString refuseMovedLinks(
+    Database& db, const Book& b, const ResultSet& links, const std::vector<std::optional<qint64>>& moving)
+{
+    return periodlock::refuseRows(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, links, &moving, kLockedLink);
+}
+
+DateStep moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
 {
     std::vector<qint64> values;
     QHash<qint64, qint64> counts;
     if (!readLinkValues(db, b, values, counts)) {
         *error = db.errorDescription();
-        return false;
+        return DateStep::Write;
     }
     const std::unordered_map<qint64, qint64> moved = followAllLinks(numbers, values);
+    QDate lock;
+    if (!moved.empty() && !periodlock::lockDate(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, &lock, error))
+        return DateStep::Write;
+    if (lock.isValid()) {
+        ResultSet held;
+        if (!db.open(linkedReceivablesSql(b), held)) {
+            *error = db.errorDescription();
+            return DateStep::Write;
+        }
+        const int c = held.indexOf(QStringLiteral("RBrojKPR"));
+        std::vector<std::optional<qint64>> moving(size_t(held.rowCount()));
+        for (int r = 0; r < held.rowCount(); ++r)
+            if (const auto it = moved.find(held.integer(r, c)); it != moved.end())
+                moving[size_t(r)] = it->second;
+        *error = refuseMovedLinks(db, b, held, moving);
+        if (!error->isEmpty())
+            return DateStep::Locked;
+    }
     std::vector<std::pair<qint64, qint64>> pairs(moved.begin(), moved.end());
     qint64 rowsMoved = 0;
     for (const auto& [from, to] : pairs)
@@ -224,11 +255,8 @@ bool moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, 
     *links = journal::valueChanges(pairs);
     const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
         receivablesScope(b) };
-    return remapNumbers(db, target, pairs, rowsMoved, error);
+    return remapNumbers(db, target, pairs, rowsMoved, error) ? DateStep::Done : DateStep::Write;
 }
-
-// The step of a renumbering by date that failed, if any.
-enum class DateStep { Done, Begin, Read, Locked, Write };
 
 // The whole renumbering by date in one transaction, rolled back on any failure. The
 // rows come in the server's order, equal dates as the server returns them, and each
@@ -259,8 +287,10 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
         return DateStep::Write;
     progress->advance(2);
     QString links;
-    if ((b.tip == Knjiga::PrihRashFBiH && !moveLinks(db, b, numbers, &links, error))
-        || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), changes), links, error))
+    if (b.tip == Knjiga::PrihRashFBiH)
+        if (const DateStep step = moveLinks(db, b, numbers, &links, error); step != DateStep::Done)
+            return step;
+    if (!journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), changes), links, error))
         return DateStep::Write;
     progress->advance(3);
     if (!tx.commit()) {
@@ -418,6 +448,8 @@ Outcome byOrdinal(const Book& b)
         return refusal(locked);
     }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
+    if (const QString locked = refuseMovedLinks(db, b, links, linked); !locked.isEmpty())
+        return refusal(locked);
     QString error;
     if (!saveOrdinal(db, b, rows, changes, links, linked, &error))
         return { After::Reload,

@@ -279,3 +279,26 @@ TEST(PeriodLock, RefusesEveryWritePathAndAnUnlockLetsThrough)
         (QStringList { "96 osnova", "97 osnova", "96 zaključavanje", "96 otključavanje", "96 umetanje" }));
     EXPECT_EQ(records[3].prije + u'|' + records[3].poslije, "DO=2016-01-31|RAZLOG=Ispravka");
 }
+
+// Book 96's renumberings move the receivables' links to its numbers: a linked entry in
+// the receivables book's closed period stops both, and nothing moves.
+TEST(PeriodLock, AReceivablesLinkInTheClosedPeriodStopsARenumbering)
+{
+    TestDatabase t;
+    ScopedScript script;
+    entry(t, 1, QDate(2016, 6, 5), "A");
+    entry(t, 3, QDate(2016, 6, 1), "C");
+    receivable(t, 1, 3);
+    session().NivoPristupa = periodlock::kLevel;
+    QString error;
+    ASSERT_TRUE(periodlock::lock(t.db(), { 97, 1, 2016, 0 }, QDate(2016, 5, 31), &error)) << error.toStdString();
+    const std::function<renumber::Outcome(const renumber::Book&)> paths[] = { renumber::byOrdinal, renumber::byDate };
+    for (const auto& path : paths) {
+        script->answers.enqueue(Answer::Yes);
+        EXPECT_EQ(path(sessionBook(96)).notice.text,
+            "Razdoblje knjige je zaključano do 31.05.2016. Renumeracija bi promijenila vezu stavke 1 knjige "
+            "evid.potr.i obveza datirane 05.05.2016.");
+    }
+    EXPECT_EQ(t.query(QStringLiteral("SELECT SUM(RBroj) FROM dbo.KnjPrihRashFBiH")).integer(0, 0), 4);
+    EXPECT_EQ(t.query(QStringLiteral("SELECT RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH")).integer(0, 0), 3);
+}
