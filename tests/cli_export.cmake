@@ -70,6 +70,14 @@ if(NOT bom STREQUAL "efbbbf" OR NOT pdf STREQUAL "255044462d")
   message(FATAL_ERROR "print kept or replaced the wrong file: ${bom} ${pdf}")
 endif()
 
+# "-" is the standard output: the rows go down the pipe, the report line to stderr.
+execute_process(COMMAND "${KNJIGE}" export 96 --db "${db}" --company 4 --year 2016 --out - --encoding utf-8
+  RESULT_VARIABLE got OUTPUT_VARIABLE out ERROR_VARIABLE err WORKING_DIRECTORY "${WORK}")
+string(FIND "${out}" "\n3;2016;01.03.2016;\"C\";\"Mar\";11;" row)
+if(NOT got EQUAL 0 OR row LESS 0 OR NOT err MATCHES "prebačeno 3 zapisa" OR EXISTS "${WORK}/-")
+  message(FATAL_ERROR "export --out -: exit ${got}\n${out}${err}")
+endif()
+
 set(base export 96 --db "${db}" --company 4 --year 2016 --out bad.csv)
 knjige(2 "Separator podataka i znak za decimalnu točku ne mogu biti isti !" ${base} --separator ,)
 knjige(2 "Početni datum perioda (29.2.2016) je iza završnog (1.2.2016)." ${base} --period 29.2.2016-1.2.2016)

@@ -69,6 +69,8 @@ int readRequest(const Options& o, Request& r)
 
 int refuseOutput(const QString& path, bool force)
 {
+    if (output::OutputFile::isStandardOutput(path))
+        return Done;
     const QFileInfo target(path);
     if (target.isDir())
         return complain(QStringLiteral("Na putanji %1 je mapa, a ne datoteka.").arg(path));
@@ -84,10 +86,11 @@ QString exportUsage()
 {
     return QStringLiteral(
         "knjige export KNJIGA (--db PUTANJA | --conn CONNECTION_STRING) --company N --year GGGG\n"
-        "              --out DATOTEKA.csv [--period OD-DO] [--prod N] [--separator \";\"]\n"
+        "              --out DATOTEKA.csv|- [--period OD-DO] [--prod N] [--separator \";\"]\n"
         "              [--decimal \",\"] [--no-quote] [--encoding cp1250|utf-8] [--force] [--operator IME]\n"
         "  Zapiše knjigu (šifra 96 ... 126 ili naziv klase) poduzeća i godine kao CSV datoteku,\n"
         "  istu kakvu piše \"Prebaci u Excel\" u pregledu knjige, redom po rednom broju.\n"
+        "  --out -        piše na standardni izlaz (poruka o broju zapisa ide na stderr)\n"
         "  --period OD-DO  samo stavke s datumom u periodu, na primjer 1.3.2016-31.3.2016\n"
         "  --prod N        samo prodajno mjesto N (knjige 125 i 126)\n"
         "  --separator     separator podataka (zadano ;)\n"
@@ -161,13 +164,17 @@ int runExport(const QStringList& args)
     }
     if (!ok) {
         file.cancel();
+        if (output::OutputFile::isStandardOutput(r.out) && outputClosedByReader())
+            return OutputClosed;
         if (!read && result.ok())
             return complain(QStringLiteral("Desila se greška u pristupu podacima: ") + db.errorDescription());
         return complain(failureText(QStringLiteral("upis u datoteku %1 nije uspio (%2).").arg(r.out, result.error)));
     }
     if (!result.unmappable.isEmpty())
         complain(output::unmappableNote(result.unmappable, result.firstUnmappableLine));
-    QTextStream(stdout) << output::reportText(r.out, result.rows) << '\n';
+    // Down a pipe the report would end up among the rows.
+    QTextStream(output::OutputFile::isStandardOutput(r.out) ? stderr : stdout)
+        << output::reportText(r.out, result.rows) << '\n';
     return Done;
 }
 

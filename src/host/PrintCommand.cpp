@@ -5,6 +5,7 @@
 #include "host/Cli.h"
 #include "host/ExportCommand.h"
 #include "host/HostRights.h"
+#include "output/OutputFile.h"
 #include "output/ReportHeader.h"
 #include "output/ReportLayout.h"
 #include "output/ReportQueries.h"
@@ -149,11 +150,14 @@ int print(const Request& r)
     ReportPrinter printer(layout, report::bookHeader(query, rows), rows);
     printer.bringForward(forward);
     if (!printer.writePdf(r.pdf, &error))
-        return complain(QStringLiteral("Ispis nije uspio: ") + error);
-    QTextStream(stdout) << QStringLiteral("Ispis spremljen: %1 (stranica: %2, stavki: %3)\n")
-                               .arg(r.pdf)
-                               .arg(printer.pages().size())
-                               .arg(rows.rowCount());
+        return output::OutputFile::isStandardOutput(r.pdf) && cli::outputClosedByReader()
+            ? cli::OutputClosed
+            : complain(QStringLiteral("Ispis nije uspio: ") + error);
+    QTextStream(output::OutputFile::isStandardOutput(r.pdf) ? stderr : stdout)
+        << QStringLiteral("Ispis spremljen: %1 (stranica: %2, stavki: %3)\n")
+               .arg(r.pdf)
+               .arg(printer.pages().size())
+               .arg(rows.rowCount());
     return Done;
 }
 
@@ -170,13 +174,16 @@ QString printUsage()
         "             počinje 1. januara nastavlja knjigu: Donos i ukupno od početka godine\n"
         "  --prod     trgovačke knjige: samo to prodajno mjesto (zadano: sva)\n"
         "  --operator ime operatera u podnožju ispisa; njegova prava iz dbo.PRAVA (zadano: korisnik sustava)\n"
-        "  --pdf      datoteka ispisa\n"
+        "  --pdf      datoteka ispisa; - piše na standardni izlaz\n"
         "  --force    zamijeni postojeću datoteku (bez toga ostaje netaknuta); bazu nikad\n"
         "  Primjer: knjige print 96 --db knjige.db --company 1 --year 2026 --pdf knjiga-96.pdf\n");
 }
 
 int runPrint(const QStringList& args)
 {
+    // The file is written whatever becomes of the report line after it, and a closed
+    // pipe under "--pdf -" ends the command with its own code.
+    cli::reportClosedOutputAsWriteError();
     const Options o = cli::commandOptions(args,
         { QStringLiteral("--db"), QStringLiteral("--conn"), QStringLiteral("--company"), QStringLiteral("--year"),
             QStringLiteral("--period"), QStringLiteral("--prod"), QStringLiteral("--pdf"),

@@ -11,7 +11,9 @@ OutputFile::OutputFile(const QString& path)
     : m_path(path)
 {
     const QFileInfo info(path);
-    if (info.exists() && !info.isFile() && !info.isDir()) {
+    if (isStandardOutput(path)) {
+        m_special = std::make_unique<QFile>();
+    } else if (info.exists() && !info.isFile() && !info.isDir()) {
         m_special = std::make_unique<QFile>(path);
     } else {
         m_whole = std::make_unique<QSaveFile>(path);
@@ -23,6 +25,8 @@ OutputFile::OutputFile(const QString& path)
 bool OutputFile::open()
 {
     // A printout or an export written over the database would replace the books.
+    if (isStandardOutput(m_path))
+        return m_special->open(stdout, QIODevice::WriteOnly, QFileDevice::DontCloseHandle);
     if (isOpenDatabaseFile(m_path)) {
         m_error = openDatabaseRefusal(m_path);
         return false;

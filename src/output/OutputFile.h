@@ -13,11 +13,13 @@ namespace knjige::output
 // leaves the old one as it was and is reported, never taken for success. A device or
 // a pipe that already stands at the path (/dev/null, a named pipe a program reads) is
 // written into as it is, never replaced by a regular file. A database this process holds
-// open is never written, under any of its names.
+// open is never written, under any of its names. "-" names the standard output, for a
+// command whose file goes down a pipe.
 class OutputFile
 {
 public:
     explicit OutputFile(const QString& path);
+    static bool isStandardOutput(const QString& path) { return path == QLatin1String("-"); }
 
     // False with the reason in errorString() when the file cannot be made.
     bool open();
