@@ -76,6 +76,44 @@ const QString kSelect126
     = QStringLiteral("SELECT K.RBroj,K.GodinaKnj,K.Datum,K.Opis,K.Zaduzenje,K.Razduzenje,K.BrojProd,Ko.ImeKomit1 as "
                      "ImeProd,'' AS I FROM dbo.TrgKnjKomisiona K INNER JOIN dbo.Komitent Ko ON K.BrojProd=Ko.SifKomit");
 
+// The totals panel's sums of the two income and expense books, as their forms number
+// the columns.
+const QString kPanelSumsFBiH
+    = QStringLiteral("sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,"
+                     "sum(case when P.Vrsta=12 then P.Iznos else 0 end) as P12,"
+                     "sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,"
+                     "sum(case when P.Vrsta>=11 and P.Vrsta<=13 then P.IznosPDV else 0 end) as P14,"
+                     "sum(case when P.Vrsta>=11 and P.Vrsta<=13 then P.Iznos-P.IznosPDV else 0 end) as P15,"
+                     "sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P16,"
+                     "sum(case when P.Vrsta=17 then P.Iznos else 0 end) as P17,"
+                     "sum(case when P.Vrsta=18 then P.Iznos else 0 end) as P18,"
+                     "sum(case when P.Vrsta=19 then P.Iznos else 0 end) as P19,"
+                     "sum(case when P.Vrsta>=16 and P.Vrsta<=19 then P.IznosPDV else 0 end) as P20,"
+                     "sum(case when P.Vrsta>=16 and P.Vrsta<=19 then P.Iznos-P.IznosPDV else 0 end) as P21 "
+                     "FROM dbo.KnjPrihRashFBiH P where P.Datum>='");
+// Column 17 of the DB form: kinds 9 to 15 less kind 16.
+const QString kPanelSumsDB = QStringLiteral("sum(case when P.Vrsta=5 then P.Iznos else 0 end) as P5,"
+                                            "sum(case when P.Vrsta=6 then P.Iznos else 0 end) as P6,"
+                                            "sum(case when P.Vrsta=7 then P.Iznos else 0 end) as P7,"
+                                            "sum(case when P.Vrsta>=5 and P.Vrsta<=7 then P.Iznos else 0 end) as P8,"
+                                            "sum(case when P.Vrsta=9 then P.Iznos else 0 end) as P9,"
+                                            "sum(case when P.Vrsta=10 then P.Iznos else 0 end) as P10,"
+                                            "sum(case when P.Vrsta=11 then P.Iznos else 0 end) as P11,"
+                                            "sum(case when P.Vrsta=12 then P.Iznos else 0 end) as P12,"
+                                            "sum(case when P.Vrsta=13 then P.Iznos else 0 end) as P13,"
+                                            "sum(case when P.Vrsta=14 then P.Iznos else 0 end) as P14,"
+                                            "sum(case when P.Vrsta=15 then P.Iznos else 0 end) as P15,"
+                                            "sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P16,"
+                                            "sum(case when P.Vrsta>=9 and P.Vrsta<=15 then P.Iznos else 0 end)"
+                                            "-sum(case when P.Vrsta=16 then P.Iznos else 0 end) as P17 "
+                                            "FROM dbo.KnjPrihRashDB P where P.Datum>='");
+const QString kKomisionaSums
+    = QStringLiteral("ISNULL(SUM(K.Zaduzenje),0) As Zaduzenje,ISNULL(SUM(K.Razduzenje),0) As Razduzenje FROM "
+                     "dbo.TrgKnjKomisiona K where K.Datum>='");
+
+const QString kByDate = QStringLiteral(" order by Datum");
+const QString kByDateAndKind = QStringLiteral(" order by Datum,Vrsta");
+
 QVector<BookKind> makeBooks()
 {
     const QVector<EntryKind> prihRashFBiH = {
@@ -124,32 +162,272 @@ QVector<BookKind> makeBooks()
         { 22, QStringLiteral("Uplate za primljene racune") },
     };
 
+    // The editors' lists word the kinds in their own way (the DB list's padding, "do 2%
+    // primanja"), which the people who keep the books know.
+    const QStringList editorFBiH
+        = { QStringLiteral("11 - Prihod - Gotovina"), QStringLiteral("12 - Prihod - Bankovni račun"),
+              QStringLiteral("13 - Prihod - Stvari i usluge"), QStringLiteral("16 - Rashod - Nabavka robe/materijala"),
+              QStringLiteral("17 - Rashod - Bruto plaće zaposlenika"),
+              QStringLiteral("18 - Rashod - Doprinosi zaposlenika"), QStringLiteral("19 - Rashod - Ostali rashodi") };
+    const QStringList editorDB = { QStringLiteral(" 5 - Prihod - Gotovina"), QStringLiteral(" 6 - Prihod - Žiro račun"),
+        QStringLiteral(" 7 - Prihod - U stvarima"), QStringLiteral(" 9 - Rashod - U gotovini"),
+        QStringLiteral("10 - Rashod - Žiro račun"), QStringLiteral("11 - Rashod - U stvarima"),
+        QStringLiteral("12 - Rashod - Amortizacija"), QStringLiteral("13 - Rashod - Plaćena akciza"),
+        QStringLiteral("14 - Rashod - Plaćen PPP"), QStringLiteral("15 - Rashod - Plaćen PPU"),
+        QStringLiteral("16 - Rashod - Rashodi PPDOH") };
+    const QStringList editorEvid
+        = { QStringLiteral("11 - Izdati racuni"), QStringLiteral("12 - Uplate za izdate racune"),
+              QStringLiteral("21 - Primljeni racuni"), QStringLiteral("22 - Uplate za primljene racune") };
+    const QStringList editorPrihodaRS
+        = { QStringLiteral("4 - Prihod - Proizvoda i materijala"), QStringLiteral("5 - Prihod - Robe"),
+              QStringLiteral("6 - Prihod - Usluga"), QStringLiteral("7 - Prihod - Naplaćeni prihod od financiranja"),
+              QStringLiteral("8 - Prihod - Vanredni prihodi") };
+    const QStringList editorRashodaRS = { QStringLiteral("4 - Rashod - Materijalni troškovi"),
+        QStringLiteral("5 - Rashod - Nematerijalni troškovi"), QStringLiteral("6 - Rashod - Bruto primanja zaposlenih"),
+        QStringLiteral("7 - Rashod - Sponzorstva i donacije do 2% primanja"),
+        QStringLiteral("8 - Rashod - Troškovi financiranja"), QStringLiteral("9 - Rashod - Ostali vanredni rashodi"),
+        QStringLiteral("10 - Rashod - Amortizacija"), QStringLiteral("13 - Rashod - Rashodi koji se ne priznaju") };
+
+    const QVector<TotalsColumn> prihRashTotals = { { 8, true }, { 9, false }, { 10, false }, { 11, false } };
+    const QVector<TotalsColumn> evidTotals = { { 8, true }, { 9, true }, { 10, true }, { 11, true } };
+    const QVector<TotalsColumn> prihodaRashodaTotals = { { 5, true }, { 6, false } };
+    // The rate column StopaAm is summed too: a sum of percentages the design keeps.
+    const QVector<TotalsColumn> assetTotals = { { 5, true }, { 6, false }, { 8, false }, { 9, false }, { 10, false } };
+
+    const QString prPeriod = QStringLiteral("Pr.od ");
+    const QString turnoverPeriod = QStringLiteral("Promet od ");
+    const TotalsPanelLayout panelFBiH
+        = { { QStringLiteral("11. Gotovina"), QStringLiteral("12. Bank.račun"), QStringLiteral("13. U stvarima"),
+                QStringLiteral("14. PDV prihodi"), QStringLiteral("15. Ukupni prihodi"),
+                QStringLiteral("16. Nab.robe/mat."), QStringLiteral("17. Bruto plaće"),
+                QStringLiteral("18. Plaćeni doprinosi"), QStringLiteral("19. Ostali rashodi"),
+                QStringLiteral("20. PDV u rashodima"), QStringLiteral("21. Ukupni rashodi") },
+              prPeriod, kPanelSumsFBiH, kPanelSumsFBiH, QStringLiteral("P") };
+    const TotalsPanelLayout panelDB
+        = { { QStringLiteral(" 5.P.Gotovina"), QStringLiteral(" 6.P.Žiro račun"), QStringLiteral(" 7.P.U stvarima"),
+                QStringLiteral(" 8.Uk.prihodi"), QStringLiteral(" 9.R.u gotovini"), QStringLiteral("10.R.Žiro račun"),
+                QStringLiteral("11.R.U stvarima"), QStringLiteral("12.R.Amortizacija"), QStringLiteral("13.R.Akciza"),
+                QStringLiteral("14.R.PPP"), QStringLiteral("15.R.PPU"), QStringLiteral("16.R.PPDOH"),
+                QStringLiteral("17.Ukupni rashodi") },
+              prPeriod, kPanelSumsDB, kPanelSumsDB, QStringLiteral("P") };
+    const TotalsPanelLayout panelPrometa = { { QStringLiteral("11. Gotovina"), QStringLiteral("12. Čekovi") },
+        turnoverPeriod,
+        QStringLiteral(" SUM(K.IznosGot) As Gotovina,SUM(K.IznosCek) AS Cek FROM KnjPrometaFBiH K where K.Datum>='"),
+        QStringLiteral("SUM(K.IznosGot) AS gotovina,SUM(K.IznosCek) As Cek FROM KnjPrometaFBiH K where K.Datum>='"),
+        QStringLiteral("K"), 1 };
+    const TotalsPanelLayout panelUsluga = { { QStringLiteral("Iznos") }, turnoverPeriod,
+        QStringLiteral(" SUM(K.Iznos) As Iznos FROM dbo.TrgKnjUsluga K where K.Datum>='"),
+        QStringLiteral("SUM(K.Iznos) AS Iznos FROM dbo.TrgKnjUsluga K where K.Datum>='"), QStringLiteral("K"), 1 };
+    const TotalsPanelLayout panelKomisiona = { { QStringLiteral("Zaduženje"), QStringLiteral("Razduženje") },
+        turnoverPeriod, kKomisionaSums, kKomisionaSums, QStringLiteral("K"), 2 };
+
+    const QString evidBlank = QStringLiteral("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,"
+                                             "SIFKOMIT,VRSTA,OPIS,ISPRAVA,IZNOS,RBROJKPR) VALUES(");
+    const QString prometaBlank = QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,"
+                                                "OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) VALUES(");
+    const QString prihRashCaption = QStringLiteral(" stavke knjige prihoda i rashoda");
+    const QString evidCaption = QStringLiteral(" stavke knjige evidencije Potraživanja i obveza");
+    const QString assetCaption = QStringLiteral(" stavke popisne liste dugotrajne imovine");
+    const QString assetTable = QStringLiteral("dbo.KnjPopListaDugImovFBiH");
+    const QString evidTable = QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
+    const QString prometaTable = QStringLiteral("dbo.KnjPrometaFBiH");
+
     return {
-        { 96, QStringLiteral("clsKnjPrihRashFBiH"), QStringLiteral("Knjiga prihoda i rashoda za FBiH"),
-            QStringLiteral("dbo.KnjPrihRashFBiH"), QStringLiteral("frmKnjPRashFBiHPregled"), kSelect96, prihRashFBiH },
-        { 97, QStringLiteral("clsKnjEvidPotObvFBiH"), QStringLiteral("Knjiga Evidencija potraživanja i obveza za FBiH"),
-            QStringLiteral("dbo.KnjEvidPotrIObvFBiH"), QStringLiteral("frmKnjEvidPotObvFBiH"), kSelect97, evidPotObv },
-        { 98, QStringLiteral("clsKnjPrometaFBiH"), QStringLiteral("Knjiga prometa za FBiH"),
-            QStringLiteral("dbo.KnjPrometaFBiH"), QStringLiteral("frmKnjPrometa"), kSelect98, {} },
-        { 99, QStringLiteral("clsKnjPrihodaRS"), QStringLiteral("Knjiga prihoda za RS"),
-            QStringLiteral("dbo.KnjPrihodaRS"), QStringLiteral("frmKnjPrihodaRashodaRS"), kSelect99, prihodaRS },
-        { 100, QStringLiteral("clsKnjRashodaRS"), QStringLiteral("Knjiga rashoda za RS"),
-            QStringLiteral("dbo.KnjRashodaRS"), QStringLiteral("frmKnjPrihodaRashodaRS"), kSelect100, rashodaRS },
-        { 101, QStringLiteral("clsPopListaDImovineRS"), QStringLiteral("Knjiga popisna lista dugotrajne imovine za RS"),
-            QStringLiteral("dbo.KnjPopListaDugImovFBiH"), QStringLiteral("frmPopListaDImovineFBiH"), kSelect101, {} },
-        { 102, QStringLiteral("clsKnjEvidPotObvRS"), QStringLiteral("Knjiga evidencija potraživanja i obveza za RS"),
-            QStringLiteral("dbo.KnjEvidPotrIObvFBiH"), QStringLiteral("frmKnjEvidPotObvFBiH"), kSelect102, evidPotObv },
-        { 105, QStringLiteral("clsPopListaDImovineFBiH"),
-            QStringLiteral("Knjiga Popisna lista dugotrajne imovine za FBiH"),
-            QStringLiteral("dbo.KnjPopListaDugImovFBiH"), QStringLiteral("frmPopListaDImovineFBiH"), kSelect105, {} },
-        { 106, QStringLiteral("clsKnjPrometaRS"), QStringLiteral("Knjiga prometa za RS"),
-            QStringLiteral("dbo.KnjPrometaFBiH"), QStringLiteral("frmKnjPrometa"), kSelect106, {} },
-        { 109, QStringLiteral("clsKnjPrihRashDB"), QStringLiteral("Knjiga prihoda i rashoda za DB"),
-            QStringLiteral("dbo.KnjPrihRashDB"), QStringLiteral("frmKnjPRashFBiHPregled"), kSelect109, prihRashDB },
-        { 125, QStringLiteral("clsTrgKnjUsluga"), QStringLiteral("Trgovačka knjiga usluga"),
-            QStringLiteral("dbo.TrgKnjUsluga"), QStringLiteral("frmKnjUsluga"), kSelect125, {} },
-        { 126, QStringLiteral("clsTrgKnjKomisiona"), QStringLiteral("Trgovačka knjiga komisione robe"),
-            QStringLiteral("dbo.TrgKnjKomisiona"), QStringLiteral("frmKnjKomisiona"), kSelect126, {} },
+        { .code = 96,
+            .className = QStringLiteral("clsKnjPrihRashFBiH"),
+            .caption = QStringLiteral("Knjiga prihoda i rashoda za FBiH"),
+            .table = QStringLiteral("dbo.KnjPrihRashFBiH"),
+            .editor = QStringLiteral("frmKnjPRashFBiHPregled"),
+            .selectSql = kSelect96,
+            .entryKinds = prihRashFBiH,
+            .family = BookFamily::IncomeExpense,
+            .lastNumberOrZero = true,
+            .totals = prihRashTotals,
+            .panel = panelFBiH,
+            .menus = { .recapitulation = true },
+            .blankEntryHead = QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,"
+                                             "ISPRAVA,OPIS,VRSTA) VALUES("),
+            .blankEntryTail = QStringLiteral(",'','',11)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PrihRashFBiH,
+            .form = QStringLiteral("Obrazac KPR-1041"),
+            .editorKinds = editorFBiH,
+            .kindPositions = { 15, 11, 13 },
+            .entryCaption = prihRashCaption },
+        { .code = 97,
+            .className = QStringLiteral("clsKnjEvidPotObvFBiH"),
+            .caption = QStringLiteral("Knjiga Evidencija potraživanja i obveza za FBiH"),
+            .table = evidTable,
+            .editor = QStringLiteral("frmKnjEvidPotObvFBiH"),
+            .selectSql = kSelect97,
+            .entryKinds = evidPotObv,
+            .family = BookFamily::Receivables,
+            .totals = evidTotals,
+            .blankEntryHead = evidBlank,
+            .blankEntryTail = QStringLiteral(",0,0,'','',0,0)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::EvidPotObv,
+            .form = QStringLiteral("Obrazac EPO-1044"),
+            .editorKinds = editorEvid,
+            .entryCaption = evidCaption },
+        { .code = 98,
+            .className = QStringLiteral("clsKnjPrometaFBiH"),
+            .caption = QStringLiteral("Knjiga prometa za FBiH"),
+            .table = prometaTable,
+            .editor = QStringLiteral("frmKnjPrometa"),
+            .selectSql = kSelect98,
+            .family = BookFamily::Turnover,
+            .lastNumberOrZero = true,
+            .totals = { { 6, true }, { 7, true } },
+            .panel = panelPrometa,
+            .blankEntryHead = prometaBlank,
+            .blankEntryTail = QStringLiteral(",'','',0,0 )"),
+            .dateOrder = kByDate,
+            .report = ReportLayoutId::Prometa,
+            .form = QStringLiteral("Obrazac KP-1042"),
+            .entryCaption = QStringLiteral(" stavke knjige prometa") },
+        { .code = 99,
+            .className = QStringLiteral("clsKnjPrihodaRS"),
+            .caption = QStringLiteral("Knjiga prihoda za RS"),
+            .table = QStringLiteral("dbo.KnjPrihodaRS"),
+            .editor = QStringLiteral("frmKnjPrihodaRashodaRS"),
+            .selectSql = kSelect99,
+            .entryKinds = prihodaRS,
+            .family = BookFamily::IncomeOrExpense,
+            .totals = prihodaRashodaTotals,
+            .blankEntryHead
+            = QStringLiteral("INSERT INTO dbo.KnjPrihodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES("),
+            .blankEntryTail = QStringLiteral(",'',11)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PrihodaRashodaRS,
+            .editorKinds = editorPrihodaRS,
+            .entryCaption = QStringLiteral(" stavke knjige prihoda") },
+        { .code = 100,
+            .className = QStringLiteral("clsKnjRashodaRS"),
+            .caption = QStringLiteral("Knjiga rashoda za RS"),
+            .table = QStringLiteral("dbo.KnjRashodaRS"),
+            .editor = QStringLiteral("frmKnjPrihodaRashodaRS"),
+            .selectSql = kSelect100,
+            .entryKinds = rashodaRS,
+            .family = BookFamily::IncomeOrExpense,
+            .totals = prihodaRashodaTotals,
+            .blankEntryHead
+            = QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES("),
+            .blankEntryTail = QStringLiteral(",'',11)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PrihodaRashodaRS,
+            .editorKinds = editorRashodaRS,
+            .entryCaption = QStringLiteral(" stavke knjige prihoda") },
+        // The asset lists take no part in renumbering or insertion at a position.
+        { .code = 101,
+            .className = QStringLiteral("clsPopListaDImovineRS"),
+            .caption = QStringLiteral("Knjiga popisna lista dugotrajne imovine za RS"),
+            .table = assetTable,
+            .editor = QStringLiteral("frmPopListaDImovineFBiH"),
+            .selectSql = kSelect101,
+            .family = BookFamily::AssetList,
+            .totals = assetTotals,
+            .menus = { .openingState = true },
+            .renumbers = false,
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PopisnaLista,
+            .entryCaption = assetCaption },
+        { .code = 102,
+            .className = QStringLiteral("clsKnjEvidPotObvRS"),
+            .caption = QStringLiteral("Knjiga evidencija potraživanja i obveza za RS"),
+            .table = evidTable,
+            .editor = QStringLiteral("frmKnjEvidPotObvFBiH"),
+            .selectSql = kSelect102,
+            .entryKinds = evidPotObv,
+            .family = BookFamily::Receivables,
+            .totals = evidTotals,
+            .blankEntryHead = evidBlank,
+            .blankEntryTail = QStringLiteral(",0,0,'','',0,0)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::EvidPotObv,
+            .editorKinds = editorEvid,
+            .entryCaption = evidCaption },
+        { .code = 105,
+            .className = QStringLiteral("clsPopListaDImovineFBiH"),
+            .caption = QStringLiteral("Knjiga Popisna lista dugotrajne imovine za FBiH"),
+            .table = assetTable,
+            .editor = QStringLiteral("frmPopListaDImovineFBiH"),
+            .selectSql = kSelect105,
+            .family = BookFamily::AssetList,
+            .totals = assetTotals,
+            .menus = { .openingState = true },
+            .renumbers = false,
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PopisnaLista,
+            .form = QStringLiteral("Obrazac PLDI-1043"),
+            .entryCaption = assetCaption },
+        { .code = 106,
+            .className = QStringLiteral("clsKnjPrometaRS"),
+            .caption = QStringLiteral("Knjiga prometa za RS"),
+            .table = prometaTable,
+            .editor = QStringLiteral("frmKnjPrometa"),
+            .selectSql = kSelect106,
+            .family = BookFamily::Turnover,
+            .totals = { { 7, true }, { 8, true } },
+            .blankEntryHead = prometaBlank,
+            .blankEntryTail = QStringLiteral(",'','',0,0 )"),
+            .dateOrder = kByDate,
+            .report = ReportLayoutId::Prometa,
+            .entryCaption = QStringLiteral(" stavke knjige prometa") },
+        { .code = 109,
+            .className = QStringLiteral("clsKnjPrihRashDB"),
+            .caption = QStringLiteral("Knjiga prihoda i rashoda za DB"),
+            .table = QStringLiteral("dbo.KnjPrihRashDB"),
+            .editor = QStringLiteral("frmKnjPRashFBiHPregled"),
+            .selectSql = kSelect109,
+            .entryKinds = prihRashDB,
+            .family = BookFamily::IncomeExpense,
+            .lastNumberOrZero = true,
+            .totals = prihRashTotals,
+            .panel = panelDB,
+            .menus = { .generation = true, .deleteShownAtLevel2 = true },
+            .blankEntryHead
+            = QStringLiteral("INSERT INTO dbo.KnjPrihRashDB (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,ISPRAVA,"
+                             "OPIS,VRSTA) VALUES("),
+            .blankEntryTail = QStringLiteral(",'','',11)"),
+            .dateOrder = kByDateAndKind,
+            .report = ReportLayoutId::PrihRashDB,
+            .editorKinds = editorDB,
+            .kindPositions = { 9, 5, 6 },
+            .entryCaption = prihRashCaption },
+        { .code = 125,
+            .className = QStringLiteral("clsTrgKnjUsluga"),
+            .caption = QStringLiteral("Trgovačka knjiga usluga"),
+            .table = QStringLiteral("dbo.TrgKnjUsluga"),
+            .editor = QStringLiteral("frmKnjUsluga"),
+            .selectSql = kSelect125,
+            .family = BookFamily::Trade,
+            .lastNumberOrZero = true,
+            .totals = { { 5, true } },
+            .panel = panelUsluga,
+            .blankEntryHead
+            = QStringLiteral("INSERT INTO dbo.TrgKnjUsluga (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,"
+                             "OPIS,IZNOS) VALUES("),
+            .blankEntryTail = QStringLiteral(",'',0)"),
+            .dateOrder = kByDate,
+            .report = ReportLayoutId::TrgUsluga,
+            .entryCaption = QStringLiteral(" stavke trg.knjige usluga") },
+        { .code = 126,
+            .className = QStringLiteral("clsTrgKnjKomisiona"),
+            .caption = QStringLiteral("Trgovačka knjiga komisione robe"),
+            .table = QStringLiteral("dbo.TrgKnjKomisiona"),
+            .editor = QStringLiteral("frmKnjKomisiona"),
+            .selectSql = kSelect126,
+            .family = BookFamily::Trade,
+            .lastNumberOrZero = true,
+            .totals = { { 5, true }, { 6, true } },
+            .panel = panelKomisiona,
+            .blankEntryHead = QStringLiteral("INSERT INTO dbo.TrgKnjKomisiona (BROJPODUZECA,BrojProd,RBROJ,DATUM,"
+                                             "GODINAKNJ,OPIS,Zaduzenje,Razduzenje) VALUES("),
+            .blankEntryTail = QStringLiteral(",'',0,0)"),
+            .dateOrder = kByDate,
+            .report = ReportLayoutId::TrgKomisiona,
+            .entryCaption = QStringLiteral(" stavke trg.knjige komisione robe") },
     };
 }
 
@@ -190,17 +468,26 @@ const BookKind* findBookByName(const QString& name)
     return findBookByClass(text);
 }
 
+namespace
+{
+bool inFamily(int code, BookFamily family)
+{
+    const BookKind* b = findBook(code);
+    return b && b->family == family;
+}
+} // namespace
+
 bool isTradeBook(int code)
 {
-    return code == Knjiga::TrgUsluga || code == Knjiga::TrgKomisiona;
+    return inFamily(code, BookFamily::Trade);
 }
 bool isAssetList(int code)
 {
-    return code == Knjiga::PopListaRS || code == Knjiga::PopListaFBiH;
+    return inFamily(code, BookFamily::AssetList);
 }
 bool isIncomeExpense(int code)
 {
-    return code == Knjiga::PrihRashFBiH || code == Knjiga::PrihRashDB;
+    return inFamily(code, BookFamily::IncomeExpense);
 }
 
 QString entryKindText(int bookCode, int entryKind)

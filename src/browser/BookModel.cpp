@@ -15,31 +15,8 @@ namespace knjige
 
 QVector<TotalsColumn> totalsColumns(int bookKind)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-    case Knjiga::PrihRashDB:
-        return { { 8, true }, { 9, false }, { 10, false }, { 11, false } };
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return { { 8, true }, { 9, true }, { 10, true }, { 11, true } };
-    case Knjiga::PrometaFBiH:
-        return { { 6, true }, { 7, true } };
-    case Knjiga::PrometaRS:
-        return { { 7, true }, { 8, true } };
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
-        return { { 5, true }, { 6, false } };
-    // The rate column StopaAm is summed too: a sum of percentages the design keeps.
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
-        return { { 5, true }, { 6, false }, { 8, false }, { 9, false }, { 10, false } };
-    case Knjiga::TrgUsluga:
-        return { { 5, true } };
-    case Knjiga::TrgKomisiona:
-        return { { 5, true }, { 6, true } };
-    default:
-        return {};
-    }
+    const BookKind* book = findBook(bookKind);
+    return book ? book->totals : QVector<TotalsColumn>();
 }
 
 namespace

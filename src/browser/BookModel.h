@@ -1,5 +1,6 @@
 #pragma once
 
+#include "books/BookKind.h"
 #include "session/Money.h"
 #include "session/db/ResultSet.h"
 
@@ -15,11 +16,6 @@ namespace knjige
 
 class TextSortKeys;
 
-// A summed column of a book's "Ukupno:" row, as a grid column (field + 1).
-struct TotalsColumn {
-    int gridColumn;
-    bool bold;
-};
 // The summed columns of a book kind, the caption column first; empty for a kind
 // without a totals row.
 QVector<TotalsColumn> totalsColumns(int bookKind);

@@ -29,38 +29,17 @@ QDate periodEnd(int godina)
 MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa)
 {
     MenuVisibility m;
-    switch (tipSifarnika) {
-    case Knjiga::PrihRashFBiH:
-        m.rekapitulacija = true;
-        m.istaStavka = true;
-        break;
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
-        // The asset lists take no part in renumbering or insertion at a position.
-        m.istaStavka = true;
-        m.pocetnoStanje = true;
-        m.renumeracija = false;
-        m.renumeracijaPoDat = false;
-        m.ubaciZapis = false;
-        break;
-    case Knjiga::PrihRashDB:
-        m.istaStavka = true;
-        m.generiranje = true;
-        m.brisPrikPod = nivoPristupa == QStringLiteral("2");
-        break;
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::PrometaFBiH:
-    case Knjiga::EvidPotObvRS:
-    case Knjiga::PrometaRS:
-    case Knjiga::TrgUsluga:
-    case Knjiga::TrgKomisiona:
-        m.istaStavka = true;
-        break;
-    default:
-        break;
-    }
+    const BookKind* book = findBook(tipSifarnika);
+    if (!book)
+        return m;
+    m.istaStavka = true;
+    m.rekapitulacija = book->menus.recapitulation;
+    m.pocetnoStanje = book->menus.openingState;
+    m.generiranje = book->menus.generation;
+    m.brisPrikPod = book->menus.deleteShownAtLevel2 && nivoPristupa == QStringLiteral("2");
+    m.renumeracija = book->renumbers;
+    m.renumeracijaPoDat = book->renumbers;
+    m.ubaciZapis = book->renumbers;
     return m;
 }
 

@@ -131,17 +131,18 @@ void periodCondition(FilterState& s, Gatherer& g, qint16 year, const FilterInput
 
 void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput& in)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-    case Knjiga::PrihRashDB:
+    const BookKind* book = findBook(bookKind);
+    if (!book)
+        return;
+    switch (book->family) {
+    case BookFamily::IncomeExpense:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.kindCode(in.vrsta);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("Iznos: "));
         g.amount(in.ubIznosPDV, "IznosPDV", QStringLiteral("PDV: "));
         break;
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
+    case BookFamily::Receivables:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.number(in.txtKomitent, "SifKomit", QStringLiteral("Šifra komitenta: "),
@@ -150,22 +151,19 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         g.amount(in.ubKPR, "RBrojKPR", QStringLiteral("Br. Knjige p. i r.: "), true);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("iznos: "));
         break;
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
+    case BookFamily::Turnover:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.amount(in.ubGotovina, "IznosGot", QStringLiteral("Gotovina: "));
         g.amount(in.ubCek, "IznosCek", QStringLiteral("Cek: "));
         break;
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
+    case BookFamily::IncomeOrExpense:
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.kindCode(in.vrsta);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("Iznos: "));
         g.amount(in.ubIznosPDV, "IznosPDV", QStringLiteral("PDV: "));
         break;
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
+    case BookFamily::AssetList:
         g.prefix(in.txtNazivSredstva, bookKind == Knjiga::PopListaRS ? in.txtNaziv : in.txtNazivSredstva, "Naziv",
             QStringLiteral("Naziv: "));
         g.number(in.txtBrojDokumenta, "Isprava", QStringLiteral("Isprava: "));
@@ -173,8 +171,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         g.amount(in.ubKnjigovodstvena, "KnjigVrijednost", QStringLiteral("Knjigovodstvena: "));
         g.amount(in.ubVijekTrajanja, "VijekTr", QStringLiteral("Vijek trajanja: "), true);
         break;
-    case Knjiga::TrgUsluga:
-    case Knjiga::TrgKomisiona:
+    case BookFamily::Trade:
         if (in.prodavnica != 0) {
             s.salesPoint = in.prodavnica;
             g.add(QStringLiteral(" K.BrojProd=") + QString::number(in.prodavnica),
@@ -187,8 +184,6 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
             g.amount(in.ubZaduženje, "Zaduzenje", QStringLiteral("Iznos zaduzenja: "));
             g.amount(in.ubRazduženje, "Razduzenje", QStringLiteral("Iznos razduzenja: "));
         }
-        break;
-    default:
         break;
     }
 }

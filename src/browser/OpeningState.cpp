@@ -1,5 +1,6 @@
 #include "browser/OpeningState.h"
 
+#include "books/LastNumber.h"
 #include "journal/PeriodLock.h"
 #include "session/Clock.h"
 #include "session/Failure.h"
@@ -20,9 +21,11 @@ qint32 highestNumberIn(int tip, qint16 year)
     Session& s = session();
     const qint16 working = s.RadnaGodina;
     s.RadnaGodina = year;
-    const qint32 highest = DefVarijabli::ZadnjiRBroj(tip);
+    const DefVarijabli::LastNumber highest = DefVarijabli::ZadnjiRBroj(tip);
     s.RadnaGodina = working;
-    return highest;
+    // Told here: the question that follows is asked all the same.
+    tell(highest.failure);
+    return highest.number;
 }
 
 // The rows the statement adds to the new year, numbered by the table, are the

@@ -316,7 +316,8 @@ Book bookOf(const browser::BookQuery& query)
 
 bool takesPart(int tip)
 {
-    return findBook(tip) && !isAssetList(tip);
+    const BookKind* book = findBook(tip);
+    return book && book->renumbers;
 }
 
 QString shiftSql(const Book& b, qint32 n)
@@ -327,49 +328,15 @@ QString shiftSql(const Book& b, qint32 n)
 
 QString blankEntrySql(const Book& b, qint32 n)
 {
+    const BookKind* book = findBook(b.tip);
+    if (!book || book->blankEntryHead.isEmpty())
+        return {};
     const QString c = num(b.company);
     const QString y = num(b.year);
     // Company, number, date and year; the trade books put the sales point second.
-    const QString keys = c + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y;
-    switch (b.tip) {
-    case Knjiga::PrihRashFBiH:
-        return QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,ISPRAVA,OPIS,VRSTA) "
-                              "VALUES(")
-            + keys + QStringLiteral(",'','',11)");
-    case Knjiga::PrihRashDB:
-        return QStringLiteral("INSERT INTO dbo.KnjPrihRashDB (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,ISPRAVA,OPIS,VRSTA) "
-                              "VALUES(")
-            + keys + QStringLiteral(",'','',11)");
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return QStringLiteral("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,SIFKOMIT,VRSTA,"
-                              "OPIS,ISPRAVA,IZNOS,RBROJKPR) VALUES(")
-            + keys + QStringLiteral(",0,0,'','',0,0)");
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
-        return QStringLiteral(
-                   "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,"
-                   "IZNOSCEK) VALUES(")
-            + keys + QStringLiteral(",'','',0,0 )");
-    case Knjiga::PrihodaRS:
-        return QStringLiteral("INSERT INTO dbo.KnjPrihodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
-            + keys + QStringLiteral(",'',11)");
-    case Knjiga::RashodaRS:
-        return QStringLiteral("INSERT INTO dbo.KnjRashodaRS (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,VRSTA) VALUES(")
-            + keys + QStringLiteral(",'',11)");
-    case Knjiga::TrgUsluga:
-        return QStringLiteral("INSERT INTO dbo.TrgKnjUsluga (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,OPIS,IZNOS) "
-                              "VALUES(")
-            + c + u',' + num(b.brojProd) + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
-            + QStringLiteral(",'',0)");
-    case Knjiga::TrgKomisiona:
-        return QStringLiteral("INSERT INTO dbo.TrgKnjKomisiona (BROJPODUZECA,BrojProd,RBROJ,DATUM,GODINAKNJ,OPIS,"
-                              "Zaduzenje,Razduzenje) VALUES(")
-            + c + u',' + num(b.brojProd) + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
-            + QStringLiteral(",'',0,0)");
-    default:
-        return {};
-    }
+    const QString company = book->family == BookFamily::Trade ? c + u',' + num(b.brojProd) : c;
+    return book->blankEntryHead + company + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
+        + book->blankEntryTail;
 }
 
 QString rowsSql(const Book& b, const QString& order)
@@ -383,15 +350,8 @@ QString rowsSql(const Book& b, const QString& order)
 
 QString dateOrder(int tip)
 {
-    switch (tip) {
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
-    case Knjiga::TrgUsluga:
-    case Knjiga::TrgKomisiona:
-        return QStringLiteral(" order by Datum");
-    default:
-        return QStringLiteral(" order by Datum,Vrsta");
-    }
+    const BookKind* book = findBook(tip);
+    return book ? book->dateOrder : QStringLiteral(" order by Datum,Vrsta");
 }
 
 QString linkedReceivablesSql(const Book& b)

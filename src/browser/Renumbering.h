@@ -22,7 +22,8 @@ Book sessionBook(int tip, qint32 brojProd = 0);
 // The book a query reads: its kind, company, year and sales point.
 Book bookOf(const browser::BookQuery& query);
 
-// Every book takes part in insertion and renumbering except the asset lists.
+// Whether the book takes part in insertion and renumbering, as its record says (all
+// but the asset lists).
 bool takesPart(int tip);
 
 // The offset that lifts every number (and every link to it) out of the way during a

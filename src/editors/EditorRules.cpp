@@ -53,38 +53,8 @@ bool refuses(const Findings& findings)
 
 QStringList vrstaTexts(int bookKind)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-        return { QStringLiteral("11 - Prihod - Gotovina"), QStringLiteral("12 - Prihod - Bankovni račun"),
-            QStringLiteral("13 - Prihod - Stvari i usluge"), QStringLiteral("16 - Rashod - Nabavka robe/materijala"),
-            QStringLiteral("17 - Rashod - Bruto plaće zaposlenika"),
-            QStringLiteral("18 - Rashod - Doprinosi zaposlenika"), QStringLiteral("19 - Rashod - Ostali rashodi") };
-    case Knjiga::PrihRashDB:
-        return { QStringLiteral(" 5 - Prihod - Gotovina"), QStringLiteral(" 6 - Prihod - Žiro račun"),
-            QStringLiteral(" 7 - Prihod - U stvarima"), QStringLiteral(" 9 - Rashod - U gotovini"),
-            QStringLiteral("10 - Rashod - Žiro račun"), QStringLiteral("11 - Rashod - U stvarima"),
-            QStringLiteral("12 - Rashod - Amortizacija"), QStringLiteral("13 - Rashod - Plaćena akciza"),
-            QStringLiteral("14 - Rashod - Plaćen PPP"), QStringLiteral("15 - Rashod - Plaćen PPU"),
-            QStringLiteral("16 - Rashod - Rashodi PPDOH") };
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return { QStringLiteral("11 - Izdati racuni"), QStringLiteral("12 - Uplate za izdate racune"),
-            QStringLiteral("21 - Primljeni racuni"), QStringLiteral("22 - Uplate za primljene racune") };
-    case Knjiga::PrihodaRS:
-        return { QStringLiteral("4 - Prihod - Proizvoda i materijala"), QStringLiteral("5 - Prihod - Robe"),
-            QStringLiteral("6 - Prihod - Usluga"), QStringLiteral("7 - Prihod - Naplaćeni prihod od financiranja"),
-            QStringLiteral("8 - Prihod - Vanredni prihodi") };
-    case Knjiga::RashodaRS:
-        return { QStringLiteral("4 - Rashod - Materijalni troškovi"),
-            QStringLiteral("5 - Rashod - Nematerijalni troškovi"),
-            QStringLiteral("6 - Rashod - Bruto primanja zaposlenih"),
-            QStringLiteral("7 - Rashod - Sponzorstva i donacije do 2% primanja"),
-            QStringLiteral("8 - Rashod - Troškovi financiranja"),
-            QStringLiteral("9 - Rashod - Ostali vanredni rashodi"), QStringLiteral("10 - Rashod - Amortizacija"),
-            QStringLiteral("13 - Rashod - Rashodi koji se ne priznaju") };
-    default:
-        return {};
-    }
+    const BookKind* book = findBook(bookKind);
+    return book ? book->editorKinds : QStringList();
 }
 
 int vrstaCode(const QString& text)
@@ -117,18 +87,18 @@ int vrstaTyped(const QStringList& texts, const QString& digits)
 
 int vrstaPosition(int bookKind, int code)
 {
-    int position = -1;
-    if (bookKind == Knjiga::PrihRashFBiH)
-        position = code > 14 ? code - 13 : code - 11;
-    else if (bookKind == Knjiga::PrihRashDB)
-        position = code < 9 ? code - 5 : code - 6;
-    else {
-        const QStringList texts = vrstaTexts(bookKind);
-        for (int i = 0; i < texts.size(); ++i)
-            if (vrstaCode(texts[i]) == code)
+    const BookKind* book = findBook(bookKind);
+    if (!book)
+        return -1;
+    const KindPositions& k = book->kindPositions;
+    if (k.split == 0) {
+        for (int i = 0; i < book->editorKinds.size(); ++i)
+            if (vrstaCode(book->editorKinds[i]) == code)
                 return i;
+        return -1;
     }
-    return position >= 0 && position < vrstaTexts(bookKind).size() ? position : -1;
+    const int position = code < k.split ? code - k.below : code - k.above;
+    return position >= 0 && position < book->editorKinds.size() ? position : -1;
 }
 
 int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow)
@@ -174,31 +144,8 @@ ResultSet singleRow(const ResultSet& rs, int row)
 
 QString entryTable(int bookKind)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-        return QStringLiteral("dbo.KnjPrihRashFBiH");
-    case Knjiga::PrihRashDB:
-        return QStringLiteral("dbo.KnjPrihRashDB");
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return QStringLiteral("dbo.KnjEvidPotrIObvFBiH");
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
-        return QStringLiteral("dbo.KnjPrometaFBiH");
-    case Knjiga::PrihodaRS:
-        return QStringLiteral("dbo.KnjPrihodaRS");
-    case Knjiga::RashodaRS:
-        return QStringLiteral("dbo.KnjRashodaRS");
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
-        return QStringLiteral("dbo.KnjPopListaDugImovFBiH");
-    case Knjiga::TrgUsluga:
-        return QStringLiteral("dbo.TrgKnjUsluga");
-    case Knjiga::TrgKomisiona:
-        return QStringLiteral("dbo.TrgKnjKomisiona");
-    default:
-        return {};
-    }
+    const BookKind* book = findBook(bookKind);
+    return book ? book->table : QString();
 }
 
 QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qint32 shop)
@@ -217,29 +164,8 @@ QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qi
 
 QString captionSuffix(int bookKind)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-    case Knjiga::PrihRashDB:
-        return QStringLiteral(" stavke knjige prihoda i rashoda");
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return QStringLiteral(" stavke knjige evidencije Potraživanja i obveza");
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
-        return QStringLiteral(" stavke knjige prometa");
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
-        return QStringLiteral(" stavke knjige prihoda");
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
-        return QStringLiteral(" stavke popisne liste dugotrajne imovine");
-    case Knjiga::TrgUsluga:
-        return QStringLiteral(" stavke trg.knjige usluga");
-    case Knjiga::TrgKomisiona:
-        return QStringLiteral(" stavke trg.knjige komisione robe");
-    default:
-        return {};
-    }
+    const BookKind* book = findBook(bookKind);
+    return book ? book->entryCaption : QString();
 }
 
 QString modeCaption(int mode, int bookKind)

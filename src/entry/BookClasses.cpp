@@ -75,36 +75,37 @@ QString KnjigaKlasa::className() const
 namespace
 {
 
-std::unique_ptr<KnjigaKlasa> createByCode(int code)
+template <class Class> std::unique_ptr<KnjigaKlasa> make()
 {
-    switch (code) {
-    case Knjiga::PrihRashFBiH:
-        return std::make_unique<clsKnjPrihRashFBiH>();
-    case Knjiga::EvidPotObvFBiH:
-        return std::make_unique<clsKnjEvidPotObvFBiH>();
-    case Knjiga::PrometaFBiH:
-        return std::make_unique<clsKnjPrometaFBiH>();
-    case Knjiga::PrihodaRS:
-        return std::make_unique<clsKnjPrihodaRS>();
-    case Knjiga::RashodaRS:
-        return std::make_unique<clsKnjRashodaRS>();
-    case Knjiga::PopListaRS:
-        return std::make_unique<clsPopListaDImovineRS>();
-    case Knjiga::EvidPotObvRS:
-        return std::make_unique<clsKnjEvidPotObvRS>();
-    case Knjiga::PopListaFBiH:
-        return std::make_unique<clsPopListaDImovineFBiH>();
-    case Knjiga::PrometaRS:
-        return std::make_unique<clsKnjPrometaRS>();
-    case Knjiga::PrihRashDB:
-        return std::make_unique<clsKnjPrihRashDB>();
-    case Knjiga::TrgUsluga:
-        return std::make_unique<clsTrgKnjUsluga>();
-    case Knjiga::TrgKomisiona:
-        return std::make_unique<clsTrgKnjKomisiona>();
-    default:
-        return nullptr;
-    }
+    return std::make_unique<Class>();
+}
+
+// The public classes by the class name the catalogue gives each book.
+struct PublicClass {
+    const char* name;
+    std::unique_ptr<KnjigaKlasa> (*make)();
+};
+const PublicClass kClasses[] = {
+    { "clsKnjPrihRashFBiH", make<clsKnjPrihRashFBiH> },
+    { "clsKnjEvidPotObvFBiH", make<clsKnjEvidPotObvFBiH> },
+    { "clsKnjPrometaFBiH", make<clsKnjPrometaFBiH> },
+    { "clsKnjPrihodaRS", make<clsKnjPrihodaRS> },
+    { "clsKnjRashodaRS", make<clsKnjRashodaRS> },
+    { "clsPopListaDImovineRS", make<clsPopListaDImovineRS> },
+    { "clsKnjEvidPotObvRS", make<clsKnjEvidPotObvRS> },
+    { "clsPopListaDImovineFBiH", make<clsPopListaDImovineFBiH> },
+    { "clsKnjPrometaRS", make<clsKnjPrometaRS> },
+    { "clsKnjPrihRashDB", make<clsKnjPrihRashDB> },
+    { "clsTrgKnjUsluga", make<clsTrgKnjUsluga> },
+    { "clsTrgKnjKomisiona", make<clsTrgKnjKomisiona> },
+};
+
+std::unique_ptr<KnjigaKlasa> createByClass(const QString& className)
+{
+    for (const PublicClass& c : kClasses)
+        if (className == QLatin1String(c.name))
+            return c.make();
+    return nullptr;
 }
 
 } // namespace
@@ -115,7 +116,7 @@ std::unique_ptr<KnjigaKlasa> createBookObject(const QString& programmaticId)
     if (!programmaticId.startsWith(prefix, Qt::CaseInsensitive))
         return nullptr;
     const BookKind* book = findBookByClass(programmaticId.mid(prefix.size()));
-    return book ? createByCode(book->code) : nullptr;
+    return book ? createByClass(book->className) : nullptr;
 }
 
 QStringList bookObjectIds()

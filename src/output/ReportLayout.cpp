@@ -187,50 +187,28 @@ QVector<Column> trgKomisiona()
     return numbered(c);
 }
 
-QVector<Column> columnsOf(int bookKind)
+// The catalogue names each book's layout; books on the same form share one.
+QVector<Column> columnsOf(ReportLayoutId id)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
+    switch (id) {
+    case ReportLayoutId::PrihRashFBiH:
         return prihRashFBiH();
-    case Knjiga::PrihRashDB:
+    case ReportLayoutId::PrihRashDB:
         return prihRashDB();
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
+    case ReportLayoutId::EvidPotObv:
         return evidPotObv();
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
+    case ReportLayoutId::Prometa:
         return prometa();
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
+    case ReportLayoutId::PrihodaRashodaRS:
         return prihodaRashodaRS();
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
+    case ReportLayoutId::PopisnaLista:
         return popisnaLista();
-    case Knjiga::TrgUsluga:
+    case ReportLayoutId::TrgUsluga:
         return trgUsluga();
-    case Knjiga::TrgKomisiona:
+    case ReportLayoutId::TrgKomisiona:
         return trgKomisiona();
-    default:
-        return {};
     }
-}
-
-// The Federation's tradesmen keep these books on forms of these names, which the paper
-// prints in its head; the other books have no numbered form.
-QString formOf(int bookKind)
-{
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-        return QStringLiteral("Obrazac KPR-1041");
-    case Knjiga::PrometaFBiH:
-        return QStringLiteral("Obrazac KP-1042");
-    case Knjiga::PopListaFBiH:
-        return QStringLiteral("Obrazac PLDI-1043");
-    case Knjiga::EvidPotObvFBiH:
-        return QStringLiteral("Obrazac EPO-1044");
-    default:
-        return {};
-    }
+    return {};
 }
 
 bool takes(const QVector<int>& kinds, qint64 kind)
@@ -260,9 +238,11 @@ Layout bookLayout(int bookKind, qint32 salesPoint)
         return {};
     Layout l;
     l.title = book->caption;
-    l.form = formOf(bookKind);
+    // The Federation's tradesmen keep some books on numbered forms, which the paper
+    // prints in its head.
+    l.form = book->form;
     l.signature = true;
-    l.columns = columnsOf(bookKind);
+    l.columns = columnsOf(book->report);
     if (isTradeBook(bookKind) && salesPoint == 0) {
         l.columns.insert(2, textColumn(QStringLiteral("Prodajno\nmjesto"), QStringLiteral("ImeProd"), 12));
         l.columns = numbered(l.columns);

@@ -40,12 +40,6 @@ Session& session();
 namespace DefVarijabli
 {
 
-// The SQL text that reads the highest ordinal number of a book for the session's
-// company and year (and sales point in the trade books); empty for an unknown kind.
-QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32 brojProd = 0);
-// The highest ordinal number in use, or 0 for an empty book or an unknown kind. A
-// failure is reported ("Desila se greška: " + the data layer's text) and gives 0.
-qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd = 0);
 // Reads the company's configuration row into the session and sets the company name.
 // What went wrong (the text size not set, the row not read: the name stays) is
 // returned for the caller to tell.

@@ -5,6 +5,7 @@
 // as people type them in the workstation's form, SQL date literals).
 #include "ResultText.h"
 #include "books/BookKind.h"
+#include "books/LastNumber.h"
 #include "session/AmountText.h"
 #include "session/Dates.h"
 #include "session/Registry.h"
@@ -156,13 +157,13 @@ TEST(Settings, FlagsAreTrueFalseTextsEachApplicationKeepsItsOwnAndTheRegistryCut
 }
 
 // Both SQL forms of every book; only the company, year and sales point count; an
-// unknown kind asks nothing; a failure is told and gives 0.
+// unknown kind asks nothing; a failure gives 0 and its text for the caller to tell.
 TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
 {
     TestDatabase t;
     ScopedScript script;
     for (const BookKind& book : allBooks()) {
-        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 0) << book.code;
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3).number, 0) << book.code;
         const QString sql = DefVarijabli::ZadnjiRBrojSql(book.code, 1, 2016, 3);
         const ResultSet rs = t.query(sql);
         ASSERT_EQ(rs.rowCount(), 1);
@@ -186,19 +187,19 @@ TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
         }
     }
     for (const BookKind& book : allBooks())
-        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3), 9) << book.code;
+        EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3).number, 9) << book.code;
     EXPECT_TRUE(DefVarijabli::ZadnjiRBrojSql(103, 1, 2016).isEmpty());
-    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(103), 0);
-    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(0), 0);
-    EXPECT_TRUE(script->messages.isEmpty());
+    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(103).number, 0);
+    EXPECT_TRUE(DefVarijabli::ZadnjiRBroj(0).failure.text.isEmpty());
 
     t.exec(QStringLiteral("DROP TABLE dbo.KnjPrometaFBiH"));
-    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(98), 0);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: ")));
-    EXPECT_TRUE(script->messages[0].text.contains(QStringLiteral("KnjPrometaFBiH"), Qt::CaseInsensitive))
-        << script->messages[0].text.toStdString();
-    EXPECT_EQ(script->messages[0].icon, Icon::Exclamation);
+    DefVarijabli::LastNumber last = DefVarijabli::ZadnjiRBroj(98);
+    EXPECT_EQ(last.number, 0);
+    EXPECT_TRUE(last.failure.text.startsWith(QStringLiteral("Desila se greška: ")));
+    EXPECT_TRUE(last.failure.text.contains(QStringLiteral("KnjPrometaFBiH"), Qt::CaseInsensitive))
+        << last.failure.text.toStdString();
+    EXPECT_EQ(last.failure.icon, Icon::Exclamation);
+    EXPECT_TRUE(script->messages.isEmpty());
     EXPECT_EQ(t.db().lastSql(),
         QStringLiteral(
             "SELECT ISNULL(MAX(RBroj),0) AS BROJ FROM dbo.KnjPrometaFBiH WHERE BROJPODUZECA=1 AND GODINAKNJ=2016"));
@@ -206,11 +207,10 @@ TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
     // A connection string the data layer cannot use is told, not crashed on.
     session().reset();
     session().ConnString = QStringLiteral("Provider=SQLOLEDB.1;Data Source=srv;User ID=sa");
-    script->clear();
-    EXPECT_EQ(DefVarijabli::ZadnjiRBroj(96), 0);
-    ASSERT_EQ(script->messages.size(), 1);
-    EXPECT_TRUE(script->messages[0].text.startsWith(QStringLiteral("Desila se greška: Neispravan connection string")))
-        << script->messages[0].text.toStdString();
+    last = DefVarijabli::ZadnjiRBroj(96);
+    EXPECT_EQ(last.number, 0);
+    EXPECT_TRUE(last.failure.text.startsWith(QStringLiteral("Desila se greška: Neispravan connection string")))
+        << last.failure.text.toStdString();
 }
 
 TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)

@@ -1,6 +1,7 @@
 // New entries, changes, copies and deletions: the browser hands each to the record
 // editor of the book kind and reloads when the editor reports a save.
 #include "books/BookKind.h"
+#include "books/LastNumber.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 #include "editors/EditorRules.h"
 #include "editors/widgets/EditorFactory.h"
@@ -21,13 +22,15 @@ namespace
 {
 
 // The number a new entry proposes: the highest of the book plus one. Nothing when the
-// query failed (already reported) or the number would not fit.
+// query failed (told here) or the number would not fit.
 std::optional<qint32> nextNumber(int tip)
 {
-    Database& db = session().db();
-    const qint64 next = qint64(DefVarijabli::ZadnjiRBroj(tip)) + 1;
-    if (!db.errorDescription().isEmpty())
+    const DefVarijabli::LastNumber last = DefVarijabli::ZadnjiRBroj(tip);
+    if (!last.failure.text.isEmpty()) {
+        tell(last.failure);
         return std::nullopt;
+    }
+    const qint64 next = qint64(last.number) + 1;
     if (next > std::numeric_limits<qint32>::max()) {
         warn(failureText(QStringLiteral("Overflow")));
         return std::nullopt;

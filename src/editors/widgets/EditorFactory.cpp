@@ -8,34 +8,51 @@
 #include "editors/widgets/frmKnjTrgovacke.h"
 #include "editors/widgets/frmPopListaDImovineFBiH.h"
 
+#include <type_traits>
+
 namespace knjige
 {
 
+namespace
+{
+
+using Maker = std::unique_ptr<RecordEditor> (*)(int bookKind, QWidget* parent);
+
+// An editor serving several books is told which one; one made for a single book is not.
+template <class Editor> std::unique_ptr<RecordEditor> make(int bookKind, QWidget* parent)
+{
+    if constexpr (std::is_constructible_v<Editor, int, QWidget*>)
+        return std::make_unique<Editor>(bookKind, parent);
+    else
+        return std::make_unique<Editor>(parent);
+}
+
+// The editors by the form name the catalogue gives each book.
+struct Registration {
+    const char* form;
+    Maker make;
+};
+const Registration kEditors[] = {
+    { "frmKnjPRashFBiHPregled", make<frmKnjPRashFBiHPregled> },
+    { "frmKnjEvidPotObvFBiH", make<frmKnjEvidPotObvFBiH> },
+    { "frmKnjPrometa", make<frmKnjPrometa> },
+    { "frmKnjPrihodaRashodaRS", make<frmKnjPrihodaRashodaRS> },
+    { "frmPopListaDImovineFBiH", make<frmPopListaDImovineFBiH> },
+    { "frmKnjUsluga", make<frmKnjUsluga> },
+    { "frmKnjKomisiona", make<frmKnjKomisiona> },
+};
+
+} // namespace
+
 std::unique_ptr<RecordEditor> createEditor(int bookKind, QWidget* parent)
 {
-    switch (bookKind) {
-    case Knjiga::PrihRashFBiH:
-    case Knjiga::PrihRashDB:
-        return std::make_unique<frmKnjPRashFBiHPregled>(bookKind, parent);
-    case Knjiga::EvidPotObvFBiH:
-    case Knjiga::EvidPotObvRS:
-        return std::make_unique<frmKnjEvidPotObvFBiH>(bookKind, parent);
-    case Knjiga::PrometaFBiH:
-    case Knjiga::PrometaRS:
-        return std::make_unique<frmKnjPrometa>(bookKind, parent);
-    case Knjiga::PrihodaRS:
-    case Knjiga::RashodaRS:
-        return std::make_unique<frmKnjPrihodaRashodaRS>(bookKind, parent);
-    case Knjiga::PopListaRS:
-    case Knjiga::PopListaFBiH:
-        return std::make_unique<frmPopListaDImovineFBiH>(bookKind, parent);
-    case Knjiga::TrgUsluga:
-        return std::make_unique<frmKnjUsluga>(parent);
-    case Knjiga::TrgKomisiona:
-        return std::make_unique<frmKnjKomisiona>(parent);
-    default:
+    const BookKind* book = findBook(bookKind);
+    if (!book)
         return nullptr;
-    }
+    for (const Registration& r : kEditors)
+        if (book->editor == QLatin1String(r.form))
+            return r.make(bookKind, parent);
+    return nullptr;
 }
 
 void pripremiEditor(RecordEditor& e, int bookKind)

@@ -1,6 +1,7 @@
 #include "editors/widgets/frmKnjTrgovacke.h"
 
 #include "books/BookKind.h"
+#include "books/LastNumber.h"
 #include "editors/widgets/MoneyBox.h"
 #include "session/Session.h"
 
@@ -85,8 +86,11 @@ void TrgKnjigaEditor::izaberiSkladište()
 // Numbers run per shop, so a new entry's number follows the shop it is booked to.
 void TrgKnjigaEditor::predloziBroj()
 {
-    if (TipRada() == Novi && shopCode() != 0)
-        ubRBroj->setValue(Money::fromWhole(qint64(DefVarijabli::ZadnjiRBroj(m_tip, shopCode())) + 1));
+    if (TipRada() != Novi || shopCode() == 0)
+        return;
+    const DefVarijabli::LastNumber last = DefVarijabli::ZadnjiRBroj(m_tip, shopCode());
+    tell(last.failure);
+    ubRBroj->setValue(Money::fromWhole(qint64(last.number) + 1));
 }
 
 void TrgKnjigaEditor::prepare()
