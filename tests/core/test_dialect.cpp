@@ -408,6 +408,13 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     EXPECT_EQ(test::columnText(rs, "RBroj"), "1|3|4|5"); // 3.9 and 4.7 cut off
     EXPECT_EQ(test::columnText(rs, "Datum"), "<null>|2023-03-18|2023-03-17|2016-03-15");
     EXPECT_EQ(test::columnText(rs, "Iznos"), "922337203685477.5807|0|-922337203685477.5808|0");
+    // Column names as the server gives them: an expression without an alias has none.
+    const ResultSet named = t.query("SELECT K.RBroj, ISNULL(CAST(NULL AS int),2.7), K.RBroj+1, K.RBroj AS [Broj x], "
+                                    "K.RBroj*2, * FROM dbo.KnjPrihRashDB K");
+    QStringList names;
+    for (int c = 0; c < 6; ++c)
+        names << named.field(c).name;
+    EXPECT_EQ(names.join(u'|'), "RBroj|||Broj x||BrojPoduzeca");
 }
 
 TEST(DialectHardening, MonthFirstLiteralsReachTheFileAsDatesWhereverTheyStand)

@@ -455,7 +455,10 @@ private:
         QVector<Field> fields;
         std::vector<char> int32(n, 0);
         for (int c = 0; c < n; ++c) {
-            fields << Field { columnName(raw, c), fieldTypeOf(types[c]) };
+            // SQLite names an expression without an alias by its text (of the translated
+            // statement, at that); SQL Server leaves it unnamed.
+            const bool unnamed = st.columnNames.size() == n && st.columnNames[c].isEmpty();
+            fields << Field { unnamed ? QString() : columnName(raw, c), fieldTypeOf(types[c]) };
             int32[c] = st.columnTypes.size() == n && st.columnTypes[c] == SqlType::Int;
         }
         ResultSet rs(fields);

@@ -719,8 +719,10 @@ Analysis analyze(ParsedStatement& statement, const Catalog& catalog, Edits& edit
         analyzer.remove(root);
         break;
     default:
-        for (const OutColumn& c : analyzer.query(root, nullptr))
+        for (const OutColumn& c : analyzer.query(root, nullptr)) {
             out.columnTypes << c.type;
+            out.columnNames << c.name;
+        }
         break;
     }
     out.error = analyzer.error();

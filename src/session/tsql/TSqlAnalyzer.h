@@ -10,6 +10,9 @@ struct Analysis {
     // A query's result columns as SQL Server types them; empty when one cannot be
     // counted (a * over a table the catalog does not know), and for other statements.
     QVector<SqlType> columnTypes;
+    // Their names, alongside: an alias or a plain column's own name; empty for an
+    // expression without an alias, which SQL Server leaves unnamed.
+    QStringList columnNames;
     // Why the statement must not run (a literal that cannot become the date it stands
     // for), in the server's words; empty when it may.
     QString error;

@@ -275,12 +275,14 @@ Translation::Statement translateStatement(const QString& tsql, const Catalog& ca
             return out;
         }
         out.columnTypes = analysis.columnTypes;
+        out.columnNames = analysis.columnNames;
         Node* root = st.root;
         root->first = 0;
         root->last = int(st.tokens.size()) - 1;
         out.sql = Emitter(st.tokens, edits).node(root);
     } catch (const NestingError&) {
         out.columnTypes.clear();
+        out.columnNames.clear();
         out.error = QString::fromLatin1(kNestedTooDeeply);
     }
     return out;

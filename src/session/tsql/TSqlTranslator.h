@@ -24,6 +24,7 @@ struct Translation {
         // One entry per result column when the adapter could type them all; empty
         // when it could not (the backend then types columns from their values).
         QVector<SqlType> columnTypes;
+        QStringList columnNames; // alongside columnTypes; empty: an unnamed expression
         bool changesSchema = false; // CREATE, DROP, ALTER: the catalog must be re-read
         // Why the statement must not run, in SQL Server's words (nested too deeply, a
         // date literal that is no date); the backend reports it instead of running it.
