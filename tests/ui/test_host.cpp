@@ -3,6 +3,7 @@
 // the command-line tool's output forms, and the public book classes a host creates
 // (identifiers, properties with write-through, and Show).
 #include "books/BookKind.h"
+#include "core/ResultText.h"
 #include "demo/DemoData.h"
 #include "entry/BookClasses.h"
 #include "host/BookChooser.h"
@@ -463,17 +464,10 @@ TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
 
 TEST(CliOutput, EveryTypeHasOneTextForm)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
-        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } });
-    rs.appendRow();
-    rs.setInteger(0, -12);
-    rs.setMoney(1, Money::parse("1234567.5").value());
-    rs.setReal(2, 0.1);
-    rs.setDate(3, QDate(2016, 3, 5));
-    rs.setText(4, "Račun 7, \"Centar\"\ndrugi red");
-    rs.set(5, true);
-    rs.appendRow(); // all NULL
-
+    const ResultSet rs
+        = resultSet({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
+                        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } },
+            { { -12, "1234567.5", 0.1, QDate(2016, 3, 5), "Račun 7, \"Centar\"\ndrugi red", true }, {} }); // all NULL
     QString text;
     QTextStream out(&text);
     cli::writeCsv(rs, true, out);
