@@ -186,8 +186,6 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     } clicks[] = {
         { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
         { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
-        { 5, "[Opis] ASC", "Amortizacija,banka,Nabavka,Pazar" },
-        { 5, "[Opis] DESC", "Pazar,Nabavka,banka,Amortizacija" },
         // Another column starts ascending; equal dates keep the order of before.
         { 3, "[Datum] ASC", "Pazar,banka,Nabavka,Amortizacija" },
         { 3, "[Datum] DESC", "Nabavka,Amortizacija,banka,Pazar" },
@@ -302,10 +300,10 @@ TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
     };
     for (int kind : { 97, 98, 99, 100, 102, 106, 125, 126 })
         EXPECT_EQ(shownMenus(kind, "0"), "ista renum renumDat ubaci") << kind;
-    const std::tuple<int, const char*, const char*> menus[]
-        = { { 96, "0", "rekap ista renum renumDat ubaci" }, { 96, "2", "rekap ista renum renumDat ubaci" },
-              { 101, "0", "ista pocetno" }, { 105, "0", "ista pocetno" }, { 109, "0", "ista renum renumDat ubaci gen" },
-              { 109, "2", "ista renum renumDat ubaci gen brisPrik" }, { 109, "3", "ista renum renumDat ubaci gen" } };
+    const std::tuple<int, const char*, const char*> menus[] = { { 96, "0", "rekap ista renum renumDat ubaci" },
+        { 96, "2", "rekap ista renum renumDat ubaci" }, { 101, "0", "ista pocetno" }, { 105, "0", "ista pocetno" },
+        { 109, "0", "ista renum renumDat ubaci gen" }, { 109, "1", "ista renum renumDat ubaci gen" },
+        { 109, "2", "ista renum renumDat ubaci gen brisPrik" }, { 109, "3", "ista renum renumDat ubaci gen" } };
     for (const auto& [kind, level, expected] : menus)
         EXPECT_EQ(shownMenus(kind, level), expected) << kind << " " << level;
 
