@@ -103,8 +103,6 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
     EXPECT_EQ(periodFilter(126, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where,
         buildFilter(126, 1, 2016, march("prodavnica=2")).where);
     EXPECT_EQ(periodFilter(96, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where, kDatum);
-    EXPECT_EQ(filterLine({}), "Filter: Svi");
-    EXPECT_EQ(filterLine(kPeriod), "Filter : " + kPeriod);
 }
 
 TEST(FilterClause, PeriodTextIsReadOrRefusedWithAReason)
