@@ -235,8 +235,8 @@ TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
 
 TEST(Money, ParsesStoresRoundsAndShows)
 {
-    // How the parsed text comes back: s toString, r rounded(2), d display, p plain,
-    // v the 17 % VAT contained (x * 17 / 117).
+    // How the parsed text comes back: s toString, r rounded(2), v the 17 % VAT contained
+    // (x * 17 / 117). The display and plain forms are in every grid and row compared.
     const struct {
         const char* text;
         char op;
@@ -252,10 +252,6 @@ TEST(Money, ParsesStoresRoundsAndShows)
         { "0.125", 'r', "0.1200" },
         { "0.135", 'r', "0.1400" },
         { "-0.135", 'r', "-0.1400" },
-        { "1234567.891", 'd', "1,234,567.89" },
-        { "-999.995", 'd', "-1,000.00" },
-        { "7.5", 'p', "7.5" },
-        { "-3", 'p', "-3" },
         // The edges of the range (one past each is refused below).
         { "-922337203685477.5808", 's', "-922337203685477.5808" },
         { "922337203685477.5807", 's', "922337203685477.5807" },
@@ -272,8 +268,6 @@ TEST(Money, ParsesStoresRoundsAndShows)
         if (m)
             shown = c.op == 's' ? m->toString()
                 : c.op == 'r'   ? m->rounded(2).toString()
-                : c.op == 'd'   ? m->toDisplayString()
-                : c.op == 'p'   ? m->toPlainString()
                                 : (*m * 17).dividedBy(117.0).toString();
         EXPECT_EQ(shown, QString::fromLatin1(c.expected)) << c.text << " " << c.op;
     }
