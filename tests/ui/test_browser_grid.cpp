@@ -48,7 +48,7 @@ protected:
 
 } // namespace
 
-TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesWithBoldCaptionColumn)
+TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesAndALoadFailureLeavesThemAsTheyWere)
 {
     fillFive();
     auto w = open(96);
@@ -66,6 +66,13 @@ TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesWithBoldCaptionCol
     // The first entry is current after opening, not the totals row.
     EXPECT_EQ(w->trenutniRed(), 0);
     EXPECT_EQ(w->trenutniRBroj(), 1);
+    // A query the engine refuses is reported and the grid stays as it was.
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE  K.NemaTakveKolone=1"; });
+    w->OsvjeziZapise();
+    EXPECT_EQ(expectOneError(script->messages, "Desila se greška u pristupu podacima. Ponovite!\r\n").title,
+        "Greška u pristupu podacima");
+    EXPECT_EQ(w->model().entryCount(), 5);
+    EXPECT_EQ(w->model().rowCount(), 7);
 }
 
 TEST_F(BrowserGridTest, HeaderSortTogglesAndSurvivesARefresh)
@@ -134,18 +141,6 @@ TEST_F(BrowserGridTest, RefreshKeepsThePositionOrGoesToTheRememberedEntryOnce)
     change(*w, [](browser::BookQuery& q) { q.returnTo = 77; }); // not in the book: the position stays
     w->OsvjeziZapise();
     EXPECT_EQ(w->trenutniRed(), 1);
-}
-
-TEST_F(BrowserGridTest, ALoadFailureIsReportedAndTheGridStaysAsItWas)
-{
-    fillFive();
-    auto w = open(96);
-    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE  K.NemaTakveKolone=1"; });
-    w->OsvjeziZapise();
-    EXPECT_EQ(expectOneError(script->messages, "Desila se greška u pristupu podacima. Ponovite!\r\n").title,
-        "Greška u pristupu podacima");
-    EXPECT_EQ(w->model().entryCount(), 5);
-    EXPECT_EQ(w->model().rowCount(), 7);
 }
 
 TEST_F(BrowserGridTest, KeysLeadToTheirCommandsButNotOnATotalsRowNorToADisabledTransfer)
