@@ -132,20 +132,10 @@ TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
     EXPECT_EQ(insert.values, (QVariantList { 3, QStringLiteral("Pazar") }));
 }
 
-TEST(Settings, FlagsAreTrueFalseTextsEachApplicationKeepsItsOwnAndTheRegistryCutsLongValues)
+// The settings' True/False texts, defaults and per-book stores are the browser's
+// (DisplayOptions..., EachBookRemembers...); here the registry.
+TEST(Settings, TheRegistryCutsLongValues)
 {
-    test::clearSettings();
-    const QString book = QStringLiteral("Knjiga prometa za FBiH"), s = settings::section();
-    const QString key = QStringLiteral("OpisiNaTipkama");
-    EXPECT_TRUE(settings::flag(book, s, key, true));
-    settings::setFlag(book, s, key, false);
-    EXPECT_EQ(settings::text(book, s, key), QStringLiteral("False"));
-    EXPECT_FALSE(settings::flag(book, s, key, true));
-    EXPECT_TRUE(settings::flag(QStringLiteral("Knjiga prometa za RS"), s, key, true));
-    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 9645);
-    settings::setNumber(book, s, QStringLiteral("MainWidth"), 12000);
-    EXPECT_EQ(settings::number(book, s, QStringLiteral("MainWidth"), 9645), 12000);
-
     const QString knjige = QStringLiteral("Software\\Arbosa\\Knjige");
     EXPECT_EQ(registryText(QStringLiteral("Software\\Arbosa\\Nema"), QStringLiteral("Server")), QString());
     ASSERT_TRUE(setRegistryText(knjige, QStringLiteral("Server"), QStringLiteral("SRV01")));
