@@ -325,14 +325,13 @@ TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
 
 TEST(OfficeExport, ChecksComeInTheirOrderAndTheProgramOnlyWhenItIsStarted)
 {
-    const QString program = QCoreApplication::applicationFilePath();
-    // The dialog's test runs every message in order; here what decides the program's checks.
+    // The dialog's test runs every message in order and a program that is there; here
+    // what else decides the program's checks.
     const std::pair<ExportFields, const char*> cases[] = {
         { { "a.csv", ";", ",,", "", true }, "Znak za decimalnu točku za brojeve može biti točka ili zarez !" },
         { { "a.csv", ";", ".", QStringLiteral("nema-ovog-programa-9"), true },
             "Uneseno ime EXE datoteke je neispravno !" },
         { { "a.csv", ";", ".", "/nema/ovog/programa", false }, "" },
-        { { "a.csv", ";", ".", program, true }, "" },
     };
     for (const auto& [fields, message] : cases)
         EXPECT_EQ(firstFailedCheck(fields), QString::fromUtf8(message)) << fields.program.toStdString();
