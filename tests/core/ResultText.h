@@ -5,6 +5,7 @@
 #include "session/db/ResultSet.h"
 
 #include <QStringList>
+#include <QVariantList>
 #include <string>
 
 namespace knjige::test
@@ -36,6 +37,20 @@ inline std::string rowText(const ResultSet& rs, int row, int onlyColumn = -1)
         if (onlyColumn < 0 || c == onlyColumn)
             out << (rs.isNull(row, c) ? QStringLiteral("<null>") : rs.text(row, c));
     return out.join(u'|').toStdString();
+}
+
+// A result of `fields` with a row for each list of values, each value set as
+// ResultSet::set takes it: a text in a typed column is read as that type, an empty
+// QVariant is NULL.
+inline ResultSet resultSet(QVector<Field> fields, const QList<QVariantList>& rows)
+{
+    ResultSet rs(std::move(fields));
+    for (const QVariantList& row : rows) {
+        rs.appendRow();
+        for (int c = 0; c < row.size(); ++c)
+            rs.set(c, row[c]);
+    }
+    return rs;
 }
 
 inline std::string columnText(const ResultSet& rs, const QString& name)

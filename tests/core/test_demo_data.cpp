@@ -57,7 +57,7 @@ protected:
 // Each book, of each shop, has entries, and the book check finds nothing in it: numbers
 // from one without a gap in date order, links that hold, no date before the year; the
 // next year's turnover and income books number from one again.
-TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckAndTheNextYearItsOwn)
+TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckTheNextYearItsOwnAndTheSameYearTheSameRows)
 {
     for (const BookKind& book : allBooks()) {
         const bool trade = isTradeBook(book.code);
@@ -73,6 +73,22 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckAndTheNextYearItsOwn)
                                                                        << report.text.toStdString();
         }
     }
+
+    // The same year gives the same rows.
+    const QString path = test::scratchDir() + QStringLiteral("/demo-again.db");
+    QString error;
+    Database other;
+    ASSERT_TRUE(createEmbeddedDatabase(path, &error) && other.connect(path)) << error.toStdString();
+    ASSERT_TRUE(fillDemoData(other, year, &error)) << error.toStdString();
+    const QString sql = QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos,IznosPDV FROM dbo.KnjPrihRashFBiH "
+                                       "ORDER BY GodinaKnj,RBroj");
+    const ResultSet a = t.query(sql);
+    ResultSet b;
+    ASSERT_TRUE(other.open(sql, b)) << other.errorDescription().toStdString();
+    ASSERT_EQ(a.rowCount(), b.rowCount());
+    for (int r = 0; r < a.rowCount(); ++r)
+        for (int c = 0; c < a.fieldCount(); ++c)
+            ASSERT_EQ(a.text(r, c), b.text(r, c)) << "row " << r << " column " << c;
 }
 
 // Every receivables and liabilities entry names a partner of dbo.Komitent (so the
@@ -81,7 +97,7 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckAndTheNextYearItsOwn)
 // received and their payments to purchases of goods. VAT is the 17 % contained in
 // the amount; every entry kind of every book occurs; the asset lists of this and the
 // previous year give the opening state something to carry.
-TEST_F(DemoData, AmountsKindsAndLinksHoldTogether)
+TEST_F(DemoData, AmountsKindsAndLinksHoldTogetherAndTextsFitTheirColumns)
 {
     const QString where = QStringLiteral(" WHERE GodinaKnj=%1 AND BrojPoduzeca=1").arg(year);
     const ResultSet fbih
@@ -123,12 +139,9 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogether)
             EXPECT_TRUE(rs.integer(r, vijek) >= 2 && rs.integer(r, vijek) <= 10) << y << " row " << r;
         }
     }
-}
 
-// The texts fit the columns as the schema declares them, so the same rows can be
-// written to SQL Server; the company and its shops are known by name.
-TEST_F(DemoData, TextsFitTheirColumnsAndTheCompanyAndShopsAreKnown)
-{
+    // The texts fit the columns as the schema declares them, so the same rows can be
+    // written to SQL Server; the company and its shops are known by name.
     for (const char* table : { "dbo.KnjPrihRashFBiH", "dbo.KnjPrihRashDB", "dbo.KnjPrihodaRS", "dbo.KnjRashodaRS",
              "dbo.KnjPrometaFBiH", "dbo.KnjEvidPotrIObvFBiH", "dbo.KnjPopListaDugImovFBiH", "dbo.TrgKnjUsluga",
              "dbo.TrgKnjKomisiona", "dbo.Komitent", "dbo.CONFIG" }) {
@@ -149,24 +162,6 @@ TEST_F(DemoData, TextsFitTheirColumnsAndTheCompanyAndShopsAreKnown)
                                         .arg(demo::Maloprodaja2));
     ASSERT_EQ(shops.rowCount(), 2);
     EXPECT_TRUE(shops.text(0, 0).startsWith(QStringLiteral("Maloprodaja 1")));
-}
-
-TEST_F(DemoData, TheSameYearGivesTheSameRows)
-{
-    const QString path = test::scratchDir() + QStringLiteral("/demo-again.db");
-    QString error;
-    Database other;
-    ASSERT_TRUE(createEmbeddedDatabase(path, &error) && other.connect(path)) << error.toStdString();
-    ASSERT_TRUE(fillDemoData(other, year, &error)) << error.toStdString();
-    const QString sql = QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos,IznosPDV FROM dbo.KnjPrihRashFBiH "
-                                       "ORDER BY GodinaKnj,RBroj");
-    const ResultSet a = t.query(sql);
-    ResultSet b;
-    ASSERT_TRUE(other.open(sql, b)) << other.errorDescription().toStdString();
-    ASSERT_EQ(a.rowCount(), b.rowCount());
-    for (int r = 0; r < a.rowCount(); ++r)
-        for (int c = 0; c < a.fieldCount(); ++c)
-            ASSERT_EQ(a.text(r, c), b.text(r, c)) << "row " << r << " column " << c;
 }
 
 // One failing table leaves nothing behind: the company is not half made.

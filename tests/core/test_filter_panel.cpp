@@ -4,7 +4,7 @@
 #include "browser/TotalsPanel.h"
 #include "support/TestDatabase.h"
 
-#include <functional>
+#include <QMap>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -19,12 +19,31 @@ const QString kDatum = QStringLiteral(" WHERE K.BrojPoduzeca=1 AND  K.Datum>='03
                                       "AND K.GodinaKnj=2016");
 const QString kPeriod = QStringLiteral("Period od 01.03.16 do 31.03.16");
 
-FilterInput march()
+// March 2016 and the fields `spec` names ("txtOpis=a;ubIznos=12.5"), amounts in the C form.
+FilterInput march(const QString& spec = {})
 {
     FilterInput in;
     in.chkPoDatumima = true;
     in.dpDatum = QDate(2016, 3, 1);
     in.dpDatumDo = QDate(2016, 3, 31);
+    const QMap<QString, QString*> texts = { { "txtIsprava", &in.txtIsprava }, { "txtOpis", &in.txtOpis },
+        { "vrsta", &in.vrsta }, { "txtKomitent", &in.txtKomitent }, { "imeKomitenta", &in.imeKomitenta },
+        { "txtNazivSredstva", &in.txtNazivSredstva }, { "txtNaziv", &in.txtNaziv },
+        { "txtBrojDokumenta", &in.txtBrojDokumenta }, { "imeProdavnice", &in.imeProdavnice } };
+    const QMap<QString, Money*> amounts = { { "ubIznos", &in.ubIznos }, { "ubIznosPDV", &in.ubIznosPDV },
+        { "ubKPR", &in.ubKPR }, { "ubCek", &in.ubCek }, { "ubNabavna", &in.ubNabavna },
+        { "ubVijekTrajanja", &in.ubVijekTrajanja }, { "ubRazduženje", &in.ubRazduženje } };
+    for (const QString& field : spec.split(u';', Qt::SkipEmptyParts)) {
+        const QString name = field.section(u'=', 0, 0), value = field.section(u'=', 1);
+        if (name == "prodavnica")
+            in.prodavnica = value.toInt();
+        else if (texts.contains(name))
+            *texts[name] = value;
+        else if (amounts.contains(name))
+            *amounts[name] = Money::parse(value).value();
+        else
+            ADD_FAILURE() << "no field " << name.toStdString();
+    }
     return in;
 }
 
@@ -34,91 +53,39 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
 {
     struct Case {
         int kind;
-        std::function<void(FilterInput&)> fill;
+        QString fields;
         QString where; // after the period condition
         QString description; // after the period piece
     };
     const QList<Case> cases = {
-        { 96,
-            [](FilterInput& i) {
-                i.txtIsprava = " R-1 ";
-                i.txtOpis = "O'Brien";
-                i.vrsta = "11 - Prihod - Gotovina";
-                i.ubIznos = Money::fromUnits(125000);
-                i.ubIznosPDV = Money::fromWhole(-3);
-            },
+        { 96, "txtIsprava= R-1 ;txtOpis=O'Brien;vrsta=11 - Prihod - Gotovina;ubIznos=12.5;ubIznosPDV=-3",
             " AND  K.Isprava LIKE 'R-1%' AND  K.Opis LIKE 'O''Brien%' AND  K.Vrsta LIKE '11%' AND  K.Iznos= 12.5 AND "
             " K.IznosPDV=-3",
             ",Isprava: R-1...',Opis: O'Brien...',Vrsta: 11...',Iznos: 12.50,PDV: -3.00" },
-        { 109,
-            [](FilterInput& i) {
-                i.vrsta = " 5 - Prihod - Gotovina";
-                i.ubIznos = Money::fromWhole(1234567);
-            },
-            " AND  K.Vrsta LIKE '5%' AND  K.Iznos= 1234567", ",Vrsta: 5...',Iznos: 1,234,567.00" },
-        { 97,
-            [](FilterInput& i) {
-                i.txtKomitent = " 007x";
-                i.imeKomitenta = "Alfa";
-                i.vrsta = "21 - Primljeni racuni";
-                i.ubKPR = Money::fromWhole(7);
-                i.ubIznos = Money::fromWhole(5);
-            },
+        { 109, "vrsta= 5 - Prihod - Gotovina;ubIznos=1234567", " AND  K.Vrsta LIKE '5%' AND  K.Iznos= 1234567",
+            ",Vrsta: 5...',Iznos: 1,234,567.00" },
+        { 97, "txtKomitent= 007x;imeKomitenta=Alfa;vrsta=21 - Primljeni racuni;ubKPR=7;ubIznos=5",
             " AND  K.SifKomit=7 AND  K.Vrsta LIKE '21%' AND  K.RBrojKPR= 7 AND  K.Iznos= 5",
             ",Šifra komitenta: 7,Vrsta: 21...',Br. Knjige p. i r.: 7,iznos: 5.00" },
-        { 102,
-            [](FilterInput& i) {
-                i.txtIsprava = "%5_";
-                i.txtKomitent = "abc";
-                i.imeKomitenta = "Alfa";
-            },
-            " AND  K.Isprava LIKE '%5_%' AND  K.SifKomit=0", ",Isprava: %5_...',Šifra komitenta: 0 Alfa" },
-        { 98,
-            [](FilterInput& i) {
-                i.txtOpis = "Utržak";
-                i.ubCek = Money::fromUnits(5);
-            },
-            " AND  K.Opis LIKE 'Utržak%' AND  K.IznosCek= 0.0005", ",Opis: Utržak...',Cek: 0.00" },
-        { 99,
-            [](FilterInput& i) {
-                i.vrsta = "4 - Prihod - Proizvoda i materijala";
-                i.ubIznosPDV = Money::fromWhole(2);
-            },
-            " AND  K.Vrsta LIKE '4%' AND  K.IznosPDV= 2", ",Vrsta: 4...',PDV: 2.00" },
+        { 102, "txtIsprava=%5_;txtKomitent=abc;imeKomitenta=Alfa", " AND  K.Isprava LIKE '%5_%' AND  K.SifKomit=0",
+            ",Isprava: %5_...',Šifra komitenta: 0 Alfa" },
+        { 98, "txtOpis=Utržak;ubCek=0.0005", " AND  K.Opis LIKE 'Utržak%' AND  K.IznosCek= 0.0005",
+            ",Opis: Utržak...',Cek: 0.00" },
+        { 99, "vrsta=4 - Prihod - Proizvoda i materijala;ubIznosPDV=2", " AND  K.Vrsta LIKE '4%' AND  K.IznosPDV= 2",
+            ",Vrsta: 4...',PDV: 2.00" },
         // The RS list takes the name pattern from the hidden box, the FBiH list from its own.
-        { 101,
-            [](FilterInput& i) {
-                i.txtNazivSredstva = "Auto";
-                i.txtBrojDokumenta = "12.50";
-            },
-            " AND  K.Naziv LIKE '%' AND  K.Isprava=12.5", ",Naziv: ...',Isprava: 12.5" },
-        { 105,
-            [](FilterInput& i) {
-                i.txtNazivSredstva = "Auto";
-                i.txtNaziv = "X";
-                i.ubVijekTrajanja = Money::fromWhole(5);
-                i.ubNabavna = Money::fromWhole(900);
-            },
+        { 101, "txtNazivSredstva=Auto;txtBrojDokumenta=12.50", " AND  K.Naziv LIKE '%' AND  K.Isprava=12.5",
+            ",Naziv: ...',Isprava: 12.5" },
+        { 105, "txtNazivSredstva=Auto;txtNaziv=X;ubVijekTrajanja=5;ubNabavna=900",
             " AND  K.Naziv LIKE 'Auto%' AND  K.NabVrijednost= 900 AND  K.VijekTr= 5",
             ",Naziv: Auto...',Nabavna: 900.00,Vijek trajanja: 5" },
-        { 125,
-            [](FilterInput& i) {
-                i.prodavnica = 3;
-                i.imeProdavnice = "Market";
-                i.ubIznos = Money::fromWhole(1);
-            },
-            " AND  K.BrojProd=3 AND  K.Iznos= 1", ",Broj prod.: 3 Market,Iznos naknade: 1.00" },
-        { 126,
-            [](FilterInput& i) {
-                i.txtOpis = "a'";
-                i.ubRazduženje = Money::fromWhole(4);
-            },
-            " AND  K.Opis LIKE 'a''%' AND  K.Razduzenje= 4", ",Opis: a'...',Iznos razduzenja: 4.00" },
+        { 125, "prodavnica=3;imeProdavnice=Market;ubIznos=1", " AND  K.BrojProd=3 AND  K.Iznos= 1",
+            ",Broj prod.: 3 Market,Iznos naknade: 1.00" },
+        { 126, "txtOpis=a';ubRazduženje=4", " AND  K.Opis LIKE 'a''%' AND  K.Razduzenje= 4",
+            ",Opis: a'...',Iznos razduzenja: 4.00" },
     };
     for (const Case& c : cases) {
-        FilterInput in = march();
-        c.fill(in);
-        const FilterState s = buildFilter(c.kind, 1, 2016, in, QLocale::c());
+        const FilterState s = buildFilter(c.kind, 1, 2016, march(c.fields), QLocale::c());
         EXPECT_EQ(s.where, kDatum + c.where) << c.kind;
         EXPECT_EQ(s.conditions, s.where.mid(QStringLiteral(" WHERE K.BrojPoduzeca=1 AND ").size())) << c.kind;
         EXPECT_EQ(s.description, kPeriod + c.description) << c.kind;
@@ -133,13 +100,9 @@ TEST(FilterClause, EveryKindBuildsItsConditionsAndDescriptionInOrder)
     EXPECT_EQ(empty.description, "Period od 01.01.16");
     EXPECT_EQ(empty.periodEnd, QDate(2016, 12, 31));
     // The period option is the same filter as a dialog with only its dates.
-    FilterInput shop = march();
-    shop.prodavnica = 2;
     EXPECT_EQ(periodFilter(126, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where,
-        buildFilter(126, 1, 2016, shop).where);
+        buildFilter(126, 1, 2016, march("prodavnica=2")).where);
     EXPECT_EQ(periodFilter(96, QDate(2016, 3, 1), QDate(2016, 3, 31), 1, 2016, 2).where, kDatum);
-    EXPECT_EQ(filterLine({}), "Filter: Svi");
-    EXPECT_EQ(filterLine(kPeriod), "Filter : " + kPeriod);
 }
 
 TEST(FilterClause, PeriodTextIsReadOrRefusedWithAReason)

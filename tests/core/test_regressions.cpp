@@ -1,5 +1,6 @@
 // Faults found by using the product end to end, each pinned where it was fixed.
 
+#include "ResultText.h"
 #include "browser/BookModel.h"
 #include "browser/BrowserRules.h"
 #include "output/OfficeExport.h"
@@ -91,10 +92,8 @@ TEST(Regression, AnExportIntoANamedPipeReachesTheReader)
 {
     const QString pipe = test::scratchDir() + QStringLiteral("/izvoz.csv");
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } });
-    rs.appendRow();
-    rs.setInteger(0, 1);
-    rs.setText(1, QStringLiteral("Pazar"));
+    const ResultSet rs
+        = test::resultSet({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } }, { { 1, "Pazar" } });
     // The reader is there before the export and never waits: the few bytes fit into
     // the pipe.
     const int reader = ::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK);

@@ -48,17 +48,13 @@ protected:
 
 } // namespace
 
-TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesWithBoldCaptionColumn)
+TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesAndALoadFailureLeavesThemAsTheyWere)
 {
     fillFive();
     auto w = open(96);
     BookModel& m = w->model();
     ASSERT_EQ(m.rowCount(), 7);
-    // Prihodi, PDVPrihodi, Rashodi, PDVRashodi: grid columns 8 to 11.
-    EXPECT_EQ(*m.total(8), Money::parse("3510.5").value());
-    EXPECT_EQ(*m.total(9), Money::parse("510.07").value());
-    EXPECT_EQ(*m.total(10), Money::parse("1002085.25").value());
-    EXPECT_EQ(*m.total(11), Money::fromWhole(85));
+    // The sums are the model's (BookModel's own tests); the grid shows them in bold on white.
     for (int row : { 0, 6 }) {
         EXPECT_EQ(m.headerData(row, Qt::Vertical).toString(), "Ukupno:");
         EXPECT_TRUE(m.data(m.index(row, 7), Qt::FontRole).value<QFont>().bold());
@@ -66,11 +62,17 @@ TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesWithBoldCaptionCol
         EXPECT_EQ(m.data(m.index(row, 7), Qt::BackgroundRole).value<QBrush>().color(), QColor(Qt::white));
         EXPECT_EQ(m.data(m.index(row, 7), Qt::ForegroundRole).value<QBrush>().color(), QColor(Qt::black));
     }
-    EXPECT_EQ(m.displayText(0, 7), m.displayText(6, 7));
     EXPECT_FALSE(m.data(m.index(1, 7), Qt::FontRole).isValid());
     // The first entry is current after opening, not the totals row.
     EXPECT_EQ(w->trenutniRed(), 0);
     EXPECT_EQ(w->trenutniRBroj(), 1);
+    // A query the engine refuses is reported and the grid stays as it was.
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE  K.NemaTakveKolone=1"; });
+    w->OsvjeziZapise();
+    EXPECT_EQ(expectOneError(script->messages, "Desila se greška u pristupu podacima. Ponovite!\r\n").title,
+        "Greška u pristupu podacima");
+    EXPECT_EQ(w->model().entryCount(), 5);
+    EXPECT_EQ(w->model().rowCount(), 7);
 }
 
 TEST_F(BrowserGridTest, HeaderSortTogglesAndSurvivesARefresh)
@@ -139,18 +141,6 @@ TEST_F(BrowserGridTest, RefreshKeepsThePositionOrGoesToTheRememberedEntryOnce)
     change(*w, [](browser::BookQuery& q) { q.returnTo = 77; }); // not in the book: the position stays
     w->OsvjeziZapise();
     EXPECT_EQ(w->trenutniRed(), 1);
-}
-
-TEST_F(BrowserGridTest, ALoadFailureIsReportedAndTheGridStaysAsItWas)
-{
-    fillFive();
-    auto w = open(96);
-    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE  K.NemaTakveKolone=1"; });
-    w->OsvjeziZapise();
-    EXPECT_EQ(expectOneError(script->messages, "Desila se greška u pristupu podacima. Ponovite!\r\n").title,
-        "Greška u pristupu podacima");
-    EXPECT_EQ(w->model().entryCount(), 5);
-    EXPECT_EQ(w->model().rowCount(), 7);
 }
 
 TEST_F(BrowserGridTest, KeysLeadToTheirCommandsButNotOnATotalsRowNorToADisabledTransfer)

@@ -2,6 +2,7 @@
 // row it writes, the links it keeps, and the rules behind them (kind lists, read
 // statements, captions, search periods, the entry a list row stands for).
 #include "books/BookKind.h"
+#include "core/ResultText.h"
 #include "editors/EditorRules.h"
 #include "editors/widgets/MoneyBox.h"
 #include "editors/widgets/frmKnjEvidPotObvFBiH.h"
@@ -233,9 +234,7 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     EXPECT_FALSE(e->IzišaoSaPrekidom());
 
     auto c = editor<frmKnjKomisiona>(126, 2, 1);
-    c->setSkladište(2);
-    EXPECT_EQ(c->readSql(),
-        "SELECT * FROM dbo.TrgKnjKomisiona WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=1");
+    c->setSkladište(2); // read by its shop (the statement: EditorRules)
     script->clear();
     run(*c, [&] {
         EXPECT_TRUE(texts().isEmpty()) << texts().join(u'|').toStdString();
@@ -539,31 +538,17 @@ TEST(EditorRules, VatSearchPeriodAndTheReceivablesWarningBeforeARefusal)
 
 TEST(EditorRules, AnEntryReadByItsNumberIsTheOneTheListShows)
 {
-    ResultSet read({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
-        { "Iznos", FieldType::Currency }, { "Vrsta", FieldType::Integer } });
-    // The list names its kind column by text and shows the amount as an integer.
-    ResultSet list({ { "RBroj", FieldType::Integer }, { "Vrsta", FieldType::Text }, { "Datum", FieldType::Date },
-        { "Opis", FieldType::Text }, { "Iznos", FieldType::Integer }, { "Prihodi", FieldType::Currency } });
     const QDate first(2016, 3, 1), second(2016, 3, 2);
-    for (const auto& [d, opis, iznos] :
-        { std::tuple(first, "Prva", 10), { second, "Druga", 20 }, { second, "Druga", 30 } }) {
-        read.appendRow();
-        read.setInteger(0, 5);
-        read.setDate(1, d);
-        read.setText(2, opis);
-        read.setMoney(3, Money::fromWhole(iznos));
-        read.setInteger(4, 5);
-    }
-    for (const auto& [d, opis, iznos] :
-        { std::tuple(second, "Druga", 30), { first, "Prva", 10 }, { second, "Druga", 20 } }) {
-        list.appendRow();
-        list.setInteger(0, 5);
-        list.setText(1, "Prihod - Robe");
-        list.setDate(2, d);
-        list.setText(3, opis);
-        list.setInteger(4, iznos);
-        list.setNull(5);
-    }
+    const ResultSet read
+        = resultSet({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
+                        { "Iznos", FieldType::Currency }, { "Vrsta", FieldType::Integer } },
+            { { 5, first, "Prva", "10", 5 }, { 5, second, "Druga", "20", 5 }, { 5, second, "Druga", "30", 5 } });
+    // The list names its kind column by text and shows the amount as an integer.
+    const ResultSet list = resultSet(
+        { { "RBroj", FieldType::Integer }, { "Vrsta", FieldType::Text }, { "Datum", FieldType::Date },
+            { "Opis", FieldType::Text }, { "Iznos", FieldType::Integer }, { "Prihodi", FieldType::Currency } },
+        { { 5, "Prihod - Robe", second, "Druga", 30 }, { 5, "Prihod - Robe", first, "Prva", 10 },
+            { 5, "Prihod - Robe", second, "Druga", 20 } });
     EXPECT_EQ(matchingRow(read, &list, 0), 2);
     EXPECT_EQ(matchingRow(read, &list, 1), 0);
     EXPECT_EQ(matchingRow(read, &list, 2), 1);

@@ -70,7 +70,7 @@ protected:
 
 } // namespace
 
-TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
+TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswordIsNeverStored)
 {
     const struct {
         int vrsta;
@@ -123,10 +123,9 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsAndARunIsShownByTheBook)
     const QString app = settings::sharedApplication();
     EXPECT_EQ(settings::text(app, settings::section(), "KIFSQLBaze"), db->path());
     EXPECT_EQ(settings::text(app, settings::section(), "KIFSQLServera", "?"), QString());
-}
 
-TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSettings)
-{
+    // A server source asks for the password and never stores it in the settings.
+    script->clear();
     frmGenPrihRashDB d;
     d.setVrsta(gen::UlazniRacuni);
     fillMarch(d);

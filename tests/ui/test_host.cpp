@@ -3,6 +3,7 @@
 // the command-line tool's output forms, and the public book classes a host creates
 // (identifiers, properties with write-through, and Show).
 #include "books/BookKind.h"
+#include "core/ResultText.h"
 #include "demo/DemoData.h"
 #include "entry/BookClasses.h"
 #include "host/BookChooser.h"
@@ -223,7 +224,7 @@ protected:
 
 } // namespace
 
-TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
+TEST_F(HostRights, RightsThatCannotBeReadLetNobodyInAndRowsAllowOnlyWhatTheyName)
 {
     PravaRights missing = rightsOf("Amra"); // no dbo.PRAVA
     PravaRights unreachable = rightsOf("Amra");
@@ -239,12 +240,9 @@ TEST_F(HostRights, RightsThatCannotBeReadLetNobodyIn)
     m_db.exec(PravaRights::createSql());
     EXPECT_TRUE(missing.mayOpenBook(96));
     EXPECT_TRUE(missing.hasRight(96, OperatorRights::Brisanje));
-}
 
-TEST_F(HostRights, AnOperatorWithRowsMayUseOnlyWhatTheyNameFromTheNextQuestionOn)
-{
+    // An operator with rows may use only what they name, from the next question on.
     EXPECT_EQ(PravaRights::sql(), "SELECT OPERATER,PRAVO FROM dbo.PRAVA WHERE PROGRAM='KNJIGE'");
-    m_db.exec(PravaRights::createSql());
     grant({ "Amra|KNJIGE|96", "Amra|KNJIGE|96.1", "Amra|KNJIGE|96.4", "Amra|KNJIGE|98", "Amra|MALOPROBJEKT|97",
         "Edin|KNJIGE|125" });
     PravaRights amra = rightsOf(" amra ");
@@ -309,7 +307,7 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
 
 // The sales-point chooser offers the shops the trade books keep, not the suppliers
 // that share a town with them; by name, or by code and the arrow key.
-TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
+TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamFindLooksTheNameUpAndAFailedReadChoosesNothing)
 {
     QString title;
     QStringList offered;
@@ -348,10 +346,9 @@ TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamAndFindLooksTheNameUp)
     ASSERT_TRUE(found);
     EXPECT_EQ(found->ImeKomit1, "Tehno-Mont d.o.o.");
     EXPECT_FALSE(partners.find(9999));
-}
 
-TEST_F(HostPickers, AFailedReadIsReportedAndChoosesNothing)
-{
+    // A failed read is reported and chooses nothing.
+    m_script->clear();
     m_db.exec("DROP TABLE dbo.Komitent");
     m_script->onDialog = [](QDialog&) -> int {
         ADD_FAILURE() << "no picker without partners";
@@ -463,17 +460,10 @@ TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
 
 TEST(CliOutput, EveryTypeHasOneTextForm)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
-        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } });
-    rs.appendRow();
-    rs.setInteger(0, -12);
-    rs.setMoney(1, Money::parse("1234567.5").value());
-    rs.setReal(2, 0.1);
-    rs.setDate(3, QDate(2016, 3, 5));
-    rs.setText(4, "Račun 7, \"Centar\"\ndrugi red");
-    rs.set(5, true);
-    rs.appendRow(); // all NULL
-
+    const ResultSet rs
+        = resultSet({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
+                        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } },
+            { { -12, "1234567.5", 0.1, QDate(2016, 3, 5), "Račun 7, \"Centar\"\ndrugi red", true }, {} }); // all NULL
     QString text;
     QTextStream out(&text);
     cli::writeCsv(rs, true, out);
