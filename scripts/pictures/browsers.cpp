@@ -33,7 +33,7 @@ void browsers(Scene& s)
         auto* e = dynamic_cast<RecordEditor*>(&d);
         if (!e)
             return int(QDialog::Rejected);
-        e->setSkladište(demo::Maloprodaja1);
+        e->setShop(demo::Maloprodaja1);
         if (from.isValid()) {
             e->dpDatum->setDate(from);
             e->dpDatumDo->setDate(from.addMonths(1).addDays(-1));
@@ -68,7 +68,7 @@ void editors(Scene& s)
                 auto* e = dynamic_cast<RecordEditor*>(&d);
                 if (!e)
                     return int(QDialog::Rejected);
-                e->setSkladište(demo::Maloprodaja1);
+                e->setShop(demo::Maloprodaja1);
                 e->cmdSpremi->click();
                 return e->result();
             };
@@ -182,7 +182,7 @@ void renumbering(Scene& s)
     clock::setToday(QDate(2017, 2, 1));
     auto assets = s.open(Knjiga::PopListaFBiH);
     pictureOfNextBox(s, QStringLiteral("pocetno-stanje-pitanje.png"), QMessageBox::No);
-    assets->PočetnoStanje();
+    assets->generateOpeningState();
     clock::setToday({});
     setInteraction(std::move(answering));
 }

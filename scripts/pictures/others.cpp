@@ -34,7 +34,7 @@ void fillMarch(frmGenPrihRashDB& d)
     d.dpDatum->setDate(QDate(2016, 3, 1));
     d.dpDatum1->setDate(QDate(2016, 3, 31));
     d.txtOrgJed->setText(QString::number(demo::OrgJed));
-    d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
+    d.txtKomit->setText(QString::number(demo::CompensationSupplier));
     d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
     d.txtPrima->setText(QString::number(demo::Primatelj));
     for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })

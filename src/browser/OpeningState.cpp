@@ -52,7 +52,7 @@ bool run(const QString& sql, const journal::Scope& next, QString* error)
     for (int r = 0; r < after.rowCount(); ++r)
         if (after.integer(r, c) > highest)
             added += journal::rowText(after, r) + u'\n';
-    if (!journal::append(db, next, { journal::Radnja::PocetnaStanja, std::nullopt, {}, added }, error))
+    if (!journal::append(db, next, { journal::RecordKind::PocetnaStanja, std::nullopt, {}, added }, error))
         return false;
     if (!tx.commit()) {
         *error = db.errorDescription();

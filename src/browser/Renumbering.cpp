@@ -158,10 +158,10 @@ std::unordered_map<qint64, qint64> followAllLinks(
 bool journalNumbers(Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
 {
     return (numbers.isEmpty()
-               || journal::append(db, b, { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
+               || journal::append(db, b, { journal::RecordKind::Renumeracija, std::nullopt, {}, numbers }, error))
         && (links.isEmpty()
             || journal::append(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 },
-                { journal::Radnja::Veze, std::nullopt, {}, links }, error));
+                { journal::RecordKind::Veze, std::nullopt, {}, links }, error));
 }
 
 bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
@@ -386,7 +386,7 @@ Outcome insertAt(const Book& b, qint32 n)
     ResultSet blank;
     const bool inserted = tx.isActive() && journal::ensureBaseline(db, b, &error) && db.execute(shiftSql(b, n))
         && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
-        && journal::append(db, b, { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
+        && journal::append(db, b, { journal::RecordKind::Umetanje, n, {}, journal::rowsText(blank) }, &error)
         && tx.commit();
     return { inserted ? After::Reload : After::Stay, {} };
 }

@@ -48,14 +48,14 @@ private:
 };
 
 // The bank statement of a day ("Izvod 2026-045") or the next cash desk slip.
-QString dokumentPlaćanja(const QDate& d, bool blagajna, int& brojBlagajne)
+QString paymentDocument(const QDate& d, bool blagajna, int& brojBlagajne)
 {
     if (blagajna)
         return QStringLiteral("BL-%1/%2").arg(++brojBlagajne).arg(d.year() % 100, 2, 10, QLatin1Char('0'));
     return QStringLiteral("Izvod %1-%2").arg(d.year()).arg(d.dayOfYear(), 3, 10, QLatin1Char('0'));
 }
 
-struct Brojači {
+struct DocumentCounters {
     int dgp[3] = { 0, 0, 0 };
     int vp = 0;
     int kuf = 0;
@@ -108,7 +108,7 @@ private:
         for (const auto& [datum, dio] : parts) {
             if (datum.year() != m_year)
                 continue;
-            const QString dokument = dokumentPlaćanja(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
+            const QString dokument = paymentDocument(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
             const RowChange::Values v = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
                 { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
                 { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
@@ -141,7 +141,7 @@ private:
                 QStringLiteral("IFAKTUplate"), QStringLiteral("BrojIFAKT"), QStringLiteral("VP"), broj, d, iznos, 0);
     }
 
-    bool incomingInvoice(const QDate& d, qint32 dobavljač)
+    bool incomingInvoice(const QDate& d, qint32 supplier)
     {
         const int broj = ++m_n.kuf;
         const Money iznos = m_rng.amount(150, 3500);
@@ -149,7 +149,7 @@ private:
         v << std::pair { QStringLiteral("Vrsta"), QVariant(QStringLiteral("KUF")) }
           << std::pair { QStringLiteral("OrgJed"), QVariant(demo::OrgJed) }
           << std::pair { QStringLiteral("BrojKUFa"), QVariant(broj) }
-          << std::pair { QStringLiteral("SifKomit"), QVariant(dobavljač) }
+          << std::pair { QStringLiteral("SifKomit"), QVariant(supplier) }
           << std::pair { QStringLiteral("DatFakture"), QVariant(d) }
           << std::pair { QStringLiteral("IznosFakture"), cash(iznos) };
         return m_w.row(QStringLiteral("KUF"), v)
@@ -159,7 +159,7 @@ private:
 
     bool incoming(const QDate& d)
     {
-        if (d.dayOfYear() % 3 == 0 && !incomingInvoice(d, demo::DobavljačKompenzacija))
+        if (d.dayOfYear() % 3 == 0 && !incomingInvoice(d, demo::CompensationSupplier))
             return false;
         const QVector<qint32> ostali = demo::supplierCodes().mid(1);
         if (m_rng.chance(60) && !incomingInvoice(d, ostali[m_rng.between(0, int(ostali.size()) - 1)]))
@@ -194,7 +194,7 @@ private:
     Writer& m_w;
     int m_year;
     Rng m_rng;
-    Brojači m_n;
+    DocumentCounters m_n;
 };
 
 bool writeRights(Writer& w, const QStringList& operators)

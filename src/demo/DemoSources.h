@@ -21,7 +21,7 @@ namespace demo
 constexpr int OrgJed = 1;
 constexpr int OrgJedDruga = 2;
 // The supplier whose invoices are settled by compensation: every third day.
-constexpr int DobavljačKompenzacija = 201;
+constexpr int CompensationSupplier = 201;
 // The receiver of most internal dispatch notes (every fifth goes to 102).
 constexpr int Primatelj = 101;
 

@@ -36,7 +36,7 @@ QString vrijednost(const QString& v)
 
 } // namespace
 
-IzvorPodataka izvorDomaćina(const QString& hostConnectionString)
+IzvorPodataka hostSource(const QString& hostConnectionString)
 {
     const ConnectionTarget target = parseConnectionString(hostConnectionString);
     if (target.kind == ConnectionTarget::Kind::Sqlite)
@@ -47,7 +47,7 @@ IzvorPodataka izvorDomaćina(const QString& hostConnectionString)
 
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
 {
-    if (izvor.ugrađena())
+    if (izvor.embedded())
         return QStringLiteral("sqlite:") + izvor.baza.trimmed();
     return QStringLiteral("Provider=SQLOLEDB.1;Data Source=") + vrijednost(izvor.server.trimmed())
         + QStringLiteral(";Initial Catalog=") + vrijednost(izvor.baza.trimmed())

@@ -80,15 +80,16 @@ public:
             return;
         Table& t = m_tables[name];
         using namespace journal;
-        if (r.radnja == Radnja::Osnova) {
+        if (r.radnja == RecordKind::Osnova) {
             if (!t.baseline)
                 for (const QString& line : lines(r.poslije))
                     add(t, name, journal::parseRow(line));
             t.baseline = true;
-        } else if (r.radnja == Radnja::Unos || r.radnja == Radnja::Generiranje || r.radnja == Radnja::PocetnaStanja) {
+        } else if (r.radnja == RecordKind::Unos || r.radnja == RecordKind::Generiranje
+            || r.radnja == RecordKind::PocetnaStanja) {
             for (const QString& line : lines(r.poslije))
                 add(t, name, journal::parseRow(line));
-        } else if (r.radnja == Radnja::Izmjena) {
+        } else if (r.radnja == RecordKind::Izmjena) {
             Row* row = find(t, journal::parseRow(r.prije));
             const Values after = journal::parseRow(r.poslije);
             if (!row) {
@@ -99,21 +100,21 @@ public:
                 if (isReceivables(name))
                     aim(*row);
             }
-        } else if (r.radnja == Radnja::Brisanje || r.radnja == Radnja::BrisanjePrikazanih) {
+        } else if (r.radnja == RecordKind::Brisanje || r.radnja == RecordKind::BrisanjePrikazanih) {
             for (const QString& line : lines(r.prije))
                 if (Row* row = find(t, journal::parseRow(line)))
                     row->gone = true;
-        } else if (r.radnja == Radnja::Umetanje && r.rBroj) {
+        } else if (r.radnja == RecordKind::Umetanje && r.rBroj) {
             for (Row& row : t.rows)
                 if (!row.gone && number(row.v, kRBroj) >= *r.rBroj)
                     row.v[kRBroj] = QString::number(number(row.v, kRBroj) + 1);
             for (const QString& line : lines(r.poslije))
                 add(t, name, journal::parseRow(line));
-        } else if (r.radnja == Radnja::Renumeracija) {
+        } else if (r.radnja == RecordKind::Renumeracija) {
             const bool perPoint = isTradeBook(r.tip);
             remap(t, kRBroj, r.poslije,
                 [&](const Row& row) { return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd; });
-        } else if (r.radnja == Radnja::Veze) {
+        } else if (r.radnja == RecordKind::Veze) {
             remap(t, kLink, r.poslije, [](const Row&) { return true; });
         }
     }

@@ -145,7 +145,7 @@ bool writeBaseline(Database& db, const Scope& s, QString* error)
         *error = db.errorDescription();
         return false;
     }
-    return append(db, { s.tip, s.company, s.year, 0 }, { Radnja::Osnova, std::nullopt, {}, rowsText(rows) }, error);
+    return append(db, { s.tip, s.company, s.year, 0 }, { RecordKind::Osnova, std::nullopt, {}, rowsText(rows) }, error);
 }
 
 } // namespace
@@ -390,16 +390,16 @@ bool appendRowChange(Database& db, const Scope& s, const RowChange& change, QStr
     Change c;
     switch (change.kind) {
     case RowChange::Kind::Insert:
-        c.radnja = Radnja::Unos;
+        c.radnja = RecordKind::Unos;
         c.poslije = rowText(change.values);
         break;
     case RowChange::Kind::Update:
-        c.radnja = Radnja::Izmjena;
+        c.radnja = RecordKind::Izmjena;
         c.prije = rowText(change.original);
         c.poslije = rowText(merged(change.original, change.values));
         break;
     case RowChange::Kind::Delete:
-        c.radnja = Radnja::Brisanje;
+        c.radnja = RecordKind::Brisanje;
         c.prije = rowText(change.original);
         break;
     }

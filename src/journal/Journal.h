@@ -23,7 +23,7 @@ namespace knjige::journal
 {
 
 // The record kinds (the Radnja column).
-namespace Radnja
+namespace RecordKind
 {
 inline const QString Osnova = QStringLiteral("osnova"); // baseline: every row as it stood
 inline const QString Unos = QStringLiteral("unos");
@@ -37,7 +37,7 @@ inline const QString PocetnaStanja = QStringLiteral("početna stanja");
 inline const QString Generiranje = QStringLiteral("generiranje");
 inline const QString Zakljucavanje = QStringLiteral("zaključavanje");
 inline const QString Otkljucavanje = QStringLiteral("otključavanje");
-} // namespace Radnja
+} // namespace RecordKind
 
 // One book of one company and year; brojProd is the sales point of a trade book.
 struct Scope {

@@ -119,7 +119,7 @@ bool lock(Database& db, const journal::Scope& scope, const QDate& to, QString* e
             + QString::number(scope.company) + u',' + QString::number(scope.year) + u',' + QString::number(scope.tip)
             + u',' + date + u')')
         && journal::append(db, scope,
-            { journal::Radnja::Zakljucavanje, std::nullopt, {}, QStringLiteral("DO=") + to.toString(Qt::ISODate) },
+            { journal::RecordKind::Zakljucavanje, std::nullopt, {}, QStringLiteral("DO=") + to.toString(Qt::ISODate) },
             error);
     return finish(db, tx, ok, error);
 }
@@ -141,7 +141,7 @@ bool unlock(Database& db, const journal::Scope& scope, const QString& reason, QS
     const bool ok = tx.isActive()
         && db.execute(QStringLiteral("DELETE FROM dbo.KnjZakljucano") + scopeWhere(scope, true))
         && journal::append(db, scope,
-            { journal::Radnja::Otkljucavanje, std::nullopt,
+            { journal::RecordKind::Otkljucavanje, std::nullopt,
                 current.isValid() ? QStringLiteral("DO=") + current.toString(Qt::ISODate) : QString(),
                 QStringLiteral("RAZLOG=") + reason.trimmed() },
             error);

@@ -46,7 +46,7 @@ Parametri march(int vrsta, const QString& path)
     p.brojPoduzeca = 1;
     p.godina = 2016;
     p.orgJed = QStringLiteral("1");
-    p.dobavljač = QString::number(demo::DobavljačKompenzacija);
+    p.supplier = QString::number(demo::CompensationSupplier);
     p.prima = QString::number(demo::Primatelj);
     p.operater = QStringLiteral("ana");
     p.izvor = QStringLiteral("sqlite:") + path;
@@ -118,9 +118,9 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         ASSERT_GT(n, 1);
         const qint64 last = lastNumber();
         Parametri p = march(c.vrsta);
-        p.skladište = c.place;
+        p.shop = c.place;
         script->clear();
-        if (p.skladište.isEmpty() && imaSkladište(c.vrsta))
+        if (p.shop.isEmpty() && hasShop(c.vrsta))
             script->answers << Answer::Yes; // every shop the operator has a right to
         ASSERT_TRUE(provjeri(p));
         EXPECT_EQ(izvedi(p).zapisano, n);
@@ -155,7 +155,7 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     std::vector<journal::Record> chain;
     ASSERT_TRUE(journal::readChain(t.db(), 1, 2016, chain));
     EXPECT_EQ(std::count_if(chain.begin(), chain.end(),
-                  [](const journal::Record& r) { return r.radnja == journal::Radnja::Generiranje; }),
+                  [](const journal::Record& r) { return r.radnja == journal::RecordKind::Generiranje; }),
         7);
     const auto findings = [this](const QString& text) {
         return bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
@@ -309,7 +309,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     Parametri base;
     base.od = base.doDatuma = QDate(2016, 5, 1);
     base.orgJed = QStringLiteral("1");
-    base.dobavljač = base.prima = base.skladište = QStringLiteral("501");
+    base.supplier = base.prima = base.shop = QStringLiteral("501");
     const struct {
         int vrsta;
         std::function<void(Parametri&)> change;
@@ -318,13 +318,12 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
         { DgpRacuni, [](Parametri& p) { p.od = p.doDatuma.addDays(1), p.orgJed.clear(); },
             "Prvi datum veći od drugog!" },
         { UplateIzlaznih, [](Parametri& p) { p.orgJed = QStringLiteral("1a"); }, "Org.jedinica nije dobro upisana!" },
-        { UlazniRacuni, [](Parametri& p) { p.dobavljač = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
-        { UplateUlaznih, [](Parametri& p) { p.dobavljač = QStringLiteral("1 OR 1=1"); },
+        { UlazniRacuni, [](Parametri& p) { p.supplier = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
+        { UplateUlaznih, [](Parametri& p) { p.supplier = QStringLiteral("1 OR 1=1"); },
             "Dobavljač nije dobro upisan!" },
-        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.skladište.clear(); },
-            "Tko prima ili kupac nije upisan!" },
+        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.shop.clear(); }, "Tko prima ili kupac nije upisan!" },
         { PosPovrat, [](Parametri& p) { p.orgJed = QStringLiteral("x"); }, {} },
-        { PosOtpremnice, [](Parametri& p) { p.skladište = QStringLiteral("5;"); },
+        { PosOtpremnice, [](Parametri& p) { p.shop = QStringLiteral("5;"); },
             "Skladište/Maloprodaja nije dobro upisano!" },
     };
     for (const auto& c : cases) {
@@ -337,7 +336,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     }
     // An empty place asks first; No stops.
     base.vrsta = PosOtpremnice;
-    base.skladište.clear();
+    base.shop.clear();
     script->clear();
     script->answers << Answer::No;
     EXPECT_FALSE(provjeri(base));
@@ -376,7 +375,7 @@ TEST(GenerationTexts, StatementsQuestionsAndRights)
 
 TEST(GenerationTexts, SourceConnection)
 {
-    const IzvorPodataka host = izvorDomaćina(
+    const IzvorPodataka host = hostSource(
         QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
     EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));
     EXPECT_EQ(host.baza, QStringLiteral("Firma"));
@@ -386,7 +385,7 @@ TEST(GenerationTexts, SourceConnection)
     const QString odd = QStringLiteral("a;b\"c' ");
     EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
     EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
-    EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
+    EXPECT_EQ(hostSource(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
 }
 
 // Each kind's source statement on hand-made source rows: texts built with + and casts
@@ -416,7 +415,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
     const std::string columns = "integer,integer,date,text,text,currency";
     const struct {
         int vrsta;
-        const char *orgJed, *dobavljač;
+        const char *orgJed, *supplier;
         std::string types;
         std::vector<std::string> rows;
     } cases[] = {
@@ -433,7 +432,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
     for (const auto& c : cases) {
         Parametri p = march(c.vrsta, t.path());
         p.orgJed = QString::fromLatin1(c.orgJed);
-        p.dobavljač = QString::fromLatin1(c.dobavljač);
+        p.supplier = QString::fromLatin1(c.supplier);
         p.prima = QStringLiteral("900");
         const ResultSet rs = t.query(izvorniUpit(p));
         std::vector<std::string> rows;

@@ -314,9 +314,9 @@ TEST_F(BrowserTest, TheCheckShowsItsReportAndAClosedPeriodRefusesTheEditor)
         return int(QDialog::Accepted);
     };
     session().NivoPristupa = QStringLiteral("1");
-    w->ZaključajRazdoblje();
+    w->lockPeriod();
     session().NivoPristupa = QStringLiteral("0");
-    w->ZaključajRazdoblje();
+    w->lockPeriod();
     EXPECT_EQ(script->texts(),
         (QStringList { "Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0.",
             "Knjiga je zaključana do 31.01.2016." }));

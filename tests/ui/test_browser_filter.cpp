@@ -162,7 +162,7 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
     answer([](RecordEditor&) { return false; });
     EXPECT_EQ(
         open(126)->rsStavke().rowCount() + open(125)->findChild<QTreeWidget*>("lvStanje")->topLevelItemCount(), 0);
-    answer([](RecordEditor& e) { return e.setSkladište(demo::Maloprodaja2), true; });
+    answer([](RecordEditor& e) { return e.setShop(demo::Maloprodaja2), true; });
     for (int kind : { 125, 126, 125 }) {
         const int before = filters;
         auto w = open(kind);
@@ -205,7 +205,7 @@ TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
         RowChange::Values more = { { column, "O'Brien d.o.o." }, { "SifKomit", partner } };
         add(kind, 9000 + kind, kind == 97 || kind == 102 ? more : more.mid(0, 1));
         answer([&](RecordEditor& e) {
-            e.setSkladište(demo::Maloprodaja1);
+            e.setShop(demo::Maloprodaja1);
             return set(e, control + "=O'B"), true;
         });
         auto w = open(kind);

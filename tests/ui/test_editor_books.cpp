@@ -209,7 +209,7 @@ TEST_F(BookEditors, ServicesNumberPerShopAndRefuseAZeroAmount)
 {
     for (int shop : { 1, 2, 1 }) {
         auto e = editor<frmKnjUsluga>(125, 1);
-        e->setSkladište(shop);
+        e->setShop(shop);
         run(*e, [&] {
             save(*e,
                 { { "dpDatum=2016-08-01;txtOpis=Usluga", "Iznos mora biti različit od nule !", "ubIznos" },
@@ -233,7 +233,7 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     EXPECT_FALSE(e->IzišaoSaPrekidom());
 
     auto c = editor<frmKnjKomisiona>(126, 2, 1);
-    c->setSkladište(2);
+    c->setShop(2);
     EXPECT_EQ(c->readSql(),
         "SELECT * FROM dbo.TrgKnjKomisiona WHERE BROJPODUZECA=1 AND GODINAKNJ=2016AND BrojProd=2 AND RBroj=1");
     script->clear();

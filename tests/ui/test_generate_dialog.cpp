@@ -58,7 +58,7 @@ protected:
         d.dpDatum->setDate(QDate(2016, 3, 1));
         d.dpDatum1->setDate(QDate(2016, 3, 31));
         d.txtOrgJed->setText(QString::number(demo::OrgJed));
-        d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
+        d.txtKomit->setText(QString::number(demo::CompensationSupplier));
         d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
         d.txtPrima->setText(QString::number(demo::Primatelj));
         for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })
@@ -138,7 +138,7 @@ TEST_F(GenerateDialog, AServerSourceAsksForThePasswordAndNeverStoresItInTheSetti
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!") });
     EXPECT_EQ(d.result(), QDialog::Rejected);
     EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), "KUFSQLServera"), "SRV\\POS");
-    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::ključLozinke()), QString());
+    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::passwordKey()), QString());
     // A start after the end is refused before the password or any database is asked for.
     script->clear();
     d.dpDatum->setDate(QDate(2016, 4, 1));

@@ -53,7 +53,7 @@ void frmSifarnikKnj::NoviZapis()
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
     if (isTradeBook(m_query.bookKind))
-        e->setSkladište(BrojProd());
+        e->setShop(BrojProd());
     e->dpDatum->setDate(editors::newEntryDate(clock::today(), session().RadnaGodina));
     pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
@@ -80,7 +80,7 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     // A trade-book entry is read within its own shop.
     const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
     if (isTradeBook(m_query.bookKind) && shopField >= 0)
-        e->setSkladište(qint32(rsStavke().integer(row, shopField)));
+        e->setShop(qint32(rsStavke().integer(row, shopField)));
     pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom())
@@ -134,7 +134,8 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
         if (read)
             locked = periodlock::refuseRows(
                 db, scope, gone, nullptr, QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
-        const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone), {} };
+        const journal::Change record { journal::RecordKind::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone),
+            {} };
         if (locked.isEmpty() && error.isEmpty()
             && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
             && error.isEmpty())

@@ -140,7 +140,7 @@ void frmSifarnikKnj::PostaviFilter()
     pripremiEditor(*e, m_query.bookKind);
     // A trade book filtered again offers the sales point it already shows.
     if (isTradeBook(m_query.bookKind) && BrojProd() != 0)
-        e->setSkladište(BrojProd());
+        e->setShop(BrojProd());
     if (UnosFiltera)
         e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);

@@ -121,7 +121,7 @@ void frmSifarnikKnj::OsvjeziZapise()
     // The number is a one-time request of the operation that changed data; a later
     // refresh keeps whatever row the operator has moved to since.
     m_query.returnTo = 0;
-    postaviŠirineKolona();
+    setColumnWidths();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);
     osvjeziPanel(*m_lvStanje, m_query, panel.get());
@@ -132,7 +132,7 @@ void frmSifarnikKnj::OsvjeziZapise()
 // Name columns take "VelNazivaSifri"; the others fit their contents (a kind's name
 // included) up to a cap against runaway texts, and the empty marker column I, always
 // the last, takes no room.
-void frmSifarnikKnj::postaviŠirineKolona()
+void frmSifarnikKnj::setColumnWidths()
 {
     if (m_sirinePostavljene || m_model->columnCount() == 0)
         return;

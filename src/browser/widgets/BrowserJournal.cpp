@@ -26,7 +26,7 @@ void frmSifarnikKnj::ProvjeraKnjige()
     viewer.Prikaži(QStringLiteral("Provjera knjige"), report.text, false, {});
 }
 
-void frmSifarnikKnj::ZaključajRazdoblje()
+void frmSifarnikKnj::lockPeriod()
 {
     const Session& s = session();
     if (s.NivoPristupa != periodlock::kLevel) {

@@ -44,7 +44,7 @@ void frmSifarnikKnj::ReNumeracijaPoDatumu()
         OsvjeziZapise();
 }
 
-void frmSifarnikKnj::PočetnoStanje()
+void frmSifarnikKnj::generateOpeningState()
 {
     if (!isAssetList(m_query.bookKind))
         return;

@@ -10,7 +10,7 @@
 namespace knjige
 {
 
-void frmSifarnikKnj::nijeJošDostupno(const QString& what)
+void frmSifarnikKnj::notYetAvailable(const QString& what)
 {
     inform(what + QStringLiteral(": ova mogućnost još nije dostupna u ovoj izvedbi programa."), windowTitle(),
         Icon::Information);

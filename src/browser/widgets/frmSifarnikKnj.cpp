@@ -201,14 +201,14 @@ bool frmSifarnikKnj::ProvjeraPristupa()
         return false;
     for (int group = OperatorRights::Novi; group <= OperatorRights::Izvoz; ++group)
         if (!rights.hasRight(m_query.bookKind, OperatorRights::Group(group)))
-            onemogućiGrupu(group);
+            disableGroup(group);
     return true;
 }
 
 // The five optional groups a denied right withholds: new, change, delete, print and
 // export. Each takes its command, the toolbar button that forwards to it, and the
 // menu entries of the same nature.
-void frmSifarnikKnj::onemogućiGrupu(int group)
+void frmSifarnikKnj::disableGroup(int group)
 {
     auto off = [this](const char* name) { menuItem(QString::fromLatin1(name))->setEnabled(false); };
     switch (group) {

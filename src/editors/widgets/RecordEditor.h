@@ -77,7 +77,7 @@ public:
     // entry" copy); the ordinal number is left to the caller.
     virtual void PreuzmiStavku(const ResultSet& rs, int row) = 0;
     // The shop of the trade books; other editors have none and ignore it.
-    virtual void setSkladište(qint32) { }
+    virtual void setShop(qint32) { }
 
     // The controls every editor has.
     MoneyBox* ubRBroj = nullptr;

@@ -206,7 +206,7 @@ void frmKnjPRashFBiHPregled::afterWrite()
         return;
     // The links that followed the entry are part of its change.
     QString error;
-    const journal::Change links { journal::Radnja::Veze, std::nullopt, {},
+    const journal::Change links { journal::RecordKind::Veze, std::nullopt, {},
         journal::valueChanges({ { sRedniBroj, novi } }) };
     if (!journal::append(db, { Knjiga::EvidPotObvFBiH, s.BrojPoduzeca, s.RadnaGodina, 0 }, links, &error))
         m_writeError = failureText(error);

@@ -28,21 +28,21 @@ void TrgKnjigaEditor::addHeadRows()
     cmdPrSkladište = new QPushButton(QStringLiteral("..."), this);
     cmdPrSkladište->setObjectName(QStringLiteral("cmdPrSkladište"));
     cmdPrSkladište->setFixedWidth(32);
-    lblSkladište = new QLabel(this);
-    lblSkladište->setObjectName(QStringLiteral("lblSkladište"));
-    lblSkladište->setMinimumWidth(220);
+    lblShop = new QLabel(this);
+    lblShop->setObjectName(QStringLiteral("lblSkladište"));
+    lblShop->setMinimumWidth(220);
     auto* shop = new QWidget(this);
     auto* line = new QHBoxLayout(shop);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(cmdPrSkladište);
-    line->addWidget(lblSkladište, 1);
+    line->addWidget(lblShop, 1);
     addRow(QStringLiteral("Prodavnica:"), txtSkladište, shop);
     addLookupButton(cmdPrSkladište);
     addNumberRow();
     addDateRow();
     txtOpis = addTextRow(QStringLiteral("Opis:"), QStringLiteral("txtOpis"), QStringLiteral("Opis"), 320);
     txtSkladište->installEventFilter(this);
-    connect(cmdPrSkladište, &QPushButton::clicked, this, &TrgKnjigaEditor::izaberiSkladište);
+    connect(cmdPrSkladište, &QPushButton::clicked, this, &TrgKnjigaEditor::chooseShop);
 }
 
 qint32 TrgKnjigaEditor::shopCode() const
@@ -52,31 +52,31 @@ qint32 TrgKnjigaEditor::shopCode() const
 
 Partner TrgKnjigaEditor::cSkladište() const
 {
-    return shopCode() == m_skladište.SifKomit ? m_skladište : Partner { shopCode(), QString() };
+    return shopCode() == m_shop.SifKomit ? m_shop : Partner { shopCode(), QString() };
 }
 
-void TrgKnjigaEditor::setSkladište(qint32 shop)
+void TrgKnjigaEditor::setShop(qint32 shop)
 {
     txtSkladište->setText(shop == 0 ? QString() : QString::number(shop));
-    nadjiSkladište();
+    lookUpShop();
 }
 
-void TrgKnjigaEditor::nadjiSkladište()
+void TrgKnjigaEditor::lookUpShop()
 {
     const qint32 code = shopCode();
-    if (code == m_skladište.SifKomit && !lblSkladište->text().isEmpty())
+    if (code == m_shop.SifKomit && !lblShop->text().isEmpty())
         return;
-    m_skladište = code == 0 ? Partner {} : hostServices().shops->find(code).value_or(Partner { code, QString() });
-    lblSkladište->setText(m_skladište.ImeKomit1.isEmpty() ? QString() : QStringLiteral(" ") + m_skladište.ImeKomit1);
+    m_shop = code == 0 ? Partner {} : hostServices().shops->find(code).value_or(Partner { code, QString() });
+    lblShop->setText(m_shop.ImeKomit1.isEmpty() ? QString() : QStringLiteral(" ") + m_shop.ImeKomit1);
     predloziBroj();
 }
 
-void TrgKnjigaEditor::izaberiSkladište()
+void TrgKnjigaEditor::chooseShop()
 {
     if (const std::optional<Partner> chosen = hostServices().shops->choose()) {
-        m_skladište = *chosen;
+        m_shop = *chosen;
         txtSkladište->setText(QString::number(chosen->SifKomit));
-        lblSkladište->setText(QStringLiteral(" ") + chosen->ImeKomit1);
+        lblShop->setText(QStringLiteral(" ") + chosen->ImeKomit1);
         predloziBroj();
     }
     txtSkladište->setFocus();
@@ -91,7 +91,7 @@ void TrgKnjigaEditor::predloziBroj()
 
 void TrgKnjigaEditor::prepare()
 {
-    nadjiSkladište();
+    lookUpShop();
     predloziBroj();
 }
 
@@ -99,14 +99,14 @@ bool TrgKnjigaEditor::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == txtSkladište) {
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F2) {
-            izaberiSkladište();
+            chooseShop();
             return true;
         }
         if (event->type() == QEvent::FocusOut) {
             const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
             if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason
-                && shopCode() != m_skladište.SifKomit)
-                nadjiSkladište();
+                && shopCode() != m_shop.SifKomit)
+                lookUpShop();
         }
     }
     return RecordEditor::eventFilter(watched, event);
@@ -120,7 +120,7 @@ QString TrgKnjigaEditor::readStatement() const
 
 void TrgKnjigaEditor::fillHead(const ResultSet& rs)
 {
-    setSkladište(qint32(integerOf(rs, QStringLiteral("BrojProd"))));
+    setShop(qint32(integerOf(rs, QStringLiteral("BrojProd"))));
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
     txtOpis->setText(textOf(rs, QStringLiteral("Opis")));
@@ -129,9 +129,9 @@ void TrgKnjigaEditor::fillHead(const ResultSet& rs)
 void TrgKnjigaEditor::copyHead(const ResultSet& rs, int row)
 {
     const qint32 shop = cell(rs, row, QStringLiteral("BrojProd")).toInt();
-    m_skladište = { shop, cell(rs, row, QStringLiteral("ImeProd")).toString() };
+    m_shop = { shop, cell(rs, row, QStringLiteral("ImeProd")).toString() };
     txtSkladište->setText(QString::number(shop));
-    lblSkladište->setText(QStringLiteral(" ") + m_skladište.ImeKomit1);
+    lblShop->setText(QStringLiteral(" ") + m_shop.ImeKomit1);
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     txtOpis->setText(cell(rs, row, QStringLiteral("Opis")).toString());
 }

@@ -13,13 +13,13 @@ class TrgKnjigaEditor : public RecordEditor
 {
     Q_OBJECT
 public:
-    void setSkladište(qint32 shop) override;
+    void setShop(qint32 shop) override;
     // The shop as chosen or looked up: code 0 and no name when there is none.
     Partner cSkladište() const;
 
     QLineEdit* txtSkladište = nullptr;
     QPushButton* cmdPrSkladište = nullptr;
-    QLabel* lblSkladište = nullptr;
+    QLabel* lblShop = nullptr;
     QLineEdit* txtOpis = nullptr;
 
 protected:
@@ -38,12 +38,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void izaberiSkladište();
-    void nadjiSkladište();
+    void chooseShop();
+    void lookUpShop();
     void predloziBroj();
     qint32 shopCode() const;
 
-    Partner m_skladište;
+    Partner m_shop;
 };
 
 // The trade book of services (125).

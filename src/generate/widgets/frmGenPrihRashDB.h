@@ -56,10 +56,10 @@ public:
 private:
     void napraviKontrole();
     void OKButton_Click();
-    void prikažiIzvor();
+    void showSource();
     void izaberiDatoteku();
-    void izaberi(bool dobavljač);
-    void prikažiNaziv(QLineEdit* polje, QLabel* naziv, bool partner);
+    void izaberi(bool supplier);
+    void showName(QLineEdit* polje, QLabel* naziv, bool partner);
     gen::IzvorPodataka izvor() const;
     // The password for the source; nothing when one is needed and none is known
     // (the person is told).
@@ -74,13 +74,13 @@ private:
     QLabel* m_lblLozinka = nullptr;
     QPushButton* m_cmdBaza = nullptr;
     QList<QWidget*> m_orgJed;
-    QList<QWidget*> m_dobavljač;
-    QList<QWidget*> m_skladište;
+    QList<QWidget*> m_supplier;
+    QList<QWidget*> m_shop;
     QLabel* m_lblKomit = nullptr;
-    QLabel* m_lblSkladište = nullptr;
+    QLabel* m_lblShop = nullptr;
     QLabel* m_lblPrima = nullptr;
     QLabel* m_nazivKomit = nullptr;
-    QLabel* m_nazivSkladište = nullptr;
+    QLabel* m_shopName = nullptr;
     QLabel* m_nazivPrima = nullptr;
 };
 
