@@ -1,6 +1,6 @@
 #include "books/BookKind.h"
 
-namespace knjige
+namespace knjige::books
 {
 namespace
 {
@@ -212,4 +212,4 @@ QString entryKindText(int bookCode, int entryKind)
     return {};
 }
 
-} // namespace knjige
+} // namespace knjige::books

@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-namespace knjige
+namespace knjige::browser
 {
 
 class TextSortKeys;
@@ -26,7 +26,7 @@ QVector<TotalsColumn> totalsColumns(int bookKind);
 
 // Display form of a field type: "#,##0.00" for amounts, "#,##0" for whole numbers and
 // "dd.MM.yy" for dates, with the group separator and decimal mark of `locale`.
-QString formatValue(const ResultSet& rs, int row, int column, const QLocale& locale);
+QString formatValue(const db::ResultSet& rs, int row, int column, const QLocale& locale);
 QString formatMoney(Money value, const QLocale& locale);
 QString formatWhole(qint64 value, const QLocale& locale);
 
@@ -68,8 +68,8 @@ public:
 
     // Takes the rows of a fresh query: applies the sort expression in force and
     // recomputes the totals.
-    void setResultSet(ResultSet rows);
-    const ResultSet& resultSet() const { return m_rows; }
+    void setResultSet(db::ResultSet rows);
+    const db::ResultSet& resultSet() const { return m_rows; }
     int entryCount() const { return m_rows.rowCount(); }
 
     bool hasTotalsRows() const { return m_totalsShown; }
@@ -119,7 +119,7 @@ private:
 
     int m_bookKind = 0;
     QLocale m_locale;
-    ResultSet m_rows;
+    db::ResultSet m_rows;
     std::vector<int> m_loadOrder; // position of each row in the query's own order
     // The sort keys of each text column sorted since the load, by position in the
     // query's order: a second click or a refresh's re-sort does not make them again.
@@ -131,4 +131,4 @@ private:
     bool m_totalsShown = false;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

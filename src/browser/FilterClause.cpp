@@ -197,7 +197,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
 
 bool isFilterable(int bookKind)
 {
-    return findBook(bookKind) != nullptr;
+    return books::findBook(bookKind) != nullptr;
 }
 
 FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale)
@@ -225,7 +225,7 @@ FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint1
     in.chkPoDatumima = true;
     in.dpDatum = from;
     in.dpDatumDo = to;
-    if (isTradeBook(bookKind)) {
+    if (books::isTradeBook(bookKind)) {
         in.prodavnica = salesPoint;
         in.imeProdavnice = salesPointName;
     }

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace knjige::openingstate
+namespace knjige::browser::openingstate
 {
 namespace
 {
@@ -29,15 +29,15 @@ qint32 highestNumberIn(int tip, qint16 year)
 // journal record of the change.
 bool run(const QString& sql, const journal::Scope& next, QString* error)
 {
-    Database& db = session().db();
-    *error = periodlock::refuseDates(
+    db::Database& db = session().db();
+    *error = journal::periodlock::refuseDates(
         db, next, { QDate(next.year, 1, 1) }, QStringLiteral("Početna stanja bila bi datirana %1."));
     if (!error->isEmpty())
         return false;
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     const QString newYear = QStringLiteral("SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
         + QString::number(next.year) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(next.company);
-    ResultSet before, after;
+    db::ResultSet before, after;
     if (!tx.isActive() || !journal::ensureBaseline(db, next, error) || !db.open(newYear, before) || !db.execute(sql)
         || !db.open(newYear, after)) {
         if (error->isEmpty())
@@ -105,4 +105,4 @@ Generated generate(int tip)
         { QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information } };
 }
 
-} // namespace knjige::openingstate
+} // namespace knjige::browser::openingstate

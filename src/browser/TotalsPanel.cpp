@@ -155,7 +155,7 @@ QString totalsPanelFailure()
     return failureText(QStringLiteral("u čitanju podataka o prethodnom periodu!"));
 }
 
-TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs)
+TotalsPanelRows totalsPanelRows(int bookKind, const db::ResultSet& rs)
 {
     TotalsPanelRows out;
     out.headers = totalsPanelHeaders(bookKind);
@@ -181,7 +181,7 @@ TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs)
     std::stable_sort(out.rows.begin(), out.rows.end(), [](const PanelRow& a, const PanelRow& b) {
         return a.label.startsWith(kPrometDo) && !b.label.startsWith(kPrometDo);
     });
-    if (isIncomeExpense(bookKind)) {
+    if (books::isIncomeExpense(bookKind)) {
         total.label = QStringLiteral("Ukupno:");
     } else {
         total.label = QStringLiteral("UKUPNO:");

@@ -13,7 +13,7 @@ static void initSourcesResource()
     Q_INIT_RESOURCE(sources);
 }
 
-namespace knjige
+namespace knjige::demo
 {
 namespace
 {
@@ -28,14 +28,14 @@ QVariant cash(Money m)
 class Writer
 {
 public:
-    explicit Writer(Database& db)
+    explicit Writer(db::Database& db)
         : m_db(db)
     {
     }
 
-    bool row(const QString& table, const RowChange::Values& values)
+    bool row(const QString& table, const db::RowChange::Values& values)
     {
-        if (m_db.writeRow({ RowChange::Kind::Insert, table, values, {} }))
+        if (m_db.writeRow({ db::RowChange::Kind::Insert, table, values, {} }))
             return true;
         m_error = table + QStringLiteral(": ") + m_db.errorDescription();
         return false;
@@ -43,7 +43,7 @@ public:
     QString error() const { return m_error; }
 
 private:
-    Database& m_db;
+    db::Database& m_db;
     QString m_error;
 };
 
@@ -77,14 +77,14 @@ public:
     bool day(const QDate& d) { return takings(d) && wholesale(d) && incoming(d) && dispatch(d); }
 
 private:
-    RowChange::Values head() const
+    db::RowChange::Values head() const
     {
         return { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { QStringLiteral("GodinaKnj"), m_year } };
     }
 
     bool invoice(const QDate& d, const QString& vrsta, int orgJed, int broj, QVariant kupac, Money iznos)
     {
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("Vrsta"), QVariant(vrsta) }
           << std::pair { QStringLiteral("OrgJed"), QVariant(orgJed) }
           << std::pair { QStringLiteral("BrojIfakt"), QVariant(broj) }
@@ -109,10 +109,11 @@ private:
             if (datum.year() != m_year)
                 continue;
             const QString dokument = paymentDocument(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
-            const RowChange::Values v = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
-                { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
-                { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
-                { QStringLiteral("BrojDokumenta"), dokument }, { QStringLiteral("Iznos"), cash(dio) } };
+            const db::RowChange::Values v
+                = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
+                      { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
+                      { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
+                      { QStringLiteral("BrojDokumenta"), dokument }, { QStringLiteral("Iznos"), cash(dio) } };
             if (!m_w.row(table, v))
                 return false;
         }
@@ -145,7 +146,7 @@ private:
     {
         const int broj = ++m_n.kuf;
         const Money iznos = m_rng.amount(150, 3500);
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("Vrsta"), QVariant(QStringLiteral("KUF")) }
           << std::pair { QStringLiteral("OrgJed"), QVariant(demo::OrgJed) }
           << std::pair { QStringLiteral("BrojKUFa"), QVariant(broj) }
@@ -173,7 +174,7 @@ private:
         const int broj = mat ? ++m_n.mat : ++m_n.pos;
         const qint32 mjesto = (d.dayOfYear() / 2) % 2 ? demo::Maloprodaja2 : demo::Maloprodaja1;
         const qint32 prima = broj % 5 == 0 ? 102 : demo::Primatelj;
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("BrojSklad"), QVariant(mjesto) };
         if (mat) {
             const Money iznos = m_rng.amount(100, 900);
@@ -225,17 +226,17 @@ QStringList sourceStatements()
     QFile file(QStringLiteral(":/knjige/sql/sources.sql"));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return scriptStatements(QString::fromUtf8(file.readAll()));
+    return books::scriptStatements(QString::fromUtf8(file.readAll()));
 }
 
-bool createSourceTables(Database& db, QString* error)
+bool createSourceTables(db::Database& db, QString* error)
 {
-    return runScript(db, sourceStatements(), error);
+    return books::runScript(db, sourceStatements(), error);
 }
 
-bool fillDemoSources(Database& db, int year, const QStringList& operators, QString* error)
+bool fillDemoSources(db::Database& db, int year, const QStringList& operators, QString* error)
 {
-    TransactionGuard transaction(db);
+    db::TransactionGuard transaction(db);
     Writer w(db);
     SourceDays days(w, year);
     bool ok = transaction.isActive() && writeRights(w, operators);
@@ -248,4 +249,4 @@ bool fillDemoSources(Database& db, int year, const QStringList& operators, QStri
     return false;
 }
 
-} // namespace knjige
+} // namespace knjige::demo

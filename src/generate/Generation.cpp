@@ -14,7 +14,7 @@
 #include <limits>
 #include <optional>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 namespace
 {
@@ -326,9 +326,9 @@ bool pitaj(const QString& text)
 }
 
 // The book's last number for the company and year; nothing when it cannot be read.
-std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
+std::optional<qint64> zadnjiBroj(db::Database& db, const Parametri& p)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(zadnjiBrojUpit(p.brojPoduzeca, p.godina), rs))
         return std::nullopt;
     const int c = rs.indexOf(QStringLiteral("Broj"));
@@ -337,7 +337,7 @@ std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
     return rs.integer(0, c);
 }
 
-QVariant tekst(const ResultSet& rs, int row, int column)
+QVariant tekst(const db::ResultSet& rs, int row, int column)
 {
     return column < 0 || rs.isNull(row, column) ? QVariant() : QVariant(rs.text(row, column));
 }
@@ -347,7 +347,7 @@ enum Stupac { StCompany, StGodina, StRBroj, StDatum, StIsprava, StOpis, StVrsta,
 
 // One book entry from one source row, in the order the book's columns are written;
 // its number is given when it is written.
-RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
+db::RowChange::Values stavka(const Parametri& p, const db::ResultSet& rs, int row)
 {
     const int cDatum = 2; // DatumIfakt, Datum or DatFakture: the third column of every statement
     const int cIsprava = rs.indexOf(QStringLiteral("Isprava"));
@@ -358,7 +358,7 @@ RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
 
     QVariant opis = tekst(rs, row, cOpis);
     if (p.vrsta == UplateUlaznih) {
-        const int width = textColumnWidth(kKnjiga, QStringLiteral("Opis"));
+        const int width = books::textColumnWidth(kKnjiga, QStringLiteral("Opis"));
         const QString s = opis.toString() + QStringLiteral(" Upl.") + dokument;
         opis = width > 0 ? s.left(width) : s;
     }
@@ -387,7 +387,7 @@ QString otisak(
         .join(QChar(0x1f));
 }
 
-QString otisak(const RowChange::Values& v)
+QString otisak(const db::RowChange::Values& v)
 {
     return otisak(v[StGodina].second, v[StDatum].second, v[StIsprava].second, v[StOpis].second, v[StIznos].second);
 }
@@ -395,11 +395,12 @@ QString otisak(const RowChange::Values& v)
 // For each entry, whether the book already holds it from an earlier run. Each book
 // row stands for one entry only, so of two equal source rows with one written before
 // only one counts as held. Nothing when the book cannot be read.
-std::optional<QVector<bool>> alreadyInBook(Database& db, const Parametri& p, const QVector<RowChange::Values>& entries)
+std::optional<QVector<bool>> alreadyInBook(
+    db::Database& db, const Parametri& p, const QVector<db::RowChange::Values>& entries)
 {
     QVector<bool> upisane(entries.size(), false);
     QDate prvi, zadnji;
-    for (const RowChange::Values& v : entries) {
+    for (const db::RowChange::Values& v : entries) {
         const QDate d = v[StDatum].second.toDate();
         if (d.isValid() && (!prvi.isValid() || d < prvi))
             prvi = d;
@@ -408,7 +409,7 @@ std::optional<QVector<bool>> alreadyInBook(Database& db, const Parametri& p, con
     }
     if (!prvi.isValid())
         return upisane;
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(QStringLiteral("SELECT GodinaKnj,Datum,Isprava,Opis,Iznos FROM dbo.KnjPrihRashDB WHERE BrojPoduzeca=")
                 + QString::number(p.brojPoduzeca) + QStringLiteral(" AND Datum>='") + datum(prvi)
                 + QStringLiteral("' AND Datum<'") + datum(zadnji.addDays(1)) + QStringLiteral("'"),
@@ -429,9 +430,9 @@ std::optional<QVector<bool>> alreadyInBook(Database& db, const Parametri& p, con
     return upisane;
 }
 
-void izostavi(QVector<RowChange::Values>& entries, const QVector<bool>& koje)
+void izostavi(QVector<db::RowChange::Values>& entries, const QVector<bool>& koje)
 {
-    QVector<RowChange::Values> ostale;
+    QVector<db::RowChange::Values> ostale;
     for (int i = 0; i < entries.size(); ++i)
         if (!koje[i])
             ostale << entries[i];
@@ -448,7 +449,7 @@ Notice upozorenje(const QString& tekst)
 // the working year. Both are asked about before anything is written; the entries
 // left out take no number. False, with the failure in `poruka`, when the book cannot
 // be read.
-bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& entries, Notice* poruka)
+bool izaberi(db::Database& db, const Parametri& p, QVector<db::RowChange::Values>& entries, Notice* poruka)
 {
     const std::optional<QVector<bool>> upisane = alreadyInBook(db, p, entries);
     if (!upisane) {
@@ -469,7 +470,7 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& entri
     QVector<bool> drugaGodina(entries.size(), false);
     QStringList navedeni;
     for (int i = 0; i < entries.size(); ++i) {
-        const RowChange::Values& v = entries[i];
+        const db::RowChange::Values& v = entries[i];
         if (v[StGodina].second.isValid() && v[StGodina].second.toInt() == p.godina)
             continue;
         drugaGodina[i] = true;
@@ -494,9 +495,10 @@ bool izaberi(Database& db, const Parametri& p, QVector<RowChange::Values>& entri
 // Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
 // speed, but a failure keeps those written before it, as a run without a transaction
 // would. A failure or refusal is left in `poruka`.
-int writeEntries(Database& db, const Parametri& p, QVector<RowChange::Values>& entries, qint64 zadnji, Notice* poruka)
+int writeEntries(
+    db::Database& db, const Parametri& p, QVector<db::RowChange::Values>& entries, qint64 zadnji, Notice* poruka)
 {
-    ResultSet prazan;
+    db::ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
         *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
@@ -505,15 +507,15 @@ int writeEntries(Database& db, const Parametri& p, QVector<RowChange::Values>& e
     // with them, in the same transaction.
     const journal::Scope knjigaDB { Knjiga::PrihRashDB, p.brojPoduzeca, p.godina, 0 };
     QList<QDate> datumi;
-    for (const RowChange::Values& v : entries)
+    for (const db::RowChange::Values& v : entries)
         datumi << v[StDatum].second.toDate();
-    const QString lockRefusal = periodlock::refuseDates(
+    const QString lockRefusal = journal::periodlock::refuseDates(
         db, knjigaDB, datumi, QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
     if (!lockRefusal.isEmpty()) {
         *poruka = upozorenje(lockRefusal);
         return 0;
     }
-    TransactionGuard transakcija(db);
+    db::TransactionGuard transakcija(db);
     QString journalText, journalError;
     const auto writeJournal = [&] {
         return journalText.isEmpty()
@@ -529,12 +531,12 @@ int writeEntries(Database& db, const Parametri& p, QVector<RowChange::Values>& e
     auto progress = interaction().startProgress(
         { QStringLiteral("Generiranje"), QStringLiteral("Generiranje: %1 od %2 zapisa"), entries.size(), false });
     int zapisano = 0;
-    for (RowChange::Values& v : entries) {
+    for (db::RowChange::Values& v : entries) {
         const qint64 rBroj = zadnji + zapisano + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
         if (stane)
             v[StRBroj].second = int(rBroj);
-        const bool upisan = stane && db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} });
+        const bool upisan = stane && db.writeRow({ db::RowChange::Kind::Insert, kKnjiga, v, {} });
         if (upisan)
             journalText += journal::rowText(v) + u'\n';
         else {
@@ -564,17 +566,17 @@ Rezultat generiraj(const Parametri& p)
     if (!valjanaVrsta(p.vrsta) || !pitaj(pitanjePotvrde(p)))
         return rezultat;
     const OpisVrste& opis = opisVrste(p.vrsta);
-    Database& knjiga = session().db();
+    db::Database& knjiga = session().db();
     const std::optional<qint64> zadnji = zadnjiBroj(knjiga, p);
     if (!zadnji) {
         rezultat.poruka = upozorenje(QStringLiteral("Greška u čitanju zadnjeg rednog broja knjige!"));
         return rezultat;
     }
-    ResultSet redovi;
+    db::ResultSet redovi;
     {
         // The source is read whole and its connection closed before the book is
         // written: the two may be the same embedded file.
-        Database izvor;
+        db::Database izvor;
         rezultat.izvorOtvoren = izvor.connect(p.izvor);
         if (!rezultat.izvorOtvoren || !izvor.open(izvorniUpit(p), redovi)) {
             rezultat.poruka = upozorenje(opis.readError);
@@ -587,7 +589,7 @@ Rezultat generiraj(const Parametri& p)
     }
     if (!pitaj(QStringLiteral("Postoje ") + QString::number(redovi.rowCount()) + opis.upitBroja))
         return rezultat;
-    QVector<RowChange::Values> entries;
+    QVector<db::RowChange::Values> entries;
     for (int r = 0; r < redovi.rowCount(); ++r)
         entries << stavka(p, redovi, r);
     if (!izaberi(knjiga, p, entries, &rezultat.poruka))
@@ -600,4 +602,4 @@ Rezultat generiraj(const Parametri& p)
     return rezultat;
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -5,7 +5,7 @@
 #include <QDate>
 #include <QString>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // The seven ways of filling the DB income and expense book (109), by the index of
@@ -96,4 +96,4 @@ struct Rezultat {
 // run; entries already written stay.
 Rezultat generiraj(const Parametri& p);
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -2,7 +2,7 @@
 
 #include "session/db/ConnectionString.h"
 
-namespace knjige::gen
+namespace knjige::generate
 {
 namespace
 {
@@ -38,11 +38,11 @@ QString vrijednost(const QString& v)
 
 IzvorPodataka hostSource(const QString& hostConnectionString)
 {
-    const ConnectionTarget target = parseConnectionString(hostConnectionString);
-    if (target.kind == ConnectionTarget::Kind::Sqlite)
+    const db::ConnectionTarget target = db::parseConnectionString(hostConnectionString);
+    if (target.kind == db::ConnectionTarget::Kind::Sqlite)
         return { QString(), target.sqlitePath };
-    return { connectionValue(hostConnectionString, QStringLiteral("Data Source")),
-        connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
+    return { db::connectionValue(hostConnectionString, QStringLiteral("Data Source")),
+        db::connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
 }
 
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
@@ -77,4 +77,4 @@ QString imeOperateraSustava()
     return systemUserName().left(10);
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // Where the documents a generation reads are kept. With a server named it is a SQL
@@ -84,4 +84,4 @@ QString imeOperateraSustava();
 // The full name, from the platform (one file per platform).
 QString systemUserName();
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -9,7 +9,7 @@
 #include <map>
 #include <vector>
 
-namespace knjige::bookcheck
+namespace knjige::journal::bookcheck
 {
 namespace
 {
@@ -111,7 +111,7 @@ public:
             for (const QString& line : lines(r.poslije))
                 add(t, name, journal::parseRow(line));
         } else if (r.radnja == RecordKind::Renumeracija) {
-            const bool perPoint = isTradeBook(r.tip);
+            const bool perPoint = books::isTradeBook(r.tip);
             remap(t, kRBroj, r.poslije,
                 [&](const Row& row) { return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd; });
         } else if (r.radnja == RecordKind::Veze) {
@@ -203,10 +203,10 @@ private:
 class Checker
 {
 public:
-    Checker(Database& db, const Request& q)
+    Checker(db::Database& db, const Request& q)
         : m_db(db)
         , m_q(q)
-        , m_book(findBook(q.tip))
+        , m_book(books::findBook(q.tip))
     {
     }
 
@@ -236,7 +236,7 @@ public:
         if (m_book->table == journal::tableOf(Knjiga::EvidPotObvFBiH))
             linksSection();
         datesSection();
-        if (isAssetList(m_q.tip))
+        if (books::isAssetList(m_q.tip))
             openingSection();
         if (m_q.tip == Knjiga::PrihRashDB)
             generationSection();
@@ -254,7 +254,7 @@ private:
     {
         QString sql = QStringLiteral("SELECT * FROM ") + m_book->table + QStringLiteral(" WHERE GodinaKnj=")
             + QString::number(m_q.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company);
-        if (isTradeBook(m_q.tip) && m_q.brojProd != 0)
+        if (books::isTradeBook(m_q.tip) && m_q.brojProd != 0)
             sql += QStringLiteral(" AND BrojProd=") + QString::number(m_q.brojProd);
         if (!m_db.open(sql, m_raw))
             return false;
@@ -339,7 +339,8 @@ private:
 
     bool inScope(const Values& v) const
     {
-        return !isTradeBook(m_q.tip) || m_q.brojProd == 0 || number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
+        return !books::isTradeBook(m_q.tip) || m_q.brojProd == 0
+            || number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
     }
 
     void outsideSection(const Table& expected)
@@ -414,9 +415,10 @@ private:
         QStringList findings;
         std::map<qint64, std::vector<size_t>> byPoint;
         for (size_t i = 0; i < m_rows.size(); ++i)
-            byPoint[isTradeBook(m_q.tip) ? number(m_rows[i], QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
+            byPoint[books::isTradeBook(m_q.tip) ? number(m_rows[i], QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
         for (auto& [point, rows] : byPoint) {
-            const QString where = isTradeBook(m_q.tip) ? QStringLiteral(" (prodajno mjesto %1)").arg(point) : QString();
+            const QString where
+                = books::isTradeBook(m_q.tip) ? QStringLiteral(" (prodajno mjesto %1)").arg(point) : QString();
             std::stable_sort(rows.begin(), rows.end(),
                 [this](size_t a, size_t b) { return number(m_rows[a], kRBroj) < number(m_rows[b], kRBroj); });
             qint64 previous = 0;
@@ -438,7 +440,7 @@ private:
                                   .arg(where));
                 previous = std::max(previous, n);
                 const QDate d = QDate::fromString(v.value(QStringLiteral("DATUM")), Qt::ISODate);
-                if (isAssetList(m_q.tip) || !d.isValid())
+                if (books::isAssetList(m_q.tip) || !d.isValid())
                     continue;
                 if (latest.isValid() && d < latest)
                     findings << QStringLiteral("Stavka %1 (%2) je datirana prije stavke %3 (%4): redni brojevi ne "
@@ -459,7 +461,7 @@ private:
     void linksSection()
     {
         QStringList findings;
-        ResultSet entries;
+        db::ResultSet entries;
         QHash<qint64, int> numbers;
         if (!m_db.open(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE GodinaKnj=")
                     + QString::number(m_q.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company),
@@ -509,7 +511,7 @@ private:
 
     void datesSection()
     {
-        if (isAssetList(m_q.tip))
+        if (books::isAssetList(m_q.tip))
             return;
         QStringList findings;
         const QDate first(m_q.year, 1, 1);
@@ -525,7 +527,7 @@ private:
     void openingSection()
     {
         QStringList findings;
-        ResultSet closing;
+        db::ResultSet closing;
         const QString sql = m_book->selectSql + QStringLiteral(" WHERE K.GodinaKnj=") + QString::number(m_q.year - 1)
             + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(m_q.company)
             + QStringLiteral(" ORDER BY K.RBroj");
@@ -588,7 +590,7 @@ private:
     {
         QStringList findings;
         for (int c = 0; c < m_raw.fieldCount(); ++c) {
-            if (m_raw.field(c).type != FieldType::Currency)
+            if (m_raw.field(c).type != db::FieldType::Currency)
                 continue;
             qint64 sum = 0;
             bool over = false;
@@ -605,10 +607,10 @@ private:
         section(QStringLiteral("Zbirovi"), findings);
     }
 
-    Database& m_db;
+    db::Database& m_db;
     Request m_q;
-    const BookKind* m_book;
-    ResultSet m_raw;
+    const books::BookKind* m_book;
+    db::ResultSet m_raw;
     std::vector<Values> m_rows;
     Replay m_replay;
     QString m_text;
@@ -617,9 +619,9 @@ private:
 
 } // namespace
 
-Report check(Database& db, const Request& request)
+Report check(db::Database& db, const Request& request)
 {
     return Checker(db, request).run();
 }
 
-} // namespace knjige::bookcheck
+} // namespace knjige::journal::bookcheck

@@ -4,7 +4,7 @@
 #include "browser/BookModel.h"
 #include "session/Dates.h"
 
-namespace knjige::report
+namespace knjige::output::report
 {
 namespace
 {
@@ -255,7 +255,7 @@ Orientation orientationFor(const QVector<Column>& columns)
 
 Layout bookLayout(int bookKind, qint32 salesPoint)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book)
         return {};
     Layout l;
@@ -263,14 +263,14 @@ Layout bookLayout(int bookKind, qint32 salesPoint)
     l.form = formOf(bookKind);
     l.signature = true;
     l.columns = columnsOf(bookKind);
-    if (isTradeBook(bookKind) && salesPoint == 0) {
+    if (books::isTradeBook(bookKind) && salesPoint == 0) {
         l.columns.insert(2, textColumn(QStringLiteral("Prodajno\nmjesto"), QStringLiteral("ImeProd"), 12));
         l.columns = numbered(l.columns);
     }
-    if (isIncomeExpense(bookKind))
+    if (books::isIncomeExpense(bookKind))
         l.kindField = QStringLiteral("Vrsta");
     l.orientation = orientationFor(l.columns);
-    l.salesPoint = isTradeBook(bookKind);
+    l.salesPoint = books::isTradeBook(bookKind);
     return l;
 }
 
@@ -288,7 +288,7 @@ Layout recapitulationLayout()
     return l;
 }
 
-std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const ResultSet& rows, QString* error)
+std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const db::ResultSet& rows, QString* error)
 {
     BoundLayout b;
     b.m_layout = layout;
@@ -315,7 +315,7 @@ std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const ResultS
     return b;
 }
 
-Money BoundLayout::money(const ResultSet& rows, int row, int column) const
+Money BoundLayout::money(const db::ResultSet& rows, int row, int column) const
 {
     Money sum;
     for (const BoundTerm& t : m_terms[column]) {
@@ -330,19 +330,19 @@ Money BoundLayout::money(const ResultSet& rows, int row, int column) const
     return sum;
 }
 
-QString BoundLayout::text(const ResultSet& rows, int row, int column, const QLocale& locale) const
+QString BoundLayout::text(const db::ResultSet& rows, int row, int column, const QLocale& locale) const
 {
     const Column& c = m_layout.columns[column];
     if (c.format == Format::Money) {
         const Money v = money(rows, row, column);
-        return v.isZero() ? QString() : formatMoney(v, locale);
+        return v.isZero() ? QString() : browser::formatMoney(v, locale);
     }
     const int f = m_terms[column].value(0).field;
     if (rows.isNull(row, f))
         return {};
     switch (c.format) {
     case Format::Whole:
-        return formatWhole(rows.integer(row, f), locale);
+        return browser::formatWhole(rows.integer(row, f), locale);
     case Format::Date:
         return dates::display(rows.date(row, f));
     default:
@@ -350,4 +350,4 @@ QString BoundLayout::text(const ResultSet& rows, int row, int column, const QLoc
     }
 }
 
-} // namespace knjige::report
+} // namespace knjige::output::report

@@ -19,9 +19,9 @@ Session& session()
 namespace
 {
 
-Database& helperDb()
+db::Database& helperDb()
 {
-    static Database helper;
+    static db::Database helper;
     // The database drivers go with the application object; close the connection
     // while they are still there rather than at static destruction.
     static const bool closesWithApplication = [] {
@@ -35,9 +35,9 @@ Database& helperDb()
 
 } // namespace
 
-Database& Session::db()
+db::Database& Session::db()
 {
-    Database& helper = helperDb();
+    db::Database& helper = helperDb();
     if (helper.connectionString() != ConnString || !helper.isConnected())
         helper.connect(ConnString);
     return helper;
@@ -97,7 +97,7 @@ QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32
         return {};
     }
     QString sql = prefix + QString::number(brojPoduzeca) + QStringLiteral(" AND GODINAKNJ=") + QString::number(godina);
-    if (isTradeBook(tipKnjige))
+    if (books::isTradeBook(tipKnjige))
         sql += QStringLiteral(" AND BrojProd=") + QString::number(brojProd);
     return sql;
 }
@@ -108,8 +108,8 @@ qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd)
     const QString sql = ZadnjiRBrojSql(tipKnjige, s.BrojPoduzeca, s.RadnaGodina, brojProd);
     if (sql.isEmpty())
         return 0;
-    Database& db = s.db();
-    ResultSet rs;
+    db::Database& db = s.db();
+    db::ResultSet rs;
     if (!db.open(sql, rs)) {
         warn(failureText(db.errorDescription()));
         return 0;
@@ -125,13 +125,13 @@ qint32 ZadnjiRBroj(int tipKnjige, qint32 brojProd)
 Notices CitajKonfiguraciju(bool sveKolone)
 {
     Session& s = session();
-    Database& db = s.db();
+    db::Database& db = s.db();
     Notices notices;
     if (!db.execute(QStringLiteral("SET TEXTSIZE 1000000")))
         notices.append({ QStringLiteral("Nisam postavio veličinu TEXTSIZE"), {}, Icon::Exclamation });
     const QString sql = QStringLiteral("SELECT ") + (sveKolone ? QStringLiteral("*") : QStringLiteral("NazivFirme"))
         + QStringLiteral(" FROM dbo.CONFIG WHERE BROJPODUZECA=") + QString::number(s.BrojPoduzeca);
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(sql, rs)) {
         notices.append(
             { QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"), {}, Icon::Exclamation });

@@ -25,12 +25,14 @@ Money money(const char* text)
 }
 
 // The fields of the FBiH income and expense book's SELECT, typed as the server types them.
-ResultSet incomeExpenseRows()
+db::ResultSet incomeExpenseRows()
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
-        { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "Vrsta", FieldType::Integer },
-        { "NazivVrste", FieldType::Text }, { "Prihodi", FieldType::Currency }, { "PDVPrihodi", FieldType::Currency },
-        { "Rashodi", FieldType::Currency }, { "PDVRashodi", FieldType::Currency }, { "I", FieldType::Text } });
+    db::ResultSet rs({ { "RBroj", db::FieldType::Integer }, { "GodinaKnj", db::FieldType::Integer },
+        { "Datum", db::FieldType::Date }, { "Isprava", db::FieldType::Text }, { "Opis", db::FieldType::Text },
+        { "Vrsta", db::FieldType::Integer }, { "NazivVrste", db::FieldType::Text },
+        { "Prihodi", db::FieldType::Currency }, { "PDVPrihodi", db::FieldType::Currency },
+        { "Rashodi", db::FieldType::Currency }, { "PDVRashodi", db::FieldType::Currency },
+        { "I", db::FieldType::Text } });
     const struct {
         int rbroj;
         QDate datum;
@@ -50,7 +52,7 @@ ResultSet incomeExpenseRows()
         rs.setText(3, QStringLiteral("D-%1").arg(r.rbroj));
         rs.setText(4, QString::fromLatin1(r.opis));
         rs.setInteger(5, r.vrsta);
-        rs.setText(6, entryKindText(96, r.vrsta));
+        rs.setText(6, books::entryKindText(96, r.vrsta));
         for (const auto& [c, amount] :
             { std::pair { 7, r.prihodi }, { 8, r.pdvPrihodi }, { 9, r.rashodi }, { 10, r.pdvRashodi } })
             rs.setMoney(c, money(amount));
@@ -59,13 +61,14 @@ ResultSet incomeExpenseRows()
     return rs;
 }
 
-ResultSet assetRows()
+db::ResultSet assetRows()
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Naziv", FieldType::Text }, { "Datum", FieldType::Date },
-        { "Isprava", FieldType::Text }, { "NabVrijednost", FieldType::Currency },
-        { "KnjigVrijednost", FieldType::Currency }, { "VijekTr", FieldType::Integer },
-        { "StopaAm", FieldType::Currency }, { "IznosAmort", FieldType::Decimal },
-        { "NovaKnjigVrij", FieldType::Decimal }, { "I", FieldType::Text } });
+    db::ResultSet rs(
+        { { "RBroj", db::FieldType::Integer }, { "Naziv", db::FieldType::Text }, { "Datum", db::FieldType::Date },
+            { "Isprava", db::FieldType::Text }, { "NabVrijednost", db::FieldType::Currency },
+            { "KnjigVrijednost", db::FieldType::Currency }, { "VijekTr", db::FieldType::Integer },
+            { "StopaAm", db::FieldType::Currency }, { "IznosAmort", db::FieldType::Decimal },
+            { "NovaKnjigVrij", db::FieldType::Decimal }, { "I", db::FieldType::Text } });
     const int vijek[] = { 5, 8, 4 };
     for (int i = 0; i < 3; ++i) {
         rs.appendRow();
@@ -84,18 +87,18 @@ ResultSet assetRows()
 
 // One grid row as the person sees it: the row header, then every cell, each with a *
 // when it is bold.
-std::string shown(const BookModel& m, int row)
+std::string shown(const browser::BookModel& m, int row)
 {
     const auto bold = [](const QVariant& v) { return v.toBool() ? QStringLiteral("*") : QString(); };
     QStringList out { m.headerData(row, Qt::Vertical).toString()
-        + bold(m.headerData(row, Qt::Vertical, BookModel::BoldRole)) };
+        + bold(m.headerData(row, Qt::Vertical, browser::BookModel::BoldRole)) };
     for (int c = 0; c < m.columnCount(); ++c)
-        out << m.displayText(row, c) + bold(m.data(m.index(row, c), BookModel::BoldRole));
+        out << m.displayText(row, c) + bold(m.data(m.index(row, c), browser::BookModel::BoldRole));
     return out.join(u'|').toStdString();
 }
 
 // One column of the entries, top to bottom.
-std::string column(const BookModel& m, int c)
+std::string column(const browser::BookModel& m, int c)
 {
     QStringList out;
     for (int r = 0; r < m.rowCount(); ++r)
@@ -113,7 +116,7 @@ TEST(BookTotals, EachKindSumsItsOwnColumnsWithItsOwnBoldCells)
         { 101, "5b 6 8 9 10" }, { 105, "5b 6 8 9 10" }, { 125, "5b" }, { 126, "5b 6b" }, { 103, "" } };
     for (const auto& [kind, layout] : cases) {
         QStringList out;
-        for (const TotalsColumn& c : totalsColumns(kind))
+        for (const browser::TotalsColumn& c : browser::totalsColumns(kind))
             out << QString::number(c.gridColumn) + (c.bold ? QStringLiteral("b") : QString());
         EXPECT_EQ(out.join(u' ').toStdString(), layout) << kind;
     }
@@ -121,7 +124,7 @@ TEST(BookTotals, EachKindSumsItsOwnColumnsWithItsOwnBoldCells)
 
 TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 {
-    BookModel m;
+    browser::BookModel m;
     m.setLocale(QLocale::c());
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
@@ -132,7 +135,7 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
         EXPECT_TRUE(m.isTotalsRow(row));
         EXPECT_EQ(m.dataRow(row), -1);
         EXPECT_EQ(shown(m, row), "Ukupno:*||||||||3,510.50*|510.07|1,000,585.25|85.00|");
-        EXPECT_TRUE(m.data(m.index(row, 3), BookModel::TotalsRowRole).toBool());
+        EXPECT_TRUE(m.data(m.index(row, 3), browser::BookModel::TotalsRowRole).toBool());
     }
     EXPECT_EQ(m.total(8), money("3510.50"));
     EXPECT_FALSE(m.total(5).has_value());
@@ -151,7 +154,7 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 
     // No totals rows for an empty book or a kind without totals.
     m.setBookKind(96);
-    m.setResultSet(ResultSet(incomeExpenseRows().fields()));
+    m.setResultSet(db::ResultSet(incomeExpenseRows().fields()));
     EXPECT_EQ(m.rowCount(), 0);
     EXPECT_EQ(m.columnCount(), 12);
     EXPECT_FALSE(m.hasTotalsRows());
@@ -164,8 +167,9 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 
 TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
-        { "Opis", FieldType::Text }, { "Kol", FieldType::Decimal }, { "Ok", FieldType::Boolean } });
+    db::ResultSet rs(
+        { { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency }, { "Datum", db::FieldType::Date },
+            { "Opis", db::FieldType::Text }, { "Kol", db::FieldType::Decimal }, { "Ok", db::FieldType::Boolean } });
     rs.appendRow();
     rs.setInteger(0, 1234567);
     rs.setMoney(1, money("-1234567.125"));
@@ -178,7 +182,7 @@ TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
     rs.setMoney(1, Money::fromWhole(5));
     rs.setInteger(5, 0);
 
-    BookModel m;
+    browser::BookModel m;
     m.setBookKind(0);
     m.setLocale(QLocale::c());
     m.setResultSet(rs);
@@ -196,14 +200,14 @@ TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
     EXPECT_EQ(data(0, 5, Qt::CheckStateRole).toInt(), int(Qt::Checked));
     EXPECT_EQ(data(1, 5, Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
     EXPECT_FALSE(data(0, 0, Qt::CheckStateRole).isValid());
-    EXPECT_EQ(data(0, 1, BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
-    EXPECT_EQ(data(0, 0, BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
-    EXPECT_EQ(data(0, 2, BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
+    EXPECT_EQ(data(0, 1, browser::BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
+    EXPECT_EQ(data(0, 0, browser::BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
+    EXPECT_EQ(data(0, 2, browser::BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
 }
 
 TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToReturnTo)
 {
-    BookModel m;
+    browser::BookModel m;
     QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
     m.setLocale(QLocale::c()); // a locale given explicitly is taken as it is
     m.setBookKind(96);
@@ -240,13 +244,13 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     m.headerSort(10);
     EXPECT_EQ(column(m, 9), "0.00,0.00,585.00,1,000,000.25");
 
-    EXPECT_EQ(BookModel::rowAfterReload(-1, 4), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(2, 4), 2);
-    EXPECT_EQ(BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
-    EXPECT_EQ(BookModel::rowAfterReload(10, 1), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(0, 0), -1);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(-1, 4), 0);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(2, 4), 2);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
+    EXPECT_EQ(browser::BookModel::rowAfterReload(10, 1), 0);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(0, 0), -1);
 
-    m.setResultSet(ResultSet(incomeExpenseRows().fields()));
+    m.setResultSet(db::ResultSet(incomeExpenseRows().fields()));
     m.setBookKind(105);
     m.setResultSet(assetRows());
     m.setLocale(QLocale(QLocale::Bosnian));
@@ -257,7 +261,8 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
 
 TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text } });
+    db::ResultSet rs(
+        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text } });
     // Entered out of order, one in lower case: C < Č < Ć < D < Đ < S < Š < Z < Ž, and
     // letter case does not move a word out of its letter.
     const char* entered[] = { "Žito", "Sol", "šećer", "Zebra", "Dalmacija", "Ćevapi", "Đurđa", "Cement", "Čelik" };
@@ -268,7 +273,7 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
         rs.setDate(1, i < 3 ? dates[i] : QDate(2016, 6, 1));
         rs.setText(2, QString::fromUtf8(entered[i]));
     }
-    BookModel m;
+    browser::BookModel m;
     m.setResultSet(rs);
     m.headerSort(3);
     EXPECT_EQ(column(m, 2), "Cement,Čelik,Ćevapi,Dalmacija,Đurđa,Sol,šećer,Zebra,Žito");
@@ -288,9 +293,9 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
     const char* tricky[] = { "lja", "Lk", "LJUBAV", "ljubav", "nje", "Nk", "NJ", "džem", "dzz", "Džin", "đak", "dŽ",
         "a-b", "a b", "ab", "A1", "10", "9", "R-12", "R.12", "(x)", "", "stavka dugačka 000001", "Stavka dugačka 00000",
         "STAVKA DUGAČKA 000002", "šuma", "Sx", "ž", "Zz", "Ljiljan" };
-    const QCollator collator = textCollator();
+    const QCollator collator = browser::textCollator();
     for (const bool foreign : { false, true }) {
-        ResultSet texts({ { "Opis", FieldType::Text } });
+        db::ResultSet texts({ { "Opis", db::FieldType::Text } });
         QStringList expected;
         for (const char* t : tricky)
             expected << QString::fromUtf8(t);
@@ -305,7 +310,7 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
             [&](const QString& a, const QString& b) { return collator.compare(a, b) < 0; });
         std::stable_sort(descending.begin(), descending.end(),
             [&](const QString& a, const QString& b) { return collator.compare(a, b) > 0; });
-        BookModel sorted;
+        browser::BookModel sorted;
         sorted.setResultSet(texts);
         sorted.headerSort(1);
         EXPECT_EQ(column(sorted, 0), expected.join(u',').toStdString()) << foreign;
@@ -358,11 +363,12 @@ TEST(BrowserRules, OpeningClauseMenuEntriesAccessLevelsAndGeometryInTwips)
 
 TEST(GridWorkbook, WritesTheWholeGridWithItsFixedCells)
 {
-    if (!GridWorkbook::available())
+    if (!output::GridWorkbook::available())
         GTEST_SKIP() << "built without the workbook writer";
     // The trade book of services: grid column 5 (Iznos) is summed.
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
-        { "Opis", FieldType::Text }, { "Iznos", FieldType::Currency }, { "I", FieldType::Text } });
+    db::ResultSet rs({ { "RBroj", db::FieldType::Integer }, { "GodinaKnj", db::FieldType::Integer },
+        { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text }, { "Iznos", db::FieldType::Currency },
+        { "I", db::FieldType::Text } });
     for (int i = 1; i <= 2; ++i) {
         rs.appendRow();
         rs.setInteger(0, i);
@@ -371,13 +377,13 @@ TEST(GridWorkbook, WritesTheWholeGridWithItsFixedCells)
         rs.setText(3, QStringLiteral("Usluga čišćenja %1").arg(i));
         rs.setMoney(4, Money::fromWhole(1000 * i));
     }
-    BookModel m;
+    browser::BookModel m;
     m.setBookKind(125);
     m.setResultSet(rs);
     const QString path = test::scratchDir() + QStringLiteral("/PelunGrid.xls");
     QFile::remove(path);
     QString error;
-    ASSERT_TRUE(GridWorkbook::write(m, path, &error)) << error.toStdString();
+    ASSERT_TRUE(output::GridWorkbook::write(m, path, &error)) << error.toStdString();
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_EQ(f.read(2), QByteArray("PK"));

@@ -33,7 +33,7 @@ const Catalog& schemaCatalog()
 {
     static const Catalog catalog = [] {
         Catalog c;
-        for (const QString& statement : schemaStatements())
+        for (const QString& statement : books::schemaStatements())
             if (auto table = parseCreateTable(statement))
                 c.add(*table);
         return c;
@@ -217,7 +217,7 @@ QString terms(int count)
 // The error of a statement run through the helper; empty when it ran.
 std::string errorOf(TestDatabase& t, const QString& sql)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     return t.db().open(sql, rs) ? std::string() : t.db().errorDescription().toStdString();
 }
 
@@ -346,7 +346,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     };
     for (const Case& c : cases) {
         const QString sql = QStringLiteral("SELECT ") + QString::fromUtf8(c.expr) + QStringLiteral(" AS R");
-        ResultSet rs;
+        db::ResultSet rs;
         const bool ok = t.db().open(sql, rs);
         EXPECT_EQ(ok ? std::string() : t.db().errorDescription().toStdString(), c.error) << c.expr;
         if (ok && c.value) {
@@ -374,7 +374,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos+Iznos", "UPDATE dbo.KnjPrihRashDB SET RBroj=RBroj+2147483647",
             "UPDATE dbo.KnjPrihRashDB SET Iznos=Iznos-CAST(1 AS money) WHERE Iznos<0" })
         EXPECT_EQ(errorOf(t, QString::fromLatin1(sql)).rfind("Arithmetic overflow error", 0), 0u) << sql;
-    const std::pair<RowChange::Values, std::string> bound[] = {
+    const std::pair<db::RowChange::Values, std::string> bound[] = {
         { { { "RBroj", "x" } }, failed("nvarchar", "x") },
         { { { "GodinaKnj", 70000 } }, "Arithmetic overflow error converting expression to data type smallint." },
         { { { "Datum", "2016-02-30" } }, notADate },
@@ -383,7 +383,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { { { "Iznos", 1e16 } }, money("expression") },
     };
     for (const auto& [values, error] : bound) {
-        RowChange change { RowChange::Kind::Insert, "dbo.KnjPrihRashDB",
+        db::RowChange change { db::RowChange::Kind::Insert, "dbo.KnjPrihRashDB",
             { { "BrojPoduzeca", 1 }, { "RBroj", 3 }, { "GodinaKnj", 2016 } }, {} };
         for (const auto& [column, value] : values)
             for (auto& [name, old] : change.values)
@@ -404,7 +404,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
             { "Opis", QString(100, u'b') + "   " } });
     t.insert("dbo.KnjPrihRashDB",
         { { "BrojPoduzeca", 1 }, { "RBroj", 5 }, { "GodinaKnj", 2016 }, { "Datum", "03.15.2016" } });
-    const ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
+    const db::ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
     EXPECT_EQ(test::columnText(rs, "RBroj"), "1|3|4|5"); // 3.9 and 4.7 cut off
     EXPECT_EQ(test::columnText(rs, "Datum"), "<null>|2023-03-18|2023-03-17|2016-03-15");
     EXPECT_EQ(test::columnText(rs, "Iznos"), "922337203685477.5807|0|-922337203685477.5808|0");
@@ -504,7 +504,7 @@ TEST(DialectHardening, WritersWaitForEachOtherAndReadersForNoOne)
     });
     EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 1); // the reader does not wait: it sees the last commit
     {
-        TransactionGuard tx(t.db()); // waits for the other writer instead of failing
+        db::TransactionGuard tx(t.db()); // waits for the other writer instead of failing
         EXPECT_TRUE(tx.isActive()) << t.db().errorDescription().toStdString();
         t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,3,2016)");
         EXPECT_TRUE(tx.commit());

@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 
 using namespace knjige;
-using namespace knjige::gen;
+using namespace knjige::generate;
 using knjige::test::ScopedScript;
 using knjige::test::TestDatabase;
 
@@ -59,9 +59,9 @@ protected:
     void SetUp() override
     {
         QString error;
-        ASSERT_TRUE(fillDemoData(t.db(), 2016, &error)) << error.toStdString();
-        ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
-        ASSERT_TRUE(fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoData(t.db(), 2016, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::createSourceTables(t.db(), &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
     }
 
     Parametri march(int vrsta) const { return ::march(vrsta, t.path()); }
@@ -70,7 +70,7 @@ protected:
     {
         return t.query("SELECT ISNULL(MAX(RBroj),0) FROM dbo.KnjPrihRashDB WHERE GodinaKnj=2016").integer(0, 0);
     }
-    ResultSet entriesAfter(qint64 rBroj)
+    db::ResultSet entriesAfter(qint64 rBroj)
     {
         return t.query(QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos FROM dbo.KnjPrihRashDB WHERE "
                                       "GodinaKnj=2016 AND RBroj>%1 ORDER BY RBroj")
@@ -113,7 +113,7 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.vrsta);
-        const ResultSet expected = t.query(c.expected + range);
+        const db::ResultSet expected = t.query(c.expected + range);
         const int n = int(expected.integer(0, 0));
         ASSERT_GT(n, 1);
         const qint64 last = lastNumber();
@@ -131,7 +131,7 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         EXPECT_EQ(script->progress[0].texts, QStringList { QStringLiteral("Generiranje: %1 od %1 zapisa").arg(n) });
         EXPECT_TRUE(script->progress[0].finished && !script->progress[0].cancellable);
 
-        const ResultSet rs = entriesAfter(last);
+        const db::ResultSet rs = entriesAfter(last);
         ASSERT_EQ(rs.rowCount(), n);
         Money sum;
         for (int r = 0; r < n; ++r) {
@@ -158,12 +158,12 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
                   [](const journal::Record& r) { return r.radnja == journal::RecordKind::Generiranje; }),
         7);
     const auto findings = [this](const QString& text) {
-        return bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
+        return journal::bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
     };
     EXPECT_EQ(findings(QStringLiteral("izvan programa")), QStringList());
     EXPECT_EQ(findings(QStringLiteral("proknjižen")), QStringList());
     QString error;
-    ASSERT_TRUE(periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
+    ASSERT_TRUE(journal::periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
     // Writing the same documents again is what the operator asks for here.
     const auto writeAgain = [this] {
         script->clear();
@@ -173,7 +173,8 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     EXPECT_EQ(izvedi(march(DgpRacuni)).zapisano, 0);
     EXPECT_TRUE(script->texts().last().startsWith(QStringLiteral("Razdoblje knjige je zaključano do 31.03.2016. "
                                                                  "Generiranje bi upisalo stavke datirane ")));
-    ASSERT_TRUE(periodlock::unlock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QStringLiteral("Ponovo"), &error));
+    ASSERT_TRUE(
+        journal::periodlock::unlock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QStringLiteral("Ponovo"), &error));
     writeAgain();
     const int again = izvedi(march(DgpRacuni)).zapisano;
     EXPECT_GT(again, 1);
@@ -186,7 +187,7 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
     ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
     const qint64 middle = lastNumber();
     ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
-    const ResultSet plus = entriesAfter(start);
+    const db::ResultSet plus = entriesAfter(start);
     const int n = int(middle - start);
     for (int r = 0; r < n; ++r) {
         for (int c : { 1, 2, 3, 4 })
@@ -250,9 +251,9 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
             QStringList({ pitanjePotvrde(p), "Postoje 3" + opisVrste(UplateIzlaznih).upitBroja }) + run.questions
                 + QStringList {
                     QStringLiteral("Uspješno generirano %1 zapisa u knjigu prihoda i rashoda DB!").arg(run.written) });
-        const ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
-                                                      "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
-                                           .arg(last));
+        const db::ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
+                                                          "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
+                                               .arg(last));
         std::string rows;
         for (int r = 0; r < book.rowCount(); ++r)
             rows += (r ? "; " : "") + test::rowText(book, r);
@@ -383,7 +384,7 @@ TEST(GenerationTexts, SourceConnection)
         "Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=tajna");
     // A password that would end the string early comes back whole.
     const QString odd = QStringLiteral("a;b\"c' ");
-    EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
+    EXPECT_EQ(db::connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
     EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
     EXPECT_EQ(hostSource(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
 }
@@ -394,7 +395,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
 {
     TestDatabase t;
     QString error;
-    ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
+    ASSERT_TRUE(demo::createSourceTables(t.db(), &error)) << error.toStdString();
     for (const char* sql :
         { "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
@@ -434,7 +435,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
         p.orgJed = QString::fromLatin1(c.orgJed);
         p.supplier = QString::fromLatin1(c.supplier);
         p.prima = QStringLiteral("900");
-        const ResultSet rs = t.query(izvorniUpit(p));
+        const db::ResultSet rs = t.query(izvorniUpit(p));
         std::vector<std::string> rows;
         for (int r = 0; r < rs.rowCount(); ++r)
             rows.push_back(test::rowText(rs, r));

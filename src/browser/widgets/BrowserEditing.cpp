@@ -14,7 +14,7 @@
 #include <limits>
 #include <optional>
 
-namespace knjige
+namespace knjige::browser
 {
 
 namespace
@@ -24,7 +24,7 @@ namespace
 // query failed (already reported) or the number would not fit.
 std::optional<qint32> nextNumber(int tip)
 {
-    Database& db = session().db();
+    db::Database& db = session().db();
     const qint64 next = qint64(DefVarijabli::ZadnjiRBroj(tip)) + 1;
     if (!db.errorDescription().isEmpty())
         return std::nullopt;
@@ -40,11 +40,11 @@ std::optional<qint32> nextNumber(int tip)
 void frmSifarnikKnj::NoviZapis()
 {
     m_query.returnTo = 0;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     // Trade books number per shop: their editor proposes the number of its shop.
-    if (!isTradeBook(m_query.bookKind)) {
+    if (!books::isTradeBook(m_query.bookKind)) {
         const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
@@ -52,10 +52,10 @@ void frmSifarnikKnj::NoviZapis()
     }
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
-    if (isTradeBook(m_query.bookKind))
+    if (books::isTradeBook(m_query.bookKind))
         e->setShop(BrojProd());
     e->dpDatum->setDate(editors::newEntryDate(clock::today(), session().RadnaGodina));
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
         m_query.returnTo = e->spremljeniRBroj();
@@ -70,7 +70,7 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     const int rbrojField = rsStavke().indexOf(QStringLiteral("RBroj"));
     if (row < 0 || rbrojField < 0 || rsStavke().isNull(row, rbrojField))
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(mode);
@@ -79,9 +79,9 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     e->sRedniBroj = trenutniRBroj();
     // A trade-book entry is read within its own shop.
     const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
-    if (isTradeBook(m_query.bookKind) && shopField >= 0)
+    if (books::isTradeBook(m_query.bookKind) && shopField >= 0)
         e->setShop(qint32(rsStavke().integer(row, shopField)));
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom())
         return;
@@ -94,19 +94,19 @@ void frmSifarnikKnj::IstaStavka()
     const int row = trenutniRed();
     if (row < 0)
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
     e->PreuzmiStavku(rsStavke(), row);
-    if (!isTradeBook(m_query.bookKind)) {
+    if (!books::isTradeBook(m_query.bookKind)) {
         const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
         e->ubRBroj->setValue(Money::fromWhole(*next));
     }
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
         m_query.returnTo = e->spremljeniRBroj();
@@ -123,16 +123,16 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
         return;
     // The rows go with a journal record that keeps each of them, in one transaction.
-    Database& db = session().db();
+    db::Database& db = session().db();
     const journal::Scope scope { m_query.bookKind, m_query.company, m_query.year, 0 };
     QString error, locked;
     {
-        TransactionGuard tx(db);
-        ResultSet gone;
+        db::TransactionGuard tx(db);
+        db::ResultSet gone;
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
             && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + m_query.filter.where, gone);
         if (read)
-            locked = periodlock::refuseRows(
+            locked = journal::periodlock::refuseRows(
                 db, scope, gone, nullptr, QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
         const journal::Change record { journal::RecordKind::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone),
             {} };
@@ -148,4 +148,4 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
     OsvjeziZapise();
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -14,7 +14,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -207,4 +207,4 @@ void frmSifarnikKnj::napraviRaspored()
         [this](int section) { fg_HeaderClick(section + 1); });
 }
 
-} // namespace knjige
+} // namespace knjige::browser

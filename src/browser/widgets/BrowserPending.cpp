@@ -7,7 +7,7 @@
 
 #include <QLineEdit>
 
-namespace knjige
+namespace knjige::browser
 {
 
 void frmSifarnikKnj::notYetAvailable(const QString& what)
@@ -16,4 +16,4 @@ void frmSifarnikKnj::notYetAvailable(const QString& what)
         Icon::Information);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

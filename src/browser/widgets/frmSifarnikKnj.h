@@ -16,7 +16,7 @@ class QPushButton;
 class QToolBar;
 class QTreeWidget;
 
-namespace knjige
+namespace knjige::browser
 {
 
 class BookGrid;
@@ -60,7 +60,7 @@ public:
     void setQuery(const browser::BookQuery& query);
     // The sales point of a trade book in force; 0: none.
     qint32 BrojProd() const { return m_query.salesPoint(); }
-    const ResultSet& rsStavke() const;
+    const db::ResultSet& rsStavke() const;
     BookModel& model();
     BookGrid& grid() { return *m_fg; }
     // The result set row of the grid's current row; -1 on a totals row or with no rows.
@@ -171,4 +171,4 @@ private:
     QMenu* m_mnuGen = nullptr;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -8,7 +8,7 @@
 #include "editors/widgets/frmKnjTrgovacke.h"
 #include "editors/widgets/frmPopListaDImovineFBiH.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 std::unique_ptr<RecordEditor> createEditor(int bookKind, QWidget* parent)
@@ -48,4 +48,4 @@ void pripremiEditor(RecordEditor& e, int bookKind)
             kpr->setEnabled(false);
 }
 
-} // namespace knjige
+} // namespace knjige::editors

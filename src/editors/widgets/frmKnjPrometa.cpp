@@ -5,7 +5,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -32,7 +32,7 @@ frmKnjPrometa::frmKnjPrometa(int bookKind, QWidget* parent)
         });
 }
 
-void frmKnjPrometa::fill(const ResultSet& rs)
+void frmKnjPrometa::fill(const db::ResultSet& rs)
 {
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
@@ -42,7 +42,7 @@ void frmKnjPrometa::fill(const ResultSet& rs)
     ubCek->setValue(moneyOf(rs, QStringLiteral("IznosCek")));
 }
 
-void frmKnjPrometa::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjPrometa::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     txtIsprava->setText(cell(rs, row, QStringLiteral("Isprava")).toString());
@@ -58,7 +58,7 @@ Findings frmKnjPrometa::checks()
         session().RadnaGodina);
 }
 
-RowChange::Values frmKnjPrometa::rowValues() const
+db::RowChange::Values frmKnjPrometa::rowValues() const
 {
     const Session& s = session();
     return {
@@ -73,4 +73,4 @@ RowChange::Values frmKnjPrometa::rowValues() const
     };
 }
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -8,7 +8,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -118,7 +118,7 @@ QString TrgKnjigaEditor::readStatement() const
     return readEntrySql(m_tip, s.RadnaGodina, s.BrojPoduzeca, sRedniBroj, shopCode());
 }
 
-void TrgKnjigaEditor::fillHead(const ResultSet& rs)
+void TrgKnjigaEditor::fillHead(const db::ResultSet& rs)
 {
     setShop(qint32(integerOf(rs, QStringLiteral("BrojProd"))));
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
@@ -126,7 +126,7 @@ void TrgKnjigaEditor::fillHead(const ResultSet& rs)
     txtOpis->setText(textOf(rs, QStringLiteral("Opis")));
 }
 
-void TrgKnjigaEditor::copyHead(const ResultSet& rs, int row)
+void TrgKnjigaEditor::copyHead(const db::ResultSet& rs, int row)
 {
     const qint32 shop = cell(rs, row, QStringLiteral("BrojProd")).toInt();
     m_shop = { shop, cell(rs, row, QStringLiteral("ImeProd")).toString() };
@@ -150,7 +150,7 @@ Findings TrgKnjigaEditor::unknownShop() const
     if (txtSkladište->text().trimmed().isEmpty())
         return {};
     const qint32 code = shopCode();
-    ResultSet rs;
+    db::ResultSet rs;
     // A failed read refuses nothing: the write that follows reports the database.
     if (!session().db().open(
             QStringLiteral("SELECT SifKomit FROM dbo.Komitent WHERE SifKomit=") + QString::number(code), rs)
@@ -160,7 +160,7 @@ Findings TrgKnjigaEditor::unknownShop() const
         QStringLiteral("txtSkladište"), false, {}, Icon::Exclamation } };
 }
 
-RowChange::Values TrgKnjigaEditor::headValues() const
+db::RowChange::Values TrgKnjigaEditor::headValues() const
 {
     const Session& s = session();
     return {
@@ -184,13 +184,13 @@ frmKnjUsluga::frmKnjUsluga(QWidget* parent)
     finishLayout();
 }
 
-void frmKnjUsluga::fill(const ResultSet& rs)
+void frmKnjUsluga::fill(const db::ResultSet& rs)
 {
     fillHead(rs);
     ubIznos->setValue(moneyOf(rs, QStringLiteral("Iznos")));
 }
 
-void frmKnjUsluga::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjUsluga::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     copyHead(rs, row);
     ubIznos->setValue(cell(rs, row, QStringLiteral("Iznos")).value<Money>());
@@ -205,9 +205,9 @@ Findings frmKnjUsluga::checks()
     return checkUsluga(in, session().RadnaGodina);
 }
 
-RowChange::Values frmKnjUsluga::rowValues() const
+db::RowChange::Values frmKnjUsluga::rowValues() const
 {
-    RowChange::Values v = headValues();
+    db::RowChange::Values v = headValues();
     v.append({ QStringLiteral("Iznos"), QVariant::fromValue(ubIznos->value()) });
     return v;
 }
@@ -224,14 +224,14 @@ frmKnjKomisiona::frmKnjKomisiona(QWidget* parent)
     finishLayout();
 }
 
-void frmKnjKomisiona::fill(const ResultSet& rs)
+void frmKnjKomisiona::fill(const db::ResultSet& rs)
 {
     fillHead(rs);
     ubZaduženje->setValue(moneyOf(rs, QStringLiteral("Zaduzenje")));
     ubRazduženje->setValue(moneyOf(rs, QStringLiteral("Razduzenje")));
 }
 
-void frmKnjKomisiona::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjKomisiona::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     copyHead(rs, row);
     ubZaduženje->setValue(cell(rs, row, QStringLiteral("Zaduzenje")).value<Money>());
@@ -248,12 +248,12 @@ Findings frmKnjKomisiona::checks()
     return checkKomisiona(in, session().RadnaGodina);
 }
 
-RowChange::Values frmKnjKomisiona::rowValues() const
+db::RowChange::Values frmKnjKomisiona::rowValues() const
 {
-    RowChange::Values v = headValues();
+    db::RowChange::Values v = headValues();
     v.append({ QStringLiteral("Zaduzenje"), QVariant::fromValue(ubZaduženje->value()) });
     v.append({ QStringLiteral("Razduzenje"), QVariant::fromValue(ubRazduženje->value()) });
     return v;
 }
 
-} // namespace knjige
+} // namespace knjige::editors

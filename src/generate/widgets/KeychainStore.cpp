@@ -11,7 +11,7 @@
 #include <qt6keychain/keychain.h>
 #endif
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 #ifdef KNJIGE_HAVE_KEYCHAIN
@@ -112,4 +112,4 @@ void useSystemCredentialStore() { }
 
 #endif
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -20,7 +20,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::generate
 {
 namespace
 {
@@ -176,10 +176,10 @@ void frmGenPrihRashDB::napraviKontrole()
 
 void frmGenPrihRashDB::setVrsta(int vrsta)
 {
-    if (!gen::valjanaVrsta(vrsta))
+    if (!generate::valjanaVrsta(vrsta))
         return;
     m_vrsta = vrsta;
-    const gen::OpisVrste& o = gen::opisVrste(vrsta);
+    const generate::OpisVrste& o = generate::opisVrste(vrsta);
     setWindowTitle(o.naslov);
     m_uputa->setText(o.uputa);
     m_fraServer->setTitle(o.oznakaServera);
@@ -187,13 +187,13 @@ void frmGenPrihRashDB::setVrsta(int vrsta)
     m_lblShop->setText(o.oznakaMjesta);
     m_lblPrima->setText(o.oznakaPrimatelja);
     for (QWidget* w : m_orgJed)
-        w->setVisible(gen::imaOrgJedinicu(vrsta));
+        w->setVisible(generate::imaOrgJedinicu(vrsta));
     for (QWidget* w : m_supplier)
-        w->setVisible(gen::hasSupplier(vrsta));
+        w->setVisible(generate::hasSupplier(vrsta));
     for (QWidget* w : m_shop)
-        w->setVisible(gen::hasShop(vrsta));
+        w->setVisible(generate::hasShop(vrsta));
 
-    const gen::IzvorPodataka host = gen::hostSource(session().ConnString);
+    const generate::IzvorPodataka host = generate::hostSource(session().ConnString);
     const QString app = settings::sharedApplication();
     txtImeServera->setText(settings::text(app, settings::section(), o.kljucServera, host.server));
     txtBazaPodataka->setText(settings::text(app, settings::section(), o.kljucBaze, host.baza));
@@ -215,14 +215,14 @@ void frmGenPrihRashDB::showSource()
         return;
     // The store is asked once per dialog, not on every key typed into the server field.
     if (!m_imaLozinku) {
-        gen::useSystemCredentialStore();
-        m_imaLozinku = gen::passwordStore().read(gen::passwordKey()).has_value();
+        generate::useSystemCredentialStore();
+        m_imaLozinku = generate::passwordStore().read(generate::passwordKey()).has_value();
     }
     txtLozinka->setPlaceholderText(*m_imaLozinku ? QStringLiteral("spremljena; upišite novu samo ako se promijenila")
                                                  : QStringLiteral("lozinka korisnika sa"));
 }
 
-gen::IzvorPodataka frmGenPrihRashDB::izvor() const
+generate::IzvorPodataka frmGenPrihRashDB::izvor() const
 {
     return { txtImeServera->text().trimmed(), txtBazaPodataka->text().trimmed() };
 }
@@ -260,9 +260,9 @@ void frmGenPrihRashDB::showName(QLineEdit* polje, QLabel* naziv, bool partner)
     naziv->setText(p ? p->ImeKomit1 : QString());
 }
 
-gen::Parametri frmGenPrihRashDB::parametri() const
+generate::Parametri frmGenPrihRashDB::parametri() const
 {
-    gen::Parametri p;
+    generate::Parametri p;
     p.vrsta = m_vrsta;
     p.od = dpDatum->date();
     p.doDatuma = dpDatum1->date();
@@ -272,7 +272,7 @@ gen::Parametri frmGenPrihRashDB::parametri() const
     p.supplier = txtKomit->text();
     p.shop = txtSkladište->text();
     p.prima = txtPrima->text();
-    p.operater = gen::imeOperateraSustava();
+    p.operater = generate::imeOperateraSustava();
     return p;
 }
 
@@ -282,7 +282,7 @@ std::optional<QString> frmGenPrihRashDB::lozinka()
         return QString();
     if (!txtLozinka->text().isEmpty())
         return txtLozinka->text();
-    if (std::optional<QString> spremljena = gen::passwordStore().read(gen::passwordKey()))
+    if (std::optional<QString> spremljena = generate::passwordStore().read(generate::passwordKey()))
         return spremljena;
     warn(QStringLiteral("Upišite lozinku korisnika sa za server ") + izvor().server + u'!');
     txtLozinka->setFocus();
@@ -291,25 +291,25 @@ std::optional<QString> frmGenPrihRashDB::lozinka()
 
 void frmGenPrihRashDB::OKButton_Click()
 {
-    if (!gen::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
+    if (!generate::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
         return;
-    gen::Parametri p = parametri();
-    if (!gen::provjeri(p))
+    generate::Parametri p = parametri();
+    if (!generate::provjeri(p))
         return;
-    const gen::OpisVrste& o = gen::opisVrste(m_vrsta);
+    const generate::OpisVrste& o = generate::opisVrste(m_vrsta);
     const QString app = settings::sharedApplication();
     settings::setText(app, settings::section(), o.kljucServera, izvor().server);
     settings::setText(app, settings::section(), o.kljucBaze, izvor().baza);
     const std::optional<QString> sa = lozinka();
     if (!sa)
         return;
-    p.izvor = gen::vezaIzvora(izvor(), *sa);
-    const gen::Rezultat r = gen::generiraj(p);
+    p.izvor = generate::vezaIzvora(izvor(), *sa);
+    const generate::Rezultat r = generate::generiraj(p);
     tell(r.poruka);
     m_zapisano += r.zapisano;
     // A typed password is kept once the server took it.
     if (r.izvorOtvoren && !izvor().embedded() && !txtLozinka->text().isEmpty()) {
-        gen::passwordStore().write(gen::passwordKey(), txtLozinka->text());
+        generate::passwordStore().write(generate::passwordKey(), txtLozinka->text());
         txtLozinka->clear();
         m_imaLozinku.reset();
         showSource();
@@ -318,4 +318,4 @@ void frmGenPrihRashDB::OKButton_Click()
         accept();
 }
 
-} // namespace knjige
+} // namespace knjige::generate

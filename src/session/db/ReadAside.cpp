@@ -3,7 +3,7 @@
 #include "session/Session.h"
 #include "session/db/Database.h"
 
-namespace knjige
+namespace knjige::db
 {
 
 ReadAside::ReadAside(QString sql)
@@ -52,4 +52,4 @@ bool ReadAside::wait(ResultSet& rows, QString* error)
     return true;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -42,23 +42,23 @@ bool isNumericType(SqlType t)
         || t == SqlType::Float;
 }
 
-FieldType fieldTypeOf(SqlType t)
+db::FieldType fieldTypeOf(SqlType t)
 {
     switch (t) {
     case SqlType::Bit:
-        return FieldType::Boolean;
+        return db::FieldType::Boolean;
     case SqlType::Int:
-        return FieldType::Integer;
+        return db::FieldType::Integer;
     case SqlType::Money:
-        return FieldType::Currency;
+        return db::FieldType::Currency;
     case SqlType::Decimal:
-        return FieldType::Decimal;
+        return db::FieldType::Decimal;
     case SqlType::Float:
-        return FieldType::Float;
+        return db::FieldType::Float;
     case SqlType::Date:
-        return FieldType::Date;
+        return db::FieldType::Date;
     default:
-        return FieldType::Text;
+        return db::FieldType::Text;
     }
 }
 

@@ -19,7 +19,7 @@ enum class SqlType { Unknown, Null, Bit, Int, Money, Decimal, Float, Date, Text 
 SqlType higher(SqlType a, SqlType b);
 bool isNumericType(SqlType t);
 // Unknown stays Unknown: the backend types such a column from its first value.
-FieldType fieldTypeOf(SqlType t);
+db::FieldType fieldTypeOf(SqlType t);
 
 // "int", "smallint", "money", "datetime", "nvarchar" ... (no length).
 SqlType typeFromTSqlName(const QString& typeName);
