@@ -59,7 +59,7 @@ void fill(const QString& path)
 QString translated(const QString& tsql)
 {
     tsql::Catalog catalog;
-    for (const QString& statement : schemaStatements())
+    for (const QString& statement : books::schemaStatements())
         if (auto table = tsql::parseCreateTable(statement))
             catalog.add(*table);
     return tsql::translateStatement(tsql, catalog).sql;
@@ -73,10 +73,10 @@ BookFile& book()
         auto f = std::make_unique<BookFile>();
         f->path = f->dir.filePath(QStringLiteral("bench.db"));
         QString error;
-        if (!createEmbeddedDatabase(f->path, &error))
+        if (!books::createEmbeddedDatabase(f->path, &error))
             std::fprintf(stderr, "schema: %s\n", qPrintable(error));
         fill(f->path);
-        f->tsql = findBook(Knjiga::PrihRashFBiH)->selectSql
+        f->tsql = books::findBook(Knjiga::PrihRashFBiH)->selectSql
             + browser::openingWhere(browser::periodStart(kYear), kYear, 1) + browser::orderBy();
         f->sqlite = translated(f->tsql);
         Session& s = session();

@@ -71,7 +71,7 @@ void BM_ExportAgainstSqliteShell(benchmark::State& state)
         shellTime += seconds(t0);
 
         t0 = std::chrono::steady_clock::now();
-        ResultSet rs;
+        db::ResultSet rs;
         if (!session().db().open(b.tsql, rs))
             state.SkipWithError("the query failed");
         const output::ExportResult written = output::exportToFile(rs, {}, ours);

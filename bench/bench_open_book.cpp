@@ -32,10 +32,10 @@ void settle()
     QApplication::processEvents();
 }
 
-std::unique_ptr<frmSifarnikKnj> openWindow()
+std::unique_ptr<browser::frmSifarnikKnj> openWindow()
 {
     session().NivoPristupa = QStringLiteral("0");
-    auto w = std::make_unique<frmSifarnikKnj>();
+    auto w = std::make_unique<browser::frmSifarnikKnj>();
     w->setTipSifarnika(Knjiga::PrihRashFBiH);
     w->Prikaži(0);
     settle();
@@ -135,7 +135,7 @@ void BM_OpenShares(benchmark::State& state)
 {
     book();
     PlainFetch plain;
-    BookModel model;
+    browser::BookModel model;
     model.setBookKind(Knjiga::PrihRashFBiH);
     double plainTime = 0;
     double readTime = 0;
@@ -146,7 +146,7 @@ void BM_OpenShares(benchmark::State& state)
         rows = plain.run();
         plainTime += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        ResultSet rs;
+        db::ResultSet rs;
         if (!session().db().open(book().tsql, rs))
             state.SkipWithError("the query failed");
         readTime += seconds(t0);
@@ -188,7 +188,7 @@ void BM_TextFilterAgainstSqliteOwn(benchmark::State& state)
         sqlite3_finalize(st);
         ownTime += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        ResultSet rs;
+        db::ResultSet rs;
         if (!session().db().open(tsql, rs))
             state.SkipWithError("the filter failed");
         rows = rs.rowCount();
@@ -208,7 +208,7 @@ void BM_VisibleCells(benchmark::State& state)
 {
     book();
     auto w = openWindow();
-    const BookModel& model = w->model();
+    const browser::BookModel& model = w->model();
     const int middle = model.rowCount() / 2;
     for (auto _ : state)
         for (int r = middle; r < middle + 40; ++r)

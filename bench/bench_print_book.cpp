@@ -97,7 +97,7 @@ void BM_PrintInProcess(benchmark::State& state)
         plain.run();
         plainTime += seconds(t0);
         t0 = std::chrono::steady_clock::now();
-        ResultSet rows;
+        db::ResultSet rows;
         if (!s.db().open(sql, rows)) {
             state.SkipWithError("the query failed");
             return;
@@ -105,7 +105,8 @@ void BM_PrintInProcess(benchmark::State& state)
         read += seconds(t0);
         t0 = std::chrono::steady_clock::now();
         const browser::BookQuery query = browser::openingQuery(Knjiga::PrihRashFBiH, 1, kYear);
-        ReportPrinter printer(report::bookLayout(Knjiga::PrihRashFBiH), report::bookHeader(query, rows), rows);
+        output::ReportPrinter printer(
+            output::report::bookLayout(Knjiga::PrihRashFBiH), output::report::bookHeader(query, rows), rows);
         QString error;
         if (!printer.writePdf(pdf, &error)) {
             state.SkipWithError(qPrintable(error));
@@ -128,11 +129,11 @@ BENCHMARK(BM_PrintInProcess)->Unit(benchmark::kMillisecond)->Iterations(2);
 void BM_WrapUnbrokenText(benchmark::State& state)
 {
     const QImage device(8, 8, QImage::Format_RGB32);
-    const GlyphText font(QFont(), device);
+    const output::GlyphText font(QFont(), device);
     const QString text(qsizetype(state.range(0)), u'W');
     const qreal width = font.advance(u'W') * 30.5;
     for (auto _ : state)
-        benchmark::DoNotOptimize(wrapText(text, width, font));
+        benchmark::DoNotOptimize(output::wrapText(text, width, font));
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_WrapUnbrokenText)

@@ -89,12 +89,12 @@ Books& books()
         f->work = f->dir.filePath(QStringLiteral("work.db"));
         f->baseline = f->dir.filePath(QStringLiteral("baseline.db"));
         QString error;
-        if (!createEmbeddedDatabase(f->master, &error))
+        if (!books::createEmbeddedDatabase(f->master, &error))
             std::fprintf(stderr, "schema: %s\n", qPrintable(error));
         fill(f->master);
         // The book has been opened before: its journal holds the baseline, and the
         // renumbering adds its own records to it.
-        Database db;
+        db::Database db;
         QString journalError;
         if (!db.connect(f->master) || !journal::ensureBaseline(db, { 96, 1, kYear, 0 }, &journalError))
             std::fprintf(stderr, "journal: %s\n", qPrintable(journalError + db.errorDescription()));
@@ -170,14 +170,14 @@ void BM_RenumberByDateAgainstOneUpdate(benchmark::State& state)
         state.ResumeTiming();
 
         const auto t0 = std::chrono::steady_clock::now();
-        const renumber::After after = renumber::byDate(renumber::sessionBook(96)).after;
+        const browser::renumber::After after = browser::renumber::byDate(browser::renumber::sessionBook(96)).after;
         ours += std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
         setBased += runSetBased(b.baseline);
 
         state.PauseTiming();
         statements = s.db().requestCount() - before;
         s.db().disconnect();
-        if (after != renumber::After::Reload || numbers(b.work) != numbers(b.baseline))
+        if (after != browser::renumber::After::Reload || numbers(b.work) != numbers(b.baseline))
             state.SkipWithError("the renumbering did not give the numbers of the one UPDATE");
         state.ResumeTiming();
     }

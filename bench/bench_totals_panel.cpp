@@ -47,7 +47,7 @@ void BM_TotalsPanelAgainstPlainFetch(benchmark::State& state)
         plainCpu += std::clock() - c0;
         t0 = std::chrono::steady_clock::now();
         c0 = std::clock();
-        if (!osvjeziPanel(lvStanje, query))
+        if (!browser::osvjeziPanel(lvStanje, query))
             state.SkipWithError("the panel's read failed");
         QApplication::processEvents();
         panelTime += bench::seconds(t0);

@@ -45,14 +45,14 @@ int main(int argc, char** argv)
         std::fprintf(stderr,
             "Usage: knjige_host_example CONNECTION COMPANY YEAR [CLASS] [--picture FILE.png]\n"
             "Classes:\n");
-        for (const QString& id : knjige::bookObjectIds())
+        for (const QString& id : knjige::entry::bookObjectIds())
             std::fprintf(stderr, "  %s\n", qPrintable(id.section(u'.', 1)));
         return 2;
     }
     const QString className = args.size() > 3 ? args.at(3) : QStringLiteral("clsKnjPrihRashFBiH");
 
     // The host knows the books by their programmatic identifiers.
-    auto book = knjige::createBookObject(QStringLiteral("ArbosaPOSKnjige17.") + className);
+    auto book = knjige::entry::createBookObject(QStringLiteral("ArbosaPOSKnjige17.") + className);
     if (!book) {
         std::fprintf(stderr, "No book class %s\n", qPrintable(className));
         return 2;
@@ -65,6 +65,6 @@ int main(int argc, char** argv)
     if (!picture.isEmpty())
         pictureAndClose(picture);
     book->Show(QStringLiteral("0"), QStringLiteral("Operater"));
-    std::printf("Knjiga %s %s zatvorena.\n", qPrintable(knjige::componentVersion()), qPrintable(className));
+    std::printf("Knjiga %s %s zatvorena.\n", qPrintable(knjige::entry::componentVersion()), qPrintable(className));
     return 0;
 }

@@ -38,7 +38,7 @@ public:
     Scene& operator=(const Scene&) = delete;
 
     // The browser of `kind`, opened (mode 0) as operator "Ana" with access level 0.
-    std::unique_ptr<frmSifarnikKnj> open(int kind);
+    std::unique_ptr<browser::frmSifarnikKnj> open(int kind);
     // Runs T-SQL on the database; false (told) when it fails.
     bool exec(const QString& tsql);
     // Saves a picture to the output folder under `name`; false (told) when it fails.

@@ -30,10 +30,10 @@ void browsers(Scene& s)
     // shop, and book 96 drawn a second time gets March.
     QDate from;
     s.person->onDialog = [&from](QDialog& d) {
-        auto* e = dynamic_cast<RecordEditor*>(&d);
+        auto* e = dynamic_cast<editors::RecordEditor*>(&d);
         if (!e)
             return int(QDialog::Rejected);
-        e->setSkladište(demo::Maloprodaja1);
+        e->setShop(demo::Maloprodaja1);
         if (from.isValid()) {
             e->dpDatum->setDate(from);
             e->dpDatumDo->setDate(from.addMonths(1).addDays(-1));
@@ -50,7 +50,7 @@ void browsers(Scene& s)
         s.save(w->grab(), name);
         w->close();
     };
-    for (const BookKind& book : allBooks())
+    for (const books::BookKind& book : books::allBooks())
         shoot(book.code, QStringLiteral("browser-%1.png").arg(book.code));
     from = QDate(2016, 3, 1);
     shoot(96, QStringLiteral("browser-96-filter.png"));
@@ -61,14 +61,14 @@ void browsers(Scene& s)
 // Delete), saved as editor-<book>-<mode>.png, then cancelled.
 void editors(Scene& s)
 {
-    for (const BookKind& book : allBooks())
+    for (const books::BookKind& book : books::allBooks())
         for (int mode = 1; mode <= 4; ++mode) {
             // A trade book opens on the first shop, as in the browsers' pictures.
             s.person->onDialog = [](QDialog& d) {
-                auto* e = dynamic_cast<RecordEditor*>(&d);
+                auto* e = dynamic_cast<editors::RecordEditor*>(&d);
                 if (!e)
                     return int(QDialog::Rejected);
-                e->setSkladište(demo::Maloprodaja1);
+                e->setShop(demo::Maloprodaja1);
                 e->cmdSpremi->click();
                 return e->result();
             };
@@ -76,7 +76,7 @@ void editors(Scene& s)
             const QString name = QStringLiteral("editor-%1-%2.png").arg(book.code).arg(mode);
             int shown = 0;
             s.person->onDialog = [&](QDialog& d) -> int {
-                auto* e = dynamic_cast<RecordEditor*>(&d);
+                auto* e = dynamic_cast<editors::RecordEditor*>(&d);
                 if (!e)
                     return QDialog::Rejected;
                 ++shown;
@@ -127,7 +127,7 @@ void renumbering(Scene& s)
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.25.2016' WHERE GodinaKnj=2016 AND RBroj=2");
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.21.2016' WHERE GodinaKnj=2016 AND RBroj=4");
     s.exec("UPDATE dbo.KnjPrihRashFBiH SET Datum='01.07.2016' WHERE GodinaKnj=2016 AND RBroj=9");
-    useTextViewerForLongTexts();
+    output::useTextViewerForLongTexts();
     auto answering = setInteraction(std::make_unique<DialogInteraction>());
 
     auto w = s.open(Knjiga::PrihRashFBiH);
@@ -156,11 +156,11 @@ void renumbering(Scene& s)
     });
     w->ProvjeraKnjige();
     QString error;
-    s.check(periodlock::lock(session().db(), { Knjiga::PrihRashFBiH, 1, 2016, 0 }, QDate(2016, 3, 31), &error),
+    s.check(journal::periodlock::lock(session().db(), { Knjiga::PrihRashFBiH, 1, 2016, 0 }, QDate(2016, 3, 31), &error),
         QStringLiteral("lock: ") + error);
     w->postaviTrenutniRed(3);
     QTimer::singleShot(300, [&s] {
-        auto* editor = qobject_cast<RecordEditor*>(QApplication::activeModalWidget());
+        auto* editor = qobject_cast<editors::RecordEditor*>(QApplication::activeModalWidget());
         if (!s.check(editor != nullptr, QStringLiteral("no editor")))
             return;
         QTimer::singleShot(300, [&s, editor] {
@@ -182,7 +182,7 @@ void renumbering(Scene& s)
     clock::setToday(QDate(2017, 2, 1));
     auto assets = s.open(Knjiga::PopListaFBiH);
     pictureOfNextBox(s, QStringLiteral("pocetno-stanje-pitanje.png"), QMessageBox::No);
-    assets->PočetnoStanje();
+    assets->generateOpeningState();
     clock::setToday({});
     setInteraction(std::move(answering));
 }

@@ -65,13 +65,13 @@ Scene::Scene(const QString& out)
     QDir().mkpath(m_dir);
     const QString path = m_dir + QStringLiteral("/knjige.db");
     QString error;
-    check(createEmbeddedDatabase(path, &error), QStringLiteral("schema: ") + error);
+    check(books::createEmbeddedDatabase(path, &error), QStringLiteral("schema: ") + error);
     Session& s = session();
     s.reset();
     s.ConnString = path;
     s.BrojPoduzeca = 1;
     s.RadnaGodina = 2016;
-    check(fillDemoData(s.db(), 2016, &error), QStringLiteral("demo data: ") + error);
+    check(demo::fillDemoData(s.db(), 2016, &error), QStringLiteral("demo data: ") + error);
     auto answering = std::make_unique<Answering>();
     person = answering.get();
     m_previous = setInteraction(std::move(answering));
@@ -84,11 +84,11 @@ Scene::~Scene()
     installHostServices({});
 }
 
-std::unique_ptr<frmSifarnikKnj> Scene::open(int kind)
+std::unique_ptr<browser::frmSifarnikKnj> Scene::open(int kind)
 {
     session().NivoPristupa = QStringLiteral("0");
     session().ImeOperatera = QStringLiteral("Ana");
-    auto w = std::make_unique<frmSifarnikKnj>();
+    auto w = std::make_unique<browser::frmSifarnikKnj>();
     w->setTipSifarnika(kind);
     w->Prikaži(0, {});
     check(w->jePrikazan(), QStringLiteral("the browser of book %1 did not open").arg(kind));

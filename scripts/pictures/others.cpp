@@ -29,12 +29,12 @@ namespace
 {
 
 // The March 2016 values that give every kind entries on the demo documents.
-void fillMarch(frmGenPrihRashDB& d)
+void fillMarch(generate::frmGenPrihRashDB& d)
 {
     d.dpDatum->setDate(QDate(2016, 3, 1));
     d.dpDatum1->setDate(QDate(2016, 3, 31));
     d.txtOrgJed->setText(QString::number(demo::OrgJed));
-    d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
+    d.txtKomit->setText(QString::number(demo::CompensationSupplier));
     d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
     d.txtPrima->setText(QString::number(demo::Primatelj));
     for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })
@@ -46,12 +46,12 @@ void fillMarch(frmGenPrihRashDB& d)
 // The generator for three kinds, and the DB book after generating March's takings.
 void generator(Scene& s)
 {
-    auto previousStore = gen::setPasswordStore(std::make_unique<gen::MemoryPasswordStore>(true));
+    auto previousStore = generate::setPasswordStore(std::make_unique<generate::MemoryPasswordStore>(true));
     QString error;
-    s.check(createSourceTables(session().db(), &error), error);
-    s.check(fillDemoSources(session().db(), 2016, { gen::imeOperateraSustava() }, &error), error);
-    for (int vrsta : { gen::DgpRacuni, gen::UlazniRacuni, gen::PosOtpremnice }) {
-        frmGenPrihRashDB d;
+    s.check(demo::createSourceTables(session().db(), &error), error);
+    s.check(demo::fillDemoSources(session().db(), 2016, { generate::imeOperateraSustava() }, &error), error);
+    for (int vrsta : { generate::DgpRacuni, generate::UlazniRacuni, generate::PosOtpremnice }) {
+        generate::frmGenPrihRashDB d;
         d.setVrsta(vrsta);
         fillMarch(d);
         d.show();
@@ -61,7 +61,7 @@ void generator(Scene& s)
     }
     auto w = s.open(Knjiga::PrihRashDB);
     s.person->onDialog = [&](QDialog& dialog) {
-        auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
+        auto& d = dynamic_cast<generate::frmGenPrihRashDB&>(dialog);
         fillMarch(d);
         d.OKButton->click();
         return d.result();
@@ -71,7 +71,7 @@ void generator(Scene& s)
     w->postaviTrenutniRed(w->rsStavke().rowCount() - 1);
     QApplication::processEvents();
     s.save(w->grab(), QStringLiteral("browser-109-generirano.png"));
-    gen::setPasswordStore(std::move(previousStore));
+    generate::setPasswordStore(std::move(previousStore));
 }
 
 // "Prebaci u Excel" over book 96, with a file name an operator would have chosen.
@@ -120,7 +120,7 @@ void printing(Scene& s)
     picture = QStringLiteral("ispis-pregled-rekapitulacija.png");
     w->Rekapitulacija();
     QString error;
-    s.check(recapitulationReport(*w)->writePdf(s.file(QStringLiteral("rekapitulacija.pdf")), &error), error);
+    s.check(browser::recapitulationReport(*w)->writePdf(s.file(QStringLiteral("rekapitulacija.pdf")), &error), error);
     s.noMessages();
 }
 

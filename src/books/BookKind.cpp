@@ -1,6 +1,6 @@
 #include "books/BookKind.h"
 
-namespace knjige
+namespace knjige::books
 {
 namespace
 {
@@ -499,4 +499,4 @@ QString entryKindText(int bookCode, int entryKind)
     return {};
 }
 
-} // namespace knjige
+} // namespace knjige::books

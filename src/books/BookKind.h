@@ -27,6 +27,11 @@ enum Kod : qint16 {
 };
 }
 
+} // namespace knjige
+
+namespace knjige::books
+{
+
 // One entry kind (`Vrsta`) of a book, with the text the program shows for it.
 struct EntryKind {
     int code;
@@ -144,4 +149,4 @@ inline QString programmaticId(const QString& className)
     return QStringLiteral("ArbosaPOSKnjige17.") + className;
 }
 
-} // namespace knjige
+} // namespace knjige::books

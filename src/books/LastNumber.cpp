@@ -8,14 +8,14 @@ namespace knjige::DefVarijabli
 
 QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32 brojProd)
 {
-    const BookKind* book = findBook(tipKnjige);
+    const books::BookKind* book = books::findBook(tipKnjige);
     if (!book)
         return {};
     QString sql = QStringLiteral("SELECT ")
         + (book->lastNumberOrZero ? QStringLiteral("ISNULL(MAX(RBroj),0)") : QStringLiteral("MAX(RBroj)"))
         + QStringLiteral(" AS BROJ FROM ") + book->table + QStringLiteral(" WHERE BROJPODUZECA=")
         + QString::number(brojPoduzeca) + QStringLiteral(" AND GODINAKNJ=") + QString::number(godina);
-    if (book->family == BookFamily::Trade)
+    if (book->family == books::BookFamily::Trade)
         sql += QStringLiteral(" AND BrojProd=") + QString::number(brojProd);
     return sql;
 }
@@ -26,8 +26,8 @@ LastNumber ZadnjiRBroj(int tipKnjige, qint32 brojProd)
     const QString sql = ZadnjiRBrojSql(tipKnjige, s.BrojPoduzeca, s.RadnaGodina, brojProd);
     if (sql.isEmpty())
         return {};
-    Database& db = s.db();
-    ResultSet rs;
+    db::Database& db = s.db();
+    db::ResultSet rs;
     if (!db.open(sql, rs))
         return { 0, { failureText(db.errorDescription()), {}, Icon::Exclamation } };
     if (rs.isEmpty())

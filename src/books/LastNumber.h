@@ -4,11 +4,9 @@
 
 #include <QString>
 
-namespace knjige
-{
-
-// The shared routines every window calls to number a new entry.
-namespace DefVarijabli
+// The shared routines every window calls to number a new entry; the module keeps its
+// own name in the root namespace.
+namespace knjige::DefVarijabli
 {
 
 // The SQL text that reads the highest ordinal number of a book for the company and
@@ -25,6 +23,4 @@ struct LastNumber {
 // Reads the session's company and working year.
 LastNumber ZadnjiRBroj(int tipKnjige, qint32 brojProd = 0);
 
-} // namespace DefVarijabli
-
-} // namespace knjige
+} // namespace knjige::DefVarijabli

@@ -14,7 +14,7 @@ static void initSchemaResource()
     Q_INIT_RESOURCE(schema);
 }
 
-namespace knjige
+namespace knjige::books
 {
 namespace
 {
@@ -87,14 +87,14 @@ QStringList scriptStatements(const QString& script)
     return out;
 }
 
-bool runScript(Database& db, QStringList statements, QString* error)
+bool runScript(db::Database& db, QStringList statements, QString* error)
 {
     if (statements.isEmpty()) {
         if (error)
             *error = QStringLiteral("Skripta baze podataka nije dostupna.");
         return false;
     }
-    TransactionGuard guard(db);
+    db::TransactionGuard guard(db);
     for (const QString& statement : statements)
         if (!db.execute(statement)) {
             if (error)
@@ -109,11 +109,11 @@ bool runScript(Database& db, QStringList statements, QString* error)
     return true;
 }
 
-bool createSchema(Database& db, QString* error)
+bool createSchema(db::Database& db, QString* error)
 {
     QStringList statements = schemaStatements();
     // The embedded database numbers asset rows with a trigger of its own dialect.
-    if (db.dialect() == SqlDialect::Sqlite && !statements.isEmpty()) {
+    if (db.dialect() == db::SqlDialect::Sqlite && !statements.isEmpty()) {
         statements.removeIf(isTrigger);
         statements << QString::fromLatin1(kSqliteAssetTrigger);
     }
@@ -129,9 +129,9 @@ bool createEmbeddedDatabase(const QString& path, QString* error)
     }
     QString ignored;
     QString* err = error ? error : &ignored;
-    if (!openSqliteBackend(path, true, err))
+    if (!db::openSqliteBackend(path, true, err))
         return false;
-    Database db;
+    db::Database db;
     if (!db.connect(path)) {
         *err = db.errorDescription();
         return false;
@@ -148,4 +148,4 @@ int textColumnWidth(const QString& table, const QString& column)
     return c ? c->width : 0;
 }
 
-} // namespace knjige
+} // namespace knjige::books

@@ -3,20 +3,23 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige
+namespace knjige::db
 {
-
 class Database;
+} // namespace knjige::db
+
+namespace knjige::books
+{
 
 // Creates the book tables, dbo.Komitent and dbo.CONFIG on a new embedded database by
 // running the T-SQL schema script through the dialect adapter, then the embedded
 // database's own triggers (the asset lists number rows inserted without RBroj).
 // Returns false with *error set to the data layer's text when a statement fails.
-bool createSchema(Database& db, QString* error);
+bool createSchema(db::Database& db, QString* error);
 
 // Runs the statements in order in one transaction; false, with nothing kept and *error
 // set to the data layer's text, when one fails or there are none.
-bool runScript(Database& db, QStringList statements, QString* error);
+bool runScript(db::Database& db, QStringList statements, QString* error);
 
 // Makes a new embedded database file at `path` with the whole schema. Fails when the
 // file exists already (an existing book database is never overwritten).
@@ -34,4 +37,4 @@ QStringList scriptStatements(const QString& script);
 // are case-insensitive. 0 when the table or column is unknown or not a text column.
 int textColumnWidth(const QString& table, const QString& column);
 
-} // namespace knjige
+} // namespace knjige::books

@@ -10,43 +10,43 @@
 #include <array>
 #include <numeric>
 
-namespace knjige
+namespace knjige::browser
 {
 
-QVector<TotalsColumn> totalsColumns(int bookKind)
+QVector<books::TotalsColumn> totalsColumns(int bookKind)
 {
-    const BookKind* book = findBook(bookKind);
-    return book ? book->totals : QVector<TotalsColumn>();
+    const books::BookKind* book = books::findBook(bookKind);
+    return book ? book->totals : QVector<books::TotalsColumn>();
 }
 
 namespace
 {
 
-QString formatOf(FieldType type)
+QString formatOf(db::FieldType type)
 {
     switch (type) {
-    case FieldType::Currency:
-    case FieldType::Decimal:
-    case FieldType::Float:
+    case db::FieldType::Currency:
+    case db::FieldType::Decimal:
+    case db::FieldType::Float:
         return QStringLiteral("#,##0.00");
-    case FieldType::Integer:
+    case db::FieldType::Integer:
         return QStringLiteral("#,##0");
-    case FieldType::Date:
+    case db::FieldType::Date:
         return QStringLiteral("dd.MM.yy");
     default:
         return {};
     }
 }
 
-Qt::Alignment alignmentOf(FieldType type)
+Qt::Alignment alignmentOf(db::FieldType type)
 {
     switch (type) {
-    case FieldType::Currency:
-    case FieldType::Decimal:
-    case FieldType::Float:
-    case FieldType::Integer:
+    case db::FieldType::Currency:
+    case db::FieldType::Decimal:
+    case db::FieldType::Float:
+    case db::FieldType::Integer:
         return Qt::AlignRight | Qt::AlignVCenter;
-    case FieldType::Boolean:
+    case db::FieldType::Boolean:
         return Qt::AlignCenter;
     default:
         return Qt::AlignLeft | Qt::AlignVCenter;
@@ -67,22 +67,22 @@ QString formatWhole(qint64 value, const QLocale& locale)
     return wholeDisplay(value, locale);
 }
 
-QString formatValue(const ResultSet& rs, int row, int column, const QLocale& locale)
+QString formatValue(const db::ResultSet& rs, int row, int column, const QLocale& locale)
 {
     if (rs.isNull(row, column))
         return {};
     switch (rs.field(column).type) {
-    case FieldType::Currency:
-    case FieldType::Decimal:
-    case FieldType::Float:
+    case db::FieldType::Currency:
+    case db::FieldType::Decimal:
+    case db::FieldType::Float:
         return formatMoney(rs.money(row, column), locale);
-    case FieldType::Integer:
+    case db::FieldType::Integer:
         return formatWhole(rs.integer(row, column), locale);
-    case FieldType::Date:
+    case db::FieldType::Date:
         return dates::display(rs.date(row, column));
-    case FieldType::Boolean:
+    case db::FieldType::Boolean:
         return {};
-    case FieldType::Text:
+    case db::FieldType::Text:
         return rs.text(row, column);
     }
     return {};
@@ -110,7 +110,7 @@ void BookModel::setLocale(const QLocale& locale)
         emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), { Qt::DisplayRole });
 }
 
-void BookModel::setResultSet(ResultSet rows)
+void BookModel::setResultSet(db::ResultSet rows)
 {
     beginResetModel();
     m_rows = std::move(rows);
@@ -151,7 +151,7 @@ void BookModel::computeTotals()
     const int fields = m_rows.fieldCount();
     m_totals.assign(fields, std::nullopt);
     m_totalsBold.assign(fields, false);
-    for (const TotalsColumn& tc : m_totalsLayout) {
+    for (const books::TotalsColumn& tc : m_totalsLayout) {
         const int f = tc.gridColumn - 1;
         if (f < 0 || f >= fields)
             continue;
@@ -225,7 +225,7 @@ void BookModel::applySort()
         for (int r = 0; r < n; ++r)
             nulls[r] = m_rows.isNull(r, f);
         switch (m_rows.field(f).type) {
-        case FieldType::Text: {
+        case db::FieldType::Text: {
             // Keys by position in the query's order, so they outlive the re-orderings.
             if (f >= int(m_textKeys.size()))
                 m_textKeys.resize(m_rows.fieldCount());
@@ -250,8 +250,8 @@ void BookModel::applySort()
                     order.push_back(rowAt[p]);
             break;
         }
-        case FieldType::Decimal:
-        case FieldType::Float: {
+        case db::FieldType::Decimal:
+        case db::FieldType::Float: {
             std::vector<double> keys(n);
             for (int r = 0; r < n; ++r)
                 keys[r] = m_rows.real(r, f);
@@ -259,7 +259,7 @@ void BookModel::applySort()
             break;
         }
         default: {
-            const bool money = m_rows.field(f).type == FieldType::Currency;
+            const bool money = m_rows.field(f).type == db::FieldType::Currency;
             std::vector<qint64> keys(n);
             for (int r = 0; r < n; ++r)
                 keys[r] = money ? m_rows.money(r, f).units() : m_rows.integer(r, f);
@@ -359,21 +359,22 @@ QString BookModel::displayText(int modelRow, int column) const
 
 QVariant BookModel::totalsData(int column, int role) const
 {
-    const FieldType type = m_rows.field(column).type;
+    const db::FieldType type = m_rows.field(column).type;
     const std::optional<Money>& sum = m_totals[column];
     switch (role) {
     case Qt::DisplayRole:
         if (!sum)
             return {};
-        return type == FieldType::Integer && !sum->isOutOfRange() ? formatWhole(sum->units() / Money::Scale, m_locale)
-                                                                  : formatMoney(*sum, m_locale);
+        return type == db::FieldType::Integer && !sum->isOutOfRange()
+            ? formatWhole(sum->units() / Money::Scale, m_locale)
+            : formatMoney(*sum, m_locale);
     // A sum out of the money's range has no number; its text says so.
     case ValueRole:
         return sum && !sum->isOutOfRange() ? QVariant(sum->toDouble()) : QVariant();
     case FormatRole:
-        return sum ? QVariant(formatOf(type == FieldType::Integer ? type : FieldType::Currency)) : QVariant();
+        return sum ? QVariant(formatOf(type == db::FieldType::Integer ? type : db::FieldType::Currency)) : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(alignmentOf(sum ? FieldType::Currency : type));
+        return QVariant::fromValue(alignmentOf(sum ? db::FieldType::Currency : type));
     case BoldRole:
         return bool(m_totalsBold[column]);
     case TotalsRowRole:
@@ -385,16 +386,16 @@ QVariant BookModel::totalsData(int column, int role) const
 
 QVariant BookModel::entryData(int row, int column, int role) const
 {
-    const FieldType type = m_rows.field(column).type;
+    const db::FieldType type = m_rows.field(column).type;
     switch (role) {
     case Qt::DisplayRole:
         return formatValue(m_rows, row, column, m_locale);
     case Qt::CheckStateRole:
-        if (type != FieldType::Boolean)
+        if (type != db::FieldType::Boolean)
             return {};
         return int(m_rows.integer(row, column) != 0 ? Qt::Checked : Qt::Unchecked);
     case ValueRole: {
-        if (type == FieldType::Currency)
+        if (type == db::FieldType::Currency)
             return m_rows.isNull(row, column) ? QVariant() : QVariant(m_rows.money(row, column).toDouble());
         const QVariant v = m_rows.value(row, column);
         return v.typeId() == QMetaType::LongLong ? QVariant(v.toLongLong()) : v;
@@ -450,4 +451,4 @@ Qt::ItemFlags BookModel::flags(const QModelIndex& index) const
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -11,18 +11,18 @@
 #include <optional>
 #include <vector>
 
-namespace knjige
+namespace knjige::browser
 {
 
 class TextSortKeys;
 
 // The summed columns of a book kind, the caption column first; empty for a kind
 // without a totals row.
-QVector<TotalsColumn> totalsColumns(int bookKind);
+QVector<books::TotalsColumn> totalsColumns(int bookKind);
 
 // Display form of a field type: "#,##0.00" for amounts, "#,##0" for whole numbers and
 // "dd.MM.yy" for dates, with the group separator and decimal mark of `locale`.
-QString formatValue(const ResultSet& rs, int row, int column, const QLocale& locale);
+QString formatValue(const db::ResultSet& rs, int row, int column, const QLocale& locale);
 QString formatMoney(Money value, const QLocale& locale);
 QString formatWhole(qint64 value, const QLocale& locale);
 
@@ -64,8 +64,8 @@ public:
 
     // Takes the rows of a fresh query: applies the sort expression in force and
     // recomputes the totals.
-    void setResultSet(ResultSet rows);
-    const ResultSet& resultSet() const { return m_rows; }
+    void setResultSet(db::ResultSet rows);
+    const db::ResultSet& resultSet() const { return m_rows; }
     int entryCount() const { return m_rows.rowCount(); }
 
     bool hasTotalsRows() const { return m_totalsShown; }
@@ -115,16 +115,16 @@ private:
 
     int m_bookKind = 0;
     QLocale m_locale;
-    ResultSet m_rows;
+    db::ResultSet m_rows;
     std::vector<int> m_loadOrder; // position of each row in the query's own order
     // The sort keys of each text column sorted since the load, by position in the
     // query's order: a second click or a refresh's re-sort does not make them again.
     std::vector<std::shared_ptr<const TextSortKeys>> m_textKeys;
     QString m_sort;
-    QVector<TotalsColumn> m_totalsLayout;
+    QVector<books::TotalsColumn> m_totalsLayout;
     std::vector<std::optional<Money>> m_totals; // per field
     std::vector<bool> m_totalsBold; // per field
     bool m_totalsShown = false;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

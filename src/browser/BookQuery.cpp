@@ -11,7 +11,7 @@ BookQuery openingQuery(int bookKind, qint16 company, qint16 year)
     q.bookKind = bookKind;
     q.company = company;
     q.year = year;
-    if (const BookKind* book = findBook(bookKind))
+    if (const books::BookKind* book = books::findBook(bookKind))
         q.select = book->selectSql;
     q.filter.periodStart = periodStart(year);
     q.filter.periodEnd = periodEnd(year);
@@ -31,7 +31,7 @@ BookQuery commandQuery(int bookKind, qint16 company, qint16 year, const std::opt
     qint32 salesPoint, const QString& salesPointName)
 {
     BookQuery q = openingQuery(bookKind, company, year);
-    const bool trade = isTradeBook(bookKind);
+    const bool trade = books::isTradeBook(bookKind);
     if (!period && !(trade && salesPoint != 0))
         return q;
     FilterInput in;

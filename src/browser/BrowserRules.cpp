@@ -29,7 +29,7 @@ QDate periodEnd(int godina)
 MenuVisibility menuVisibility(int tipSifarnika, const QString& nivoPristupa)
 {
     MenuVisibility m;
-    const BookKind* book = findBook(tipSifarnika);
+    const books::BookKind* book = books::findBook(tipSifarnika);
     if (!book)
         return m;
     m.istaStavka = true;

@@ -131,18 +131,18 @@ void periodCondition(FilterState& s, Gatherer& g, qint16 year, const FilterInput
 
 void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput& in)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book)
         return;
     switch (book->family) {
-    case BookFamily::IncomeExpense:
+    case books::BookFamily::IncomeExpense:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.kindCode(in.vrsta);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("Iznos: "));
         g.amount(in.ubIznosPDV, "IznosPDV", QStringLiteral("PDV: "));
         break;
-    case BookFamily::Receivables:
+    case books::BookFamily::Receivables:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.number(in.txtKomitent, "SifKomit", QStringLiteral("Šifra komitenta: "),
@@ -151,19 +151,19 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         g.amount(in.ubKPR, "RBrojKPR", QStringLiteral("Br. Knjige p. i r.: "), true);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("iznos: "));
         break;
-    case BookFamily::Turnover:
+    case books::BookFamily::Turnover:
         g.prefix(in.txtIsprava, "Isprava", QStringLiteral("Isprava: "));
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.amount(in.ubGotovina, "IznosGot", QStringLiteral("Gotovina: "));
         g.amount(in.ubCek, "IznosCek", QStringLiteral("Cek: "));
         break;
-    case BookFamily::IncomeOrExpense:
+    case books::BookFamily::IncomeOrExpense:
         g.prefix(in.txtOpis, "Opis", QStringLiteral("Opis: "));
         g.kindCode(in.vrsta);
         g.amount(in.ubIznos, "Iznos", QStringLiteral("Iznos: "));
         g.amount(in.ubIznosPDV, "IznosPDV", QStringLiteral("PDV: "));
         break;
-    case BookFamily::AssetList:
+    case books::BookFamily::AssetList:
         g.prefix(in.txtNazivSredstva, bookKind == Knjiga::PopListaRS ? in.txtNaziv : in.txtNazivSredstva, "Naziv",
             QStringLiteral("Naziv: "));
         g.number(in.txtBrojDokumenta, "Isprava", QStringLiteral("Isprava: "));
@@ -171,7 +171,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
         g.amount(in.ubKnjigovodstvena, "KnjigVrijednost", QStringLiteral("Knjigovodstvena: "));
         g.amount(in.ubVijekTrajanja, "VijekTr", QStringLiteral("Vijek trajanja: "), true);
         break;
-    case BookFamily::Trade:
+    case books::BookFamily::Trade:
         if (in.prodavnica != 0) {
             s.salesPoint = in.prodavnica;
             g.add(QStringLiteral(" K.BrojProd=") + QString::number(in.prodavnica),
@@ -192,7 +192,7 @@ void kindConditions(int bookKind, FilterState& s, Gatherer& g, const FilterInput
 
 bool isFilterable(int bookKind)
 {
-    return findBook(bookKind) != nullptr;
+    return books::findBook(bookKind) != nullptr;
 }
 
 FilterState buildFilter(int bookKind, qint16 company, qint16 year, const FilterInput& input, const QLocale& locale)
@@ -220,7 +220,7 @@ FilterState periodFilter(int bookKind, const QDate& from, const QDate& to, qint1
     in.chkPoDatumima = true;
     in.dpDatum = from;
     in.dpDatumDo = to;
-    if (isTradeBook(bookKind)) {
+    if (books::isTradeBook(bookKind)) {
         in.prodavnica = salesPoint;
         in.imeProdavnice = salesPointName;
     }

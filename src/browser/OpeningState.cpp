@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace knjige::openingstate
+namespace knjige::browser::openingstate
 {
 namespace
 {
@@ -32,15 +32,15 @@ qint32 highestNumberIn(int tip, qint16 year)
 // journal record of the change.
 bool run(const QString& sql, const journal::Scope& next, QString* error)
 {
-    Database& db = session().db();
-    *error = periodlock::refuseDates(
+    db::Database& db = session().db();
+    *error = journal::periodlock::refuseDates(
         db, next, { QDate(next.year, 1, 1) }, QStringLiteral("Početna stanja bila bi datirana %1."));
     if (!error->isEmpty())
         return false;
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     const QString newYear = QStringLiteral("SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
         + QString::number(next.year) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(next.company);
-    ResultSet before, after;
+    db::ResultSet before, after;
     if (!tx.isActive() || !journal::ensureBaseline(db, next, error) || !db.open(newYear, before) || !db.execute(sql)
         || !db.open(newYear, after)) {
         if (error->isEmpty())
@@ -55,7 +55,7 @@ bool run(const QString& sql, const journal::Scope& next, QString* error)
     for (int r = 0; r < after.rowCount(); ++r)
         if (after.integer(r, c) > highest)
             added += journal::rowText(after, r) + u'\n';
-    if (!journal::append(db, next, { journal::Radnja::PocetnaStanja, std::nullopt, {}, added }, error))
+    if (!journal::append(db, next, { journal::RecordKind::PocetnaStanja, std::nullopt, {}, added }, error))
         return false;
     if (!tx.commit()) {
         *error = db.errorDescription();
@@ -108,4 +108,4 @@ Generated generate(int tip)
         { QStringLiteral("Uspješno generirana početna stanja. Provjerite podatke!"), {}, Icon::Information } };
 }
 
-} // namespace knjige::openingstate
+} // namespace knjige::browser::openingstate

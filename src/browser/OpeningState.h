@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace knjige::openingstate
+namespace knjige::browser::openingstate
 {
 
 // The one statement that carries the assets of `year` into the next year, each written
@@ -27,4 +27,4 @@ struct Generated {
 // transaction. The outcome is returned, not shown: the caller tells it.
 Generated generate(int tip);
 
-} // namespace knjige::openingstate
+} // namespace knjige::browser::openingstate

@@ -14,7 +14,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace knjige::renumber
+namespace knjige::browser::renumber
 {
 namespace
 {
@@ -45,7 +45,7 @@ QString num(qint64 v)
 
 QString tableOf(int tip)
 {
-    const BookKind* book = findBook(tip);
+    const books::BookKind* book = books::findBook(tip);
     return book ? book->table : QString();
 }
 
@@ -53,7 +53,7 @@ QString tableOf(int tip)
 QString bookScope(const Book& b)
 {
     QString scope = QStringLiteral("GodinaKnj=") + num(b.year) + QStringLiteral(" AND BrojPoduzeca=") + num(b.company);
-    if (isTradeBook(b.tip))
+    if (books::isTradeBook(b.tip))
         scope += QStringLiteral(" AND BrojProd=") + num(b.brojProd);
     return scope;
 }
@@ -63,7 +63,7 @@ QString receivablesScope(const Book& b)
     return QStringLiteral("GodinaKnj=") + num(b.year) + QStringLiteral(" AND BrojPoduzeca=") + num(b.company);
 }
 
-std::vector<qint64> numbersOf(const ResultSet& rows)
+std::vector<qint64> numbersOf(const db::ResultSet& rows)
 {
     const int c = rows.indexOf(QStringLiteral("RBroj"));
     std::vector<qint64> out(size_t(rows.rowCount()));
@@ -96,7 +96,7 @@ std::vector<std::optional<qint64>> ordinalNumbers(const std::vector<qint64>& num
 // its own order) whose link holds the old number at that moment takes the new one. A
 // link moved once can be moved again by a later change, as the rows are walked.
 std::vector<std::optional<qint64>> followFirstLinks(
-    const std::vector<qint64>& numbers, const std::vector<std::optional<qint64>>& changes, const ResultSet& links)
+    const std::vector<qint64>& numbers, const std::vector<std::optional<qint64>>& changes, const db::ResultSet& links)
 {
     const int c = links.indexOf(QStringLiteral("RBrojKPR"));
     std::vector<qint64> value(size_t(links.rowCount()));
@@ -157,31 +157,33 @@ std::unordered_map<qint64, qint64> followAllLinks(
 }
 
 // One record lists every number that changed, another every link that followed.
-bool journalNumbers(Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
+bool journalNumbers(db::Database& db, const Book& b, const QString& numbers, const QString& links, QString* error)
 {
     return (numbers.isEmpty()
-               || journal::append(db, b, { journal::Radnja::Renumeracija, std::nullopt, {}, numbers }, error))
+               || journal::append(db, b, { journal::RecordKind::Renumeracija, std::nullopt, {}, numbers }, error))
         && (links.isEmpty()
             || journal::append(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 },
-                { journal::Radnja::Veze, std::nullopt, {}, links }, error));
+                { journal::RecordKind::Veze, std::nullopt, {}, links }, error));
 }
 
-bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::vector<std::optional<qint64>>& book,
-    const ResultSet& links, const std::vector<std::optional<qint64>>& linked, QString* error)
+bool saveOrdinal(db::Database& db, const Book& b, const db::ResultSet& rows,
+    const std::vector<std::optional<qint64>>& book, const db::ResultSet& links,
+    const std::vector<std::optional<qint64>>& linked, QString* error)
 {
     const auto progress = showSteps(2);
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
         return false;
     }
-    const NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
-    const NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
+    const db::NumberTarget rowsTarget { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"),
+        bookScope(b) };
+    const db::NumberTarget linkTarget { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBroj"),
         receivablesScope(b) + QStringLiteral(" AND RBrojKPR<>0") };
-    if (!journal::ensureBaseline(db, b, error) || !rewriteNumbers(db, rowsTarget, rows, book, error))
+    if (!journal::ensureBaseline(db, b, error) || !db::rewriteNumbers(db, rowsTarget, rows, book, error))
         return false;
     progress->advance(1);
-    if ((links.rowCount() > 0 && !rewriteNumbers(db, linkTarget, links, linked, error))
+    if ((links.rowCount() > 0 && !db::rewriteNumbers(db, linkTarget, links, linked, error))
         || !journalNumbers(db, b, journal::numberChanges(rows, QStringLiteral("RBroj"), book),
             journal::numberChanges(links, QStringLiteral("RBroj"), linked), error))
         return false;
@@ -195,9 +197,9 @@ bool saveOrdinal(Database& db, const Book& b, const ResultSet& rows, const std::
 }
 
 // The link values of the receivables rows of the year, with how many rows hold each.
-bool readLinkValues(Database& db, const Book& b, std::vector<qint64>& values, QHash<qint64, qint64>& counts)
+bool readLinkValues(db::Database& db, const Book& b, std::vector<qint64>& values, QHash<qint64, qint64>& counts)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     const QString sql = QStringLiteral("SELECT RBrojKPR,COUNT(*) AS Broj FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=")
         + num(b.year) + QStringLiteral(" AND BROJPODUZECA=") + num(b.company)
         + QStringLiteral(" AND RBrojKPR IS NOT NULL GROUP BY RBrojKPR");
@@ -216,12 +218,13 @@ enum class DateStep { Done, Begin, Read, Locked, Write };
 // The links of the receivables book follow the numbers of book 96, so an entry of the
 // receivables book's closed period would change with them: that stops the renumbering.
 QString refuseMovedLinks(
-    Database& db, const Book& b, const ResultSet& links, const std::vector<std::optional<qint64>>& moving)
+    db::Database& db, const Book& b, const db::ResultSet& links, const std::vector<std::optional<qint64>>& moving)
 {
-    return periodlock::refuseRows(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, links, &moving, kLockedLink);
+    return journal::periodlock::refuseRows(
+        db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, links, &moving, kLockedLink);
 }
 
-DateStep moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
+DateStep moveLinks(db::Database& db, const Book& b, const std::vector<qint64>& numbers, QString* links, QString* error)
 {
     std::vector<qint64> values;
     QHash<qint64, qint64> counts;
@@ -231,10 +234,11 @@ DateStep moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbe
     }
     const std::unordered_map<qint64, qint64> moved = followAllLinks(numbers, values);
     QDate lock;
-    if (!moved.empty() && !periodlock::lockDate(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, &lock, error))
+    if (!moved.empty()
+        && !journal::periodlock::lockDate(db, { Knjiga::EvidPotObvFBiH, b.company, b.year, 0 }, &lock, error))
         return DateStep::Write;
     if (lock.isValid()) {
-        ResultSet held;
+        db::ResultSet held;
         if (!db.open(linkedReceivablesSql(b), held)) {
             *error = db.errorDescription();
             return DateStep::Write;
@@ -253,23 +257,23 @@ DateStep moveLinks(Database& db, const Book& b, const std::vector<qint64>& numbe
     for (const auto& [from, to] : pairs)
         rowsMoved += counts.value(from);
     *links = journal::valueChanges(pairs);
-    const NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
+    const db::NumberTarget target { kReceivables, QStringLiteral("RBrojKPR"), QStringLiteral("RBrojKPR"),
         receivablesScope(b) };
-    return remapNumbers(db, target, pairs, rowsMoved, error) ? DateStep::Done : DateStep::Write;
+    return db::remapNumbers(db, target, pairs, rowsMoved, error) ? DateStep::Done : DateStep::Write;
 }
 
 // The whole renumbering by date in one transaction, rolled back on any failure. The
 // rows come in the server's order, equal dates as the server returns them, and each
 // takes its place in that order.
-DateStep renumberByDate(Database& db, const Book& b, QString* error)
+DateStep renumberByDate(db::Database& db, const Book& b, QString* error)
 {
     const auto progress = showSteps(3);
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     if (!tx.isActive()) {
         *error = db.errorDescription();
         return DateStep::Begin;
     }
-    ResultSet rows;
+    db::ResultSet rows;
     if (!journal::ensureBaseline(db, b, error))
         return DateStep::Write;
     if (!db.open(rowsSql(b, dateOrder(b.tip)), rows)) {
@@ -278,12 +282,12 @@ DateStep renumberByDate(Database& db, const Book& b, QString* error)
     }
     progress->advance(1);
     const std::vector<qint64> numbers = numbersOf(rows);
-    const NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
+    const db::NumberTarget target { tableOf(b.tip), QStringLiteral("RBroj"), QStringLiteral("RBroj"), bookScope(b) };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, 0);
-    *error = periodlock::refuseRows(db, b, rows, &changes, kLockedNumber);
+    *error = journal::periodlock::refuseRows(db, b, rows, &changes, kLockedNumber);
     if (!error->isEmpty())
         return DateStep::Locked;
-    if (!rewriteNumbers(db, target, rows, changes, error))
+    if (!db::rewriteNumbers(db, target, rows, changes, error))
         return DateStep::Write;
     progress->advance(2);
     QString links;
@@ -316,7 +320,7 @@ Book bookOf(const browser::BookQuery& query)
 
 bool takesPart(int tip)
 {
-    const BookKind* book = findBook(tip);
+    const books::BookKind* book = books::findBook(tip);
     return book && book->renumbers;
 }
 
@@ -328,13 +332,13 @@ QString shiftSql(const Book& b, qint32 n)
 
 QString blankEntrySql(const Book& b, qint32 n)
 {
-    const BookKind* book = findBook(b.tip);
+    const books::BookKind* book = books::findBook(b.tip);
     if (!book || book->blankEntryHead.isEmpty())
         return {};
     const QString c = num(b.company);
     const QString y = num(b.year);
     // Company, number, date and year; the trade books put the sales point second.
-    const QString company = book->family == BookFamily::Trade ? c + u',' + num(b.brojProd) : c;
+    const QString company = book->family == books::BookFamily::Trade ? c + u',' + num(b.brojProd) : c;
     return book->blankEntryHead + company + u',' + num(n) + QStringLiteral(",'1.1.") + y + QStringLiteral("',") + y
         + book->blankEntryTail;
 }
@@ -343,14 +347,14 @@ QString rowsSql(const Book& b, const QString& order)
 {
     QString sql = QStringLiteral("SELECT * FROM ") + tableOf(b.tip) + QStringLiteral(" WHERE GODINAKNJ=") + num(b.year)
         + QStringLiteral(" AND BROJPODUZECA=") + num(b.company);
-    if (isTradeBook(b.tip))
+    if (books::isTradeBook(b.tip))
         sql += QStringLiteral(" AND BrojProd=") + num(b.brojProd);
     return sql + order;
 }
 
 QString dateOrder(int tip)
 {
-    const BookKind* book = findBook(tip);
+    const books::BookKind* book = books::findBook(tip);
     return book ? book->dateOrder : QStringLiteral(" order by Datum,Vrsta");
 }
 
@@ -363,20 +367,20 @@ QString linkedReceivablesSql(const Book& b)
 Outcome insertAt(const Book& b, qint32 n)
 {
     // A trade book without a chosen sales point would get a blank entry of none.
-    if (n == 0 || !takesPart(b.tip) || (isTradeBook(b.tip) && b.brojProd == 0))
+    if (n == 0 || !takesPart(b.tip) || (books::isTradeBook(b.tip) && b.brojProd == 0))
         return {};
-    Database& db = session().db();
+    db::Database& db = session().db();
     // The blank entry is dated 1 January and every entry after it changes its number.
-    const QString locked = periodlock::refuseDates(db, b, { QDate(b.year, 1, 1) },
+    const QString locked = journal::periodlock::refuseDates(db, b, { QDate(b.year, 1, 1) },
         QStringLiteral("Ubačena stavka bila bi datirana %1, a stavke iza nje dobile bi nove redne brojeve."));
     if (!locked.isEmpty())
         return refusal(locked);
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     QString error;
-    ResultSet blank;
+    db::ResultSet blank;
     const bool inserted = tx.isActive() && journal::ensureBaseline(db, b, &error) && db.execute(shiftSql(b, n))
         && db.execute(blankEntrySql(b, n)) && db.open(rowsSql(b, QStringLiteral(" AND RBroj=") + num(n)), blank)
-        && journal::append(db, b, { journal::Radnja::Umetanje, n, {}, journal::rowsText(blank) }, &error)
+        && journal::append(db, b, { journal::RecordKind::Umetanje, n, {}, journal::rowsText(blank) }, &error)
         && tx.commit();
     return { inserted ? After::Reload : After::Stay, {} };
 }
@@ -385,13 +389,13 @@ Outcome byOrdinal(const Book& b)
 {
     if (!takesPart(b.tip))
         return {};
-    Database& db = session().db();
-    ResultSet links;
+    db::Database& db = session().db();
+    db::ResultSet links;
     if (b.tip == Knjiga::PrihRashFBiH && !db.open(linkedReceivablesSql(b), links)) {
         return refusal(
             failureText(QStringLiteral(" u čitanju zapisa knjige evid.potr.i obveza "), db.errorDescription()));
     }
-    ResultSet rows;
+    db::ResultSet rows;
     if (!db.open(rowsSql(b, QStringLiteral(" order by RBroj")), rows)) {
         return refusal(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
     }
@@ -404,7 +408,8 @@ Outcome byOrdinal(const Book& b)
         != Answer::Yes)
         return { After::Reload, {} };
     const std::vector<std::optional<qint64>> changes = ordinalNumbers(numbers, from);
-    if (const QString locked = periodlock::refuseRows(db, b, rows, &changes, kLockedNumber); !locked.isEmpty()) {
+    if (const QString locked = journal::periodlock::refuseRows(db, b, rows, &changes, kLockedNumber);
+        !locked.isEmpty()) {
         return refusal(locked);
     }
     const std::vector<std::optional<qint64>> linked = followFirstLinks(numbers, changes, links);
@@ -446,4 +451,4 @@ Outcome byDate(const Book& b)
         { failureText(QStringLiteral(" u ažuriranju broja knjige prihoda i rashoda: "), error), {}, Icon::Critical } };
 }
 
-} // namespace knjige::renumber
+} // namespace knjige::browser::renumber

@@ -10,7 +10,7 @@ namespace knjige::browser
 struct BookQuery;
 }
 
-namespace knjige::renumber
+namespace knjige::browser::renumber
 {
 
 // The numbers an operation rewrites: one book of a company and year and, in the trade
@@ -72,4 +72,4 @@ Outcome byOrdinal(const Book& b);
 // and expense book FBiH every receivables link follows its entry.
 Outcome byDate(const Book& b);
 
-} // namespace knjige::renumber
+} // namespace knjige::browser::renumber

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstring>
 
-namespace knjige
+namespace knjige::browser
 {
 
 QCollator textCollator()
@@ -207,7 +207,7 @@ private:
 
 } // namespace
 
-TextSortKeys::TextSortKeys(const ResultSet& rows, int column, const std::vector<int>& position)
+TextSortKeys::TextSortKeys(const db::ResultSet& rows, int column, const std::vector<int>& position)
 {
     const int n = rows.rowCount();
     const Alphabet& alphabet = Alphabet::instance();
@@ -290,4 +290,4 @@ int TextSortKeys::compare(int a, int b) const
     return la < lb ? -1 : (la > lb ? 1 : 0);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

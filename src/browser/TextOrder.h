@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-namespace knjige
+namespace knjige::browser
 {
 
 // Bosnian alphabetical order (C, Č, Ć, D, Dž, Đ, ... S, Š, Z, Ž), letter case ignored.
@@ -22,7 +22,7 @@ class TextSortKeys
 {
 public:
     // Keys of the column's texts, the key of row r at index position[r].
-    TextSortKeys(const ResultSet& rows, int column, const std::vector<int>& position);
+    TextSortKeys(const db::ResultSet& rows, int column, const std::vector<int>& position);
     // <0, 0, >0 as the key at index a sorts before, with or after the one at b. NULL
     // cells have an empty key; the caller places them.
     int compare(int a, int b) const;
@@ -47,4 +47,4 @@ private:
     std::vector<QCollatorSortKey> m_collator;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

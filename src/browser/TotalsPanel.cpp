@@ -22,21 +22,21 @@ bool hasTotalsPanel(int bookKind)
 
 QStringList totalsPanelHeaders(int bookKind)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     return book ? book->panel.headers : QStringList();
 }
 
 QString totalsPanelSql(
     int bookKind, qint16 company, qint16 year, qint32 salesPoint, const QDate& periodStart, const QDate& periodEnd)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book || book->panel.headers.isEmpty())
         return {};
-    const TotalsPanelLayout& f = book->panel;
+    const books::TotalsPanelLayout& f = book->panel;
     const QString y = QString::number(year);
     QString tail = QStringLiteral("' and ") + f.alias + QStringLiteral(".brojpoduzeca=") + QString::number(company)
         + QStringLiteral(" AND ") + f.alias + QStringLiteral(".GodinaKnj=") + y;
-    if (book->family == BookFamily::Trade)
+    if (book->family == books::BookFamily::Trade)
         tail += QStringLiteral(" AND K.BrojProd=") + QString::number(salesPoint);
     const QString upTo = QStringLiteral("' AND ") + f.alias + QStringLiteral(".Datum<='");
 
@@ -58,10 +58,10 @@ QString totalsPanelFailure()
     return failureText(QStringLiteral("u čitanju podataka o prethodnom periodu!"));
 }
 
-TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs)
+TotalsPanelRows totalsPanelRows(int bookKind, const db::ResultSet& rs)
 {
     TotalsPanelRows out;
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book || book->panel.headers.isEmpty())
         return out;
     out.headers = book->panel.headers;
@@ -85,7 +85,7 @@ TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs)
     std::stable_sort(out.rows.begin(), out.rows.end(), [](const PanelRow& a, const PanelRow& b) {
         return a.label.startsWith(kPrometDo) && !b.label.startsWith(kPrometDo);
     });
-    if (book->family == BookFamily::IncomeExpense) {
+    if (book->family == books::BookFamily::IncomeExpense) {
         total.label = QStringLiteral("Ukupno:");
     } else {
         total.label = QStringLiteral("UKUPNO:");

@@ -52,6 +52,6 @@ struct TotalsPanelRows {
 // period row whatever order the server returned them in, then the total row ("Ukupno:"
 // for the income and expense books; "UKUPNO:" in bold with its first value column, or
 // both for the commission book, for the turnover and trade books).
-TotalsPanelRows totalsPanelRows(int bookKind, const ResultSet& rs);
+TotalsPanelRows totalsPanelRows(int bookKind, const db::ResultSet& rs);
 
 } // namespace knjige::browser

@@ -23,7 +23,7 @@ QDate day(int year, int month, int d)
 }
 
 // A gross amount with its VAT share, as the FBiH and RS books keep it.
-RowChange::Values withVat(RowChange::Values v, Money iznos, bool vat)
+db::RowChange::Values withVat(db::RowChange::Values v, Money iznos, bool vat)
 {
     v.append({ QStringLiteral("Iznos"), cash(iznos) });
     v.append({ QStringLiteral("IznosPDV"), cash(vat ? vatShare(iznos) : Money()) });

@@ -37,7 +37,7 @@ private:
 // Datum and GodinaKnj (and BrojProd in the trade books), which the writer adds.
 struct Draft {
     QDate datum;
-    RowChange::Values values;
+    db::RowChange::Values values;
     // For income and expense FBiH entries that settle an invoice: the partner and the
     // invoice, from which the receivables and liabilities entries are made.
     qint32 partner = 0;

@@ -7,11 +7,8 @@
 #include <QHash>
 #include <QStringList>
 
-namespace knjige
+namespace knjige::demo
 {
-namespace demo
-{
-
 namespace
 {
 
@@ -82,8 +79,6 @@ QString partnerName(qint32 code)
     return {};
 }
 
-} // namespace demo
-
 namespace
 {
 
@@ -94,14 +89,14 @@ using demo::Draft;
 class Writer
 {
 public:
-    explicit Writer(Database& db)
+    explicit Writer(db::Database& db)
         : m_db(db)
     {
     }
 
-    bool insert(const QString& table, const RowChange::Values& values, bool onlyKnownColumns = false)
+    bool insert(const QString& table, const db::RowChange::Values& values, bool onlyKnownColumns = false)
     {
-        RowChange change { RowChange::Kind::Insert, table, {}, {} };
+        db::RowChange change { db::RowChange::Kind::Insert, table, {}, {} };
         if (onlyKnownColumns) {
             const QStringList known = columns(table);
             for (const auto& v : values)
@@ -121,7 +116,7 @@ public:
     {
         demo::sortByDate(rows);
         for (int i = 0; i < rows.size(); ++i) {
-            RowChange::Values v { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca } };
+            db::RowChange::Values v { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca } };
             if (brojProd)
                 v.append({ QStringLiteral("BrojProd"), brojProd });
             v.append({ QStringLiteral("RBroj"), i + 1 });
@@ -142,15 +137,15 @@ private:
         if (m_columns.contains(table))
             return m_columns.value(table);
         QStringList names;
-        ResultSet rs;
+        db::ResultSet rs;
         if (m_db.open(QStringLiteral("SELECT * FROM %1 WHERE 1=0").arg(table), rs))
-            for (const Field& f : rs.fields())
+            for (const db::Field& f : rs.fields())
                 names << f.name;
         m_columns.insert(table, names);
         return names;
     }
 
-    Database& m_db;
+    db::Database& m_db;
     QHash<QString, QStringList> m_columns;
     QString m_error;
 };
@@ -187,7 +182,6 @@ bool writePartners(Writer& w)
 
 bool writeBooks(Writer& w, int year)
 {
-    using namespace demo;
     QVector<Draft> fbih = prihRashFBiH(year);
     sortByDate(fbih);
     const QVector<Draft> evid = evidPotObv(fbih, year);
@@ -209,9 +203,9 @@ bool writeBooks(Writer& w, int year)
 
 } // namespace
 
-bool fillDemoData(Database& db, int year, QString* error)
+bool fillDemoData(db::Database& db, int year, QString* error)
 {
-    TransactionGuard transaction(db);
+    db::TransactionGuard transaction(db);
     Writer w(db);
     const bool ok = transaction.isActive() && writeCompany(w) && writePartners(w) && writeBooks(w, year);
     if (ok && transaction.commit())
@@ -221,9 +215,9 @@ bool fillDemoData(Database& db, int year, QString* error)
     return false;
 }
 
-bool fillDemoData(Database& db, QString* error)
+bool fillDemoData(db::Database& db, QString* error)
 {
     return fillDemoData(db, clock::today().year(), error);
 }
 
-} // namespace knjige
+} // namespace knjige::demo

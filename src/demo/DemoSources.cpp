@@ -13,7 +13,7 @@ static void initSourcesResource()
     Q_INIT_RESOURCE(sources);
 }
 
-namespace knjige
+namespace knjige::demo
 {
 namespace
 {
@@ -28,14 +28,14 @@ QVariant cash(Money m)
 class Writer
 {
 public:
-    explicit Writer(Database& db)
+    explicit Writer(db::Database& db)
         : m_db(db)
     {
     }
 
-    bool row(const QString& table, const RowChange::Values& values)
+    bool row(const QString& table, const db::RowChange::Values& values)
     {
-        if (m_db.writeRow({ RowChange::Kind::Insert, table, values, {} }))
+        if (m_db.writeRow({ db::RowChange::Kind::Insert, table, values, {} }))
             return true;
         m_error = table + QStringLiteral(": ") + m_db.errorDescription();
         return false;
@@ -43,19 +43,19 @@ public:
     QString error() const { return m_error; }
 
 private:
-    Database& m_db;
+    db::Database& m_db;
     QString m_error;
 };
 
 // The bank statement of a day ("Izvod 2026-045") or the next cash desk slip.
-QString dokumentPlaćanja(const QDate& d, bool blagajna, int& brojBlagajne)
+QString paymentDocument(const QDate& d, bool blagajna, int& brojBlagajne)
 {
     if (blagajna)
         return QStringLiteral("BL-%1/%2").arg(++brojBlagajne).arg(d.year() % 100, 2, 10, QLatin1Char('0'));
     return QStringLiteral("Izvod %1-%2").arg(d.year()).arg(d.dayOfYear(), 3, 10, QLatin1Char('0'));
 }
 
-struct Brojači {
+struct DocumentCounters {
     int dgp[3] = { 0, 0, 0 };
     int vp = 0;
     int kuf = 0;
@@ -77,14 +77,14 @@ public:
     bool day(const QDate& d) { return takings(d) && wholesale(d) && incoming(d) && dispatch(d); }
 
 private:
-    RowChange::Values head() const
+    db::RowChange::Values head() const
     {
         return { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { QStringLiteral("GodinaKnj"), m_year } };
     }
 
     bool invoice(const QDate& d, const QString& vrsta, int orgJed, int broj, QVariant kupac, Money iznos)
     {
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("Vrsta"), QVariant(vrsta) }
           << std::pair { QStringLiteral("OrgJed"), QVariant(orgJed) }
           << std::pair { QStringLiteral("BrojIfakt"), QVariant(broj) }
@@ -108,11 +108,12 @@ private:
         for (const auto& [datum, dio] : parts) {
             if (datum.year() != m_year)
                 continue;
-            const QString dokument = dokumentPlaćanja(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
-            const RowChange::Values v = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
-                { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
-                { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
-                { QStringLiteral("BrojDokumenta"), dokument }, { QStringLiteral("Iznos"), cash(dio) } };
+            const QString dokument = paymentDocument(datum, m_rng.chance(chanceOfCash), m_n.blagajna);
+            const db::RowChange::Values v
+                = { { QStringLiteral("BrojPoduzeca"), demo::BrojPoduzeca }, { brojKolona, broj },
+                      { QStringLiteral("GodinaKnj"), m_year }, { QStringLiteral("OrgJed"), demo::OrgJed },
+                      { QStringLiteral("Vrsta"), vrsta }, { QStringLiteral("Datum"), datum },
+                      { QStringLiteral("BrojDokumenta"), dokument }, { QStringLiteral("Iznos"), cash(dio) } };
             if (!m_w.row(table, v))
                 return false;
         }
@@ -141,15 +142,15 @@ private:
                 QStringLiteral("IFAKTUplate"), QStringLiteral("BrojIFAKT"), QStringLiteral("VP"), broj, d, iznos, 0);
     }
 
-    bool incomingInvoice(const QDate& d, qint32 dobavljač)
+    bool incomingInvoice(const QDate& d, qint32 supplier)
     {
         const int broj = ++m_n.kuf;
         const Money iznos = m_rng.amount(150, 3500);
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("Vrsta"), QVariant(QStringLiteral("KUF")) }
           << std::pair { QStringLiteral("OrgJed"), QVariant(demo::OrgJed) }
           << std::pair { QStringLiteral("BrojKUFa"), QVariant(broj) }
-          << std::pair { QStringLiteral("SifKomit"), QVariant(dobavljač) }
+          << std::pair { QStringLiteral("SifKomit"), QVariant(supplier) }
           << std::pair { QStringLiteral("DatFakture"), QVariant(d) }
           << std::pair { QStringLiteral("IznosFakture"), cash(iznos) };
         return m_w.row(QStringLiteral("KUF"), v)
@@ -159,7 +160,7 @@ private:
 
     bool incoming(const QDate& d)
     {
-        if (d.dayOfYear() % 3 == 0 && !incomingInvoice(d, demo::DobavljačKompenzacija))
+        if (d.dayOfYear() % 3 == 0 && !incomingInvoice(d, demo::CompensationSupplier))
             return false;
         const QVector<qint32> ostali = demo::supplierCodes().mid(1);
         if (m_rng.chance(60) && !incomingInvoice(d, ostali[m_rng.between(0, int(ostali.size()) - 1)]))
@@ -173,7 +174,7 @@ private:
         const int broj = mat ? ++m_n.mat : ++m_n.pos;
         const qint32 mjesto = (d.dayOfYear() / 2) % 2 ? demo::Maloprodaja2 : demo::Maloprodaja1;
         const qint32 prima = broj % 5 == 0 ? 102 : demo::Primatelj;
-        RowChange::Values v = head();
+        db::RowChange::Values v = head();
         v << std::pair { QStringLiteral("BrojSklad"), QVariant(mjesto) };
         if (mat) {
             const Money iznos = m_rng.amount(100, 900);
@@ -194,7 +195,7 @@ private:
     Writer& m_w;
     int m_year;
     Rng m_rng;
-    Brojači m_n;
+    DocumentCounters m_n;
 };
 
 bool writeRights(Writer& w, const QStringList& operators)
@@ -225,17 +226,17 @@ QStringList sourceStatements()
     QFile file(QStringLiteral(":/knjige/sql/sources.sql"));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    return scriptStatements(QString::fromUtf8(file.readAll()));
+    return books::scriptStatements(QString::fromUtf8(file.readAll()));
 }
 
-bool createSourceTables(Database& db, QString* error)
+bool createSourceTables(db::Database& db, QString* error)
 {
-    return runScript(db, sourceStatements(), error);
+    return books::runScript(db, sourceStatements(), error);
 }
 
-bool fillDemoSources(Database& db, int year, const QStringList& operators, QString* error)
+bool fillDemoSources(db::Database& db, int year, const QStringList& operators, QString* error)
 {
-    TransactionGuard transaction(db);
+    db::TransactionGuard transaction(db);
     Writer w(db);
     SourceDays days(w, year);
     bool ok = transaction.isActive() && writeRights(w, operators);
@@ -248,4 +249,4 @@ bool fillDemoSources(Database& db, int year, const QStringList& operators, QStri
     return false;
 }
 
-} // namespace knjige
+} // namespace knjige::demo

@@ -30,16 +30,16 @@ bool wrongYear(const QDate& date, int workingYear)
 
 // Values of two result sets compared by meaning: amounts and numbers as amounts (an
 // integer list column may show a currency column), dates as dates, the rest as text.
-bool sameValue(const ResultSet& a, int rowA, int colA, const ResultSet& b, int rowB, int colB)
+bool sameValue(const db::ResultSet& a, int rowA, int colA, const db::ResultSet& b, int rowB, int colB)
 {
     const bool nullA = a.isNull(rowA, colA);
     if (nullA || b.isNull(rowB, colB))
         return nullA == b.isNull(rowB, colB);
-    const FieldType ta = a.field(colA).type;
-    const FieldType tb = b.field(colB).type;
-    if (isNumeric(ta) && isNumeric(tb))
+    const db::FieldType ta = a.field(colA).type;
+    const db::FieldType tb = b.field(colB).type;
+    if (db::isNumeric(ta) && db::isNumeric(tb))
         return a.money(rowA, colA) == b.money(rowB, colB);
-    if (ta == FieldType::Date && tb == FieldType::Date)
+    if (ta == db::FieldType::Date && tb == db::FieldType::Date)
         return a.date(rowA, colA) == b.date(rowB, colB);
     return a.text(rowA, colA) == b.text(rowB, colB);
 }
@@ -53,7 +53,7 @@ bool refuses(const Findings& findings)
 
 QStringList vrstaTexts(int bookKind)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     return book ? book->editorKinds : QStringList();
 }
 
@@ -87,10 +87,10 @@ int vrstaTyped(const QStringList& texts, const QString& digits)
 
 int vrstaPosition(int bookKind, int code)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book)
         return -1;
-    const KindPositions& k = book->kindPositions;
+    const books::KindPositions& k = book->kindPositions;
     if (k.split == 0) {
         for (int i = 0; i < book->editorKinds.size(); ++i)
             if (vrstaCode(book->editorKinds[i]) == code)
@@ -101,7 +101,7 @@ int vrstaPosition(int bookKind, int code)
     return position >= 0 && position < book->editorKinds.size() ? position : -1;
 }
 
-int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow)
+int matchingRow(const db::ResultSet& candidates, const db::ResultSet* list, int listRow)
 {
     if (candidates.isEmpty())
         return -1;
@@ -127,9 +127,9 @@ int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow)
     return best;
 }
 
-ResultSet singleRow(const ResultSet& rs, int row)
+db::ResultSet singleRow(const db::ResultSet& rs, int row)
 {
-    ResultSet out(rs.fields());
+    db::ResultSet out(rs.fields());
     if (row < 0 || row >= rs.rowCount())
         return out;
     out.appendRow();
@@ -144,14 +144,14 @@ ResultSet singleRow(const ResultSet& rs, int row)
 
 QString entryTable(int bookKind)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     return book ? book->table : QString();
 }
 
 QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qint32 shop)
 {
     const QString tail = QStringLiteral(" AND RBroj=") + QString::number(rbroj);
-    if (isTradeBook(bookKind))
+    if (books::isTradeBook(bookKind))
         return QStringLiteral("SELECT * FROM ") + entryTable(bookKind) + QStringLiteral(" WHERE BROJPODUZECA=")
             + QString::number(company) + QStringLiteral(" AND GODINAKNJ=") + QString::number(year)
             + QStringLiteral("AND BrojProd=") + QString::number(shop) + tail;
@@ -164,7 +164,7 @@ QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qi
 
 QString captionSuffix(int bookKind)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     return book ? book->entryCaption : QString();
 }
 

@@ -53,9 +53,9 @@ QString readEntrySql(int bookKind, qint16 year, qint16 company, qint32 rbroj, qi
 // `listRow` of the browser's `list`: ordinal numbers need not be unique, so the row
 // that agrees with the list on the most columns both carry (by name) wins, the first
 // of equals. 0 without a list row; -1 when there are no candidates.
-int matchingRow(const ResultSet& candidates, const ResultSet* list, int listRow);
+int matchingRow(const db::ResultSet& candidates, const db::ResultSet* list, int listRow);
 // A result set holding row `row` of `rs` alone.
-ResultSet singleRow(const ResultSet& rs, int row);
+db::ResultSet singleRow(const db::ResultSet& rs, int row);
 
 // The table an editor writes, as the system names it.
 QString entryTable(int bookKind);

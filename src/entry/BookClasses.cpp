@@ -11,7 +11,7 @@
 #include <QEventLoop>
 #include <QPointer>
 
-namespace knjige
+namespace knjige::entry
 {
 
 void KnjigaKlasa::Show(QString level, const QString& operatorName)
@@ -20,17 +20,17 @@ void KnjigaKlasa::Show(QString level, const QString& operatorName)
     s.NivoPristupa = level;
     s.ImeOperatera = operatorName;
     // A host that brought no seam of its own gets real message boxes and dialogs.
-    useTextViewerForLongTexts();
+    output::useTextViewerForLongTexts();
     ensureDialogInteraction();
     // And Qt's own dialogs in the workstation's language, unless the host has chosen.
     installQtTranslations();
 
-    auto* browser = new frmSifarnikKnj;
+    auto* browser = new browser::frmSifarnikKnj;
     browser->setTipSifarnika(m_kod);
     if (m_pozvan) {
         // Called as the host's sub-window: the call lasts as long as the window, and
         // the window is unloaded when it ends.
-        QPointer<frmSifarnikKnj> guard(browser);
+        QPointer<browser::frmSifarnikKnj> guard(browser);
         browser->toolbarButton(10)->setVisible(true);
         browser->Prikaži(0, {});
         if (guard && guard->isVisible()) {
@@ -68,7 +68,7 @@ void KnjigaKlasa::setBrojPoduzeca(qint16 value)
 
 QString KnjigaKlasa::className() const
 {
-    const BookKind* book = findBook(m_kod);
+    const books::BookKind* book = books::findBook(m_kod);
     return book ? book->className : QString();
 }
 
@@ -112,19 +112,19 @@ std::unique_ptr<KnjigaKlasa> createByClass(const QString& className)
 
 std::unique_ptr<KnjigaKlasa> createBookObject(const QString& programmaticId)
 {
-    const QString prefix = knjige::programmaticId(QString());
+    const QString prefix = knjige::books::programmaticId(QString());
     if (!programmaticId.startsWith(prefix, Qt::CaseInsensitive))
         return nullptr;
-    const BookKind* book = findBookByClass(programmaticId.mid(prefix.size()));
+    const books::BookKind* book = books::findBookByClass(programmaticId.mid(prefix.size()));
     return book ? createByClass(book->className) : nullptr;
 }
 
 QStringList bookObjectIds()
 {
     QStringList ids;
-    for (const BookKind& book : allBooks())
-        ids << programmaticId(book.className);
+    for (const books::BookKind& book : books::allBooks())
+        ids << books::programmaticId(book.className);
     return ids;
 }
 
-} // namespace knjige
+} // namespace knjige::entry

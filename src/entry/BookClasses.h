@@ -7,7 +7,7 @@
 #include <QtGlobal>
 #include <memory>
 
-namespace knjige
+namespace knjige::entry
 {
 
 // A public book class: what a host creates to open one book. The four properties are
@@ -83,4 +83,4 @@ KNJIGE_EXPORT QStringList bookObjectIds();
 // The component's version as a host may show it in an about box.
 KNJIGE_EXPORT QString componentVersion();
 
-} // namespace knjige
+} // namespace knjige::entry

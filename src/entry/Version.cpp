@@ -1,6 +1,6 @@
 #include "entry/BookClasses.h"
 
-namespace knjige
+namespace knjige::entry
 {
 
 QString componentVersion()
@@ -8,4 +8,4 @@ QString componentVersion()
     return QStringLiteral("17.0");
 }
 
-} // namespace knjige
+} // namespace knjige::entry

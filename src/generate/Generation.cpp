@@ -15,7 +15,7 @@
 #include <limits>
 #include <optional>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 namespace
 {
@@ -30,11 +30,11 @@ const QVector<OpisVrste>& opisi()
         const QString pos = QStringLiteral("Server i baza POSa");
         const QString otpremnice
             = QStringLiteral("Upišite opseg datuma int.otpremnica za koje želite generirati podatke:");
-        const QString greškaKuf = QStringLiteral("Greška u čitanju podatka iz KUF-a!");
+        const QString kufReadError = QStringLiteral("Greška u čitanju podatka iz KUF-a!");
         const QString nemaKuf = QStringLiteral("Ne postoje podaci u KUF-u za zadani filter!");
         const QString upitKuf = QStringLiteral(
             " zapisa u ulaznim računima za prijenos u knjigu prihoda i rashoda DB. Želite li ih generirati?");
-        const QString greškaOtp = QStringLiteral("Greška u čitanju podatka iz int.otpremnica!");
+        const QString dispatchReadError = QStringLiteral("Greška u čitanju podatka iz int.otpremnica!");
         const QString nemaOtp = QStringLiteral("Ne postoje podaci u internim otpremnicama za zadani filter!");
         const QString upitOtp = QStringLiteral(
             " zapisa u internim otpremnicama za prijenos u knjigu prihoda i rashoda DB. Želite li ih generirati?");
@@ -57,20 +57,20 @@ const QVector<OpisVrste>& opisi()
         v[UlazniRacuni] = { QStringLiteral("Generiranje rashoda iz ulaznih računa za dobavljača"), kuf,
             QStringLiteral("Upišite opseg datuma ulaznih računa za koje želite generirati podatke:"),
             QStringLiteral("Uklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"), QStringLiteral("KUFSQLBaze"),
-            greškaKuf, nemaKuf, upitKuf };
+            kufReadError, nemaKuf, upitKuf };
         v[UplateUlaznih]
             = { QStringLiteral("Generiranje rashoda iz uplata ulaznih računa uz isključenje dobavljača"), kuf,
                   QStringLiteral("Upišite opseg datuma uplata ulaznih računa za koje želite generirati "
                                  "podatke:"),
                   QStringLiteral("Isklj.dobavljača:"), {}, {}, QStringLiteral("KUFSQLServera"),
-                  QStringLiteral("KUFSQLBaze"), greškaKuf, nemaKuf, upitKuf };
+                  QStringLiteral("KUFSQLBaze"), kufReadError, nemaKuf, upitKuf };
         v[MatOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica MAT-velepr."),
             QStringLiteral("Server i baza MAT"), otpremnice, {}, QStringLiteral("Skladište:"),
-            QStringLiteral("Kupac (prima):"), QStringLiteral("MatSQLServera"), QStringLiteral("MatSQLBaze"), greškaOtp,
-            nemaOtp, upitOtp };
+            QStringLiteral("Kupac (prima):"), QStringLiteral("MatSQLServera"), QStringLiteral("MatSQLBaze"),
+            dispatchReadError, nemaOtp, upitOtp };
         v[PosOtpremnice] = { QStringLiteral("Generiranje rashoda iz internih otpremnica POS-malopr."), pos, otpremnice,
             {}, QStringLiteral("Maloprodaja:"), QStringLiteral("Tko prima:"), QStringLiteral("POSSQLServera"),
-            QStringLiteral("POSSQLBaze"), greškaOtp, nemaOtp, upitOtp };
+            QStringLiteral("POSSQLBaze"), dispatchReadError, nemaOtp, upitOtp };
         v[PosPovrat] = v[PosOtpremnice];
         v[PosPovrat].naslov = QStringLiteral("Generiranje rashoda u minus iz internih otpremnica POS-malopr.-povrat");
         return v;
@@ -104,9 +104,9 @@ QString navodnici(const QString& text)
 
 QString uvjetMjesta(const Parametri& p)
 {
-    if (p.skladište.trimmed().isEmpty())
+    if (p.shop.trimmed().isEmpty())
         return uvjetPrava(p.vrsta, p.operater);
-    return QStringLiteral(" AND K.BrojSklad=") + brojTekst(p.skladište);
+    return QStringLiteral(" AND K.BrojSklad=") + brojTekst(p.shop);
 }
 
 QString upitOtpremnica(const Parametri& p)
@@ -133,15 +133,15 @@ QString upitOtpremnica(const Parametri& p)
         + QStringLiteral(" ORDER BY K.DatumPovr,K.BrojSklad");
 }
 
-QString upitRačuna(const Parametri& p)
+QString invoiceQuery(const Parametri& p)
 {
     const QString firma = QString::number(p.brojPoduzeca);
     const QString orgJed = brojTekst(p.orgJed);
     const QString od = datum(p.od);
     const QString doD = datum(p.doDatuma);
     const QString godina = QString::number(p.godina);
-    const QString dobavljač
-        = (p.vrsta == UlazniRacuni ? QStringLiteral("=") : QStringLiteral("<>")) + brojTekst(p.dobavljač);
+    const QString supplier
+        = (p.vrsta == UlazniRacuni ? QStringLiteral("=") : QStringLiteral("<>")) + brojTekst(p.supplier);
     switch (p.vrsta) {
     case DgpRacuni:
         return QStringLiteral("SELECT K.BrojPoduzeca,K.GodinaKnj,K.DatumIfakt,left('Pazar '+rtrim(cast(K.OrgJed as "
@@ -167,7 +167,7 @@ QString upitRačuna(const Parametri& p)
                               "nvarchar(15))),20) as Isprava,left(K.Vrsta+'-'+cast(K.OrgJed as nvarchar(10))+'-'+"
                               "cast(K.BrojKUFa as nvarchar(15))+'/'+cast(K.GodinaKnj as nvarchar(5)),30) as Opis,"
                               "K.IznosFakture as Iznos FROM KUF K ")
-            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + dobavljač
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + supplier
             + QStringLiteral(" AND K.OrgJed=") + orgJed + QStringLiteral(" AND K.DATFAKTURE >= '") + od
             + QStringLiteral("' AND K.DATFAKTURE<='") + doD + QStringLiteral("' AND K.GodinaKnj=") + godina
             + QStringLiteral(" ORDER BY K.DATFAKTURE");
@@ -178,7 +178,7 @@ QString upitRačuna(const Parametri& p)
                               "nvarchar(5)),30) as Opis,U.Iznos FROM KUF K ")
             + QStringLiteral("INNER JOIN KUFUplate U ON K.BrojPoduzeca=U.BrojPoduzeca AND K.BrojKUFa=U.BrojKUFa AND "
                              "K.GodinaKnj=U.GodinaKnj AND K.OrgJed=U.OrgJed AND K.Vrsta=U.Vrsta ")
-            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + dobavljač
+            + QStringLiteral(" WHERE K.BrojPoduzeca=") + firma + QStringLiteral(" AND K.SifKomit") + supplier
             + QStringLiteral(" AND K.OrgJed=") + orgJed + QStringLiteral(" AND U.DATUM >= '") + od
             + QStringLiteral("' AND U.DATUM<='") + doD + QStringLiteral("'") + QStringLiteral(" ORDER BY U.Datum");
     }
@@ -205,11 +205,11 @@ bool imaOrgJedinicu(int vrsta)
 {
     return vrsta >= DgpRacuni && vrsta <= UplateUlaznih;
 }
-bool imaDobavljača(int vrsta)
+bool hasSupplier(int vrsta)
 {
     return vrsta == UlazniRacuni || vrsta == UplateUlaznih;
 }
-bool imaSkladište(int vrsta)
+bool hasShop(int vrsta)
 {
     return vrsta >= MatOtpremnice && vrsta <= PosPovrat;
 }
@@ -221,23 +221,23 @@ Check provjeri(const Parametri& p)
         return refused("Prvi datum veći od drugog!");
     if (imaOrgJedinicu(p.vrsta) && !broj(p.orgJed))
         return refused("Org.jedinica nije dobro upisana!");
-    if (imaDobavljača(p.vrsta)) {
-        if (p.dobavljač.trimmed().isEmpty())
+    if (hasSupplier(p.vrsta)) {
+        if (p.supplier.trimmed().isEmpty())
             return refused("Dobavljač nije upisan!");
-        if (badNumber(p.dobavljač))
+        if (badNumber(p.supplier))
             return refused("Dobavljač nije dobro upisan!");
     }
-    if (!imaSkladište(p.vrsta))
+    if (!hasShop(p.vrsta))
         return {};
     if (p.prima.trimmed().isEmpty())
         return refused("Tko prima ili kupac nije upisan!");
     if (badNumber(p.prima))
         return refused("Tko prima ili kupac nije dobro upisan!");
-    if (p.skladište.trimmed().isEmpty())
+    if (p.shop.trimmed().isEmpty())
         return { {},
             QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat će se otpremnice za sva skl./malopr. za koje "
                            "operater ima prava. Pažljivo. Želite li nastaviti sa generiranjem?") };
-    if (badNumber(p.skladište))
+    if (badNumber(p.shop))
         return refused("Skladište/Maloprodaja nije dobro upisano!");
     return {};
 }
@@ -252,34 +252,35 @@ QString uvjetPrava(int vrsta, const QString& operater)
 
 QString izvorniUpit(const Parametri& p)
 {
-    return imaSkladište(p.vrsta) ? upitOtpremnica(p) : upitRačuna(p);
+    return hasShop(p.vrsta) ? upitOtpremnica(p) : invoiceQuery(p);
 }
 
 QString pitanjePotvrde(const Parametri& p)
 {
-    const QString početak = QStringLiteral("Želite li generirati stavke knjige prihoda i rashoda za DB na temelju ");
+    const QString questionStart
+        = QStringLiteral("Želite li generirati stavke knjige prihoda i rashoda za DB na temelju ");
     const QString period = dates::display(p.od) + QStringLiteral(" do ") + dates::display(p.doDatuma);
     const QString orgJed = QStringLiteral(" za org.jedinicu: ") + p.orgJed.trimmed() + QStringLiteral(" ?");
-    const QString dobavljač = QStringLiteral(" dobavljača ") + p.dobavljač.trimmed();
+    const QString supplier = QStringLiteral(" dobavljača ") + p.supplier.trimmed();
     switch (p.vrsta) {
     case DgpRacuni:
-        return početak + QStringLiteral("pologa pazara (DGP izl.računi) u perodu od ") + period + orgJed;
+        return questionStart + QStringLiteral("pologa pazara (DGP izl.računi) u perodu od ") + period + orgJed;
     case UplateIzlaznih:
-        return početak + QStringLiteral("unesenih uplata izl.računa u perodu od ") + period + orgJed;
+        return questionStart + QStringLiteral("unesenih uplata izl.računa u perodu od ") + period + orgJed;
     case UlazniRacuni:
-        return početak + QStringLiteral("ulaznih računa u perodu od ") + period + QStringLiteral(" za") + dobavljač
+        return questionStart + QStringLiteral("ulaznih računa u perodu od ") + period + QStringLiteral(" za") + supplier
             + orgJed;
     case UplateUlaznih:
-        return početak + QStringLiteral("uplata ulaznih računa u perodu od ") + period
-            + QStringLiteral(" uz isključenje") + dobavljač + orgJed;
+        return questionStart + QStringLiteral("uplata ulaznih računa u perodu od ") + period
+            + QStringLiteral(" uz isključenje") + supplier + orgJed;
     default:
         break;
     }
     const bool mat = p.vrsta == MatOtpremnice;
-    QString q = početak + (mat ? QStringLiteral("MAT") : QStringLiteral("POS"))
+    QString q = questionStart + (mat ? QStringLiteral("MAT") : QStringLiteral("POS"))
         + QStringLiteral(" internih otpremnica u perodu od ") + period;
-    q += p.skladište.trimmed().isEmpty() ? QStringLiteral(" za sva skl./malopr. za koja ima pravo")
-                                         : QStringLiteral(" za skladište: ") + p.skladište.trimmed();
+    q += p.shop.trimmed().isEmpty() ? QStringLiteral(" za sva skl./malopr. za koja ima pravo")
+                                    : QStringLiteral(" za skladište: ") + p.shop.trimmed();
     q += QStringLiteral(" za ") + (mat ? QStringLiteral("KUPCA ") : QStringLiteral("TKO PRIMA ")) + p.prima.trimmed();
     if (p.vrsta == PosPovrat)
         q += QStringLiteral(" u negativnom iznosu (povrat)");
@@ -317,9 +318,9 @@ bool pitaj(const QString& text)
 }
 
 // The book's last number for the company and year; nothing when it cannot be read.
-std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
+std::optional<qint64> zadnjiBroj(db::Database& db, const Parametri& p)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(zadnjiBrojUpit(p.brojPoduzeca, p.godina), rs))
         return std::nullopt;
     const int c = rs.indexOf(QStringLiteral("Broj"));
@@ -328,17 +329,17 @@ std::optional<qint64> zadnjiBroj(Database& db, const Parametri& p)
     return rs.integer(0, c);
 }
 
-QVariant tekst(const ResultSet& rs, int row, int column)
+QVariant tekst(const db::ResultSet& rs, int row, int column)
 {
     return column < 0 || rs.isNull(row, column) ? QVariant() : QVariant(rs.text(row, column));
 }
 
 // Where the columns of an entry stand in stavka()'s values.
-enum Stupac { StPoduzeće, StGodina, StRBroj, StDatum, StIsprava, StOpis, StVrsta, StIznos };
+enum Stupac { StCompany, StGodina, StRBroj, StDatum, StIsprava, StOpis, StVrsta, StIznos };
 
 // One book entry from one source row, in the order the book's columns are written;
 // its number is given when it is written.
-RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
+db::RowChange::Values stavka(const Parametri& p, const db::ResultSet& rs, int row)
 {
     const int cDatum = 2; // DatumIfakt, Datum or DatFakture: the third column of every statement
     const int cIsprava = rs.indexOf(QStringLiteral("Isprava"));
@@ -349,9 +350,9 @@ RowChange::Values stavka(const Parametri& p, const ResultSet& rs, int row)
 
     QVariant opis = tekst(rs, row, cOpis);
     if (p.vrsta == UplateUlaznih) {
-        const int širina = textColumnWidth(kKnjiga, QStringLiteral("Opis"));
+        const int width = books::textColumnWidth(kKnjiga, QStringLiteral("Opis"));
         const QString s = opis.toString() + QStringLiteral(" Upl.") + dokument;
-        opis = širina > 0 ? s.left(širina) : s;
+        opis = width > 0 ? s.left(width) : s;
     }
     QVariant iznos;
     if (cIznos >= 0 && !rs.isNull(row, cIznos))
@@ -378,7 +379,7 @@ QString otisak(
         .join(QChar(0x1f));
 }
 
-QString otisak(const RowChange::Values& v)
+QString otisak(const db::RowChange::Values& v)
 {
     return otisak(v[StGodina].second, v[StDatum].second, v[StIsprava].second, v[StOpis].second, v[StIznos].second);
 }
@@ -393,12 +394,12 @@ struct Held {
 };
 
 // Nothing when the book cannot be read.
-std::optional<Held> većUpisane(Database& db, const Parametri& p, const QVector<RowChange::Values>& stavke)
+std::optional<Held> alreadyInBook(db::Database& db, const Parametri& p, const QVector<db::RowChange::Values>& entries)
 {
     Held held;
-    held.entries.fill(false, stavke.size());
+    held.entries.fill(false, entries.size());
     QDate prvi, zadnji;
-    for (const RowChange::Values& v : stavke) {
+    for (const db::RowChange::Values& v : entries) {
         const QDate d = v[StDatum].second.toDate();
         if (d.isValid() && (!prvi.isValid() || d < prvi))
             prvi = d;
@@ -407,7 +408,7 @@ std::optional<Held> većUpisane(Database& db, const Parametri& p, const QVector<
     }
     if (!prvi.isValid())
         return held;
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(QStringLiteral("SELECT GodinaKnj,Datum,Isprava,Opis,Iznos FROM dbo.KnjPrihRashDB WHERE BrojPoduzeca=")
                 + QString::number(p.brojPoduzeca) + QStringLiteral(" AND Datum>='") + datum(prvi)
                 + QStringLiteral("' AND Datum<'") + datum(zadnji.addDays(1)) + QStringLiteral("'"),
@@ -418,14 +419,14 @@ std::optional<Held> većUpisane(Database& db, const Parametri& p, const QVector<
         const QVariant iznos = rs.isNull(r, 4) ? QVariant() : QVariant::fromValue(rs.money(r, 4));
         ++uKnjizi[otisak(int(rs.integer(r, 0)), rs.date(r, 1), tekst(rs, r, 2), tekst(rs, r, 3), iznos)];
     }
-    QSet<QString> traženi;
-    for (const RowChange::Values& v : stavke)
-        traženi.insert(otisak(v));
+    QSet<QString> wanted;
+    for (const db::RowChange::Values& v : entries)
+        wanted.insert(otisak(v));
     for (auto it = uKnjizi.cbegin(); it != uKnjizi.cend(); ++it)
-        if (traženi.contains(it.key()))
+        if (wanted.contains(it.key()))
             held.bookRows += it.value();
-    for (int i = 0; i < stavke.size(); ++i) {
-        const auto it = uKnjizi.find(otisak(stavke[i]));
+    for (int i = 0; i < entries.size(); ++i) {
+        const auto it = uKnjizi.find(otisak(entries[i]));
         if (it != uKnjizi.end() && it.value() > 0) {
             --it.value();
             held.entries[i] = true;
@@ -434,13 +435,13 @@ std::optional<Held> većUpisane(Database& db, const Parametri& p, const QVector<
     return held;
 }
 
-void izostavi(QVector<RowChange::Values>& stavke, const QVector<bool>& koje)
+void izostavi(QVector<db::RowChange::Values>& entries, const QVector<bool>& koje)
 {
-    QVector<RowChange::Values> ostale;
-    for (int i = 0; i < stavke.size(); ++i)
+    QVector<db::RowChange::Values> ostale;
+    for (int i = 0; i < entries.size(); ++i)
         if (!koje[i])
-            ostale << stavke[i];
-    stavke = ostale;
+            ostale << entries[i];
+    entries = ostale;
 }
 
 Notice upozorenje(const QString& tekst)
@@ -452,27 +453,27 @@ Notice upozorenje(const QString& tekst)
 // of an earlier year's invoice keeps the invoice's year while it takes a number of
 // the working year. Both are asked about before anything is written; the entries
 // left out take no number.
-void izaberi(const Parametri& p, QVector<RowChange::Values>& stavke, const Held& upisane)
+void izaberi(const Parametri& p, QVector<db::RowChange::Values>& entries, const Held& upisane)
 {
-    const int već = int(upisane.entries.count(true));
-    if (već > 0
+    const int heldCount = int(upisane.entries.count(true));
+    if (heldCount > 0
         && !askYesNo(QStringLiteral("Od %1 zapisa za prijenos, %2 već postoje u knjizi prihoda i rashoda DB iz ranijeg "
                                     "generiranja (isti datum, isprava, opis i iznos). Želite li ih ponovo upisati? "
                                     "Ako odgovorite Ne, upisat će se samo ostali zapisi.")
-                         .arg(stavke.size())
-                         .arg(već),
+                         .arg(entries.size())
+                         .arg(heldCount),
             {}, Answer::No))
-        izostavi(stavke, upisane.entries);
+        izostavi(entries, upisane.entries);
 
-    constexpr int kNajvišeNavedenih = 10;
-    QVector<bool> drugaGodina(stavke.size(), false);
+    constexpr int kMaxListed = 10;
+    QVector<bool> drugaGodina(entries.size(), false);
     QStringList navedeni;
-    for (int i = 0; i < stavke.size(); ++i) {
-        const RowChange::Values& v = stavke[i];
+    for (int i = 0; i < entries.size(); ++i) {
+        const db::RowChange::Values& v = entries[i];
         if (v[StGodina].second.isValid() && v[StGodina].second.toInt() == p.godina)
             continue;
         drugaGodina[i] = true;
-        if (navedeni.size() < kNajvišeNavedenih)
+        if (navedeni.size() < kMaxListed)
             navedeni << v[StIsprava].second.toString() + QStringLiteral(" (") + v[StOpis].second.toString()
                     + QStringLiteral("), ") + dates::display(v[StDatum].second.toDate()) + QStringLiteral(", godina ")
                     + v[StGodina].second.toString();
@@ -486,17 +487,17 @@ void izaberi(const Parametri& p, QVector<RowChange::Values>& stavke, const Held&
                 + QStringLiteral("\nUpisali bi se u knjigu svoje godine pod rednim brojevima radne godine. Želite li "
                                  "ih izostaviti?"),
             {}, Answer::Yes))
-        izostavi(stavke, drugaGodina);
+        izostavi(entries, drugaGodina);
 }
 
 // Appends the entries, numbered on from `zadnji`. The rows go in one transaction for
 // speed, but a failure keeps those written before it, as a run without a transaction
 // would. A failure or refusal is left in `poruka`. `asked` is what the book held of
 // all the run's entries (`sve`) when the questions were put.
-int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke, qint64 zadnji,
-    const QVector<RowChange::Values>& sve, const Held& asked, Notice* poruka)
+int writeEntries(db::Database& db, const Parametri& p, QVector<db::RowChange::Values>& entries, qint64 zadnji,
+    const QVector<db::RowChange::Values>& sve, const Held& asked, Notice* poruka)
 {
-    ResultSet prazan;
+    db::ResultSet prazan;
     if (!db.open(QStringLiteral("SELECT * FROM DBO.KnjPrihRashDB WHERE RBROJ=0"), prazan)) {
         *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
@@ -505,27 +506,28 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
     // with them, in the same transaction.
     const journal::Scope knjigaDB { Knjiga::PrihRashDB, p.brojPoduzeca, p.godina, 0 };
     QList<QDate> datumi;
-    for (const RowChange::Values& v : stavke)
+    for (const db::RowChange::Values& v : entries)
         datumi << v[StDatum].second.toDate();
-    const QString zaključano = periodlock::refuseDates(
+    const QString lockRefusal = journal::periodlock::refuseDates(
         db, knjigaDB, datumi, QStringLiteral("Generiranje bi upisalo stavke datirane %1. Ništa nije upisano."));
-    if (!zaključano.isEmpty()) {
-        *poruka = upozorenje(zaključano);
+    if (!lockRefusal.isEmpty()) {
+        *poruka = upozorenje(lockRefusal);
         return 0;
     }
-    TransactionGuard transakcija(db);
-    QString dnevnik, greška;
-    const auto zapišiDnevnik = [&] {
-        return dnevnik.isEmpty()
-            || journal::append(db, knjigaDB, { journal::Radnja::Generiranje, std::nullopt, {}, dnevnik }, &greška);
+    db::TransactionGuard transakcija(db);
+    QString journalText, journalError;
+    const auto writeJournal = [&] {
+        return journalText.isEmpty()
+            || journal::append(
+                db, knjigaDB, { journal::RecordKind::Generiranje, std::nullopt, {}, journalText }, &journalError);
     };
     // The questions were answered while others could write, so the book is read again
     // inside the transaction (which, on the embedded database, holds the book until
     // the commit): the same documents booked meanwhile (a second run over the same
     // days) stop this run, and the numbers go on from the last one taken meanwhile.
-    const std::optional<Held> now = većUpisane(db, p, sve);
-    const std::optional<qint64> zadnjiSada = zadnjiBroj(db, p);
-    if (!now || !zadnjiSada) {
+    const std::optional<Held> now = alreadyInBook(db, p, sve);
+    const std::optional<qint64> lastNow = zadnjiBroj(db, p);
+    if (!now || !lastNow) {
         *poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return 0;
     }
@@ -535,37 +537,37 @@ int upiši(Database& db, const Parametri& p, QVector<RowChange::Values>& stavke,
                                             "generiranje."));
         return 0;
     }
-    zadnji = std::max(zadnji, *zadnjiSada);
-    if (!journal::ensureBaseline(db, knjigaDB, &greška)) {
+    zadnji = std::max(zadnji, *lastNow);
+    if (!journal::ensureBaseline(db, knjigaDB, &journalError)) {
         *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
     // Gone before any message: the rows written before a failure stay, so stopping
     // is not offered.
-    auto napredak = interaction().startProgress(
-        { QStringLiteral("Generiranje"), QStringLiteral("Generiranje: %1 od %2 zapisa"), stavke.size(), false });
+    auto progress = interaction().startProgress(
+        { QStringLiteral("Generiranje"), QStringLiteral("Generiranje: %1 od %2 zapisa"), entries.size(), false });
     int zapisano = 0;
-    for (RowChange::Values& v : stavke) {
+    for (db::RowChange::Values& v : entries) {
         const qint64 rBroj = zadnji + zapisano + 1;
         const bool stane = rBroj <= std::numeric_limits<qint32>::max();
         if (stane)
             v[StRBroj].second = int(rBroj);
-        const bool upisan = stane && db.writeRow({ RowChange::Kind::Insert, kKnjiga, v, {} });
+        const bool upisan = stane && db.writeRow({ db::RowChange::Kind::Insert, kKnjiga, v, {} });
         if (upisan)
-            dnevnik += journal::rowText(v) + u'\n';
+            journalText += journal::rowText(v) + u'\n';
         else {
-            if (transakcija.isActive() && !zapišiDnevnik())
+            if (transakcija.isActive() && !writeJournal())
                 zapisano = 0;
             else if (transakcija.isActive())
                 transakcija.commit();
-            napredak.reset();
+            progress.reset();
             *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
             return zapisano;
         }
-        napredak->advance(++zapisano);
+        progress->advance(++zapisano);
     }
-    napredak.reset();
-    if (transakcija.isActive() && (!zapišiDnevnik() || !transakcija.commit())) {
+    progress.reset();
+    if (transakcija.isActive() && (!writeJournal() || !transakcija.commit())) {
         *poruka = upozorenje(QStringLiteral("Greška u spremanju podataka u knjigu DB. Provjerite i ponovite!"));
         return 0;
     }
@@ -580,20 +582,20 @@ Rezultat generiraj(const Parametri& p)
     if (!valjanaVrsta(p.vrsta) || !pitaj(pitanjePotvrde(p)))
         return rezultat;
     const OpisVrste& opis = opisVrste(p.vrsta);
-    Database& knjiga = session().db();
+    db::Database& knjiga = session().db();
     const std::optional<qint64> zadnji = zadnjiBroj(knjiga, p);
     if (!zadnji) {
         rezultat.poruka = upozorenje(QStringLiteral("Greška u čitanju zadnjeg rednog broja knjige!"));
         return rezultat;
     }
-    ResultSet redovi;
+    db::ResultSet redovi;
     {
         // The source is read whole and its connection closed before the book is
         // written: the two may be the same embedded file.
-        Database izvor;
+        db::Database izvor;
         rezultat.izvorOtvoren = izvor.connect(p.izvor);
         if (!rezultat.izvorOtvoren || !izvor.open(izvorniUpit(p), redovi)) {
-            rezultat.poruka = upozorenje(opis.greškaČitanja);
+            rezultat.poruka = upozorenje(opis.readError);
             return rezultat;
         }
     }
@@ -603,22 +605,23 @@ Rezultat generiraj(const Parametri& p)
     }
     if (!pitaj(QStringLiteral("Postoje ") + QString::number(redovi.rowCount()) + opis.upitBroja))
         return rezultat;
-    QVector<RowChange::Values> stavke;
+    QVector<db::RowChange::Values> entries;
     for (int r = 0; r < redovi.rowCount(); ++r)
-        stavke << stavka(p, redovi, r);
-    const std::optional<Held> upisane = većUpisane(knjiga, p, stavke);
+        entries << stavka(p, redovi, r);
+    const std::optional<Held> upisane = alreadyInBook(knjiga, p, entries);
     if (!upisane) {
         rezultat.poruka = upozorenje(QStringLiteral("Greška u čitanju podatka iz knjige DB!"));
         return rezultat;
     }
-    const QVector<RowChange::Values> sve = stavke;
-    izaberi(p, stavke, *upisane);
-    rezultat.zapisano = stavke.isEmpty() ? 0 : upiši(knjiga, p, stavke, *zadnji, sve, *upisane, &rezultat.poruka);
-    if (rezultat.zapisano == stavke.size())
+    const QVector<db::RowChange::Values> sve = entries;
+    izaberi(p, entries, *upisane);
+    rezultat.zapisano
+        = entries.isEmpty() ? 0 : writeEntries(knjiga, p, entries, *zadnji, sve, *upisane, &rezultat.poruka);
+    if (rezultat.zapisano == entries.size())
         rezultat.poruka = { QStringLiteral("Uspješno generirano ") + QString::number(rezultat.zapisano)
                 + QStringLiteral(" zapisa u knjigu prihoda i rashoda DB!"),
             {}, Icon::Information };
     return rezultat;
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

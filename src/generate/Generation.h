@@ -5,7 +5,7 @@
 #include <QDate>
 #include <QString>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // The seven ways of filling the DB income and expense book (109), by the index of
@@ -31,7 +31,7 @@ struct OpisVrste {
     QString oznakaPrimatelja; // kinds 4 to 6: who receives
     QString kljucServera; // settings keys under "Arbosa", "Settings"
     QString kljucBaze;
-    QString greškaČitanja; // the source rows could not be read
+    QString readError; // the source rows could not be read
     QString nemaPodataka; // the source has no rows for the filter
     QString upitBroja; // follows "Postoje " + count
 };
@@ -40,8 +40,8 @@ struct OpisVrste {
 const OpisVrste& opisVrste(int vrsta);
 bool valjanaVrsta(int vrsta);
 bool imaOrgJedinicu(int vrsta); // 0 to 3
-bool imaDobavljača(int vrsta); // 2, 3
-bool imaSkladište(int vrsta); // 4 to 6: place and receiver
+bool hasSupplier(int vrsta); // 2, 3
+bool hasShop(int vrsta); // 4 to 6: place and receiver
 
 // One run as the dialog collects it. The texts are as typed; provjeri() tells whether
 // they can be used.
@@ -52,8 +52,8 @@ struct Parametri {
     qint16 brojPoduzeca = 0;
     qint16 godina = 0;
     QString orgJed;
-    QString dobavljač;
-    QString skladište; // empty: every warehouse or shop the operator has a right to
+    QString supplier;
+    QString shop; // empty: every warehouse or shop the operator has a right to
     QString prima;
     QString operater; // the system user name, at most 10 characters
     QString izvor; // connection string of the source database
@@ -100,4 +100,4 @@ struct Rezultat {
 // run; entries already written stay.
 Rezultat generiraj(const Parametri& p);
 
-} // namespace knjige::gen
+} // namespace knjige::generate

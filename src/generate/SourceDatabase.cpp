@@ -2,7 +2,7 @@
 
 #include "session/db/ConnectionString.h"
 
-namespace knjige::gen
+namespace knjige::generate
 {
 namespace
 {
@@ -36,18 +36,18 @@ QString vrijednost(const QString& v)
 
 } // namespace
 
-IzvorPodataka izvorDomaćina(const QString& hostConnectionString)
+IzvorPodataka hostSource(const QString& hostConnectionString)
 {
-    const ConnectionTarget target = parseConnectionString(hostConnectionString);
-    if (target.kind == ConnectionTarget::Kind::Sqlite)
+    const db::ConnectionTarget target = db::parseConnectionString(hostConnectionString);
+    if (target.kind == db::ConnectionTarget::Kind::Sqlite)
         return { QString(), target.sqlitePath };
-    return { connectionValue(hostConnectionString, QStringLiteral("Data Source")),
-        connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
+    return { db::connectionValue(hostConnectionString, QStringLiteral("Data Source")),
+        db::connectionValue(hostConnectionString, QStringLiteral("Initial Catalog")) };
 }
 
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka)
 {
-    if (izvor.ugrađena())
+    if (izvor.embedded())
         return QStringLiteral("sqlite:") + izvor.baza.trimmed();
     return QStringLiteral("Provider=SQLOLEDB.1;Data Source=") + vrijednost(izvor.server.trimmed())
         + QStringLiteral(";Initial Catalog=") + vrijednost(izvor.baza.trimmed())
@@ -77,4 +77,4 @@ QString imeOperateraSustava()
     return systemUserName().left(10);
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

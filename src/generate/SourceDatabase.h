@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // Where the documents a generation reads are kept. With a server named it is a SQL
@@ -14,12 +14,12 @@ namespace knjige::gen
 struct IzvorPodataka {
     QString server;
     QString baza;
-    bool ugrađena() const { return server.trimmed().isEmpty(); }
+    bool embedded() const { return server.trimmed().isEmpty(); }
 };
 
 // The host's own database, the default source of every kind: its server and catalog,
 // or its file when the host keeps its books in an embedded database.
-IzvorPodataka izvorDomaćina(const QString& hostConnectionString);
+IzvorPodataka hostSource(const QString& hostConnectionString);
 
 // "Provider=SQLOLEDB.1;Data Source=" + server + ";Initial Catalog=" + database +
 // ";User ID=sa;Password=" + password; a value that would end the string early is
@@ -27,7 +27,7 @@ IzvorPodataka izvorDomaćina(const QString& hostConnectionString);
 QString vezaIzvora(const IzvorPodataka& izvor, const QString& lozinka);
 
 // The name under which the source password ("SaPwd") is kept.
-inline QString ključLozinke()
+inline QString passwordKey()
 {
     return QStringLiteral("SaPwd");
 }
@@ -41,8 +41,8 @@ public:
     virtual ~PasswordStore() = default;
     // True when a written password outlives the process.
     virtual bool trajna() const = 0;
-    virtual std::optional<QString> pročitaj(const QString& ključ) = 0;
-    virtual bool spremi(const QString& ključ, const QString& lozinka) = 0;
+    virtual std::optional<QString> read(const QString& key) = 0;
+    virtual bool write(const QString& key, const QString& lozinka) = 0;
 };
 
 // A store that keeps the passwords in memory. The process's default says it does not
@@ -56,14 +56,14 @@ public:
     {
     }
     bool trajna() const override { return m_trajna; }
-    std::optional<QString> pročitaj(const QString& ključ) override
+    std::optional<QString> read(const QString& key) override
     {
-        const auto it = m_lozinke.constFind(ključ);
+        const auto it = m_lozinke.constFind(key);
         return it == m_lozinke.constEnd() ? std::nullopt : std::optional<QString>(*it);
     }
-    bool spremi(const QString& ključ, const QString& lozinka) override
+    bool write(const QString& key, const QString& lozinka) override
     {
-        m_lozinke.insert(ključ, lozinka);
+        m_lozinke.insert(key, lozinka);
         return true;
     }
 
@@ -84,4 +84,4 @@ QString imeOperateraSustava();
 // The full name, from the platform (one file per platform).
 QString systemUserName();
 
-} // namespace knjige::gen
+} // namespace knjige::generate

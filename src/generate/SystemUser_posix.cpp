@@ -3,7 +3,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // The login name of the process's user; the environment only when the user database
@@ -15,4 +15,4 @@ QString systemUserName()
     return qEnvironmentVariable("USER");
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 QString systemUserName()
@@ -15,4 +15,4 @@ QString systemUserName()
     return QString::fromWCharArray(buffer, int(chars) - 1);
 }
 
-} // namespace knjige::gen
+} // namespace knjige::generate

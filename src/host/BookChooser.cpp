@@ -66,8 +66,8 @@ const QVector<Group>& groups()
 // Where the books are kept, for the status line; a password never shows.
 QString describeConnection(const QString& connString)
 {
-    const ConnectionTarget target = parseConnectionString(connString);
-    if (target.kind == ConnectionTarget::Kind::Sqlite)
+    const db::ConnectionTarget target = db::parseConnectionString(connString);
+    if (target.kind == db::ConnectionTarget::Kind::Sqlite)
         return QStringLiteral("Baza: ") + QDir::toNativeSeparators(target.sqlitePath);
     QString shown = connString;
     shown.replace(
@@ -78,9 +78,9 @@ QString describeConnection(const QString& connString)
 
 } // namespace
 
-QString companyName(Database& db, qint16 company)
+QString companyName(db::Database& db, qint16 company)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=") + QString::number(company), rs)
         || rs.isEmpty())
         return {};
@@ -89,10 +89,10 @@ QString companyName(Database& db, qint16 company)
 
 QWidget* openBook(int bookCode, const BookRequest& request)
 {
-    const BookKind* kind = findBook(bookCode);
+    const books::BookKind* kind = books::findBook(bookCode);
     if (!kind)
         return nullptr;
-    std::unique_ptr<KnjigaKlasa> book = createBookObject(programmaticId(kind->className));
+    std::unique_ptr<entry::KnjigaKlasa> book = entry::createBookObject(books::programmaticId(kind->className));
     if (!book)
         return nullptr;
     const QWidgetList before = QApplication::topLevelWidgets();
@@ -230,7 +230,7 @@ void BookChooser::buildList()
         heading->setFont(0, bold);
         heading->setFlags(Qt::ItemIsEnabled);
         for (int code : g.codes) {
-            const BookKind* kind = findBook(code);
+            const books::BookKind* kind = books::findBook(code);
             auto* item = new QTreeWidgetItem(heading, { kind->caption, QString::number(code) });
             item->setData(0, Qt::UserRole, code);
             item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
@@ -274,7 +274,7 @@ void BookChooser::showCompanyName()
 
 void BookChooser::showBookDetails()
 {
-    const BookKind* kind = findBook(selectedBook());
+    const books::BookKind* kind = books::findBook(selectedBook());
     m_details->setText(kind ? QStringLiteral("%1  ·  tablica %2").arg(kind->className, kind->table)
                             : QStringLiteral("Izaberite knjigu."));
 }

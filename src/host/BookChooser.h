@@ -31,7 +31,7 @@ struct BookRequest {
 QWidget* openBook(int bookCode, const BookRequest& request);
 
 // The company's name from dbo.CONFIG, empty when the row or the table is missing.
-QString companyName(Database& db, qint16 company);
+QString companyName(db::Database& db, qint16 company);
 
 // The host's window: the twelve books grouped by entity, the session values a host
 // passes on (company, working year, operator, access level) and "Otvori".
@@ -65,7 +65,7 @@ private:
     void showBookDetails();
     void remember() const;
 
-    Database m_db; // the host's own connection, for the company name
+    db::Database m_db; // the host's own connection, for the company name
     QString m_connString;
     QLabel* m_title;
     QLabel* m_database;

@@ -18,7 +18,7 @@
 #include <memory>
 #include <optional>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 namespace
 {
@@ -44,7 +44,7 @@ int readBook(const Options& o, const QString& usage, BookOptions& b, const QStri
         return refuse(o.positional.isEmpty() ? QStringLiteral("Nedostaje knjiga (šifra, na primjer 96).")
                                              : QStringLiteral("Višak argumenata: %1").arg(o.positional.join(u' ')));
     const QString name = o.positional.front().trimmed();
-    b.book = findBookByName(name);
+    b.book = books::findBookByName(name);
     if (!b.book)
         return refuse(QStringLiteral("Nepoznata knjiga: %1").arg(name));
     for (const QString& required : QStringList { QStringLiteral("--company"), QStringLiteral("--year") } + alsoRequired)
@@ -59,7 +59,7 @@ int readBook(const Options& o, const QString& usage, BookOptions& b, const QStri
     b.company = *company;
     b.year = *year;
     if (o.values.contains(QStringLiteral("--prod"))) {
-        if (!isTradeBook(b.book->code))
+        if (!books::isTradeBook(b.book->code))
             return refuse(QStringLiteral("Prodajno mjesto (--prod) imaju samo knjige 125 i 126."));
         const auto point = wholeNumber(o.values.value(QStringLiteral("--prod")), 1, 2147483647);
         if (!point)
@@ -104,7 +104,7 @@ int openSession(const Options& o, const QString& usage, BookOptions& b)
 {
     if (const int refused = readBook(o, usage, b))
         return refused;
-    const QString level = o.values.value(QStringLiteral("--level"), periodlock::kLevel);
+    const QString level = o.values.value(QStringLiteral("--level"), journal::periodlock::kLevel);
     if (const QString problem = browser::accessLevelProblem(level); !problem.isEmpty())
         return complain(problem + u'\n' + usage, Usage);
     int code = Done;
@@ -115,7 +115,7 @@ int openSession(const Options& o, const QString& usage, BookOptions& b)
     s.ConnString = connection;
     s.BrojPoduzeca = qint16(b.company);
     s.RadnaGodina = qint16(b.year);
-    s.ImeOperatera = o.values.value(QStringLiteral("--operator"), gen::imeOperateraSustava());
+    s.ImeOperatera = o.values.value(QStringLiteral("--operator"), generate::imeOperateraSustava());
     s.NivoPristupa = level;
     if (!s.db().connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + s.db().errorDescription());
@@ -180,13 +180,13 @@ int runLock(const QStringList& args)
     BookOptions b;
     if (const int refused = openSession(o, lockUsage(), b))
         return refused;
-    if (session().NivoPristupa != periodlock::kLevel)
+    if (session().NivoPristupa != journal::periodlock::kLevel)
         return complain(QStringLiteral("Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0."));
     const journal::Scope scope { b.book->code, qint16(b.company), qint16(b.year), 0 };
     QString error;
     const bool done = opening
-        ? periodlock::unlock(session().db(), scope, o.values.value(QStringLiteral("--reason")), &error)
-        : periodlock::lock(session().db(), scope, to, &error);
+        ? journal::periodlock::unlock(session().db(), scope, o.values.value(QStringLiteral("--reason")), &error)
+        : journal::periodlock::lock(session().db(), scope, to, &error);
     session().db().disconnect();
     if (!done)
         return complain(error);
@@ -225,11 +225,11 @@ int runRenumber(const QStringList& args)
     BookOptions b;
     if (const int refused = openSession(o, renumberUsage(), b))
         return refused;
-    if (!renumber::takesPart(b.book->code))
+    if (!browser::renumber::takesPart(b.book->code))
         return complain(QStringLiteral("Knjiga %1 nema renumeraciju.").arg(b.book->code), Usage);
-    const renumber::Book book = renumber::bookOf(b.query());
+    const browser::renumber::Book book = browser::renumber::bookOf(b.query());
     return unattended([&] {
-        tell((byDate ? renumber::byDate(book) : renumber::byOrdinal(book)).notice);
+        tell((byDate ? browser::renumber::byDate(book) : browser::renumber::byOrdinal(book)).notice);
         return true;
     });
 }
@@ -258,17 +258,17 @@ int runInsert(const QStringList& args)
     BookOptions b;
     if (const int refused = openSession(o, insertUsage(), b))
         return refused;
-    if (!renumber::takesPart(b.book->code) || (isTradeBook(b.book->code) && b.salesPoint == 0))
+    if (!browser::renumber::takesPart(b.book->code) || (books::isTradeBook(b.book->code) && b.salesPoint == 0))
         return complain(
             QStringLiteral("U knjigu %1 se ne umeće%2.")
                 .arg(b.book->code)
-                .arg(isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
+                .arg(books::isTradeBook(b.book->code) ? QStringLiteral(" bez prodajnog mjesta (--prod)") : QString()),
             Usage);
-    const renumber::Book book = renumber::bookOf(b.query());
+    const browser::renumber::Book book = browser::renumber::bookOf(b.query());
     const int code = unattended([&] {
-        const renumber::Outcome inserted = renumber::insertAt(book, qint32(*at));
+        const browser::renumber::Outcome inserted = browser::renumber::insertAt(book, qint32(*at));
         tell(inserted.notice);
-        return inserted.after == renumber::After::Reload;
+        return inserted.after == browser::renumber::After::Reload;
     });
     if (code != Done && !session().db().errorDescription().isEmpty())
         return complain(QStringLiteral("Umetanje nije uspjelo: ") + session().db().errorDescription());
@@ -309,22 +309,22 @@ int runCheck(const QStringList& args)
     const QString connection = commandConnection(o, checkUsage(), &code);
     if (connection.isEmpty())
         return Usage;
-    Database db;
+    db::Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription(), Usage);
     const browser::BookQuery query = b.query();
-    const bookcheck::Report report
-        = bookcheck::check(db, { query.bookKind, query.company, query.year, query.salesPoint() });
+    const journal::bookcheck::Report report
+        = journal::bookcheck::check(db, { query.bookKind, query.company, query.year, query.salesPoint() });
     QTextStream(stdout) << report.text;
     switch (report.status) {
-    case bookcheck::Report::Status::Clean:
+    case journal::bookcheck::Report::Status::Clean:
         return Done;
-    case bookcheck::Report::Status::Findings:
+    case journal::bookcheck::Report::Status::Findings:
         return Failed;
-    case bookcheck::Report::Status::Unreadable:
+    case journal::bookcheck::Report::Status::Unreadable:
         break;
     }
     return Usage;
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

@@ -5,12 +5,12 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige
+namespace knjige::books
 {
 struct BookKind;
-}
+} // namespace knjige::books
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 struct Options;
@@ -18,7 +18,7 @@ struct Options;
 // The book (code or class name), company, year and, in the trade books, sales point
 // that a command names.
 struct BookOptions {
-    const BookKind* book = nullptr;
+    const books::BookKind* book = nullptr;
     int company = 0;
     int year = 0;
     int salesPoint = 0;
@@ -47,4 +47,4 @@ QString renumberUsage();
 int runInsert(const QStringList& args);
 QString insertUsage();
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

@@ -25,7 +25,7 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 namespace
 {
@@ -116,17 +116,17 @@ QString makeEmptyFileBeside(const QString& target, QString* error)
 
 bool fillNewDatabase(const QString& path, bool demo, QString* message)
 {
-    Database db;
+    db::Database db;
     QString error;
     if (!db.connect(QStringLiteral("sqlite:") + path)) {
         *message = QStringLiteral("Bazu nije moguće otvoriti: ") + db.errorDescription();
         return false;
     }
-    if (!createSchema(db, &error)) {
+    if (!books::createSchema(db, &error)) {
         *message = QStringLiteral("Izrada tablica nije uspjela: ") + error;
         return false;
     }
-    if (demo && !fillDemoData(db, &error)) {
+    if (demo && !demo::fillDemoData(db, &error)) {
         *message = QStringLiteral("Upis demo podataka nije uspio: ") + error;
         return false;
     }
@@ -139,8 +139,8 @@ bool fillNewDatabase(const QString& path, bool demo, QString* message)
     // default source is the host's own database. The rights are the current user's,
     // since the generator works under the system user name.
     if (demo
-        && (!createSourceTables(db, &error)
-            || !fillDemoSources(db, clock::today().year(), { gen::imeOperateraSustava() }, &error))) {
+        && (!demo::createSourceTables(db, &error)
+            || !demo::fillDemoSources(db, clock::today().year(), { generate::imeOperateraSustava() }, &error))) {
         *message = QStringLiteral("Upis demo dokumenata za generiranje nije uspio: ") + error;
         return false;
     }
@@ -207,8 +207,8 @@ QString connectionFor(const Options& o, const QString& usage, int* code)
         connection = QStringLiteral("sqlite:") + path;
     } else {
         connection = o.values.value(QStringLiteral("--conn"));
-        const ConnectionTarget target = parseConnectionString(connection);
-        if (target.kind == ConnectionTarget::Kind::Invalid) {
+        const db::ConnectionTarget target = db::parseConnectionString(connection);
+        if (target.kind == db::ConnectionTarget::Kind::Invalid) {
             *code = complain(target.error);
             return {};
         }
@@ -257,7 +257,7 @@ int cannotWrite()
 
 // Runs the statements in order and stops at the first that fails; what ran before it
 // stays done, as it would on the server.
-int runBatch(Database& db, const QStringList& statements, bool withTypes)
+int runBatch(db::Database& db, const QStringList& statements, bool withTypes)
 {
     QTextStream out(stdout);
     int printed = 0;
@@ -271,7 +271,7 @@ int runBatch(Database& db, const QStringList& statements, bool withTypes)
             // Each part is written as it is read: a result of any size prints in the
             // memory of one part. A closed output stops the read.
             bool headed = false;
-            const bool read = db.openInParts(sql, [&](const ResultSet& part) {
+            const bool read = db.openInParts(sql, [&](const db::ResultSet& part) {
                 if (part.fieldCount() == 0)
                     return true;
                 if (!headed) {
@@ -431,7 +431,7 @@ int runQuery(const QStringList& args)
     const QStringList statements = batchStatements(readStatement(o.positional.front()));
     if (statements.isEmpty())
         return complain(QStringLiteral("SQL naredba je prazna."), Usage);
-    Database db;
+    db::Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     return runBatch(db, statements, o.flags.contains(QStringLiteral("--types")));
@@ -443,4 +443,4 @@ int complain(const QString& message, int code)
     return code;
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

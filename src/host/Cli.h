@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 // The exit codes of every command: 0 done, 1 the work failed, 2 the command line is
@@ -55,4 +55,4 @@ Options commandOptions(const QStringList& args, const QStringList& valueOptions,
 // *code set to the exit code, when it names none or a database file that is missing.
 QString commandConnection(const Options& options, const QString& usage, int* code);
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

@@ -6,7 +6,7 @@
 #include <QTextStream>
 #include <cmath>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 QString csvField(const QString& text)
@@ -34,42 +34,42 @@ QString plainNumber(double value)
     return text == QLatin1String("-0") ? QStringLiteral("0") : text;
 }
 
-QString csvValue(const ResultSet& rows, int row, int column)
+QString csvValue(const db::ResultSet& rows, int row, int column)
 {
     if (rows.isNull(row, column))
         return {};
     switch (rows.field(column).type) {
-    case FieldType::Currency:
+    case db::FieldType::Currency:
         return rows.money(row, column).toPlainString();
-    case FieldType::Decimal:
-    case FieldType::Float:
+    case db::FieldType::Decimal:
+    case db::FieldType::Float:
         return plainNumber(rows.real(row, column));
-    case FieldType::Date:
+    case db::FieldType::Date:
         return rows.date(row, column).toString(QStringLiteral("yyyy-MM-dd"));
-    case FieldType::Text:
+    case db::FieldType::Text:
         return csvField(rows.text(row, column));
-    case FieldType::Integer:
-    case FieldType::Boolean:
+    case db::FieldType::Integer:
+    case db::FieldType::Boolean:
         return rows.text(row, column);
     }
     return {};
 }
 
-void writeCsvHeader(const ResultSet& rows, bool withTypes, QTextStream& out)
+void writeCsvHeader(const db::ResultSet& rows, bool withTypes, QTextStream& out)
 {
     QStringList line;
-    for (const Field& f : rows.fields())
+    for (const db::Field& f : rows.fields())
         line << csvField(f.name);
     out << line.join(u',') << '\n';
     if (withTypes) {
         line.clear();
-        for (const Field& f : rows.fields())
-            line << fieldTypeName(f.type);
+        for (const db::Field& f : rows.fields())
+            line << db::fieldTypeName(f.type);
         out << line.join(u',') << '\n';
     }
 }
 
-void writeCsvRows(const ResultSet& rows, QTextStream& out)
+void writeCsvRows(const db::ResultSet& rows, QTextStream& out)
 {
     QStringList line;
     for (int r = 0; r < rows.rowCount(); ++r) {
@@ -80,11 +80,11 @@ void writeCsvRows(const ResultSet& rows, QTextStream& out)
     }
 }
 
-void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out)
+void writeCsv(const db::ResultSet& rows, bool withTypes, QTextStream& out)
 {
     writeCsvHeader(rows, withTypes, out);
     writeCsvRows(rows, out);
     out.flush();
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

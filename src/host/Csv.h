@@ -4,10 +4,13 @@
 
 class QTextStream;
 
-namespace knjige
+namespace knjige::db
 {
-
 class ResultSet;
+} // namespace knjige::db
+
+namespace knjige::host
+{
 
 namespace cli
 {
@@ -20,13 +23,13 @@ QString csvField(const QString& text);
 QString plainNumber(double value);
 // A cell as the query command prints it: numbers plainly with a point, amounts with
 // their significant decimals, dates as yyyy-mm-dd, flags as 1 and 0, NULL as nothing.
-QString csvValue(const ResultSet& rows, int row, int column);
+QString csvValue(const db::ResultSet& rows, int row, int column);
 // The header line of field names, the line of field types when asked, then the rows.
-void writeCsv(const ResultSet& rows, bool withTypes, QTextStream& out);
+void writeCsv(const db::ResultSet& rows, bool withTypes, QTextStream& out);
 // The same in steps, for a result read in parts: the header lines once, then the rows
 // of each part.
-void writeCsvHeader(const ResultSet& rows, bool withTypes, QTextStream& out);
-void writeCsvRows(const ResultSet& rows, QTextStream& out);
+void writeCsvHeader(const db::ResultSet& rows, bool withTypes, QTextStream& out);
+void writeCsvRows(const db::ResultSet& rows, QTextStream& out);
 
 } // namespace cli
-} // namespace knjige
+} // namespace knjige::host

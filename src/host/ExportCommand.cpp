@@ -16,7 +16,7 @@
 #include <QTextStream>
 #include <optional>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 namespace
 {
@@ -128,7 +128,7 @@ int runExport(const QStringList& args)
         return code;
     if (const int refused = refuseOutput(r.out, o.flags.contains(QStringLiteral("--force"))))
         return refused;
-    Database db;
+    db::Database db;
     if (!db.connect(connection))
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     const QString op = o.values.value(QStringLiteral("--operator")).trimmed();
@@ -145,7 +145,7 @@ int runExport(const QStringList& args)
             QStringLiteral("datoteku %1 nije moguće otvoriti za upis (%2).").arg(r.out, file.errorString())));
     output::OfficeExportWriter writer(file.device(), r.options);
     bool headed = false;
-    const bool read = db.openInParts(sql, [&](const ResultSet& part) {
+    const bool read = db.openInParts(sql, [&](const db::ResultSet& part) {
         if (!headed) {
             headed = true;
             if (!writer.writeHeader(part.fields()))
@@ -178,4 +178,4 @@ int runExport(const QStringList& args)
     return Done;
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

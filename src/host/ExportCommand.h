@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 // knjige export: a book of one company and year written as the browser's
@@ -17,4 +17,4 @@ QString exportUsage();
 // (The open database itself is refused at writing, --force or not.)
 int refuseOutput(const QString& path, bool force);
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

@@ -58,12 +58,12 @@ void PravaRights::setOperatorName(const QString& operatorName)
     m_operator = operatorName;
 }
 
-Database& PravaRights::database()
+db::Database& PravaRights::database()
 {
     if (m_connectionString == session().ConnString)
         return session().db();
     if (!m_own)
-        m_own = std::make_unique<Database>();
+        m_own = std::make_unique<db::Database>();
     m_own->connect(m_connectionString);
     return *m_own;
 }
@@ -75,8 +75,8 @@ void PravaRights::load()
     m_rights.clear();
     m_failure.clear();
     m_loaded = true;
-    ResultSet rs;
-    Database& db = database();
+    db::ResultSet rs;
+    db::Database& db = database();
     if (!db.open(sql(), rs)) {
         m_failure = db.errorDescription();
         return;

@@ -45,14 +45,14 @@ public:
 private:
     void load();
     bool opens(int bookKind) const;
-    Database& database();
+    db::Database& database();
 
     QString m_connectionString;
     QString m_operator;
     bool m_loaded = false;
     QString m_failure; // why the rights could not be read; empty when they were
     QSet<QString> m_rights; // the operator's PRAVO texts, trimmed
-    std::unique_ptr<Database> m_own; // for a connection other than the session's
+    std::unique_ptr<db::Database> m_own; // for a connection other than the session's
 };
 
 } // namespace knjige::host

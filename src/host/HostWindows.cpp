@@ -126,12 +126,12 @@ QString connectionFor(const Options& o, bool* isDemo, int* code)
     }
     if (o.values.contains(QStringLiteral("--conn"))) {
         const QString conn = o.values.value(QStringLiteral("--conn"));
-        const ConnectionTarget target = parseConnectionString(conn);
-        if (target.kind == ConnectionTarget::Kind::Invalid) {
+        const db::ConnectionTarget target = db::parseConnectionString(conn);
+        if (target.kind == db::ConnectionTarget::Kind::Invalid) {
             *code = complain(target.error);
             return {};
         }
-        if (target.kind == ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
+        if (target.kind == db::ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
             *code = complain(QStringLiteral("Datoteka baze %1 ne postoji.").arg(target.sqlitePath));
             return {};
         }
@@ -193,13 +193,13 @@ bool requestFor(const Options& o, BookRequest* r, int* code)
         return false;
     // A file that is no database (or a server that does not answer) is named as such,
     // not taken for an operator without rights once a book is opened.
-    Database db;
+    db::Database db;
     if (!db.connect(r->connString)) {
         *code = complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
         return false;
     }
     if (!o.values.contains(QStringLiteral("--company")) && !isDemo) {
-        ResultSet rs;
+        db::ResultSet rs;
         if (db.open(QStringLiteral("SELECT MIN(BrojPoduzeca) AS B FROM dbo.CONFIG"), rs) && !rs.isEmpty()
             && !rs.isNull(0, 0))
             r->company = qint16(rs.integer(0, 0));
@@ -242,7 +242,7 @@ void startWindows(const Options& o, WindowsScope& scope)
         scope.previous = setInteraction(std::make_unique<UnattendedInteraction>());
     else
         ensureDialogInteraction();
-    useTextViewerForLongTexts();
+    output::useTextViewerForLongTexts();
     installProgramServices();
 }
 
@@ -260,7 +260,7 @@ bool periodFor(const Options& o, int book, PeriodRequest* p, int* code)
     if (o.values.contains(QStringLiteral("--prod"))) {
         bool ok = false;
         p->salesPoint = prod.toInt(&ok);
-        if (!isTradeBook(book))
+        if (!books::isTradeBook(book))
             return refuse(code, QStringLiteral("Opcija --prod vrijedi samo za trgovačke knjige (125, 126)."));
         if (!ok || p->salesPoint <= 0)
             return refuse(code, QStringLiteral("Neispravan broj prodavnice: %1").arg(prod));
@@ -283,14 +283,14 @@ bool periodFor(const Options& o, int book, PeriodRequest* p, int* code)
 
 int bookCodeOf(const QString& text)
 {
-    const BookKind* b = findBookByName(text);
+    const books::BookKind* b = books::findBookByName(text);
     return b ? b->code : 0;
 }
 
 QString bookList()
 {
     QString out;
-    for (const BookKind& b : allBooks())
+    for (const books::BookKind& b : books::allBooks())
         out += QStringLiteral("  %1  %2\n").arg(b.code, 3).arg(b.caption);
     return out;
 }
@@ -409,7 +409,7 @@ int runOpen(const QStringList& args)
     // The period goes through the filter as a confirmed dialog with only the dates
     // would; a trade book keeps the sales point its opening question gave unless one
     // was named.
-    if (auto* w = qobject_cast<frmSifarnikKnj*>(window); w && period.given) {
+    if (auto* w = qobject_cast<browser::frmSifarnikKnj*>(window); w && period.given) {
         const QDate from = period.from.isValid() ? period.from : dates::firstOfYear(request.year);
         const QDate to = period.to.isValid() ? period.to : dates::lastOfYear(request.year);
         const qint32 shop = period.salesPoint ? period.salesPoint : w->BrojProd();

@@ -5,7 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 void reportClosedOutputAsWriteError()
@@ -22,4 +22,4 @@ bool outputClosedByReader()
     return ::poll(&out, 1, 0) > 0 && (out.revents & POLLERR);
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

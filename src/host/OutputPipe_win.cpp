@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-namespace knjige::cli
+namespace knjige::host::cli
 {
 
 // Windows sends no signal: the write fails with a broken pipe, which the runtime
@@ -14,4 +14,4 @@ bool outputClosedByReader()
     return errno == EPIPE;
 }
 
-} // namespace knjige::cli
+} // namespace knjige::host::cli

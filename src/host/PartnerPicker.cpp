@@ -165,8 +165,8 @@ QString KomitentRegister::title() const
 
 std::optional<QVector<Partner>> KomitentRegister::readAll(Kind kind)
 {
-    Database& db = session().db();
-    ResultSet rs;
+    db::Database& db = session().db();
+    db::ResultSet rs;
     if (!db.open(listSql(kind), rs)) {
         warn(failureText(db.errorDescription()));
         return std::nullopt;
@@ -196,7 +196,7 @@ std::optional<Partner> KomitentRegister::choose()
 
 std::optional<Partner> KomitentRegister::find(qint32 code)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!session().db().open(
             QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(code), rs)
         || rs.isEmpty())

@@ -34,7 +34,7 @@ using cli::Options;
 
 int bookCode(const QString& text)
 {
-    const BookKind* b = findBookByName(text);
+    const books::BookKind* b = books::findBookByName(text);
     return b ? b->code : 0;
 }
 
@@ -84,7 +84,7 @@ bool request(const Options& o, Request* r, int* code)
         r->period = browser::parsePeriod(o.values.value(QStringLiteral("--period")), year, &problem);
     if (problem.isEmpty() && o.values.contains(QStringLiteral("--prod"))) {
         int shop = 0;
-        if (!isTradeBook(r->kind))
+        if (!books::isTradeBook(r->kind))
             problem = QStringLiteral("Prodajno mjesto (--prod) imaju samo trgovačke knjige (125, 126).");
         else if (!number(o, "--prod", 1, 2147483647, &shop))
             problem = QStringLiteral("Neispravno prodajno mjesto: %1").arg(o.values.value(QStringLiteral("--prod")));
@@ -105,7 +105,7 @@ bool request(const Options& o, Request* r, int* code)
 
 QString shopName(qint32 shop, bool* found)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     *found = session().db().open(
                  QStringLiteral("SELECT ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(shop), rs)
         && !rs.isEmpty();
@@ -118,7 +118,7 @@ int print(const Request& r)
     s.ConnString = r.conn;
     s.BrojPoduzeca = r.company;
     s.RadnaGodina = r.year;
-    Database& db = s.db();
+    db::Database& db = s.db();
     if (!db.isConnected())
         return complain(QStringLiteral("Spajanje na bazu nije uspjelo: ") + db.errorDescription());
     const QString op = s.ImeOperatera.isEmpty() ? defaultOperatorName() : s.ImeOperatera;
@@ -136,18 +136,18 @@ int print(const Request& r)
     if (!period && r.shop)
         period = std::make_pair(browser::periodStart(r.year), browser::periodEnd(r.year));
     const browser::BookQuery query = browser::commandQuery(r.kind, r.company, r.year, period, r.shop, name);
-    ResultSet rows;
+    db::ResultSet rows;
     if (!db.open(query.sql(), rows))
         return complain(QStringLiteral("Knjigu nije moguće pročitati: ") + db.errorDescription());
     tell(DefVarijabli::CitajKonfiguraciju(true));
     if (s.NazivFirme.isEmpty())
         QTextStream(stderr) << QStringLiteral("Napomena: firma %1 nema naziva u dbo.CONFIG.\n").arg(r.company);
-    const report::Layout layout = report::bookLayout(r.kind, query.salesPoint());
-    report::BroughtForward forward;
+    const output::report::Layout layout = output::report::bookLayout(r.kind, query.salesPoint());
+    output::report::BroughtForward forward;
     QString error;
-    if (!report::broughtForward(query, layout, &forward, &error))
+    if (!output::report::broughtForward(query, layout, &forward, &error))
         return complain(QStringLiteral("Donos iz ranijeg dijela godine nije moguće pročitati: ") + error);
-    ReportPrinter printer(layout, report::bookHeader(query, rows), rows);
+    output::ReportPrinter printer(layout, output::report::bookHeader(query, rows), rows);
     printer.bringForward(forward);
     if (!printer.writePdf(r.pdf, &error))
         return output::OutputFile::isStandardOutput(r.pdf) && cli::outputClosedByReader()

@@ -28,15 +28,15 @@ struct Command {
 };
 
 const Command commands[] = {
-    { "init", false, knjige::cli::runInit, knjige::cli::initUsage },
-    { "query", false, knjige::cli::runQuery, knjige::cli::queryUsage },
+    { "init", false, knjige::host::cli::runInit, knjige::host::cli::initUsage },
+    { "query", false, knjige::host::cli::runQuery, knjige::host::cli::queryUsage },
     { "open", true, knjige::host::runOpen, knjige::host::openUsage },
     { "print", true, knjige::host::runPrint, knjige::host::printUsage },
-    { "export", false, knjige::cli::runExport, knjige::cli::exportUsage },
-    { "check", false, knjige::cli::runCheck, knjige::cli::checkUsage },
-    { "lock", false, knjige::cli::runLock, knjige::cli::lockUsage },
-    { "renumber", false, knjige::cli::runRenumber, knjige::cli::renumberUsage },
-    { "insert", false, knjige::cli::runInsert, knjige::cli::insertUsage },
+    { "export", false, knjige::host::cli::runExport, knjige::host::cli::exportUsage },
+    { "check", false, knjige::host::cli::runCheck, knjige::host::cli::checkUsage },
+    { "lock", false, knjige::host::cli::runLock, knjige::host::cli::lockUsage },
+    { "renumber", false, knjige::host::cli::runRenumber, knjige::host::cli::renumberUsage },
+    { "insert", false, knjige::host::cli::runInsert, knjige::host::cli::insertUsage },
 };
 
 // The book chooser: the program with no command, or with only the chooser's options.

@@ -9,7 +9,7 @@
 #include <map>
 #include <vector>
 
-namespace knjige::bookcheck
+namespace knjige::journal::bookcheck
 {
 namespace
 {
@@ -80,15 +80,16 @@ public:
             return;
         Table& t = m_tables[name];
         using namespace journal;
-        if (r.radnja == Radnja::Osnova) {
+        if (r.radnja == RecordKind::Osnova) {
             if (!t.baseline)
                 for (const QString& line : lines(r.poslije))
                     add(t, name, journal::parseRow(line));
             t.baseline = true;
-        } else if (r.radnja == Radnja::Unos || r.radnja == Radnja::Generiranje || r.radnja == Radnja::PocetnaStanja) {
+        } else if (r.radnja == RecordKind::Unos || r.radnja == RecordKind::Generiranje
+            || r.radnja == RecordKind::PocetnaStanja) {
             for (const QString& line : lines(r.poslije))
                 add(t, name, journal::parseRow(line));
-        } else if (r.radnja == Radnja::Izmjena) {
+        } else if (r.radnja == RecordKind::Izmjena) {
             Row* row = find(t, journal::parseRow(r.prije));
             const Values after = journal::parseRow(r.poslije);
             if (!row) {
@@ -99,21 +100,21 @@ public:
                 if (isReceivables(name))
                     aim(*row);
             }
-        } else if (r.radnja == Radnja::Brisanje || r.radnja == Radnja::BrisanjePrikazanih) {
+        } else if (r.radnja == RecordKind::Brisanje || r.radnja == RecordKind::BrisanjePrikazanih) {
             for (const QString& line : lines(r.prije))
                 if (Row* row = find(t, journal::parseRow(line)))
                     row->gone = true;
-        } else if (r.radnja == Radnja::Umetanje && r.rBroj) {
+        } else if (r.radnja == RecordKind::Umetanje && r.rBroj) {
             for (Row& row : t.rows)
                 if (!row.gone && number(row.v, kRBroj) >= *r.rBroj)
                     row.v[kRBroj] = QString::number(number(row.v, kRBroj) + 1);
             for (const QString& line : lines(r.poslije))
                 add(t, name, journal::parseRow(line));
-        } else if (r.radnja == Radnja::Renumeracija) {
-            const bool perPoint = isTradeBook(r.tip);
+        } else if (r.radnja == RecordKind::Renumeracija) {
+            const bool perPoint = books::isTradeBook(r.tip);
             remap(t, kRBroj, r.poslije,
                 [&](const Row& row) { return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd; });
-        } else if (r.radnja == Radnja::Veze) {
+        } else if (r.radnja == RecordKind::Veze) {
             remap(t, kLink, r.poslije, [](const Row&) { return true; });
         }
     }
@@ -202,10 +203,10 @@ private:
 class Checker
 {
 public:
-    Checker(Database& db, const Request& q)
+    Checker(db::Database& db, const Request& q)
         : m_db(db)
         , m_q(q)
-        , m_book(findBook(q.tip))
+        , m_book(books::findBook(q.tip))
     {
     }
 
@@ -235,7 +236,7 @@ public:
         if (m_book->table == journal::tableOf(Knjiga::EvidPotObvFBiH))
             linksSection();
         datesSection();
-        if (isAssetList(m_q.tip))
+        if (books::isAssetList(m_q.tip))
             openingSection();
         if (m_q.tip == Knjiga::PrihRashDB)
             generationSection();
@@ -253,7 +254,7 @@ private:
     {
         QString sql = QStringLiteral("SELECT * FROM ") + m_book->table + QStringLiteral(" WHERE GodinaKnj=")
             + QString::number(m_q.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company);
-        if (isTradeBook(m_q.tip) && m_q.brojProd != 0)
+        if (books::isTradeBook(m_q.tip) && m_q.brojProd != 0)
             sql += QStringLiteral(" AND BrojProd=") + QString::number(m_q.brojProd);
         if (!m_db.open(sql, m_raw))
             return false;
@@ -338,7 +339,8 @@ private:
 
     bool inScope(const Values& v) const
     {
-        return !isTradeBook(m_q.tip) || m_q.brojProd == 0 || number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
+        return !books::isTradeBook(m_q.tip) || m_q.brojProd == 0
+            || number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
     }
 
     void outsideSection(const Table& expected)
@@ -413,9 +415,10 @@ private:
         QStringList findings;
         std::map<qint64, std::vector<size_t>> byPoint;
         for (size_t i = 0; i < m_rows.size(); ++i)
-            byPoint[isTradeBook(m_q.tip) ? number(m_rows[i], QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
+            byPoint[books::isTradeBook(m_q.tip) ? number(m_rows[i], QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
         for (auto& [point, rows] : byPoint) {
-            const QString where = isTradeBook(m_q.tip) ? QStringLiteral(" (prodajno mjesto %1)").arg(point) : QString();
+            const QString where
+                = books::isTradeBook(m_q.tip) ? QStringLiteral(" (prodajno mjesto %1)").arg(point) : QString();
             std::stable_sort(rows.begin(), rows.end(),
                 [this](size_t a, size_t b) { return number(m_rows[a], kRBroj) < number(m_rows[b], kRBroj); });
             qint64 previous = 0;
@@ -437,7 +440,7 @@ private:
                                   .arg(where));
                 previous = std::max(previous, n);
                 const QDate d = QDate::fromString(v.value(QStringLiteral("DATUM")), Qt::ISODate);
-                if (isAssetList(m_q.tip) || !d.isValid())
+                if (books::isAssetList(m_q.tip) || !d.isValid())
                     continue;
                 if (latest.isValid() && d < latest)
                     findings << QStringLiteral("Stavka %1 (%2) je datirana prije stavke %3 (%4): redni brojevi ne "
@@ -458,7 +461,7 @@ private:
     void linksSection()
     {
         QStringList findings;
-        ResultSet entries;
+        db::ResultSet entries;
         QHash<qint64, int> numbers;
         if (!m_db.open(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE GodinaKnj=")
                     + QString::number(m_q.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(m_q.company),
@@ -508,7 +511,7 @@ private:
 
     void datesSection()
     {
-        if (isAssetList(m_q.tip))
+        if (books::isAssetList(m_q.tip))
             return;
         QStringList findings;
         const QDate first(m_q.year, 1, 1);
@@ -524,7 +527,7 @@ private:
     void openingSection()
     {
         QStringList findings;
-        ResultSet closing;
+        db::ResultSet closing;
         const QString sql = m_book->selectSql + QStringLiteral(" WHERE K.GodinaKnj=") + QString::number(m_q.year - 1)
             + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(m_q.company)
             + QStringLiteral(" ORDER BY K.RBroj");
@@ -587,7 +590,7 @@ private:
     {
         QStringList findings;
         for (int c = 0; c < m_raw.fieldCount(); ++c) {
-            if (m_raw.field(c).type != FieldType::Currency)
+            if (m_raw.field(c).type != db::FieldType::Currency)
                 continue;
             qint64 sum = 0;
             bool over = false;
@@ -604,10 +607,10 @@ private:
         section(QStringLiteral("Zbirovi"), findings);
     }
 
-    Database& m_db;
+    db::Database& m_db;
     Request m_q;
-    const BookKind* m_book;
-    ResultSet m_raw;
+    const books::BookKind* m_book;
+    db::ResultSet m_raw;
     std::vector<Values> m_rows;
     Replay m_replay;
     QString m_text;
@@ -616,9 +619,9 @@ private:
 
 } // namespace
 
-Report check(Database& db, const Request& request)
+Report check(db::Database& db, const Request& request)
 {
     return Checker(db, request).run();
 }
 
-} // namespace knjige::bookcheck
+} // namespace knjige::journal::bookcheck

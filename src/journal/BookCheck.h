@@ -9,7 +9,7 @@
 // The book check: what a tax inspector would want to know before trusting a printed
 // book. It reads the book and its journal and reports, in plain sentences, anything
 // the journal does not explain or the book's own rules forbid.
-namespace knjige::bookcheck
+namespace knjige::journal::bookcheck
 {
 
 // The book to check; a trade book's brojProd is one sales point, 0 for all.
@@ -22,6 +22,6 @@ struct Report {
     QString text; // the whole report, headed and sectioned
 };
 
-Report check(Database& db, const Request& request);
+Report check(db::Database& db, const Request& request);
 
-} // namespace knjige::bookcheck
+} // namespace knjige::journal::bookcheck

@@ -82,17 +82,17 @@ QString joined(std::vector<std::pair<QString, QString>> pairs)
     return out;
 }
 
-QString scopeKey(Database& db, qint16 company, qint16 year, const QString& table)
+QString scopeKey(db::Database& db, qint16 company, qint16 year, const QString& table)
 {
     return db.connectionString() + u'|' + QString::number(company) + u'|' + QString::number(year) + u'|' + table;
 }
 
-QString serverTime(Database& db, QString* error)
+QString serverTime(db::Database& db, QString* error)
 {
     // The embedded database runs in this process: its clock is this machine's.
-    if (db.dialect() == SqlDialect::Sqlite)
+    if (db.dialect() == db::SqlDialect::Sqlite)
         return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
-    ResultSet now;
+    db::ResultSet now;
     if (!db.open(QStringLiteral("SELECT CONVERT(varchar(23), GETDATE(), 121) AS Vrijeme"), now) || now.isEmpty()) {
         *error = db.errorDescription();
         return {};
@@ -108,14 +108,14 @@ QString kindsList(int tip)
     return out.join(u',');
 }
 
-bool hasRecords(Database& db, const Scope& s, bool* has, QString* error)
+bool hasRecords(db::Database& db, const Scope& s, bool* has, QString* error)
 {
     const QString key = scopeKey(db, s.company, s.year, tableOf(s.tip));
     if (baselines().contains(key)) {
         *has = true;
         return true;
     }
-    ResultSet rs;
+    db::ResultSet rs;
     const QString sql = QStringLiteral("SELECT COUNT(*) AS Broj FROM dbo.KnjDnevnik WHERE BrojPoduzeca=")
         + QString::number(s.company) + QStringLiteral(" AND GodinaKnj=") + QString::number(s.year)
         + QStringLiteral(" AND TipKnjige IN (") + kindsList(s.tip) + u')';
@@ -131,21 +131,21 @@ bool hasRecords(Database& db, const Scope& s, bool* has, QString* error)
     return true;
 }
 
-bool writeBaseline(Database& db, const Scope& s, QString* error)
+bool writeBaseline(db::Database& db, const Scope& s, QString* error)
 {
     bool has = false;
     if (!hasRecords(db, s, &has, error))
         return false;
     if (has)
         return true;
-    ResultSet rows;
+    db::ResultSet rows;
     if (!db.open(QStringLiteral("SELECT * FROM ") + tableOf(s.tip) + QStringLiteral(" WHERE GodinaKnj=")
                 + QString::number(s.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(s.company),
             rows)) {
         *error = db.errorDescription();
         return false;
     }
-    return append(db, { s.tip, s.company, s.year, 0 }, { Radnja::Osnova, std::nullopt, {}, rowsText(rows) }, error);
+    return append(db, { s.tip, s.company, s.year, 0 }, { RecordKind::Osnova, std::nullopt, {}, rowsText(rows) }, error);
 }
 
 } // namespace
@@ -180,7 +180,7 @@ QString valueText(const QVariant& value)
     }
 }
 
-QString rowText(const ResultSet& rows, int row)
+QString rowText(const db::ResultSet& rows, int row)
 {
     std::vector<std::pair<QString, QString>> pairs;
     for (int c = 0; c < rows.fieldCount(); ++c)
@@ -188,7 +188,7 @@ QString rowText(const ResultSet& rows, int row)
     return joined(std::move(pairs));
 }
 
-QString rowText(const RowChange::Values& values)
+QString rowText(const db::RowChange::Values& values)
 {
     std::vector<std::pair<QString, QString>> pairs;
     for (const auto& [name, value] : values)
@@ -207,9 +207,9 @@ QMap<QString, QString> parseRow(const QString& text)
     return out;
 }
 
-RowChange::Values merged(const RowChange::Values& original, const RowChange::Values& written)
+db::RowChange::Values merged(const db::RowChange::Values& original, const db::RowChange::Values& written)
 {
-    RowChange::Values out = written;
+    db::RowChange::Values out = written;
     for (const auto& column : original) {
         const bool rewritten = std::any_of(written.begin(), written.end(),
             [&](const auto& w) { return w.first.compare(column.first, Qt::CaseInsensitive) == 0; });
@@ -225,7 +225,7 @@ QString rowMark(const QString& datum, const QString& opis)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(8));
 }
 
-QString rowMark(const ResultSet& rows, int row)
+QString rowMark(const db::ResultSet& rows, int row)
 {
     const int d = rows.indexOf(QStringLiteral("Datum"));
     const int o = rows.indexOf(QStringLiteral("Opis"));
@@ -241,13 +241,13 @@ QString recordHash(qint16 company, qint16 year, const Record& r, const QString& 
         QCryptographicHash::hash(fields.join(QChar(0x1f)).toUtf8(), QCryptographicHash::Sha256).toHex());
 }
 
-bool hasTable(Database& db, const QString& table)
+bool hasTable(db::Database& db, const QString& table)
 {
     const QString key = db.connectionString() + u'\n' + table;
     const auto it = availability().constFind(key);
     if (it != availability().constEnd())
         return *it;
-    ResultSet probe;
+    db::ResultSet probe;
     const bool has
         = db.open(QStringLiteral("SELECT COUNT(*) AS Broj FROM ") + table + QStringLiteral(" WHERE 1=0"), probe);
     if (db.isConnected())
@@ -255,14 +255,14 @@ bool hasTable(Database& db, const QString& table)
     return has;
 }
 
-bool available(Database& db)
+bool available(db::Database& db)
 {
     return hasTable(db, kTable);
 }
 
-bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& out)
+bool readChain(db::Database& db, qint16 company, qint16 year, std::vector<Record>& out)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(QStringLiteral("SELECT * FROM dbo.KnjDnevnik WHERE BrojPoduzeca=") + QString::number(company)
                 + QStringLiteral(" AND GodinaKnj=") + QString::number(year) + QStringLiteral(" ORDER BY Redni"),
             rs))
@@ -293,7 +293,7 @@ bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& o
 
 QString tableOf(int tip)
 {
-    const BookKind* book = findBook(tip);
+    const books::BookKind* book = books::findBook(tip);
     return book ? book->table : QString();
 }
 
@@ -301,21 +301,21 @@ QList<int> kindsOfTable(int tip)
 {
     QList<int> out;
     const QString table = tableOf(tip);
-    for (const BookKind& b : allBooks())
+    for (const books::BookKind& b : books::allBooks())
         if (b.table.compare(table, Qt::CaseInsensitive) == 0)
             out << b.code;
     return out;
 }
 
-bool append(Database& db, const Scope& s, const Change& change, QString* error)
+bool append(db::Database& db, const Scope& s, const Change& change, QString* error)
 {
     if (!available(db))
         return true;
     // On SQL Server the last record stays locked until the transaction ends, so two
     // writers never continue the chain from one record.
     const QString hint
-        = db.dialect() == SqlDialect::SqlServer ? QStringLiteral(" WITH (UPDLOCK, HOLDLOCK)") : QString();
-    ResultSet last;
+        = db.dialect() == db::SqlDialect::SqlServer ? QStringLiteral(" WITH (UPDLOCK, HOLDLOCK)") : QString();
+    db::ResultSet last;
     if (!db.open(QStringLiteral("SELECT TOP 1 Redni,Hash FROM dbo.KnjDnevnik") + hint
                 + QStringLiteral(" WHERE BrojPoduzeca=") + QString::number(s.company)
                 + QStringLiteral(" AND GodinaKnj=") + QString::number(s.year) + QStringLiteral(" ORDER BY Redni DESC"),
@@ -337,7 +337,7 @@ bool append(Database& db, const Scope& s, const Change& change, QString* error)
     r.prije = change.prije;
     r.poslije = change.poslije;
     r.hash = recordHash(s.company, s.year, r, previous);
-    const RowChange::Values values { { QStringLiteral("BrojPoduzeca"), int(s.company) },
+    const db::RowChange::Values values { { QStringLiteral("BrojPoduzeca"), int(s.company) },
         { QStringLiteral("GodinaKnj"), int(s.year) }, { QStringLiteral("Redni"), r.redni },
         { QStringLiteral("TipKnjige"), r.tip }, { QStringLiteral("BrojProd"), r.brojProd },
         { QStringLiteral("Vrijeme"), r.vrijeme }, { QStringLiteral("Operater"), r.operater },
@@ -345,14 +345,14 @@ bool append(Database& db, const Scope& s, const Change& change, QString* error)
         { QStringLiteral("Prije"), r.prije.isNull() ? QStringLiteral("") : r.prije },
         { QStringLiteral("Poslije"), r.poslije.isNull() ? QStringLiteral("") : r.poslije },
         { QStringLiteral("Hash"), r.hash } };
-    if (!db.writeRow({ RowChange::Kind::Insert, kTable, values, {} })) {
+    if (!db.writeRow({ db::RowChange::Kind::Insert, kTable, values, {} })) {
         *error = db.errorDescription();
         return false;
     }
     return true;
 }
 
-bool ensureBaseline(Database& db, const Scope& s, QString* error)
+bool ensureBaseline(db::Database& db, const Scope& s, QString* error)
 {
     if (!available(db) || tableOf(s.tip).isEmpty())
         return true;
@@ -363,14 +363,14 @@ bool ensureBaseline(Database& db, const Scope& s, QString* error)
     return writeBaseline(db, s, error);
 }
 
-bool baselineEveryBook(Database& db, QString* error)
+bool baselineEveryBook(db::Database& db, QString* error)
 {
     QSet<QString> tables;
-    for (const BookKind& book : allBooks()) {
+    for (const books::BookKind& book : books::allBooks()) {
         if (tables.contains(book.table))
             continue;
         tables.insert(book.table);
-        ResultSet scopes;
+        db::ResultSet scopes;
         if (!db.open(QStringLiteral("SELECT DISTINCT BrojPoduzeca,GodinaKnj FROM ") + book.table
                     + QStringLiteral(" ORDER BY GodinaKnj,BrojPoduzeca"),
                 scopes)) {
@@ -385,21 +385,21 @@ bool baselineEveryBook(Database& db, QString* error)
     return true;
 }
 
-bool appendRowChange(Database& db, const Scope& s, const RowChange& change, QString* error)
+bool appendRowChange(db::Database& db, const Scope& s, const db::RowChange& change, QString* error)
 {
     Change c;
     switch (change.kind) {
-    case RowChange::Kind::Insert:
-        c.radnja = Radnja::Unos;
+    case db::RowChange::Kind::Insert:
+        c.radnja = RecordKind::Unos;
         c.poslije = rowText(change.values);
         break;
-    case RowChange::Kind::Update:
-        c.radnja = Radnja::Izmjena;
+    case db::RowChange::Kind::Update:
+        c.radnja = RecordKind::Izmjena;
         c.prije = rowText(change.original);
         c.poslije = rowText(merged(change.original, change.values));
         break;
-    case RowChange::Kind::Delete:
-        c.radnja = Radnja::Brisanje;
+    case db::RowChange::Kind::Delete:
+        c.radnja = RecordKind::Brisanje;
         c.prije = rowText(change.original);
         break;
     }
@@ -411,7 +411,8 @@ bool appendRowChange(Database& db, const Scope& s, const RowChange& change, QStr
     return append(db, s, c, error);
 }
 
-QString numberChanges(const ResultSet& rows, const QString& column, const std::vector<std::optional<qint64>>& changes)
+QString numberChanges(
+    const db::ResultSet& rows, const QString& column, const std::vector<std::optional<qint64>>& changes)
 {
     const int c = rows.indexOf(column);
     std::unordered_map<qint64, int> count;
@@ -438,7 +439,7 @@ QString valueChanges(const std::vector<std::pair<qint64, qint64>>& pairs)
     return out;
 }
 
-QString rowsText(const ResultSet& rows)
+QString rowsText(const db::ResultSet& rows)
 {
     QString out;
     for (int r = 0; r < rows.rowCount(); ++r)

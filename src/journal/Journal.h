@@ -23,7 +23,7 @@ namespace knjige::journal
 {
 
 // The record kinds (the Radnja column).
-namespace Radnja
+namespace RecordKind
 {
 inline const QString Osnova = QStringLiteral("osnova"); // baseline: every row as it stood
 inline const QString Unos = QStringLiteral("unos");
@@ -37,7 +37,7 @@ inline const QString PocetnaStanja = QStringLiteral("početna stanja");
 inline const QString Generiranje = QStringLiteral("generiranje");
 inline const QString Zakljucavanje = QStringLiteral("zaključavanje");
 inline const QString Otkljucavanje = QStringLiteral("otključavanje");
-} // namespace Radnja
+} // namespace RecordKind
 
 // One book of one company and year; brojProd is the sales point of a trade book.
 struct Scope {
@@ -62,27 +62,27 @@ struct Record {
 
 // --- Canonical text -----------------------------------------------------------------
 QString valueText(const QVariant& value);
-QString rowText(const ResultSet& rows, int row);
-QString rowText(const RowChange::Values& values);
+QString rowText(const db::ResultSet& rows, int row);
+QString rowText(const db::RowChange::Values& values);
 // Back from text: upper-case column name -> value text.
 QMap<QString, QString> parseRow(const QString& text);
 // The columns an update leaves as they were, with those it writes.
-RowChange::Values merged(const RowChange::Values& original, const RowChange::Values& written);
+db::RowChange::Values merged(const db::RowChange::Values& original, const db::RowChange::Values& written);
 // What tells apart two rows of one number in a list of number changes: a short hash of
 // their date and description.
 QString rowMark(const QString& datum, const QString& opis);
-QString rowMark(const ResultSet& rows, int row);
+QString rowMark(const db::ResultSet& rows, int row);
 
 // SHA-256 (hex) over the record's fields and the previous record's hash.
 QString recordHash(qint16 company, qint16 year, const Record& r, const QString& previousHash);
 
 // --- The table ----------------------------------------------------------------------
 // Whether the database has dbo.KnjDnevnik; asked once per connection.
-bool available(Database& db);
+bool available(db::Database& db);
 // Whether the database has the table; asked once per connection and table.
-bool hasTable(Database& db, const QString& table);
+bool hasTable(db::Database& db, const QString& table);
 // Every record of the company and year, in chain order. False when unreadable.
-bool readChain(Database& db, qint16 company, qint16 year, std::vector<Record>& out);
+bool readChain(db::Database& db, qint16 company, qint16 year, std::vector<Record>& out);
 
 // The table whose rows the kind keeps; two kinds may share one (97 and 102, 98 and 106).
 QString tableOf(int tip);
@@ -99,26 +99,27 @@ struct Change {
     QString prije;
     QString poslije;
 };
-bool append(Database& db, const Scope& scope, const Change& change, QString* error);
+bool append(db::Database& db, const Scope& scope, const Change& change, QString* error);
 
 // The first record of a book is its baseline: every row of its table for the company
 // and year as it stands. Call before a change is made (the baseline must not contain
 // it) and when a book is opened. The income and expense book FBiH and the receivables
 // linked to it take their baselines together.
-bool ensureBaseline(Database& db, const Scope& scope, QString* error);
+bool ensureBaseline(db::Database& db, const Scope& scope, QString* error);
 
 // A baseline for every company and year found in every book (a database just filled).
-bool baselineEveryBook(Database& db, QString* error);
+bool baselineEveryBook(db::Database& db, QString* error);
 
 // A single row written by an editor or generation.
-bool appendRowChange(Database& db, const Scope& scope, const RowChange& change, QString* error);
+bool appendRowChange(db::Database& db, const Scope& scope, const db::RowChange& change, QString* error);
 
 // Number changes as one record's text: "old>new" lines, "old#mark>new" where the old
 // number is shared by more than one row.
-QString numberChanges(const ResultSet& rows, const QString& column, const std::vector<std::optional<qint64>>& changes);
+QString numberChanges(
+    const db::ResultSet& rows, const QString& column, const std::vector<std::optional<qint64>>& changes);
 // Link value changes that move every row of the value: "=old>new" lines.
 QString valueChanges(const std::vector<std::pair<qint64, qint64>>& pairs);
 // Rows as one text, one per line.
-QString rowsText(const ResultSet& rows);
+QString rowsText(const db::ResultSet& rows);
 
 } // namespace knjige::journal

@@ -2,7 +2,7 @@
 
 #include "session/Dates.h"
 
-namespace knjige::periodlock
+namespace knjige::journal::periodlock
 {
 namespace
 {
@@ -21,7 +21,7 @@ QString scopeWhere(const journal::Scope& s, bool allKinds)
         + QString::number(s.year) + QStringLiteral(" AND TipKnjige IN (") + kinds.join(u',') + u')';
 }
 
-bool finish(Database& db, TransactionGuard& tx, bool ok, QString* error)
+bool finish(db::Database& db, db::TransactionGuard& tx, bool ok, QString* error)
 {
     if (ok && tx.commit())
         return true;
@@ -32,17 +32,17 @@ bool finish(Database& db, TransactionGuard& tx, bool ok, QString* error)
 
 } // namespace
 
-bool available(Database& db)
+bool available(db::Database& db)
 {
     return journal::hasTable(db, QStringLiteral("dbo.KnjZakljucano"));
 }
 
-bool lockDate(Database& db, const journal::Scope& scope, QDate* date, QString* error)
+bool lockDate(db::Database& db, const journal::Scope& scope, QDate* date, QString* error)
 {
     *date = QDate();
     if (!available(db))
         return true;
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(
             QStringLiteral("SELECT MAX(ZakljucanoDo) AS Datum FROM dbo.KnjZakljucano") + scopeWhere(scope, true), rs)) {
         *error = db.errorDescription();
@@ -58,7 +58,7 @@ QString refusal(const QDate& lock, const QString& what)
     return QStringLiteral("Razdoblje knjige je zaključano do %1. ").arg(day(lock)) + what;
 }
 
-QString refuseDates(Database& db, const journal::Scope& scope, const QList<QDate>& dates, const QString& what)
+QString refuseDates(db::Database& db, const journal::Scope& scope, const QList<QDate>& dates, const QString& what)
 {
     QDate lock;
     QString error;
@@ -72,7 +72,7 @@ QString refuseDates(Database& db, const journal::Scope& scope, const QList<QDate
     return {};
 }
 
-QString refuseRows(Database& db, const journal::Scope& scope, const ResultSet& rows,
+QString refuseRows(db::Database& db, const journal::Scope& scope, const db::ResultSet& rows,
     const std::vector<std::optional<qint64>>* changes, const QString& what)
 {
     QDate lock;
@@ -92,7 +92,7 @@ QString refuseRows(Database& db, const journal::Scope& scope, const ResultSet& r
     return {};
 }
 
-bool lock(Database& db, const journal::Scope& scope, const QDate& to, QString* error)
+bool lock(db::Database& db, const journal::Scope& scope, const QDate& to, QString* error)
 {
     if (!available(db)) {
         *error = QStringLiteral("U bazi nema tablice dbo.KnjZakljucano (naredba za nju je u uputama, README).");
@@ -110,7 +110,7 @@ bool lock(Database& db, const journal::Scope& scope, const QDate& to, QString* e
                      .arg(day(current));
         return false;
     }
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     const QString date = QStringLiteral("'") + dates::sqlLiteral(to) + u'\'';
     const bool ok = tx.isActive() && journal::ensureBaseline(db, scope, error)
         && db.execute(QStringLiteral("DELETE FROM dbo.KnjZakljucano") + scopeWhere(scope, false))
@@ -119,12 +119,12 @@ bool lock(Database& db, const journal::Scope& scope, const QDate& to, QString* e
             + QString::number(scope.company) + u',' + QString::number(scope.year) + u',' + QString::number(scope.tip)
             + u',' + date + u')')
         && journal::append(db, scope,
-            { journal::Radnja::Zakljucavanje, std::nullopt, {}, QStringLiteral("DO=") + to.toString(Qt::ISODate) },
+            { journal::RecordKind::Zakljucavanje, std::nullopt, {}, QStringLiteral("DO=") + to.toString(Qt::ISODate) },
             error);
     return finish(db, tx, ok, error);
 }
 
-bool unlock(Database& db, const journal::Scope& scope, const QString& reason, QString* error)
+bool unlock(db::Database& db, const journal::Scope& scope, const QString& reason, QString* error)
 {
     if (!available(db)) {
         *error = QStringLiteral("U bazi nema tablice dbo.KnjZakljucano (naredba za nju je u uputama, README).");
@@ -137,15 +137,15 @@ bool unlock(Database& db, const journal::Scope& scope, const QString& reason, QS
     QDate current;
     if (!lockDate(db, scope, &current, error))
         return false;
-    TransactionGuard tx(db);
+    db::TransactionGuard tx(db);
     const bool ok = tx.isActive()
         && db.execute(QStringLiteral("DELETE FROM dbo.KnjZakljucano") + scopeWhere(scope, true))
         && journal::append(db, scope,
-            { journal::Radnja::Otkljucavanje, std::nullopt,
+            { journal::RecordKind::Otkljucavanje, std::nullopt,
                 current.isValid() ? QStringLiteral("DO=") + current.toString(Qt::ISODate) : QString(),
                 QStringLiteral("RAZLOG=") + reason.trimmed() },
             error);
     return finish(db, tx, ok, error);
 }
 
-} // namespace knjige::periodlock
+} // namespace knjige::journal::periodlock

@@ -1,6 +1,6 @@
 #include "output/CodePage.h"
 
-namespace knjige
+namespace knjige::output
 {
 
 QByteArray toCp1250(const QString& text, QString* unmappable)
@@ -41,4 +41,4 @@ void noteUnmappable(QString* unmappable, QStringView character)
 
 } // namespace codepage
 
-} // namespace knjige
+} // namespace knjige::output

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringView>
 
-namespace knjige
+namespace knjige::output
 {
 
 // Windows-1250, the code page of the Bosnian workstations the component's files are
@@ -27,4 +27,4 @@ void appendCp1250Converted(QByteArray& out, QStringView text, QString* unmappabl
 void noteUnmappable(QString* unmappable, QStringView character);
 } // namespace codepage
 
-} // namespace knjige
+} // namespace knjige::output

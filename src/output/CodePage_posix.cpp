@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <iconv.h>
 
-namespace knjige::codepage
+namespace knjige::output::codepage
 {
 namespace
 {
@@ -80,4 +80,4 @@ void appendCp1250Converted(QByteArray& out, QStringView text, QString* unmappabl
     out.resize(dst - out.data());
 }
 
-} // namespace knjige::codepage
+} // namespace knjige::output::codepage

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-namespace knjige::codepage
+namespace knjige::output::codepage
 {
 namespace
 {
@@ -43,4 +43,4 @@ void appendCp1250Converted(QByteArray& out, QStringView text, QString* unmappabl
     }
 }
 
-} // namespace knjige::codepage
+} // namespace knjige::output::codepage

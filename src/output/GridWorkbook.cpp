@@ -10,7 +10,7 @@
 #include <xlsxwriter.h>
 #endif
 
-namespace knjige
+namespace knjige::output
 {
 
 #ifdef KNJIGE_HAVE_XLSXWRITER
@@ -60,9 +60,9 @@ private:
 void writeCell(
     lxw_worksheet* ws, Formats& formats, int row, int col, const QAbstractItemModel& model, const QModelIndex& index)
 {
-    const QVariant value = model.data(index, BookModel::ValueRole);
-    const QString format = model.data(index, BookModel::FormatRole).toString();
-    const bool bold = model.data(index, BookModel::BoldRole).toBool();
+    const QVariant value = model.data(index, browser::BookModel::ValueRole);
+    const QString format = model.data(index, browser::BookModel::FormatRole).toString();
+    const bool bold = model.data(index, browser::BookModel::BoldRole).toBool();
     lxw_format* f = formats.get(format, bold);
     switch (value.typeId()) {
     case QMetaType::Double:
@@ -142,4 +142,4 @@ bool GridWorkbook::write(const QAbstractItemModel&, const QString&, QString* err
 
 #endif
 
-} // namespace knjige
+} // namespace knjige::output

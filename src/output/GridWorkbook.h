@@ -4,7 +4,7 @@
 
 class QAbstractItemModel;
 
-namespace knjige
+namespace knjige::output
 {
 
 // Writes a whole grid as a spreadsheet workbook (Office Open XML), fixed cells
@@ -23,4 +23,4 @@ public:
     static bool write(const QAbstractItemModel& model, const QString& path, QString* error);
 };
 
-} // namespace knjige
+} // namespace knjige::output

@@ -221,29 +221,29 @@ OfficeExportWriter::OfficeExportWriter(QIODevice& device, ExportOptions options)
 }
 
 void OfficeExportWriter::appendValue(
-    QString& line, const ResultSet& rows, int row, int column, const ExportOptions& options)
+    QString& line, const db::ResultSet& rows, int row, int column, const ExportOptions& options)
 {
     if (rows.isNull(row, column))
         return;
     const QChar mark = options.decimalMark.isEmpty() ? QChar(u'.') : options.decimalMark.front();
     switch (rows.field(column).type) {
-    case FieldType::Integer:
+    case db::FieldType::Integer:
         appendInteger(line, rows.integer(row, column));
         return;
-    case FieldType::Currency:
+    case db::FieldType::Currency:
         appendMoney(line, rows.money(row, column), mark);
         return;
-    case FieldType::Decimal:
-    case FieldType::Float:
+    case db::FieldType::Decimal:
+    case db::FieldType::Float:
         appendNumberText(line, rows.text(row, column), mark);
         return;
-    case FieldType::Date:
+    case db::FieldType::Date:
         appendDate(line, rows.date(row, column));
         return;
-    case FieldType::Boolean:
+    case db::FieldType::Boolean:
         line += rows.integer(row, column) ? u'1' : u'0';
         return;
-    case FieldType::Text: {
+    case db::FieldType::Text: {
         const QString text = rows.text(row, column);
         if (text.isEmpty())
             return;
@@ -256,7 +256,7 @@ void OfficeExportWriter::appendValue(
     }
 }
 
-bool OfficeExportWriter::writeHeader(const QVector<Field>& fields)
+bool OfficeExportWriter::writeHeader(const QVector<db::Field>& fields)
 {
     m_line.truncate(0);
     for (qsizetype c = 0; c < fields.size(); ++c) {
@@ -270,7 +270,7 @@ bool OfficeExportWriter::writeHeader(const QVector<Field>& fields)
     return endLine();
 }
 
-bool OfficeExportWriter::writeRow(const ResultSet& rows, int row)
+bool OfficeExportWriter::writeRow(const db::ResultSet& rows, int row)
 {
     m_line.truncate(0);
     for (int c = 0; c < rows.fieldCount(); ++c) {
@@ -322,7 +322,7 @@ bool OfficeExportWriter::finish()
 }
 
 ExportResult writeOfficeExport(
-    const ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress)
+    const db::ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress)
 {
     OfficeExportWriter writer(device, options);
     bool ok = writer.writeHeader(rows.fields());
@@ -339,7 +339,7 @@ ExportResult writeOfficeExport(
     return writer.result();
 }
 
-ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, const QString& path)
+ExportResult exportToFile(const db::ResultSet& rows, const ExportOptions& options, const QString& path)
 {
     OutputFile file(path);
     if (!file.open()) {

@@ -87,14 +87,15 @@ public:
     OfficeExportWriter(QIODevice& device, ExportOptions options);
 
     // False when the device refused the data (see result().error).
-    bool writeHeader(const QVector<Field>& fields);
-    bool writeRow(const ResultSet& rows, int row);
+    bool writeHeader(const QVector<db::Field>& fields);
+    bool writeRow(const db::ResultSet& rows, int row);
     // Hands what is still buffered to the device.
     bool finish();
     const ExportResult& result() const { return m_result; }
 
     // One value as it appears between the separators.
-    static void appendValue(QString& line, const ResultSet& rows, int row, int column, const ExportOptions& options);
+    static void appendValue(
+        QString& line, const db::ResultSet& rows, int row, int column, const ExportOptions& options);
 
 private:
     bool endLine();
@@ -112,13 +113,13 @@ private:
 // Header and every row; the result tells how many rows were written and what failed.
 // Each row is reported to `progress`, which may stop the writing.
 ExportResult writeOfficeExport(
-    const ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress = nullptr);
+    const db::ResultSet& rows, const ExportOptions& options, QIODevice& device, Progress* progress = nullptr);
 
 // Writes the file whole or not at all: an existing file is replaced only once the new
 // one is complete, so a failure halfway leaves it as it was. The error names the file
 // and the step that failed. The rows written are shown through the interaction seam;
 // the person may stop where the file is left as it was.
-ExportResult exportToFile(const ResultSet& rows, const ExportOptions& options, const QString& path);
+ExportResult exportToFile(const db::ResultSet& rows, const ExportOptions& options, const QString& path);
 
 // Settings keys of the export, under settings::sharedApplication(), section "Settings".
 namespace keys

@@ -27,8 +27,8 @@ bool OutputFile::open()
     // A printout or an export written over the database would replace the books.
     if (isStandardOutput(m_path))
         return m_special->open(stdout, QIODevice::WriteOnly, QFileDevice::DontCloseHandle);
-    if (isOpenDatabaseFile(m_path)) {
-        m_error = openDatabaseRefusal(m_path);
+    if (db::isOpenDatabaseFile(m_path)) {
+        m_error = db::openDatabaseRefusal(m_path);
         return false;
     }
     return m_special ? m_special->open(QIODevice::WriteOnly) : m_whole->open(QIODevice::WriteOnly);

@@ -5,12 +5,12 @@
 #include "output/ReportLayout.h"
 #include "session/Session.h"
 
-namespace knjige::report
+namespace knjige::output::report
 {
 namespace
 {
 
-QString value(const ResultSet& rs, const QString& column)
+QString value(const db::ResultSet& rs, const QString& column)
 {
     const int c = rs.indexOf(column);
     return c < 0 || rs.isEmpty() || rs.isNull(0, c) ? QString() : rs.text(0, c).simplified();
@@ -33,7 +33,7 @@ QString labelled(const QString& label, const QString& text)
 
 } // namespace
 
-QStringList companyLines(const ResultSet& c)
+QStringList companyLines(const db::ResultSet& c)
 {
     const QString place
         = joined({ value(c, QStringLiteral("PostBroj")), value(c, QStringLiteral("Mjesto")) }, QStringLiteral(" "));
@@ -81,7 +81,7 @@ QString salesPointLine(qint32 salesPoint, const QString& name)
     return joined({ QStringLiteral("Prodajno mjesto: ") + QString::number(salesPoint), name }, QStringLiteral(" "));
 }
 
-Header bookHeader(const browser::BookQuery& query, const ResultSet& rows)
+Header bookHeader(const browser::BookQuery& query, const db::ResultSet& rows)
 {
     const int bookKind = query.bookKind;
     const browser::FilterState& filter = query.filter;
@@ -94,7 +94,7 @@ Header bookHeader(const browser::BookQuery& query, const ResultSet& rows)
     h.form = layout.form;
     h.period = periodLine(filter.periodStart, filter.periodEnd);
     h.filter = browser::filterLine(filter.description);
-    if (isTradeBook(bookKind)) {
+    if (books::isTradeBook(bookKind)) {
         QString name;
         const int shop = rows.indexOf(QStringLiteral("BrojProd"));
         const int shopName = rows.indexOf(QStringLiteral("ImeProd"));
@@ -119,4 +119,4 @@ Header recapitulationHeader(const QString& filterDescription)
     return h;
 }
 
-} // namespace knjige::report
+} // namespace knjige::output::report

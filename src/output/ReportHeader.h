@@ -8,7 +8,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 // The texts at the head and foot of a printed report. Empty texts are not printed.
@@ -27,7 +27,7 @@ struct Header {
 // The company's address and identification, one line each, from whichever of the
 // known columns the configuration row has and fills: address with post code and
 // place, identification and VAT numbers, telephone, bank account, activity, owner.
-QStringList companyLines(const ResultSet& configuration);
+QStringList companyLines(const db::ResultSet& configuration);
 
 QString periodLine(const QDate& from, const QDate& to);
 QString pageLine(int page, int pages);
@@ -38,8 +38,8 @@ QString salesPointLine(qint32 salesPoint, const QString& name);
 // A book's header from the session (company, configuration row, operator) and the
 // query that read the rows: its period, filter and sales point, which is named from
 // the rows' ImeProd.
-Header bookHeader(const browser::BookQuery& query, const ResultSet& rows);
+Header bookHeader(const browser::BookQuery& query, const db::ResultSet& rows);
 // The recapitulation's: the company's name, its title and the filter text.
 Header recapitulationHeader(const QString& filterDescription);
 
-} // namespace knjige::report
+} // namespace knjige::output::report

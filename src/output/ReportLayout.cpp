@@ -4,7 +4,7 @@
 #include "browser/BookModel.h"
 #include "session/Dates.h"
 
-namespace knjige::report
+namespace knjige::output::report
 {
 namespace
 {
@@ -188,24 +188,24 @@ QVector<Column> trgKomisiona()
 }
 
 // The catalogue names each book's layout; books on the same form share one.
-QVector<Column> columnsOf(ReportLayoutId id)
+QVector<Column> columnsOf(books::ReportLayoutId id)
 {
     switch (id) {
-    case ReportLayoutId::PrihRashFBiH:
+    case books::ReportLayoutId::PrihRashFBiH:
         return prihRashFBiH();
-    case ReportLayoutId::PrihRashDB:
+    case books::ReportLayoutId::PrihRashDB:
         return prihRashDB();
-    case ReportLayoutId::EvidPotObv:
+    case books::ReportLayoutId::EvidPotObv:
         return evidPotObv();
-    case ReportLayoutId::Prometa:
+    case books::ReportLayoutId::Prometa:
         return prometa();
-    case ReportLayoutId::PrihodaRashodaRS:
+    case books::ReportLayoutId::PrihodaRashodaRS:
         return prihodaRashodaRS();
-    case ReportLayoutId::PopisnaLista:
+    case books::ReportLayoutId::PopisnaLista:
         return popisnaLista();
-    case ReportLayoutId::TrgUsluga:
+    case books::ReportLayoutId::TrgUsluga:
         return trgUsluga();
-    case ReportLayoutId::TrgKomisiona:
+    case books::ReportLayoutId::TrgKomisiona:
         return trgKomisiona();
     }
     return {};
@@ -233,7 +233,7 @@ Orientation orientationFor(const QVector<Column>& columns)
 
 Layout bookLayout(int bookKind, qint32 salesPoint)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book)
         return {};
     Layout l;
@@ -243,14 +243,14 @@ Layout bookLayout(int bookKind, qint32 salesPoint)
     l.form = book->form;
     l.signature = true;
     l.columns = columnsOf(book->report);
-    if (isTradeBook(bookKind) && salesPoint == 0) {
+    if (books::isTradeBook(bookKind) && salesPoint == 0) {
         l.columns.insert(2, textColumn(QStringLiteral("Prodajno\nmjesto"), QStringLiteral("ImeProd"), 12));
         l.columns = numbered(l.columns);
     }
-    if (isIncomeExpense(bookKind))
+    if (books::isIncomeExpense(bookKind))
         l.kindField = QStringLiteral("Vrsta");
     l.orientation = orientationFor(l.columns);
-    l.salesPoint = isTradeBook(bookKind);
+    l.salesPoint = books::isTradeBook(bookKind);
     return l;
 }
 
@@ -268,7 +268,7 @@ Layout recapitulationLayout()
     return l;
 }
 
-std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const ResultSet& rows, QString* error)
+std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const db::ResultSet& rows, QString* error)
 {
     BoundLayout b;
     b.m_layout = layout;
@@ -295,7 +295,7 @@ std::optional<BoundLayout> BoundLayout::bind(const Layout& layout, const ResultS
     return b;
 }
 
-Money BoundLayout::money(const ResultSet& rows, int row, int column) const
+Money BoundLayout::money(const db::ResultSet& rows, int row, int column) const
 {
     Money sum;
     for (const BoundTerm& t : m_terms[column]) {
@@ -310,19 +310,19 @@ Money BoundLayout::money(const ResultSet& rows, int row, int column) const
     return sum;
 }
 
-QString BoundLayout::text(const ResultSet& rows, int row, int column, const QLocale& locale) const
+QString BoundLayout::text(const db::ResultSet& rows, int row, int column, const QLocale& locale) const
 {
     const Column& c = m_layout.columns[column];
     if (c.format == Format::Money) {
         const Money v = money(rows, row, column);
-        return v.isZero() ? QString() : formatMoney(v, locale);
+        return v.isZero() ? QString() : browser::formatMoney(v, locale);
     }
     const int f = m_terms[column].value(0).field;
     if (rows.isNull(row, f))
         return {};
     switch (c.format) {
     case Format::Whole:
-        return formatWhole(rows.integer(row, f), locale);
+        return browser::formatWhole(rows.integer(row, f), locale);
     case Format::Date:
         return dates::display(rows.date(row, f));
     default:
@@ -330,4 +330,4 @@ QString BoundLayout::text(const ResultSet& rows, int row, int column, const QLoc
     }
 }
 
-} // namespace knjige::report
+} // namespace knjige::output::report

@@ -8,7 +8,7 @@
 #include <QVector>
 #include <optional>
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 // How a report is laid out, as data: one layout per book kind, made from the book
@@ -70,17 +70,17 @@ class BoundLayout
 {
 public:
     // Nothing, with *error naming the first missing field, when the rows lack one.
-    static std::optional<BoundLayout> bind(const Layout& layout, const ResultSet& rows, QString* error);
+    static std::optional<BoundLayout> bind(const Layout& layout, const db::ResultSet& rows, QString* error);
 
     const Layout& layout() const { return m_layout; }
     int columnCount() const { return int(m_layout.columns.size()); }
     // The columns that sum, in column order.
     const QVector<int>& summed() const { return m_summed; }
 
-    Money money(const ResultSet& rows, int row, int column) const;
+    Money money(const db::ResultSet& rows, int row, int column) const;
     // The cell as printed: amounts "#,##0.00" (blank when zero), whole numbers
     // "#,##0", dates "dd.MM.yy", texts as they stand.
-    QString text(const ResultSet& rows, int row, int column, const QLocale& locale) const;
+    QString text(const db::ResultSet& rows, int row, int column, const QLocale& locale) const;
 
 private:
     struct BoundTerm {
@@ -94,4 +94,4 @@ private:
     int m_kindField = -1;
 };
 
-} // namespace knjige::report
+} // namespace knjige::output::report

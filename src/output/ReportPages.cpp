@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 Paginator::Paginator(int firstPageLines, int otherPageLines, int sums)
@@ -71,4 +71,4 @@ QVector<Page> Paginator::finish()
     return m_pages;
 }
 
-} // namespace knjige::report
+} // namespace knjige::output::report

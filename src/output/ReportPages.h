@@ -4,7 +4,7 @@
 
 #include <QVector>
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 // One printed page of a book: rows [firstRow, endRow) and the sums of its summed
@@ -73,4 +73,4 @@ private:
     QVector<Page> m_pages;
 };
 
-} // namespace knjige::report
+} // namespace knjige::output::report

@@ -6,7 +6,7 @@
 #include "session/Dates.h"
 #include "session/Session.h"
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 QString recapitulationSql(const QString& whereClause)
@@ -40,7 +40,7 @@ bool panelSumsAsPrinted(int summedColumns, const browser::BookQuery& query)
     const int bookKind = query.bookKind;
     const browser::FilterState& filter = query.filter;
     return browser::totalsPanelHeaders(bookKind).size() == summedColumns
-        && !(isTradeBook(bookKind) && filter.salesPoint == 0)
+        && !(books::isTradeBook(bookKind) && filter.salesPoint == 0)
         && filter.where
         == browser::periodFilter(
             bookKind, filter.periodStart, filter.periodEnd, query.company, query.year, filter.salesPoint)
@@ -65,15 +65,15 @@ bool broughtForward(const browser::BookQuery& query, const Layout& layout, Broug
     // An asset list is what is owned, dated by acquisition, and a year's list holds the
     // assets bought in the years before: its rows dated before a period are no part of
     // a running book, so a period of it prints as a selection, with nothing brought.
-    if (summed.isEmpty() || isAssetList(bookKind) || !from.isValid() || from <= yearStart)
+    if (summed.isEmpty() || books::isAssetList(bookKind) || !from.isValid() || from <= yearStart)
         return true;
     const QDate before = from.addDays(-1);
     out->continues = true;
     out->sums = QVector<Money>(summed.size());
     const QString f = QStringLiteral("dd.MM.yyyy");
     out->totalLabel = QStringLiteral("Ukupno od %1 do %2:").arg(yearStart.toString(f), to.toString(f));
-    Database& db = session().db();
-    ResultSet rs;
+    db::Database& db = session().db();
+    db::ResultSet rs;
     if (panelSumsAsPrinted(int(summed.size()), query)) {
         if (!db.open(browser::totalsPanelSql(bookKind, company, year, query.salesPoint(), from, to), rs)) {
             *error = db.errorDescription();
@@ -110,4 +110,4 @@ bool broughtForward(const browser::BookQuery& query, const Layout& layout, Broug
     return true;
 }
 
-} // namespace knjige::report
+} // namespace knjige::output::report

@@ -6,7 +6,7 @@
 #include <QDate>
 #include <QString>
 
-namespace knjige::report
+namespace knjige::output::report
 {
 
 // The recapitulation of the FBiH income and expense book: one row per entry kind with
@@ -28,4 +28,4 @@ struct BroughtForward {
 // not be read; a printout without them would start its year at zero.
 bool broughtForward(const browser::BookQuery& query, const Layout& layout, BroughtForward* out, QString* error);
 
-} // namespace knjige::report
+} // namespace knjige::output::report

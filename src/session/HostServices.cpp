@@ -23,8 +23,8 @@ public:
     std::optional<Partner> choose() override { return std::nullopt; }
     std::optional<Partner> find(qint32 code) override
     {
-        Database& db = session().db();
-        ResultSet rs;
+        db::Database& db = session().db();
+        db::ResultSet rs;
         if (!db.open(
                 QStringLiteral("SELECT SifKomit,ImeKomit1 FROM dbo.Komitent WHERE SifKomit=") + QString::number(code),
                 rs)

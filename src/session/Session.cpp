@@ -17,9 +17,9 @@ Session& session()
 namespace
 {
 
-Database& helperDb()
+db::Database& helperDb()
 {
-    static Database helper;
+    static db::Database helper;
     // The database drivers go with the application object; close the connection
     // while they are still there rather than at static destruction.
     static const bool closesWithApplication = [] {
@@ -33,9 +33,9 @@ Database& helperDb()
 
 } // namespace
 
-Database& Session::db()
+db::Database& Session::db()
 {
-    Database& helper = helperDb();
+    db::Database& helper = helperDb();
     if (helper.connectionString() != ConnString || !helper.isConnected())
         helper.connect(ConnString);
     return helper;
@@ -58,13 +58,13 @@ namespace DefVarijabli
 Notices CitajKonfiguraciju(bool sveKolone)
 {
     Session& s = session();
-    Database& db = s.db();
+    db::Database& db = s.db();
     Notices notices;
     if (!db.execute(QStringLiteral("SET TEXTSIZE 1000000")))
         notices.append({ QStringLiteral("Nisam postavio veličinu TEXTSIZE"), {}, Icon::Exclamation });
     const QString sql = QStringLiteral("SELECT ") + (sveKolone ? QStringLiteral("*") : QStringLiteral("NazivFirme"))
         + QStringLiteral(" FROM dbo.CONFIG WHERE BROJPODUZECA=") + QString::number(s.BrojPoduzeca);
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(sql, rs)) {
         notices.append(
             { QStringLiteral("\nDesila se greška u pristupu podacima o firmi. Ponovite!"), {}, Icon::Exclamation });

@@ -21,11 +21,11 @@ struct Session {
     QString NazivFirme; // from the company's configuration row
 
     // The company's configuration row as last read; empty until read.
-    ResultSet Konfiguracija;
+    db::ResultSet Konfiguracija;
 
     // The one data-access helper, created on first use and kept for the process. It
     // follows ConnString: a changed string reconnects on the next call.
-    Database& db();
+    db::Database& db();
     // Closes the helper's connection without first making one: after a server that did
     // not answer, closing must not wait for it a second time.
     void closeDb();

@@ -12,25 +12,25 @@ namespace knjige::test
 {
 
 // The fields' names, or the names of their types, joined with commas.
-inline std::string fieldNames(const ResultSet& rs)
+inline std::string fieldNames(const db::ResultSet& rs)
 {
     QStringList out;
-    for (const Field& f : rs.fields())
+    for (const db::Field& f : rs.fields())
         out << f.name;
     return out.join(u',').toStdString();
 }
 
-inline std::string fieldTypes(const ResultSet& rs)
+inline std::string fieldTypes(const db::ResultSet& rs)
 {
     QStringList out;
-    for (const Field& f : rs.fields())
-        out << fieldTypeName(f.type);
+    for (const db::Field& f : rs.fields())
+        out << db::fieldTypeName(f.type);
     return out.join(u',').toStdString();
 }
 
 // One row's values, or one column's values top to bottom, joined with '|'; "<null>"
 // stands for NULL.
-inline std::string rowText(const ResultSet& rs, int row, int onlyColumn = -1)
+inline std::string rowText(const db::ResultSet& rs, int row, int onlyColumn = -1)
 {
     QStringList out;
     for (int c = 0; c < rs.fieldCount(); ++c)
@@ -42,9 +42,9 @@ inline std::string rowText(const ResultSet& rs, int row, int onlyColumn = -1)
 // A result of `fields` with a row for each list of values, each value set as
 // ResultSet::set takes it: a text in a typed column is read as that type, an empty
 // QVariant is NULL.
-inline ResultSet resultSet(QVector<Field> fields, const QList<QVariantList>& rows)
+inline db::ResultSet resultSet(QVector<db::Field> fields, const QList<QVariantList>& rows)
 {
-    ResultSet rs(std::move(fields));
+    db::ResultSet rs(std::move(fields));
     for (const QVariantList& row : rows) {
         rs.appendRow();
         for (int c = 0; c < row.size(); ++c)
@@ -53,7 +53,7 @@ inline ResultSet resultSet(QVector<Field> fields, const QList<QVariantList>& row
     return rs;
 }
 
-inline std::string columnText(const ResultSet& rs, const QString& name)
+inline std::string columnText(const db::ResultSet& rs, const QString& name)
 {
     std::string out;
     const int c = rs.indexOf(name);

@@ -26,26 +26,26 @@ Money money(const char* text)
 }
 
 // The fields of the FBiH income and expense book's SELECT, typed as the server types them.
-ResultSet incomeExpenseRows()
+db::ResultSet incomeExpenseRows()
 {
     const auto row = [](int rbroj, QDate datum, const char* opis, int vrsta, const QVariantList& amounts) {
         return QVariantList { rbroj, 2016, datum, QStringLiteral("D-%1").arg(rbroj), opis, vrsta,
-            entryKindText(96, vrsta) }
+            books::entryKindText(96, vrsta) }
         + amounts + QVariantList { QString() };
     };
-    return test::resultSet(
-        { { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
-            { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "Vrsta", FieldType::Integer },
-            { "NazivVrste", FieldType::Text }, { "Prihodi", FieldType::Currency },
-            { "PDVPrihodi", FieldType::Currency }, { "Rashodi", FieldType::Currency },
-            { "PDVRashodi", FieldType::Currency }, { "I", FieldType::Text } },
+    return test::resultSet({ { "RBroj", db::FieldType::Integer }, { "GodinaKnj", db::FieldType::Integer },
+                               { "Datum", db::FieldType::Date }, { "Isprava", db::FieldType::Text },
+                               { "Opis", db::FieldType::Text }, { "Vrsta", db::FieldType::Integer },
+                               { "NazivVrste", db::FieldType::Text }, { "Prihodi", db::FieldType::Currency },
+                               { "PDVPrihodi", db::FieldType::Currency }, { "Rashodi", db::FieldType::Currency },
+                               { "PDVRashodi", db::FieldType::Currency }, { "I", db::FieldType::Text } },
         { row(1, { 2016, 1, 4 }, "Pazar", 11, { "1170.00", "170.00", "0", "0" }),
             row(2, { 2016, 1, 9 }, "banka", 12, { "2340.50", "340.07", "0", "0" }),
             row(3, { 2016, 2, 1 }, "Nabavka", 16, { "0", "0", "585.00", "85.00" }),
             row(4, { 2016, 2, 1 }, "Amortizacija", 19, { "0", "0", "1000000.25", "0" }) });
 }
 
-ResultSet assetRows()
+db::ResultSet assetRows()
 {
     QList<QVariantList> rows;
     for (int i = 1; int vijek : { 5, 8, 4 }) {
@@ -54,28 +54,28 @@ ResultSet assetRows()
         ++i;
     }
     return test::resultSet(
-        { { "RBroj", FieldType::Integer }, { "Naziv", FieldType::Text }, { "Datum", FieldType::Date },
-            { "Isprava", FieldType::Text }, { "NabVrijednost", FieldType::Currency },
-            { "KnjigVrijednost", FieldType::Currency }, { "VijekTr", FieldType::Integer },
-            { "StopaAm", FieldType::Currency }, { "IznosAmort", FieldType::Decimal },
-            { "NovaKnjigVrij", FieldType::Decimal }, { "I", FieldType::Text } },
+        { { "RBroj", db::FieldType::Integer }, { "Naziv", db::FieldType::Text }, { "Datum", db::FieldType::Date },
+            { "Isprava", db::FieldType::Text }, { "NabVrijednost", db::FieldType::Currency },
+            { "KnjigVrijednost", db::FieldType::Currency }, { "VijekTr", db::FieldType::Integer },
+            { "StopaAm", db::FieldType::Currency }, { "IznosAmort", db::FieldType::Decimal },
+            { "NovaKnjigVrij", db::FieldType::Decimal }, { "I", db::FieldType::Text } },
         rows);
 }
 
 // One grid row as the person sees it: the row header, then every cell, each with a *
 // when it is bold.
-std::string shown(const BookModel& m, int row)
+std::string shown(const browser::BookModel& m, int row)
 {
     const auto bold = [](const QVariant& v) { return v.toBool() ? QStringLiteral("*") : QString(); };
     QStringList out { m.headerData(row, Qt::Vertical).toString()
-        + bold(m.headerData(row, Qt::Vertical, BookModel::BoldRole)) };
+        + bold(m.headerData(row, Qt::Vertical, browser::BookModel::BoldRole)) };
     for (int c = 0; c < m.columnCount(); ++c)
-        out << m.displayText(row, c) + bold(m.data(m.index(row, c), BookModel::BoldRole));
+        out << m.displayText(row, c) + bold(m.data(m.index(row, c), browser::BookModel::BoldRole));
     return out.join(u'|').toStdString();
 }
 
 // One column of the entries, top to bottom.
-std::string column(const BookModel& m, int c)
+std::string column(const browser::BookModel& m, int c)
 {
     QStringList out;
     for (int r = 0; r < m.rowCount(); ++r)
@@ -90,34 +90,34 @@ std::string column(const BookModel& m, int c)
 // the model bolds exactly the catalogue's bold sums, the first always, and no others.
 TEST(BookTotals, EveryBookBoldsItsFirstSumAndTheCataloguesOthers)
 {
-    EXPECT_TRUE(totalsColumns(103).isEmpty());
-    for (const BookKind& book : allBooks()) {
-        const QVector<TotalsColumn> sums = totalsColumns(book.code);
+    EXPECT_TRUE(browser::totalsColumns(103).isEmpty());
+    for (const books::BookKind& book : books::allBooks()) {
+        const QVector<books::TotalsColumn> sums = browser::totalsColumns(book.code);
         ASSERT_FALSE(sums.isEmpty()) << book.code;
         EXPECT_TRUE(sums[0].bold) << book.code;
-        QVector<Field> fields;
+        QVector<db::Field> fields;
         for (int f = 0; f < sums.last().gridColumn; ++f)
-            fields.append({ QString::number(f), FieldType::Currency });
-        ResultSet rs(fields);
+            fields.append({ QString::number(f), db::FieldType::Currency });
+        db::ResultSet rs(fields);
         rs.appendRow();
         for (int f = 0; f < rs.fieldCount(); ++f)
             rs.setMoney(f, Money::fromWhole(1));
-        BookModel m;
+        browser::BookModel m;
         m.setBookKind(book.code);
         m.setResultSet(rs);
         ASSERT_TRUE(m.isTotalsRow(0)) << book.code;
         for (int c = 1; c < m.columnCount(); ++c) {
             bool bold = false;
-            for (const TotalsColumn& s : sums)
+            for (const books::TotalsColumn& s : sums)
                 bold = bold || (s.gridColumn == c + 1 && s.bold);
-            EXPECT_EQ(m.data(m.index(0, c), BookModel::BoldRole).toBool(), bold) << book.code << " " << c;
+            EXPECT_EQ(m.data(m.index(0, c), browser::BookModel::BoldRole).toBool(), bold) << book.code << " " << c;
         }
     }
 }
 
 TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 {
-    BookModel m;
+    browser::BookModel m;
     m.setLocale(QLocale::c());
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
@@ -128,7 +128,7 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
         EXPECT_TRUE(m.isTotalsRow(row));
         EXPECT_EQ(m.dataRow(row), -1);
         EXPECT_EQ(shown(m, row), "Ukupno:*||||||||3,510.50*|510.07|1,000,585.25|85.00|");
-        EXPECT_TRUE(m.data(m.index(row, 3), BookModel::TotalsRowRole).toBool());
+        EXPECT_TRUE(m.data(m.index(row, 3), browser::BookModel::TotalsRowRole).toBool());
     }
     EXPECT_EQ(m.total(8), money("3510.50"));
     EXPECT_FALSE(m.total(5).has_value());
@@ -147,7 +147,7 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 
     // No totals rows for an empty book or a kind without totals.
     m.setBookKind(96);
-    m.setResultSet(ResultSet(incomeExpenseRows().fields()));
+    m.setResultSet(db::ResultSet(incomeExpenseRows().fields()));
     EXPECT_EQ(m.rowCount(), 0);
     EXPECT_EQ(m.columnCount(), 12);
     EXPECT_FALSE(m.hasTotalsRows());
@@ -161,11 +161,11 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
 TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
 {
     // The second row has no date, text or quantity.
-    const ResultSet rs = test::resultSet(
-        { { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
-            { "Opis", FieldType::Text }, { "Kol", FieldType::Decimal }, { "Ok", FieldType::Boolean } },
+    const db::ResultSet rs = test::resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency }, { "Datum", db::FieldType::Date },
+            { "Opis", db::FieldType::Text }, { "Kol", db::FieldType::Decimal }, { "Ok", db::FieldType::Boolean } },
         { { 1234567, "-1234567.125", QDate(2016, 3, 15), "  tekst", 12.5, 1 }, { 7, "5", {}, {}, {}, 0 } });
-    BookModel m;
+    browser::BookModel m;
     m.setBookKind(0);
     m.setLocale(QLocale::c());
     m.setResultSet(rs);
@@ -183,14 +183,14 @@ TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
     EXPECT_EQ(data(0, 5, Qt::CheckStateRole).toInt(), int(Qt::Checked));
     EXPECT_EQ(data(1, 5, Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
     EXPECT_FALSE(data(0, 0, Qt::CheckStateRole).isValid());
-    EXPECT_EQ(data(0, 1, BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
-    EXPECT_EQ(data(0, 0, BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
-    EXPECT_EQ(data(0, 2, BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
+    EXPECT_EQ(data(0, 1, browser::BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
+    EXPECT_EQ(data(0, 0, browser::BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
+    EXPECT_EQ(data(0, 2, browser::BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
 }
 
 TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToReturnTo)
 {
-    BookModel m;
+    browser::BookModel m;
     QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
     m.setLocale(QLocale::c()); // a locale given explicitly is taken as it is
     m.setBookKind(96);
@@ -225,13 +225,13 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     m.headerSort(10);
     EXPECT_EQ(column(m, 9), "0.00,0.00,585.00,1,000,000.25");
 
-    EXPECT_EQ(BookModel::rowAfterReload(-1, 4), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(2, 4), 2);
-    EXPECT_EQ(BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
-    EXPECT_EQ(BookModel::rowAfterReload(10, 1), 0);
-    EXPECT_EQ(BookModel::rowAfterReload(0, 0), -1);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(-1, 4), 0);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(2, 4), 2);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
+    EXPECT_EQ(browser::BookModel::rowAfterReload(10, 1), 0);
+    EXPECT_EQ(browser::BookModel::rowAfterReload(0, 0), -1);
 
-    m.setResultSet(ResultSet(incomeExpenseRows().fields()));
+    m.setResultSet(db::ResultSet(incomeExpenseRows().fields()));
     m.setBookKind(105);
     m.setResultSet(assetRows());
     m.setLocale(QLocale(QLocale::Bosnian));
@@ -242,7 +242,8 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
 
 TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text } });
+    db::ResultSet rs(
+        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text } });
     // Entered out of order, one in lower case: C < Č < Ć < D < Đ < S < Š < Z < Ž, and
     // letter case does not move a word out of its letter.
     const char* entered[] = { "Žito", "Sol", "šećer", "Zebra", "Dalmacija", "Ćevapi", "Đurđa", "Cement", "Čelik" };
@@ -253,7 +254,7 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
         rs.setDate(1, i < 3 ? dates[i] : QDate(2016, 6, 1));
         rs.setText(2, QString::fromUtf8(entered[i]));
     }
-    BookModel m;
+    browser::BookModel m;
     m.setResultSet(rs);
     m.headerSort(3);
     EXPECT_EQ(column(m, 2), "Cement,Čelik,Ćevapi,Dalmacija,Đurđa,Sol,šećer,Zebra,Žito");
@@ -273,9 +274,9 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
     const char* tricky[] = { "lja", "Lk", "LJUBAV", "ljubav", "nje", "Nk", "NJ", "džem", "dzz", "Džin", "đak", "dŽ",
         "a-b", "a b", "ab", "A1", "10", "9", "R-12", "R.12", "(x)", "", "stavka dugačka 000001", "Stavka dugačka 00000",
         "STAVKA DUGAČKA 000002", "šuma", "Sx", "ž", "Zz", "Ljiljan" };
-    const QCollator collator = textCollator();
+    const QCollator collator = browser::textCollator();
     for (const bool foreign : { false, true }) {
-        ResultSet texts({ { "Opis", FieldType::Text } });
+        db::ResultSet texts({ { "Opis", db::FieldType::Text } });
         QStringList expected;
         for (const char* t : tricky)
             expected << QString::fromUtf8(t);
@@ -290,7 +291,7 @@ TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
             [&](const QString& a, const QString& b) { return collator.compare(a, b) < 0; });
         std::stable_sort(descending.begin(), descending.end(),
             [&](const QString& a, const QString& b) { return collator.compare(a, b) > 0; });
-        BookModel sorted;
+        browser::BookModel sorted;
         sorted.setResultSet(texts);
         sorted.headerSort(1);
         EXPECT_EQ(column(sorted, 0), expected.join(u',').toStdString()) << foreign;
@@ -341,21 +342,22 @@ TEST(BrowserRules, MenuEntriesAccessLevelsAndGeometryInTwips)
 
 TEST(GridWorkbook, WritesTheWholeGridWithItsFixedCells)
 {
-    if (!GridWorkbook::available())
+    if (!output::GridWorkbook::available())
         GTEST_SKIP() << "built without the workbook writer";
     // The trade book of services: grid column 5 (Iznos) is summed.
-    const ResultSet rs = test::resultSet(
-        { { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
-            { "Opis", FieldType::Text }, { "Iznos", FieldType::Currency }, { "I", FieldType::Text } },
-        { { 1, 2016, QDate(2016, 3, 1), "Usluga čišćenja 1", "1000" },
-            { 2, 2016, QDate(2016, 3, 2), "Usluga čišćenja 2", "2000" } });
-    BookModel m;
+    const db::ResultSet rs
+        = test::resultSet({ { "RBroj", db::FieldType::Integer }, { "GodinaKnj", db::FieldType::Integer },
+                              { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
+                              { "Iznos", db::FieldType::Currency }, { "I", db::FieldType::Text } },
+            { { 1, 2016, QDate(2016, 3, 1), "Usluga čišćenja 1", "1000" },
+                { 2, 2016, QDate(2016, 3, 2), "Usluga čišćenja 2", "2000" } });
+    browser::BookModel m;
     m.setBookKind(125);
     m.setResultSet(rs);
     const QString path = test::scratchDir() + QStringLiteral("/PelunGrid.xls");
     QFile::remove(path);
     QString error;
-    ASSERT_TRUE(GridWorkbook::write(m, path, &error)) << error.toStdString();
+    ASSERT_TRUE(output::GridWorkbook::write(m, path, &error)) << error.toStdString();
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_EQ(f.read(2), QByteArray("PK"));

@@ -26,15 +26,16 @@ TEST(Schema, CreatesEveryTableAndTheAssetNumberingTrigger)
 {
     TestDatabase t;
     QStringList tables = { QStringLiteral("dbo.Komitent"), QStringLiteral("dbo.CONFIG") };
-    for (const BookKind& book : allBooks())
+    for (const books::BookKind& book : books::allBooks())
         tables << book.table;
     for (const QString& table : tables) {
-        const ResultSet rs = t.query(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE 1=0"));
+        const db::ResultSet rs = t.query(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE 1=0"));
         EXPECT_GT(rs.fieldCount(), 1) << table.toStdString();
-        EXPECT_EQ(rs.field(std::max(0, rs.indexOf("BrojPoduzeca"))).type, FieldType::Integer) << table.toStdString();
+        EXPECT_EQ(rs.field(std::max(0, rs.indexOf("BrojPoduzeca"))).type, db::FieldType::Integer)
+            << table.toStdString();
     }
-    EXPECT_EQ(schemaStatements().filter(QStringLiteral("CREATE TABLE")).size(), 13);
-    EXPECT_EQ(schemaStatements().filter(QStringLiteral("CREATE TRIGGER")).size(), 1);
+    EXPECT_EQ(books::schemaStatements().filter(QStringLiteral("CREATE TABLE")).size(), 13);
+    EXPECT_EQ(books::schemaStatements().filter(QStringLiteral("CREATE TRIGGER")).size(), 1);
 
     // An asset row without a number takes the next of its company and year.
     const QString assets = QStringLiteral("dbo.KnjPopListaDugImovFBiH");
@@ -44,7 +45,8 @@ TEST(Schema, CreatesEveryTableAndTheAssetNumberingTrigger)
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv) VALUES (1,2017,'b')");
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv) VALUES (1,2018,'c')");
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,RBroj) VALUES (1,2017,'d',2)");
-    const ResultSet rs = t.query("SELECT RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE Naziv IS NOT NULL ORDER BY Naziv");
+    const db::ResultSet rs
+        = t.query("SELECT RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE Naziv IS NOT NULL ORDER BY Naziv");
     ASSERT_EQ(rs.rowCount(), 4);
     EXPECT_EQ(QVector<qint64>({ rs.integer(0, 0), rs.integer(1, 0), rs.integer(2, 0), rs.integer(3, 0) }),
         QVector<qint64>({ 5, 6, 1, 2 }));
@@ -58,13 +60,13 @@ TEST(Schema, MoneyKeepsFourDecimalsInQuotientsAndStoredResults)
     t.exec("INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
            "VALUES(1,1,'1.1.2016',2016,'','',1.123456,0 )");
     t.exec("UPDATE dbo.KnjPrometaFBiH SET IznosCek=10.0/3 WHERE RBroj=1");
-    const ResultSet rs = t.query("SELECT IznosGot, IznosCek, K.IznosCek/7 AS X FROM dbo.KnjPrometaFBiH K "
-                                 "WHERE IznosGot=1.1235 AND IznosCek=3.3333");
+    const db::ResultSet rs = t.query("SELECT IznosGot, IznosCek, K.IznosCek/7 AS X FROM dbo.KnjPrometaFBiH K "
+                                     "WHERE IznosGot=1.1235 AND IznosCek=3.3333");
     ASSERT_EQ(rs.rowCount(), 1);
     EXPECT_EQ(test::fieldTypes(rs), "currency,currency,currency");
     EXPECT_EQ(test::rowText(rs, 0), "1.1235|3.3333|0.4762");
 
-    RowChange change { RowChange::Kind::Delete, QStringLiteral("dbo.KnjPrometaFBiH"), {},
+    db::RowChange change { db::RowChange::Kind::Delete, QStringLiteral("dbo.KnjPrometaFBiH"), {},
         { { "RBroj", 1 }, { "IznosCek", QVariant::fromValue(Money::parse(QStringLiteral("3.3333")).value()) } } };
     EXPECT_TRUE(t.db().writeRow(change)) << t.db().errorDescription().toStdString();
     EXPECT_EQ(t.count(QStringLiteral("dbo.KnjPrometaFBiH")), 0);
@@ -77,7 +79,8 @@ TEST(Schema, TextWidthsComeFromTheScript)
               { "dbo.KnjPrihRashDB", "Opis", 100 }, { "dbo.KnjPopListaDugImovFBiH", "Naziv", 100 },
               { "dbo.KnjPrihRashDB", "Iznos", 0 }, { "dbo.Nema", "Opis", 0 }, { "dbo.KnjPrihRashDB", "Nema", 0 } };
     for (const auto& [table, column, width] : cases)
-        EXPECT_EQ(textColumnWidth(QString::fromLatin1(table), QString::fromLatin1(column)), width) << table << column;
+        EXPECT_EQ(books::textColumnWidth(QString::fromLatin1(table), QString::fromLatin1(column)), width)
+            << table << column;
 }
 
 TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreate)
@@ -85,11 +88,11 @@ TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreate)
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("x.db"));
     QString error;
-    EXPECT_EQ(openSqliteBackend(path, false, &error), nullptr);
+    EXPECT_EQ(db::openSqliteBackend(path, false, &error), nullptr);
     EXPECT_TRUE(error.contains(path));
-    EXPECT_NE(openSqliteBackend(path, true, &error), nullptr);
+    EXPECT_NE(db::openSqliteBackend(path, true, &error), nullptr);
     EXPECT_TRUE(QFile::exists(path));
-    EXPECT_FALSE(createEmbeddedDatabase(path, &error)); // never over an existing file
+    EXPECT_FALSE(books::createEmbeddedDatabase(path, &error)); // never over an existing file
 
     const QString junk = dir.filePath(QStringLiteral("junk.db"));
     QFile f(junk);
@@ -97,7 +100,7 @@ TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreate)
     f.write(QByteArray(4096, 'x'));
     f.close();
     error.clear();
-    EXPECT_EQ(openSqliteBackend(junk, false, &error), nullptr);
+    EXPECT_EQ(db::openSqliteBackend(junk, false, &error), nullptr);
     EXPECT_FALSE(error.isEmpty());
 }
 
@@ -106,7 +109,7 @@ TEST(SqliteBackend, ReadOnlyFileGivesAClearErrorOnWrite)
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("ro.db"));
     QString error;
-    ASSERT_TRUE(createEmbeddedDatabase(path, &error)) << error.toStdString();
+    ASSERT_TRUE(books::createEmbeddedDatabase(path, &error)) << error.toStdString();
     QFile::setPermissions(path, QFileDevice::ReadOwner);
     // Permissions do not stop root (CI runs as root); an immutable file does.
     const bool root = ::geteuid() == 0;
@@ -116,9 +119,9 @@ TEST(SqliteBackend, ReadOnlyFileGivesAClearErrorOnWrite)
         if (root)
             QProcess::execute(QStringLiteral("chattr"), { QStringLiteral("-i"), path });
     });
-    Database db;
+    db::Database db;
     ASSERT_TRUE(db.connect(path)) << db.errorDescription().toStdString();
-    ResultSet rs;
+    db::ResultSet rs;
     EXPECT_TRUE(db.open(QStringLiteral("SELECT * FROM dbo.CONFIG"), rs));
     EXPECT_FALSE(db.execute(QStringLiteral("DELETE FROM dbo.CONFIG")));
     EXPECT_TRUE(db.errorDescription().startsWith(QStringLiteral("Baza podataka je otvorena samo za čitanje")))
@@ -132,14 +135,15 @@ namespace
 // The grid's query for company 1, working year 2016, as the browser opens it.
 QString openingQuery(int book)
 {
-    return findBook(book)->selectSql + browser::openingWhere(QDate(2016, 1, 1), 2016, 1) + browser::orderBy();
+    return books::findBook(book)->selectSql + browser::openingWhere(QDate(2016, 1, 1), 2016, 1) + browser::orderBy();
 }
 
 void incomeExpense(TestDatabase& t, const char* table, int company, int rbroj, QDate datum, int year, int vrsta,
     double iznos, double pdv = -1)
 {
-    RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", year },
-        { "Opis", QStringLiteral("Opis %1").arg(rbroj) }, { "Vrsta", vrsta }, { "Iznos", money(iznos) } };
+    db::RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum },
+        { "GodinaKnj", year }, { "Opis", QStringLiteral("Opis %1").arg(rbroj) }, { "Vrsta", vrsta },
+        { "Iznos", money(iznos) } };
     if (QString::fromLatin1(table).contains(u"PrihRash"))
         v.push_back({ "Isprava", QStringLiteral("D-%1").arg(rbroj) });
     if (pdv >= 0)
@@ -192,13 +196,13 @@ void fixtureRows(TestDatabase& t)
                 { "IznosGot", money(i * 10.5) }, { "IznosCek", money(0) } });
     // Sales point 6 is missing from dbo.Komitent: its rows are not listed.
     for (int prod : { 5, 6 }) {
-        const RowChange::Values key { { "BrojPoduzeca", 1 }, { "BrojProd", prod }, { "RBroj", 1 },
+        const db::RowChange::Values key { { "BrojPoduzeca", 1 }, { "BrojProd", prod }, { "RBroj", 1 },
             { "Datum", QDate(2016, 2, 2) }, { "GodinaKnj", 2016 } };
-        t.insert(
-            "dbo.TrgKnjUsluga", key + RowChange::Values { { "Opis", QStringLiteral("u") }, { "Iznos", money(3.5) } });
+        t.insert("dbo.TrgKnjUsluga",
+            key + db::RowChange::Values { { "Opis", QStringLiteral("u") }, { "Iznos", money(3.5) } });
         t.insert("dbo.TrgKnjKomisiona",
             key
-                + RowChange::Values {
+                + db::RowChange::Values {
                     { "Opis", QStringLiteral("k") }, { "Zaduzenje", money(8) }, { "Razduzenje", money(2) } });
     }
     asset(t, 1, QDate(2016, 1, 15), 1200, 1200, 5); // January: twelve months
@@ -270,7 +274,7 @@ TEST(DialectBooks, EveryBookListsItsRowsWithItsFieldsTypesAndValues)
             { { "Zaduzenje", "8" } } },
     };
     for (const auto& c : cases) {
-        const ResultSet rs = t.query(openingQuery(c.book));
+        const db::ResultSet rs = t.query(openingQuery(c.book));
         EXPECT_TRUE(c.names.empty() || fieldNames(rs) == c.names) << c.book << " " << fieldNames(rs);
         EXPECT_TRUE(c.types.empty() || fieldTypes(rs) == c.types) << c.book << " " << fieldTypes(rs);
         for (const auto& [field, values] : c.columns)
@@ -279,7 +283,7 @@ TEST(DialectBooks, EveryBookListsItsRowsWithItsFieldsTypesAndValues)
 
     // An asset without a useful life fails the whole query, in the server's words.
     asset(t, 6, QDate(2016, 2, 15), 100, 100, 0);
-    ResultSet rs;
+    db::ResultSet rs;
     EXPECT_FALSE(t.db().open(openingQuery(Knjiga::PopListaFBiH), rs));
     EXPECT_EQ(t.db().errorDescription(), QStringLiteral("Divide by zero error encountered."));
     EXPECT_TRUE(rs.isEmpty());

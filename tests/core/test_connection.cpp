@@ -16,7 +16,7 @@
 #include <gtest/gtest.h>
 
 using namespace knjige;
-using Kind = ConnectionTarget::Kind;
+using Kind = db::ConnectionTarget::Kind;
 
 namespace
 {
@@ -27,14 +27,14 @@ const QString kAdo = "Provider=SQLOLEDB.1;Data Source=srv;Initial Catalog=db;Use
 
 QString odbc(const QString& text, const QString& driver = FreeTds)
 {
-    const ConnectionTarget t = parseConnectionString(text, driver);
+    const db::ConnectionTarget t = db::parseConnectionString(text, driver);
     EXPECT_EQ(t.kind, Kind::Odbc) << text.toStdString() << ": " << t.error.toStdString();
     return t.odbc;
 }
 
 QString sqlitePath(const QString& text)
 {
-    const ConnectionTarget t = parseConnectionString(text, FreeTds);
+    const db::ConnectionTarget t = db::parseConnectionString(text, FreeTds);
     EXPECT_EQ(t.kind, Kind::Sqlite) << text.toStdString() << ": " << t.error.toStdString();
     return t.sqlitePath;
 }
@@ -47,7 +47,7 @@ QString freeTdsRefusal(const QString& key, const QString& driver = "\"FreeTDS\""
 
 QString errorOf(const QString& text)
 {
-    const ConnectionTarget t = parseConnectionString(text, FreeTds);
+    const db::ConnectionTarget t = db::parseConnectionString(text, FreeTds);
     EXPECT_EQ(t.kind, Kind::Invalid) << text.toStdString();
     return t.error;
 }
@@ -166,18 +166,18 @@ TEST(ConnectionString, TheMachinesDriverAndTheServerSessionSetUp)
 {
     const QByteArray saved = qgetenv("KNJIGE_ODBC_DRIVER");
     qputenv("KNJIGE_ODBC_DRIVER", "ODBC Driver 18 for SQL Server");
-    EXPECT_EQ(sqlServerOdbcDriver(), Microsoft);
-    EXPECT_TRUE(parseConnectionString(kAdo).odbc.startsWith("DRIVER={ODBC Driver 18 for SQL Server};SERVER=srv;"));
+    EXPECT_EQ(db::sqlServerOdbcDriver(), Microsoft);
+    EXPECT_TRUE(db::parseConnectionString(kAdo).odbc.startsWith("DRIVER={ODBC Driver 18 for SQL Server};SERVER=srv;"));
     qunsetenv("KNJIGE_ODBC_DRIVER");
 #ifdef Q_OS_WIN
-    EXPECT_EQ(sqlServerOdbcDriver(), Microsoft);
+    EXPECT_EQ(db::sqlServerOdbcDriver(), Microsoft);
 #else
-    EXPECT_EQ(sqlServerOdbcDriver(), FreeTds);
-    EXPECT_TRUE(parseConnectionString(kAdo).odbc.startsWith("DRIVER={FreeTDS};"));
+    EXPECT_EQ(db::sqlServerOdbcDriver(), FreeTds);
+    EXPECT_TRUE(db::parseConnectionString(kAdo).odbc.startsWith("DRIVER={FreeTDS};"));
 #endif
     if (!saved.isEmpty())
         qputenv("KNJIGE_ODBC_DRIVER", saved);
-    EXPECT_EQ(sqlServerSessionSetup(), QStringList({ "SET DATEFORMAT mdy", "SET NOCOUNT ON" }));
+    EXPECT_EQ(db::sqlServerSessionSetup(), QStringList({ "SET DATEFORMAT mdy", "SET NOCOUNT ON" }));
 }
 
 TEST(ConnectionString, DatabaseFilesOpenTheEmbeddedDatabase)
@@ -287,7 +287,7 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
     rows.push_back({ odbcString + "{" + QString(hostile).replace("}", "}}") + "}", "PWD", {} });
 
     for (const Row& row : rows) {
-        Database db;
+        db::Database db;
         EXPECT_FALSE(db.connect(row.text));
         const std::vector<test::TdsLogin> logins = server.takeLogins();
         if (!row.key.isEmpty()) {
@@ -312,29 +312,30 @@ TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)
 TEST(OdbcBackend, DataSourceNamesLoseTheirKeyAndFieldTypesFollowTheColumnDescription)
 {
     // Each ends with a ';' of its own, so that the last value is ended for every driver.
-    EXPECT_EQ(qodbcDatabaseName("DRIVER={FreeTDS};SERVER=srv;PWD={a;b}"), "DRIVER={FreeTDS};SERVER=srv;PWD={a;b};");
-    EXPECT_EQ(qodbcDatabaseName("Driver={SQLite3};Database=/tmp/x.db;"), "Driver={SQLite3};Database=/tmp/x.db;");
-    EXPECT_EQ(qodbcDatabaseName("DSN=Knjige;UID=sa;PWD=x"), "Knjige;UID=sa;PWD=x;");
-    EXPECT_EQ(qodbcDatabaseName(" dsn = Knjige"), "Knjige;");
-    EXPECT_EQ(qodbcDatabaseName("FILEDSN=/etc/knjige.dsn;PWD=x"), "/etc/knjige.dsn;PWD=x;");
+    EXPECT_EQ(db::qodbcDatabaseName("DRIVER={FreeTDS};SERVER=srv;PWD={a;b}"), "DRIVER={FreeTDS};SERVER=srv;PWD={a;b};");
+    EXPECT_EQ(db::qodbcDatabaseName("Driver={SQLite3};Database=/tmp/x.db;"), "Driver={SQLite3};Database=/tmp/x.db;");
+    EXPECT_EQ(db::qodbcDatabaseName("DSN=Knjige;UID=sa;PWD=x"), "Knjige;UID=sa;PWD=x;");
+    EXPECT_EQ(db::qodbcDatabaseName(" dsn = Knjige"), "Knjige;");
+    EXPECT_EQ(db::qodbcDatabaseName("FILEDSN=/etc/knjige.dsn;PWD=x"), "/etc/knjige.dsn;PWD=x;");
 
     // Codes as ODBC defines them: bit -7, tinyint -6, bigint -5, numeric 2, decimal 3,
     // integer 4, smallint 5, float 6, real 7, double 8, timestamp 93, date 91,
     // varchar 12, wvarchar -9, longvarchar -1.
-    EXPECT_EQ(odbcFieldType(3, 19, 4), FieldType::Currency); // money
-    EXPECT_EQ(odbcFieldType(3, 10, 4), FieldType::Currency); // smallmoney
-    EXPECT_EQ(odbcFieldType(2, 19, 4), FieldType::Currency);
-    EXPECT_EQ(odbcFieldType(3, 18, 2), FieldType::Decimal);
-    EXPECT_EQ(odbcFieldType(3, 38, 6), FieldType::Decimal); // SUM of a decimal column
-    EXPECT_EQ(odbcFieldType(2, 10, 0), FieldType::Decimal);
-    EXPECT_EQ(odbcFieldType(-7, 1, 0), FieldType::Boolean);
-    const std::tuple<FieldType, int, int, std::vector<int>> byType[] = { // type, size, digits, codes
-        { FieldType::Integer, 10, 0, { -6, -5, 4, 5 } }, { FieldType::Float, 53, 0, { 6, 7, 8 } },
-        { FieldType::Date, 23, 3, { 9, 11, 91, 93, -155 } }, { FieldType::Text, 30, 0, { 1, 12, -8, -9, -1, -10, -11 } }
+    EXPECT_EQ(db::odbcFieldType(3, 19, 4), db::FieldType::Currency); // money
+    EXPECT_EQ(db::odbcFieldType(3, 10, 4), db::FieldType::Currency); // smallmoney
+    EXPECT_EQ(db::odbcFieldType(2, 19, 4), db::FieldType::Currency);
+    EXPECT_EQ(db::odbcFieldType(3, 18, 2), db::FieldType::Decimal);
+    EXPECT_EQ(db::odbcFieldType(3, 38, 6), db::FieldType::Decimal); // SUM of a decimal column
+    EXPECT_EQ(db::odbcFieldType(2, 10, 0), db::FieldType::Decimal);
+    EXPECT_EQ(db::odbcFieldType(-7, 1, 0), db::FieldType::Boolean);
+    const std::tuple<db::FieldType, int, int, std::vector<int>> byType[] = { // type, size, digits, codes
+        { db::FieldType::Integer, 10, 0, { -6, -5, 4, 5 } }, { db::FieldType::Float, 53, 0, { 6, 7, 8 } },
+        { db::FieldType::Date, 23, 3, { 9, 11, 91, 93, -155 } },
+        { db::FieldType::Text, 30, 0, { 1, 12, -8, -9, -1, -10, -11 } }
     };
     for (const auto& [type, size, digits, codes] : byType)
         for (int code : codes)
-            EXPECT_EQ(odbcFieldType(code, size, digits), type) << code;
+            EXPECT_EQ(db::odbcFieldType(code, size, digits), type) << code;
 }
 
 namespace
@@ -372,29 +373,30 @@ protected:
         ASSERT_TRUE(m_db.execute(QString::fromUtf8(sql))) << m_db.errorDescription().toStdString();
     }
     // Writes one row; a failure is the caller's to check.
-    bool write(RowChange::Kind kind, const RowChange::Values& values, const RowChange::Values& original = {})
+    bool write(
+        db::RowChange::Kind kind, const db::RowChange::Values& values, const db::RowChange::Values& original = {})
     {
         return m_db.writeRow({ kind, QStringLiteral("dbo.Stavke"), values, original });
     }
     bool insert(int rbroj, const QString& opis, const QVariant& iznos = {})
     {
-        return write(RowChange::Kind::Insert, { { "RBroj", rbroj }, { "Opis", opis }, { "Iznos", iznos } });
+        return write(db::RowChange::Kind::Insert, { { "RBroj", rbroj }, { "Opis", opis }, { "Iznos", iznos } });
     }
-    ResultSet rows(const QString& sql)
+    db::ResultSet rows(const QString& sql)
     {
-        ResultSet rs;
+        db::ResultSet rs;
         EXPECT_TRUE(m_db.open(sql, rs)) << m_db.errorDescription().toStdString();
         return rs;
     }
     qint64 count(const QString& where = QString())
     {
-        const ResultSet rs = rows(QStringLiteral("SELECT COUNT(*) AS Broj FROM Stavke") + where);
+        const db::ResultSet rs = rows(QStringLiteral("SELECT COUNT(*) AS Broj FROM Stavke") + where);
         return rs.rowCount() == 1 ? rs.integer(0, 0) : -1;
     }
     std::string error() const { return m_db.errorDescription().toStdString(); }
 
     QString m_path = test::scratchDir() + QStringLiteral("/odbc.db");
-    Database m_db;
+    db::Database m_db;
 };
 
 } // namespace
@@ -404,10 +406,10 @@ TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpOrReportsTheDriverManage
     // The SET statements of a SQL Server session would be refused here; the backend
     // recognised the engine and ran none.
     EXPECT_TRUE(m_db.isConnected());
-    EXPECT_EQ(m_db.dialect(), SqlDialect::Sqlite);
+    EXPECT_EQ(m_db.dialect(), db::SqlDialect::Sqlite);
     EXPECT_TRUE(QFileInfo(m_path).isFile());
 
-    Database other;
+    db::Database other;
     EXPECT_FALSE(other.connect(QStringLiteral("DRIVER={Knjige Nepostojeci Driver};Database=/tmp/x.db")));
     EXPECT_TRUE(other.errorDescription().contains(QLatin1String("Knjige Nepostojeci Driver"))) << error();
     EXPECT_FALSE(other.isConnected());
@@ -424,12 +426,12 @@ TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesA
 {
     exec("INSERT INTO Stavke (RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki) VALUES (7, 3, 1234567.8901, "
          "'2016-03-15 00:00:00', 'Nabavka', 1, 0.17, 9000000000)");
-    const ResultSet rs
+    const db::ResultSet rs
         = rows(QStringLiteral("SELECT RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki FROM Stavke"));
     ASSERT_EQ(rs.rowCount(), 1);
     EXPECT_EQ(test::fieldNames(rs), "RBroj,Vrsta,Iznos,Datum,Opis,Placeno,Stopa,Veliki");
-    const FieldType types[] = { FieldType::Integer, FieldType::Integer, {}, FieldType::Date, FieldType::Text,
-        FieldType::Boolean, FieldType::Float, FieldType::Integer };
+    const db::FieldType types[] = { db::FieldType::Integer, db::FieldType::Integer, {}, db::FieldType::Date,
+        db::FieldType::Text, db::FieldType::Boolean, db::FieldType::Float, db::FieldType::Integer };
     for (int c : { 0, 1, 3, 4, 5, 6, 7 })
         EXPECT_EQ(rs.field(c).type, types[c]) << c;
     EXPECT_EQ(test::rowText(rs, 0), "7|3|1234567.8901|2016-03-15|Nabavka|1|0.17|9000000000");
@@ -441,23 +443,23 @@ TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesA
     // Bound values arrive intact whatever they contain.
     exec("DELETE FROM Stavke");
     const QString awkward = QStringLiteral("O'Brien; DROP TABLE Stavke -- čćžšđ ČĆŽŠĐ");
-    ASSERT_TRUE(write(RowChange::Kind::Insert,
+    ASSERT_TRUE(write(db::RowChange::Kind::Insert,
         { { "RBroj", 1 }, { "Opis", awkward }, { "Iznos", amount(-1) }, { "Datum", QDate(2016, 12, 31) },
             { "Placeno", false }, { "Stopa", QVariant() } }))
         << error();
-    const ResultSet bound = rows(QStringLiteral("SELECT Opis, Iznos, Datum, Placeno, Stopa FROM Stavke"));
+    const db::ResultSet bound = rows(QStringLiteral("SELECT Opis, Iznos, Datum, Placeno, Stopa FROM Stavke"));
     ASSERT_EQ(bound.rowCount(), 1);
     EXPECT_EQ(test::rowText(bound, 0), awkward.toStdString() + "|-0.0001|2016-12-31|0|<null>");
 }
 
 TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndReportCounts)
 {
-    using K = RowChange::Kind;
+    using K = db::RowChange::Kind;
     const QVariant iznos = amount(1005000);
     ASSERT_TRUE(insert(5, QStringLiteral("isto"), iznos) && insert(5, QStringLiteral("isto"), iznos));
     ASSERT_TRUE(insert(6, QStringLiteral("drugo")));
-    const RowChange::Values changed = { { "Opis", QStringLiteral("promijenjeno") } };
-    const RowChange::Values asRead = { { "RBroj", 5 }, { "Opis", QStringLiteral("isto") }, { "Iznos", iznos } };
+    const db::RowChange::Values changed = { { "Opis", QStringLiteral("promijenjeno") } };
+    const db::RowChange::Values asRead = { { "RBroj", 5 }, { "Opis", QStringLiteral("isto") }, { "Iznos", iznos } };
     ASSERT_TRUE(write(K::Update, changed, asRead)) << error();
     EXPECT_EQ(count(QStringLiteral(" WHERE Opis = 'promijenjeno'")), 1);
     EXPECT_EQ(count(QStringLiteral(" WHERE Opis = 'isto'")), 1);
@@ -466,7 +468,7 @@ TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndRepor
         << error();
     EXPECT_EQ(count(QStringLiteral(" WHERE RBroj = 6 AND Iznos = 3")), 1);
 
-    const RowChange::Values removal = { { "RBroj", 5 }, { "Iznos", iznos } };
+    const db::RowChange::Values removal = { { "RBroj", 5 }, { "Iznos", iznos } };
     ASSERT_TRUE(write(K::Delete, {}, removal));
     EXPECT_EQ(count(QStringLiteral(" WHERE RBroj = 5")), 1);
     ASSERT_TRUE(write(K::Delete, {}, removal));
@@ -501,7 +503,7 @@ TEST_F(OdbcBackendTest, TransactionsCommitAndRollBack)
     ASSERT_TRUE(m_db.commit());
     EXPECT_EQ(count(QStringLiteral(" WHERE Vrsta = 4")), 1);
     {
-        TransactionGuard guard(m_db);
+        db::TransactionGuard guard(m_db);
         ASSERT_TRUE(guard.isActive());
         ASSERT_TRUE(insert(3, QStringLiteral("bez potvrde")));
     }
@@ -509,20 +511,20 @@ TEST_F(OdbcBackendTest, TransactionsCommitAndRollBack)
     EXPECT_EQ(count(), 1);
 
     // What was committed is in the file for any other connection.
-    Database other;
+    db::Database other;
     ASSERT_TRUE(other.connect(connectionString(m_path)));
     EXPECT_EQ(test::columnText(*other.query(QStringLiteral("SELECT Opis FROM Stavke")), "Opis"), "zadržano");
 }
 
 TEST_F(OdbcBackendTest, RejectedStatementsAndLargeResultsLeaveTheConnectionUsable)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     EXPECT_FALSE(m_db.open(QStringLiteral("SELEC RBroj FROM Stavke"), rs));
     EXPECT_TRUE(m_db.errorDescription().contains(QLatin1String("syntax error"))) << error();
     EXPECT_EQ(m_db.lastSql(), "SELEC RBroj FROM Stavke");
     EXPECT_FALSE(m_db.execute(QStringLiteral("INSERT INTO NemaTablice (a) VALUES (1)")));
     EXPECT_TRUE(m_db.errorDescription().contains(QLatin1String("NemaTablice"))) << error();
-    EXPECT_FALSE(write(RowChange::Kind::Insert, { { "RBroj", 1 }, { "NemaKolone", 1 } }));
+    EXPECT_FALSE(write(db::RowChange::Kind::Insert, { { "RBroj", 1 }, { "NemaKolone", 1 } }));
     EXPECT_TRUE(m_db.errorDescription().contains(QLatin1String("NemaKolone"))) << error();
     ASSERT_TRUE(insert(1, QStringLiteral("x")));
     EXPECT_EQ(count(), 1);
@@ -530,20 +532,20 @@ TEST_F(OdbcBackendTest, RejectedStatementsAndLargeResultsLeaveTheConnectionUsabl
     // A large result read in one pass, then at once a change and another read on the
     // same connection.
     exec("DELETE FROM Stavke");
-    TransactionGuard filling(m_db);
+    db::TransactionGuard filling(m_db);
     for (int i = 0; i < 300; ++i)
         ASSERT_TRUE(insert(i, QStringLiteral("red %1").arg(i), amount(i)));
     ASSERT_TRUE(filling.commit());
-    const ResultSet all = rows(QStringLiteral("SELECT RBroj, Iznos FROM Stavke ORDER BY RBroj"));
+    const db::ResultSet all = rows(QStringLiteral("SELECT RBroj, Iznos FROM Stavke ORDER BY RBroj"));
     ASSERT_EQ(all.rowCount(), 300);
     EXPECT_EQ(all.money(299, 1), Money::fromUnits(299));
     exec("DELETE FROM Stavke WHERE RBroj < 100");
     EXPECT_EQ(count(), 200);
 
     // A statement that gives no rows reads as an empty result without fields.
-    ResultSet none;
+    db::ResultSet none;
     ASSERT_TRUE(m_db.open(QStringLiteral("CREATE TABLE Druga (a int)"), none));
     EXPECT_TRUE(none.fieldCount() == 0 && none.rowCount() == 0);
-    const ResultSet empty = rows(QStringLiteral("SELECT a FROM Druga"));
+    const db::ResultSet empty = rows(QStringLiteral("SELECT a FROM Druga"));
     EXPECT_TRUE(empty.fieldCount() == 1 && empty.rowCount() == 0);
 }

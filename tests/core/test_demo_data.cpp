@@ -22,7 +22,7 @@ namespace
 
 // The browser's own query of a book for the demo company: as it opens, or for one shop
 // over the whole year.
-QString browserSql(const BookKind& book, int year, qint32 shop = 0)
+QString browserSql(const books::BookKind& book, int year, qint32 shop = 0)
 {
     const QDate from(year, 1, 1), to(year, 12, 31);
     return book.selectSql
@@ -34,7 +34,7 @@ QString browserSql(const BookKind& book, int year, qint32 shop = 0)
 QSet<qint64> kindsIn(TestDatabase& t, const QString& table)
 {
     QSet<qint64> kinds;
-    const ResultSet rs = t.query(QStringLiteral("SELECT Vrsta FROM ") + table);
+    const db::ResultSet rs = t.query(QStringLiteral("SELECT Vrsta FROM ") + table);
     for (int r = 0; r < rs.rowCount(); ++r)
         kinds.insert(rs.integer(r, 0));
     return kinds;
@@ -46,7 +46,7 @@ protected:
     void SetUp() override
     {
         QString error;
-        ASSERT_TRUE(fillDemoData(t.db(), year, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoData(t.db(), year, &error)) << error.toStdString();
     }
     TestDatabase t;
     const int year = clock::today().year();
@@ -59,8 +59,8 @@ protected:
 // next year's turnover and income books number from one again.
 TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckTheNextYearItsOwnAndTheSameYearTheSameRows)
 {
-    for (const BookKind& book : allBooks()) {
-        const bool trade = isTradeBook(book.code);
+    for (const books::BookKind& book : books::allBooks()) {
+        const bool trade = books::isTradeBook(book.code);
         for (qint32 shop : trade ? QVector<qint32> { demo::Maloprodaja1, demo::Maloprodaja2 } : QVector<qint32> { 0 })
             EXPECT_GE(t.query(browserSql(book, year, shop)).rowCount(), 5) << book.code << " shop " << shop;
         const bool nextYear = book.code == Knjiga::PrihRashFBiH || book.code == Knjiga::PrometaFBiH;
@@ -68,22 +68,22 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckTheNextYearItsOwnAndTheS
             if (y > year) {
                 EXPECT_GE(t.query(browserSql(book, y)).rowCount(), 1) << book.code;
             }
-            const auto report = bookcheck::check(t.db(), { book.code, demo::BrojPoduzeca, qint16(y), 0 });
-            EXPECT_EQ(report.status, bookcheck::Report::Status::Clean) << book.code << " " << y << "\n"
-                                                                       << report.text.toStdString();
+            const auto report = journal::bookcheck::check(t.db(), { book.code, demo::BrojPoduzeca, qint16(y), 0 });
+            EXPECT_EQ(report.status, journal::bookcheck::Report::Status::Clean) << book.code << " " << y << "\n"
+                                                                                << report.text.toStdString();
         }
     }
 
     // The same year gives the same rows.
     const QString path = test::scratchDir() + QStringLiteral("/demo-again.db");
     QString error;
-    Database other;
-    ASSERT_TRUE(createEmbeddedDatabase(path, &error) && other.connect(path)) << error.toStdString();
-    ASSERT_TRUE(fillDemoData(other, year, &error)) << error.toStdString();
+    db::Database other;
+    ASSERT_TRUE(books::createEmbeddedDatabase(path, &error) && other.connect(path)) << error.toStdString();
+    ASSERT_TRUE(demo::fillDemoData(other, year, &error)) << error.toStdString();
     const QString sql = QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos,IznosPDV FROM dbo.KnjPrihRashFBiH "
                                        "ORDER BY GodinaKnj,RBroj");
-    const ResultSet a = t.query(sql);
-    ResultSet b;
+    const db::ResultSet a = t.query(sql);
+    db::ResultSet b;
     ASSERT_TRUE(other.open(sql, b)) << other.errorDescription().toStdString();
     ASSERT_EQ(a.rowCount(), b.rowCount());
     for (int r = 0; r < a.rowCount(); ++r)
@@ -100,7 +100,7 @@ TEST_F(DemoData, EveryBookHasEntriesThatPassTheBookCheckTheNextYearItsOwnAndTheS
 TEST_F(DemoData, AmountsKindsAndLinksHoldTogetherAndTextsFitTheirColumns)
 {
     const QString where = QStringLiteral(" WHERE GodinaKnj=%1 AND BrojPoduzeca=1").arg(year);
-    const ResultSet fbih
+    const db::ResultSet fbih
         = t.query(QStringLiteral("SELECT RBroj,Vrsta,Iznos,IznosPDV,GodinaKnj FROM dbo.KnjPrihRashFBiH"));
     QHash<qint64, std::pair<qint64, Money>> entries; // of the working year
     for (int r = 0; r < fbih.rowCount(); ++r) {
@@ -112,14 +112,15 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogetherAndTextsFitTheirColumns)
         EXPECT_EQ(fbih.money(r, 3), vat) << "kind " << vrsta << " amount " << iznos.toString().toStdString();
         EXPECT_EQ(iznos.rounded(2), iznos) << "amounts have cents, no more";
     }
-    const ResultSet evid = t.query(QStringLiteral("SELECT RBrojKPR,Vrsta,Iznos FROM dbo.KnjEvidPotrIObvFBiH") + where);
+    const db::ResultSet evid
+        = t.query(QStringLiteral("SELECT RBrojKPR,Vrsta,Iznos FROM dbo.KnjEvidPotrIObvFBiH") + where);
     for (int r = 0; r < evid.rowCount(); ++r) {
         ASSERT_TRUE(entries.contains(evid.integer(r, 0))) << "RBrojKPR " << evid.integer(r, 0);
         const auto [linkedKind, amount] = entries.value(evid.integer(r, 0));
         EXPECT_EQ(linkedKind, evid.integer(r, 1) < 20 ? 12 : 16);
         EXPECT_EQ(amount, evid.money(r, 2));
     }
-    EXPECT_EQ(t.query(browserSql(*findBook(Knjiga::EvidPotObvFBiH), year)).rowCount(), evid.rowCount());
+    EXPECT_EQ(t.query(browserSql(*books::findBook(Knjiga::EvidPotObvFBiH), year)).rowCount(), evid.rowCount());
 
     const std::pair<const char*, QSet<qint64>> kinds[] = { { "dbo.KnjPrihRashFBiH", { 11, 12, 13, 16, 17, 18, 19 } },
         { "dbo.KnjEvidPotrIObvFBiH", { 11, 12, 21, 22 } },
@@ -129,7 +130,7 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogetherAndTextsFitTheirColumns)
         EXPECT_EQ(kindsIn(t, QString::fromLatin1(table)), expected) << table;
 
     for (int y : { year - 1, year }) {
-        const ResultSet rs = t.query(browserSql(*findBook(Knjiga::PopListaFBiH), y));
+        const db::ResultSet rs = t.query(browserSql(*books::findBook(Knjiga::PopListaFBiH), y));
         ASSERT_GE(rs.rowCount(), 3) << y;
         const int nab = rs.indexOf(QStringLiteral("NabVrijednost")),
                   knjig = rs.indexOf(QStringLiteral("KnjigVrijednost"));
@@ -145,21 +146,21 @@ TEST_F(DemoData, AmountsKindsAndLinksHoldTogetherAndTextsFitTheirColumns)
     for (const char* table : { "dbo.KnjPrihRashFBiH", "dbo.KnjPrihRashDB", "dbo.KnjPrihodaRS", "dbo.KnjRashodaRS",
              "dbo.KnjPrometaFBiH", "dbo.KnjEvidPotrIObvFBiH", "dbo.KnjPopListaDugImovFBiH", "dbo.TrgKnjUsluga",
              "dbo.TrgKnjKomisiona", "dbo.Komitent", "dbo.CONFIG" }) {
-        const ResultSet rs = t.query(QStringLiteral("SELECT * FROM ") + QString::fromLatin1(table));
+        const db::ResultSet rs = t.query(QStringLiteral("SELECT * FROM ") + QString::fromLatin1(table));
         for (int c = 0; c < rs.fieldCount(); ++c) {
-            const int width = textColumnWidth(QString::fromLatin1(table), rs.field(c).name);
+            const int width = books::textColumnWidth(QString::fromLatin1(table), rs.field(c).name);
             for (int r = 0; width > 0 && r < rs.rowCount(); ++r)
                 EXPECT_LE(rs.text(r, c).size(), width)
                     << table << "." << rs.field(c).name.toStdString() << ": " << rs.text(r, c).toStdString();
         }
     }
-    const ResultSet config = t.query(QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
+    const db::ResultSet config = t.query(QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
     ASSERT_EQ(config.rowCount(), 1);
     EXPECT_EQ(config.text(0, 0).trimmed(), demo::nazivFirme());
-    const ResultSet shops = t.query(QStringLiteral("SELECT ImeKomit1 FROM dbo.Komitent WHERE SifKomit IN (%1,%2) "
-                                                   "ORDER BY SifKomit")
-                                        .arg(demo::Maloprodaja1)
-                                        .arg(demo::Maloprodaja2));
+    const db::ResultSet shops = t.query(QStringLiteral("SELECT ImeKomit1 FROM dbo.Komitent WHERE SifKomit IN (%1,%2) "
+                                                       "ORDER BY SifKomit")
+                                            .arg(demo::Maloprodaja1)
+                                            .arg(demo::Maloprodaja2));
     ASSERT_EQ(shops.rowCount(), 2);
     EXPECT_TRUE(shops.text(0, 0).startsWith(QStringLiteral("Maloprodaja 1")));
 }
@@ -170,7 +171,7 @@ TEST(DemoDataFailure, LeavesNothingWhenATableIsMissing)
     TestDatabase t;
     t.exec(QStringLiteral("DROP TABLE dbo.TrgKnjKomisiona"));
     QString error;
-    EXPECT_FALSE(fillDemoData(t.db(), 2024, &error));
+    EXPECT_FALSE(demo::fillDemoData(t.db(), 2024, &error));
     EXPECT_FALSE(error.isEmpty());
     EXPECT_EQ(t.count(QStringLiteral("dbo.CONFIG")), 0);
     EXPECT_EQ(t.count(QStringLiteral("dbo.KnjPrihRashFBiH")), 0);

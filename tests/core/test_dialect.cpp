@@ -33,7 +33,7 @@ const Catalog& schemaCatalog()
 {
     static const Catalog catalog = [] {
         Catalog c;
-        for (const QString& statement : schemaStatements())
+        for (const QString& statement : books::schemaStatements())
             if (auto table = parseCreateTable(statement))
                 c.add(*table);
         return c;
@@ -217,7 +217,7 @@ QString terms(int count)
 // The error of a statement run through the helper; empty when it ran.
 std::string errorOf(TestDatabase& t, const QString& sql)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     return t.db().open(sql, rs) ? std::string() : t.db().errorDescription().toStdString();
 }
 
@@ -346,7 +346,7 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
     };
     for (const Case& c : cases) {
         const QString sql = QStringLiteral("SELECT ") + QString::fromUtf8(c.expr) + QStringLiteral(" AS R");
-        ResultSet rs;
+        db::ResultSet rs;
         const bool ok = t.db().open(sql, rs);
         EXPECT_EQ(ok ? std::string() : t.db().errorDescription().toStdString(), c.error) << c.expr;
         if (ok && c.value) {
@@ -383,11 +383,11 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "Iznos", 1e16, money("expression") },
     };
     for (const auto& [column, value, error] : bound) {
-        RowChange::Values values = { { "BrojPoduzeca", 1 }, { "RBroj", column == "RBroj" ? value : 3 },
+        db::RowChange::Values values = { { "BrojPoduzeca", 1 }, { "RBroj", column == "RBroj" ? value : 3 },
             { "GodinaKnj", column == "GodinaKnj" ? value : 2016 } };
         if (column != "RBroj" && column != "GodinaKnj")
             values.append({ column, value });
-        EXPECT_FALSE(t.db().writeRow({ RowChange::Kind::Insert, "dbo.KnjPrihRashDB", values, {} }))
+        EXPECT_FALSE(t.db().writeRow({ db::RowChange::Kind::Insert, "dbo.KnjPrihRashDB", values, {} }))
             << column.toStdString();
         EXPECT_EQ(t.db().errorDescription().toStdString(), error) << column.toStdString();
     }
@@ -400,13 +400,14 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
             { "Opis", QString(100, u'b') + "   " } });
     t.insert("dbo.KnjPrihRashDB",
         { { "BrojPoduzeca", 1 }, { "RBroj", 5 }, { "GodinaKnj", 2016 }, { "Datum", "03.15.2016" } });
-    const ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
+    const db::ResultSet rs = t.query("SELECT RBroj, Datum, Iznos FROM dbo.KnjPrihRashDB ORDER BY RBroj");
     EXPECT_EQ(test::columnText(rs, "RBroj"), "1|3|4|5"); // 3.9 and 4.7 cut off
     EXPECT_EQ(test::columnText(rs, "Datum"), "<null>|2023-03-18|2023-03-17|2016-03-15");
     EXPECT_EQ(test::columnText(rs, "Iznos"), "922337203685477.5807|0|-922337203685477.5808|0");
     // Column names as the server gives them: an expression without an alias has none.
-    const ResultSet named = t.query("SELECT K.RBroj, ISNULL(CAST(NULL AS int),2.7), K.RBroj+1, K.RBroj AS [Broj x], "
-                                    "K.RBroj*2, * FROM dbo.KnjPrihRashDB K");
+    const db::ResultSet named
+        = t.query("SELECT K.RBroj, ISNULL(CAST(NULL AS int),2.7), K.RBroj+1, K.RBroj AS [Broj x], "
+                  "K.RBroj*2, * FROM dbo.KnjPrihRashDB K");
     QStringList names;
     for (int c = 0; c < 6; ++c)
         names << named.field(c).name;
@@ -507,7 +508,7 @@ TEST(DialectHardening, WritersWaitForEachOtherAndReadersForNoOne)
     });
     EXPECT_EQ(t.count("dbo.KnjPrihRashDB"), 1); // the reader does not wait: it sees the last commit
     {
-        TransactionGuard tx(t.db()); // waits for the other writer instead of failing
+        db::TransactionGuard tx(t.db()); // waits for the other writer instead of failing
         EXPECT_TRUE(tx.isActive()) << t.db().errorDescription().toStdString();
         t.exec("INSERT INTO dbo.KnjPrihRashDB (BrojPoduzeca,RBroj,GodinaKnj) VALUES (1,3,2016)");
         EXPECT_TRUE(tx.commit());

@@ -173,7 +173,7 @@ TEST(TotalsPanel, StatementsAreTheSystemsOwnTexts)
         "K.Datum<='03.31.2016' and K.brojpoduzeca=1 AND K.GodinaKnj=2016 AND K.BrojProd=3");
     for (int kind : { 97, 99, 100, 101, 102, 105, 106 }) {
         EXPECT_TRUE(totalsPanelSql(kind, 1, 2016, 0, mar1, mar31).isEmpty()) << kind;
-        EXPECT_TRUE(totalsPanelRows(kind, ResultSet {}).rows.isEmpty()) << kind;
+        EXPECT_TRUE(totalsPanelRows(kind, db::ResultSet {}).rows.isEmpty()) << kind;
     }
 }
 
@@ -192,10 +192,10 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
                 { "Iznos", money(a) } });
     // Every sum is money, whatever the rows; the label is text.
     for (int kind : { 96, 98, 109, 125, 126 }) {
-        const ResultSet rs = t.query(totalsPanelSql(kind, 1, 2016, 4, mar1, mar31));
-        EXPECT_EQ(rs.field(0).type, FieldType::Text) << kind;
+        const db::ResultSet rs = t.query(totalsPanelSql(kind, 1, 2016, 4, mar1, mar31));
+        EXPECT_EQ(rs.field(0).type, db::FieldType::Text) << kind;
         for (int c = 1; c < rs.fieldCount(); ++c)
-            EXPECT_EQ(rs.field(c).type, FieldType::Currency) << kind << " column " << c;
+            EXPECT_EQ(rs.field(c).type, db::FieldType::Currency) << kind << " column " << c;
     }
     const TotalsPanelRows dbRows = totalsPanelRows(109, t.query(totalsPanelSql(109, 1, 2016, 0, mar1, mar31)));
     ASSERT_EQ(dbRows.rows.size(), 3);
@@ -216,5 +216,5 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
     EXPECT_EQ(usl.rows[2].values, QVector<Money> { Money() });
     EXPECT_TRUE(usl.rows[2].labelBold && usl.rows[2].bold[0]);
     EXPECT_EQ(totalsPanelHeaders(98), (QStringList { "11. Gotovina", "12. Čekovi" }));
-    EXPECT_EQ(totalsPanelRows(98, ResultSet {}).rows[0].bold, (QVector<bool> { true, false }));
+    EXPECT_EQ(totalsPanelRows(98, db::ResultSet {}).rows[0].bold, (QVector<bool> { true, false }));
 }

@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 
 using namespace knjige;
-using namespace knjige::gen;
+using namespace knjige::generate;
 using knjige::test::ScopedScript;
 using knjige::test::TestDatabase;
 
@@ -46,7 +46,7 @@ Parametri march(int vrsta, const QString& path)
     p.brojPoduzeca = 1;
     p.godina = 2016;
     p.orgJed = QStringLiteral("1");
-    p.dobavljač = QString::number(demo::DobavljačKompenzacija);
+    p.supplier = QString::number(demo::CompensationSupplier);
     p.prima = QString::number(demo::Primatelj);
     p.operater = QStringLiteral("ana");
     p.izvor = QStringLiteral("sqlite:") + path;
@@ -59,9 +59,9 @@ protected:
     void SetUp() override
     {
         QString error;
-        ASSERT_TRUE(fillDemoData(t.db(), 2016, &error)) << error.toStdString();
-        ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
-        ASSERT_TRUE(fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoData(t.db(), 2016, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::createSourceTables(t.db(), &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoSources(t.db(), 2016, { QStringLiteral("ana") }, &error)) << error.toStdString();
     }
 
     Parametri march(int vrsta) const { return ::march(vrsta, t.path()); }
@@ -70,7 +70,7 @@ protected:
     {
         return t.query("SELECT ISNULL(MAX(RBroj),0) FROM dbo.KnjPrihRashDB WHERE GodinaKnj=2016").integer(0, 0);
     }
-    ResultSet entriesAfter(qint64 rBroj)
+    db::ResultSet entriesAfter(qint64 rBroj)
     {
         return t.query(QStringLiteral("SELECT RBroj,Datum,Isprava,Opis,Vrsta,Iznos FROM dbo.KnjPrihRashDB WHERE "
                                       "GodinaKnj=2016 AND RBroj>%1 ORDER BY RBroj")
@@ -113,12 +113,12 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.vrsta);
-        const ResultSet expected = t.query(c.expected + range);
+        const db::ResultSet expected = t.query(c.expected + range);
         const int n = int(expected.integer(0, 0));
         ASSERT_GT(n, 1);
         const qint64 last = lastNumber();
         Parametri p = march(c.vrsta);
-        p.skladište = c.place;
+        p.shop = c.place;
         script->clear();
         ASSERT_TRUE(provjeri(p).refusal.isEmpty());
         EXPECT_EQ(izvedi(p).zapisano, n);
@@ -129,7 +129,7 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
         EXPECT_EQ(script->progress[0].texts, QStringList { QStringLiteral("Generiranje: %1 od %1 zapisa").arg(n) });
         EXPECT_TRUE(script->progress[0].finished && !script->progress[0].cancellable);
 
-        const ResultSet rs = entriesAfter(last);
+        const db::ResultSet rs = entriesAfter(last);
         ASSERT_EQ(rs.rowCount(), n);
         Money sum;
         for (int r = 0; r < n; ++r) {
@@ -153,15 +153,15 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     std::vector<journal::Record> chain;
     ASSERT_TRUE(journal::readChain(t.db(), 1, 2016, chain));
     EXPECT_EQ(std::count_if(chain.begin(), chain.end(),
-                  [](const journal::Record& r) { return r.radnja == journal::Radnja::Generiranje; }),
+                  [](const journal::Record& r) { return r.radnja == journal::RecordKind::Generiranje; }),
         7);
     const auto findings = [this](const QString& text) {
-        return bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
+        return journal::bookcheck::check(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }).findings.filter(text);
     };
     EXPECT_EQ(findings(QStringLiteral("izvan programa")), QStringList());
     EXPECT_EQ(findings(QStringLiteral("proknjižen")), QStringList());
     QString error;
-    ASSERT_TRUE(periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
+    ASSERT_TRUE(journal::periodlock::lock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QDate(2016, 3, 31), &error));
     // Writing the same documents again is what the operator asks for here.
     const auto writeAgain = [this] {
         script->clear();
@@ -171,7 +171,8 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     EXPECT_EQ(izvedi(march(DgpRacuni)).zapisano, 0);
     EXPECT_TRUE(script->texts().last().startsWith(QStringLiteral("Razdoblje knjige je zaključano do 31.03.2016. "
                                                                  "Generiranje bi upisalo stavke datirane ")));
-    ASSERT_TRUE(periodlock::unlock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QStringLiteral("Ponovo"), &error));
+    ASSERT_TRUE(
+        journal::periodlock::unlock(t.db(), { Knjiga::PrihRashDB, 1, 2016, 0 }, QStringLiteral("Ponovo"), &error));
     writeAgain();
     const int again = izvedi(march(DgpRacuni)).zapisano;
     EXPECT_GT(again, 1);
@@ -184,7 +185,7 @@ TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
     ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
     const qint64 middle = lastNumber();
     ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
-    const ResultSet plus = entriesAfter(start);
+    const db::ResultSet plus = entriesAfter(start);
     const int n = int(middle - start);
     for (int r = 0; r < n; ++r) {
         for (int c : { 1, 2, 3, 4 })
@@ -273,9 +274,9 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
         EXPECT_EQ(script->texts(),
             QStringList({ pitanjePotvrde(p), "Postoje 3" + opisVrste(UplateIzlaznih).upitBroja }) + run.questions
                 + QStringList { end });
-        const ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
-                                                      "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
-                                           .arg(last));
+        const db::ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
+                                                          "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
+                                               .arg(last));
         std::string rows;
         for (int r = 0; r < book.rowCount(); ++r)
             rows += (r ? "; " : "") + test::rowText(book, r);
@@ -333,7 +334,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     Parametri base;
     base.od = base.doDatuma = QDate(2016, 5, 1);
     base.orgJed = QStringLiteral("1");
-    base.dobavljač = base.prima = base.skladište = QStringLiteral("501");
+    base.supplier = base.prima = base.shop = QStringLiteral("501");
     const struct {
         int vrsta;
         std::function<void(Parametri&)> change;
@@ -342,13 +343,12 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
         { DgpRacuni, [](Parametri& p) { p.od = p.doDatuma.addDays(1), p.orgJed.clear(); },
             "Prvi datum veći od drugog!" },
         { UplateIzlaznih, [](Parametri& p) { p.orgJed = QStringLiteral("1a"); }, "Org.jedinica nije dobro upisana!" },
-        { UlazniRacuni, [](Parametri& p) { p.dobavljač = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
-        { UplateUlaznih, [](Parametri& p) { p.dobavljač = QStringLiteral("1 OR 1=1"); },
+        { UlazniRacuni, [](Parametri& p) { p.supplier = QStringLiteral(" "); }, "Dobavljač nije upisan!" },
+        { UplateUlaznih, [](Parametri& p) { p.supplier = QStringLiteral("1 OR 1=1"); },
             "Dobavljač nije dobro upisan!" },
-        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.skladište.clear(); },
-            "Tko prima ili kupac nije upisan!" },
+        { MatOtpremnice, [](Parametri& p) { p.prima.clear(), p.shop.clear(); }, "Tko prima ili kupac nije upisan!" },
         { PosPovrat, [](Parametri& p) { p.orgJed = QStringLiteral("x"); }, {} },
-        { PosOtpremnice, [](Parametri& p) { p.skladište = QStringLiteral("5;"); },
+        { PosOtpremnice, [](Parametri& p) { p.shop = QStringLiteral("5;"); },
             "Skladište/Maloprodaja nije dobro upisano!" },
     };
     for (const auto& c : cases) {
@@ -361,7 +361,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     }
     // An empty place asks first.
     base.vrsta = PosOtpremnice;
-    base.skladište.clear();
+    base.shop.clear();
     const Check check = provjeri(base);
     EXPECT_TRUE(check.refusal.isEmpty());
     EXPECT_TRUE(check.question.startsWith(QStringLiteral("Skladište/Maloprodaja nije upisano! Generirat")));
@@ -400,7 +400,7 @@ TEST(GenerationTexts, StatementsQuestionsAndRights)
 
 TEST(GenerationTexts, SourceConnection)
 {
-    const IzvorPodataka host = izvorDomaćina(
+    const IzvorPodataka host = hostSource(
         QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
     EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));
     EXPECT_EQ(host.baza, QStringLiteral("Firma"));
@@ -408,9 +408,9 @@ TEST(GenerationTexts, SourceConnection)
         "Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=tajna");
     // A password that would end the string early comes back whole.
     const QString odd = QStringLiteral("a;b\"c' ");
-    EXPECT_EQ(connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
+    EXPECT_EQ(db::connectionValue(vezaIzvora(host, odd), QStringLiteral("Password")), odd);
     EXPECT_EQ(vezaIzvora({ QStringLiteral(" "), QStringLiteral("/tmp/izvor.db") }, odd), "sqlite:/tmp/izvor.db");
-    EXPECT_EQ(izvorDomaćina(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
+    EXPECT_EQ(hostSource(QStringLiteral("sqlite:/tmp/knjige.db")).baza, QStringLiteral("/tmp/knjige.db"));
 }
 
 // Each kind's source statement on hand-made source rows: texts built with + and casts
@@ -419,7 +419,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
 {
     TestDatabase t;
     QString error;
-    ASSERT_TRUE(createSourceTables(t.db(), &error)) << error.toStdString();
+    ASSERT_TRUE(demo::createSourceTables(t.db(), &error)) << error.toStdString();
     for (const char* sql :
         { "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12345,'03.15.2016',0,250.5)",
             "INSERT INTO Ifakture VALUES (1,2016,'DGP',3,12346,'03.16.2016',0,100)",
@@ -440,7 +440,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
     const std::string columns = "integer,integer,date,text,text,currency";
     const struct {
         int vrsta;
-        const char *orgJed, *dobavljač;
+        const char *orgJed, *supplier;
         std::string types;
         std::vector<std::string> rows;
     } cases[] = {
@@ -457,9 +457,9 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
     for (const auto& c : cases) {
         Parametri p = march(c.vrsta, t.path());
         p.orgJed = QString::fromLatin1(c.orgJed);
-        p.dobavljač = QString::fromLatin1(c.dobavljač);
+        p.supplier = QString::fromLatin1(c.supplier);
         p.prima = QStringLiteral("900");
-        const ResultSet rs = t.query(izvorniUpit(p));
+        const db::ResultSet rs = t.query(izvorniUpit(p));
         std::vector<std::string> rows;
         for (int r = 0; r < rs.rowCount(); ++r)
             rows.push_back(test::rowText(rs, r));

@@ -15,7 +15,7 @@
 
 using namespace knjige;
 using namespace knjige::test;
-using renumber::sessionBook;
+using browser::renumber::sessionBook;
 
 namespace
 {
@@ -36,9 +36,9 @@ void receivable(TestDatabase& t, int rbroj, int kpr)
             { "SifKomit", 1 }, { "Vrsta", 11 }, { "Opis", QString::number(rbroj) }, { "RBrojKPR", kpr } });
 }
 
-bookcheck::Report check(TestDatabase& t, int tip)
+journal::bookcheck::Report check(TestDatabase& t, int tip)
 {
-    return bookcheck::check(t.db(), { tip, 1, 2016, 0 });
+    return journal::bookcheck::check(t.db(), { tip, 1, 2016, 0 });
 }
 
 std::vector<journal::Record> chain(TestDatabase& t, qint16 year = 2016)
@@ -75,14 +75,14 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
             { "KnjigVrijednost", money(1000) }, { "VijekTr", 5 } });
 
     script->answers.enqueue(Answer::Yes);
-    EXPECT_EQ(renumber::byOrdinal(sessionBook(96)).after, renumber::After::Reload); // 4 -> 3
-    EXPECT_EQ(
-        renumber::insertAt(sessionBook(96), 2).after, renumber::After::Reload); // B, C to 3, 4; the link stays at 2
+    EXPECT_EQ(browser::renumber::byOrdinal(sessionBook(96)).after, browser::renumber::After::Reload); // 4 -> 3
+    EXPECT_EQ(browser::renumber::insertAt(sessionBook(96), 2).after,
+        browser::renumber::After::Reload); // B, C to 3, 4; the link stays at 2
     script->answers.enqueue(Answer::Yes);
-    EXPECT_EQ(renumber::byDate(sessionBook(96)).after, renumber::After::Reload); // blank, A, C, B
+    EXPECT_EQ(browser::renumber::byDate(sessionBook(96)).after, browser::renumber::After::Reload); // blank, A, C, B
     clock::setToday(QDate(2017, 3, 1));
     script->answers.enqueue(Answer::Yes);
-    EXPECT_TRUE(openingstate::generate(Knjiga::PopListaFBiH).made);
+    EXPECT_TRUE(browser::openingstate::generate(Knjiga::PopListaFBiH).made);
     clock::setToday({});
 
     const std::vector<journal::Record> records = chain(t);
@@ -95,8 +95,8 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
 
     // The journal explains every number; the receivable's link now points at the blank
     // entry the insertion put where its document was.
-    const bookcheck::Report book = check(t, 96);
-    EXPECT_EQ(book.status, bookcheck::Report::Status::Clean) << book.text.toStdString();
+    const journal::bookcheck::Report book = check(t, 96);
+    EXPECT_EQ(book.status, journal::bookcheck::Report::Status::Clean) << book.text.toStdString();
     EXPECT_EQ(check(t, 97).findings,
         QStringList {
             "stavka 1: veza je pomjerena na drugi dokument. Data je za stavku 4 (09.01.2016, \"B\", \"B opis\"), "
@@ -118,8 +118,8 @@ TEST(Journal, EveryWritePathJournalsAndTheChainShowsTampering)
         ASSERT_TRUE(t.db().beginTransaction());
         for (const QString& sql : statements)
             ASSERT_TRUE(t.db().executeNative(sql)) << t.db().errorDescription().toStdString();
-        const bookcheck::Report r = check(t, 96);
-        EXPECT_EQ(r.status, bookcheck::Report::Status::Findings);
+        const journal::bookcheck::Report r = check(t, 96);
+        EXPECT_EQ(r.status, journal::bookcheck::Report::Status::Findings);
         ASSERT_FALSE(r.findings.isEmpty()) << finding.toStdString();
         EXPECT_TRUE(r.findings.front().startsWith(finding)) << r.findings.front().toStdString();
         ASSERT_TRUE(t.db().rollback());
@@ -134,18 +134,19 @@ TEST(Journal, AFailedRecordUndoesTheChange)
     entry(t, 1, QDate(2016, 1, 5), "A");
     entry(t, 3, QDate(2016, 1, 2), "B");
     ASSERT_TRUE(journal::ensureBaseline(t.db(), { 96, 1, 2016, 0 }, nullptr));
-    const ResultSet before = t.query(QStringLiteral("SELECT RBroj,Isprava FROM dbo.KnjPrihRashFBiH ORDER BY Isprava"));
+    const db::ResultSet before
+        = t.query(QStringLiteral("SELECT RBroj,Isprava FROM dbo.KnjPrihRashFBiH ORDER BY Isprava"));
     ASSERT_TRUE(t.db().executeNative(QStringLiteral("CREATE TRIGGER kvar BEFORE INSERT ON KnjDnevnik WHEN NEW.Redni > "
                                                     "2 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")));
-    const QList<std::function<renumber::Outcome()>> paths = {
-        [] { return renumber::insertAt(sessionBook(96), 1); },
+    const QList<std::function<browser::renumber::Outcome()>> paths = {
+        [] { return browser::renumber::insertAt(sessionBook(96), 1); },
         [&] {
             script->answers.enqueue(Answer::Yes);
-            return renumber::byOrdinal(sessionBook(96));
+            return browser::renumber::byOrdinal(sessionBook(96));
         },
         [&] {
             script->answers.enqueue(Answer::Yes);
-            return renumber::byDate(sessionBook(96));
+            return browser::renumber::byDate(sessionBook(96));
         },
     };
     Notice last;
@@ -218,17 +219,18 @@ TEST(BookCheck, EachFindingOnASmallBookMadeToHaveIt)
     for (const Case& c : cases) {
         TestDatabase t;
         c.make(t);
-        const bookcheck::Report r = check(t, c.tip);
+        const journal::bookcheck::Report r = check(t, c.tip);
         EXPECT_EQ(r.findings, c.finding.isEmpty() ? QStringList() : QStringList { c.finding }) << r.text.toStdString();
-        EXPECT_EQ(
-            r.status, c.finding.isEmpty() ? bookcheck::Report::Status::Clean : bookcheck::Report::Status::Findings);
+        EXPECT_EQ(r.status,
+            c.finding.isEmpty() ? journal::bookcheck::Report::Status::Clean
+                                : journal::bookcheck::Report::Status::Findings);
     }
     // Without the journal's table the book still checks, and says it has no journal.
     TestDatabase t;
     t.exec(QStringLiteral("DROP TABLE dbo.KnjDnevnik"));
     entry(t, 1, jan, "A");
-    const bookcheck::Report r = check(t, 96);
-    EXPECT_EQ(r.status, bookcheck::Report::Status::Clean);
+    const journal::bookcheck::Report r = check(t, 96);
+    EXPECT_EQ(r.status, journal::bookcheck::Report::Status::Clean);
     EXPECT_TRUE(r.text.contains(QStringLiteral("Knjiga nema dnevnik promjena"))) << r.text.toStdString();
 }
 
@@ -241,39 +243,40 @@ TEST(PeriodLock, RefusesEveryWritePathAndAnUnlockLetsThrough)
     entry(t, 1, QDate(2016, 1, 5), "A");
     entry(t, 2, QDate(2016, 3, 2), "B");
     entry(t, 3, QDate(2016, 1, 20), "C");
-    session().NivoPristupa = periodlock::kLevel;
+    session().NivoPristupa = journal::periodlock::kLevel;
     QString error;
-    ASSERT_TRUE(periodlock::lock(t.db(), { 96, 1, 2016, 0 }, QDate(2016, 1, 31), &error)) << error.toStdString();
-    EXPECT_FALSE(periodlock::lock(t.db(), { 96, 1, 2016, 0 }, QDate(2016, 1, 10), &error));
+    ASSERT_TRUE(journal::periodlock::lock(t.db(), { 96, 1, 2016, 0 }, QDate(2016, 1, 31), &error))
+        << error.toStdString();
+    EXPECT_FALSE(journal::periodlock::lock(t.db(), { 96, 1, 2016, 0 }, QDate(2016, 1, 10), &error));
     EXPECT_EQ(error, "Knjiga je već zaključana do 31.01.2016. Raniji datum traži otključavanje s razlogom.");
     const QString prefix = QStringLiteral("Razdoblje knjige je zaključano do 31.01.2016. ");
-    const QList<std::pair<std::function<renumber::Outcome()>, QString>> paths = {
-        { [] { return renumber::insertAt(sessionBook(96), 3); },
+    const QList<std::pair<std::function<browser::renumber::Outcome()>, QString>> paths = {
+        { [] { return browser::renumber::insertAt(sessionBook(96), 3); },
             "Ubačena stavka bila bi datirana 01.01.2016, a stavke iza nje dobile bi nove redne brojeve." },
         { [&] {
              script->answers.enqueue(Answer::Yes);
-             return renumber::byDate(sessionBook(96));
+             return browser::renumber::byDate(sessionBook(96));
          },
             "Renumeracija bi promijenila redni broj stavke 3 datirane 20.01.2016." },
         { [&] {
              t.exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET RBroj=4 WHERE RBroj=3"));
              script->answers.enqueue(Answer::Yes);
-             return renumber::byOrdinal(sessionBook(96));
+             return browser::renumber::byOrdinal(sessionBook(96));
          },
             "Renumeracija bi promijenila redni broj stavke 4 datirane 20.01.2016." },
     };
     for (const auto& [path, refusal] : paths) {
-        const renumber::Outcome outcome = path();
-        EXPECT_EQ(outcome.after, renumber::After::Stay);
+        const browser::renumber::Outcome outcome = path();
+        EXPECT_EQ(outcome.after, browser::renumber::After::Stay);
         EXPECT_EQ(outcome.notice.text, prefix + refusal);
     }
-    EXPECT_EQ(periodlock::refuseDates(t.db(), { 96, 1, 2016, 0 }, { QDate(2016, 2, 1), QDate(2016, 1, 31) }),
+    EXPECT_EQ(journal::periodlock::refuseDates(t.db(), { 96, 1, 2016, 0 }, { QDate(2016, 2, 1), QDate(2016, 1, 31) }),
         prefix + "Stavka datirana 31.01.2016 ne može se mijenjati ni brisati.");
     EXPECT_EQ(t.query(QStringLiteral("SELECT SUM(RBroj) FROM dbo.KnjPrihRashFBiH")).integer(0, 0), 7);
 
-    EXPECT_FALSE(periodlock::unlock(t.db(), { 96, 1, 2016, 0 }, QStringLiteral(" "), &error));
-    ASSERT_TRUE(periodlock::unlock(t.db(), { 96, 1, 2016, 0 }, QStringLiteral("Ispravka"), &error));
-    EXPECT_EQ(renumber::insertAt(sessionBook(96), 3).after, renumber::After::Reload);
+    EXPECT_FALSE(journal::periodlock::unlock(t.db(), { 96, 1, 2016, 0 }, QStringLiteral(" "), &error));
+    ASSERT_TRUE(journal::periodlock::unlock(t.db(), { 96, 1, 2016, 0 }, QStringLiteral("Ispravka"), &error));
+    EXPECT_EQ(browser::renumber::insertAt(sessionBook(96), 3).after, browser::renumber::After::Reload);
     const std::vector<journal::Record> records = chain(t);
     EXPECT_EQ(actions(records),
         (QStringList { "96 osnova", "97 osnova", "96 zaključavanje", "96 otključavanje", "96 umetanje" }));
@@ -289,10 +292,12 @@ TEST(PeriodLock, AReceivablesLinkInTheClosedPeriodStopsARenumbering)
     entry(t, 1, QDate(2016, 6, 5), "A");
     entry(t, 3, QDate(2016, 6, 1), "C");
     receivable(t, 1, 3);
-    session().NivoPristupa = periodlock::kLevel;
+    session().NivoPristupa = journal::periodlock::kLevel;
     QString error;
-    ASSERT_TRUE(periodlock::lock(t.db(), { 97, 1, 2016, 0 }, QDate(2016, 5, 31), &error)) << error.toStdString();
-    const std::function<renumber::Outcome(const renumber::Book&)> paths[] = { renumber::byOrdinal, renumber::byDate };
+    ASSERT_TRUE(journal::periodlock::lock(t.db(), { 97, 1, 2016, 0 }, QDate(2016, 5, 31), &error))
+        << error.toStdString();
+    const std::function<browser::renumber::Outcome(const browser::renumber::Book&)> paths[]
+        = { browser::renumber::byOrdinal, browser::renumber::byDate };
     for (const auto& path : paths) {
         script->answers.enqueue(Answer::Yes);
         EXPECT_EQ(path(sessionBook(96)).notice.text,

@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 
 using namespace knjige;
-using namespace knjige::report;
+using namespace knjige::output::report;
 using namespace knjige::output;
 
 namespace
@@ -120,11 +120,11 @@ TEST(ReportLayouts, FormColumnsTakeTheirEntryKinds)
     };
     for (const Case& c : cases) {
         const Layout layout = bookLayout(c.book);
-        QVector<Field> fields = { { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date },
-            { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "Vrsta", FieldType::Integer } };
+        QVector<db::Field> fields = { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date },
+            { "Isprava", db::FieldType::Text }, { "Opis", db::FieldType::Text }, { "Vrsta", db::FieldType::Integer } };
         for (const char* f : { "Prihodi", "PDVPrihodi", "Rashodi", "PDVRashodi", "Iznos", "RashPPDOH" })
-            fields.push_back({ f, FieldType::Currency });
-        ResultSet rs(fields);
+            fields.push_back({ f, db::FieldType::Currency });
+        db::ResultSet rs(fields);
         rs.appendRow();
         rs.setInteger(4, c.vrsta);
         for (const QString& v : c.fields)
@@ -147,7 +147,7 @@ TEST(ReportLayouts, FormColumnsTakeTheirEntryKinds)
         numbers << c.number;
     EXPECT_EQ(numbers.join(u','), QStringLiteral("1,2,3,4,11,12,13,14,15,16,17,18,19,20,21"));
     QString error;
-    EXPECT_FALSE(BoundLayout::bind(bookLayout(98), ResultSet({ { "RBroj", FieldType::Integer } }), &error));
+    EXPECT_FALSE(BoundLayout::bind(bookLayout(98), db::ResultSet({ { "RBroj", db::FieldType::Integer } }), &error));
     EXPECT_EQ(error, QStringLiteral("u podacima knjige nema polja Datum"));
     EXPECT_FALSE(bookLayout(103).isValid());
 }
@@ -182,7 +182,8 @@ TEST(ReportQueries, TheBookACommandReads)
         const browser::BookQuery q
             = browser::commandQuery(c.book, 3, 2016, c.period, c.shop, QStringLiteral("Maloprodaja"));
         const browser::FilterState& s = q.filter;
-        EXPECT_EQ(q.sql(), findBook(c.book)->selectSql + QString::fromUtf8(c.where) + " ORDER BY K.RBroj") << c.book;
+        EXPECT_EQ(q.sql(), books::findBook(c.book)->selectSql + QString::fromUtf8(c.where) + " ORDER BY K.RBroj")
+            << c.book;
         EXPECT_EQ(q.salesPoint(), c.shop);
         EXPECT_EQ(s.description, QString::fromUtf8(c.description)) << c.book;
         EXPECT_EQ(s.periodStart, c.period ? c.period->first : QDate(2016, 1, 1));
@@ -193,15 +194,15 @@ TEST(ReportQueries, TheBookACommandReads)
 // One row per kind in the order of the kinds, with the kind's name and its sums.
 TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
 {
-    const ResultSet full = test::resultSet(
-        { { "NazivFirme", FieldType::Text }, { "Adresa", FieldType::Text }, { "PostBroj", FieldType::Text },
-            { "Mjesto", FieldType::Text }, { "IdBroj", FieldType::Text }, { "PDVBroj", FieldType::Text },
-            { "Telefon", FieldType::Text } },
+    const db::ResultSet full = test::resultSet(
+        { { "NazivFirme", db::FieldType::Text }, { "Adresa", db::FieldType::Text }, { "PostBroj", db::FieldType::Text },
+            { "Mjesto", db::FieldType::Text }, { "IdBroj", db::FieldType::Text }, { "PDVBroj", db::FieldType::Text },
+            { "Telefon", db::FieldType::Text } },
         { { "Obrt", "Titova 3", "71000", "Sarajevo", "4200000000001", "", "033 111 222" } });
     EXPECT_EQ(companyLines(full),
         QStringList({ QStringLiteral("Titova 3, 71000 Sarajevo"), QStringLiteral("ID broj: 4200000000001"),
             QStringLiteral("Tel: 033 111 222") }));
-    ResultSet nameOnly({ { "NazivFirme", FieldType::Text } });
+    db::ResultSet nameOnly({ { "NazivFirme", db::FieldType::Text } });
     EXPECT_TRUE(companyLines(nameOnly).isEmpty());
     EXPECT_EQ(salesPointLine(0, {}), QStringLiteral("Prodajno mjesto: sva"));
 }
@@ -211,17 +212,18 @@ namespace
 
 const QString kLetters = QStringLiteral("ČĆĐŠŽ čćđšž");
 
-ResultSet sampleRows()
+db::ResultSet sampleRows()
 {
     // A spreadsheet reads 15.03.30 as 1930; the second row is NULL but for the text.
-    return test::resultSet({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
-                               { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Decimal },
-                               { "Zatvoreno", FieldType::Boolean }, { "I", FieldType::Text } },
+    return test::resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
+            { "Iznos", db::FieldType::Currency }, { "Stopa", db::FieldType::Decimal },
+            { "Zatvoreno", db::FieldType::Boolean }, { "I", db::FieldType::Text } },
         { { 1234567, QDate(2030, 3, 15), "  Pazar; \"Centar\"  ", "1234567.5", 0.125, true, QString() },
             { {}, {}, kLetters }, { -3, QDate(9999, 12, 31), {}, "-7", -1000000.25, false } });
 }
 
-QByteArray exported(const ResultSet& rows, const ExportOptions& options, ExportResult* result)
+QByteArray exported(const db::ResultSet& rows, const ExportOptions& options, ExportResult* result)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -282,7 +284,7 @@ TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
                            ",,\"ČĆĐŠŽ čćđšž\",,,,\r\n"
                            "-3,31.12.9999,,-7,-1000000.25,0,\r\n") },
     };
-    const ResultSet rows = sampleRows();
+    const db::ResultSet rows = sampleRows();
     for (const Case& c : cases) {
         ExportOptions o;
         o.separator = QString::fromLatin1(c.separator);
@@ -301,13 +303,13 @@ TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
 TEST(OfficeExport, Windows1250IsByteExactAndReportsWhatItCannotHold)
 {
     QString unmappable;
-    EXPECT_EQ(toCp1250(kLetters + QStringLiteral("€„"), &unmappable),
+    EXPECT_EQ(output::toCp1250(kLetters + QStringLiteral("€„"), &unmappable),
         QByteArray("\xC8\xC6\xD0\x8A\x8E \xE8\xE6\xF0\x9A\x9E\x80\x84"));
     EXPECT_TRUE(unmappable.isEmpty());
-    EXPECT_EQ(toCp1250(QStringLiteral("aЖ∑😀bЖ") + QChar(0xD800), &unmappable), QByteArray("a???b??"));
+    EXPECT_EQ(output::toCp1250(QStringLiteral("aЖ∑😀bЖ") + QChar(0xD800), &unmappable), QByteArray("a???b??"));
     EXPECT_EQ(unmappable, QStringLiteral("Ж∑😀") + QChar(0xD800));
 
-    ResultSet rows = sampleRows();
+    db::ResultSet rows = sampleRows();
     rows.appendRow();
     rows.setText(2, QStringLiteral("Жито ∑"));
     ExportResult result;
@@ -339,7 +341,7 @@ TEST(OfficeExport, ChecksComeInTheirOrderAndTheProgramOnlyWhenItIsStarted)
 
 TEST(OfficeExport, WritesInPiecesAndStopsAtTheFirstRefusal)
 {
-    ResultSet rows({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } });
+    db::ResultSet rows({ { "RBroj", db::FieldType::Integer }, { "Opis", db::FieldType::Text } });
     for (int i = 0; i < 20000; ++i) {
         rows.appendRow();
         rows.setInteger(0, i);

@@ -62,10 +62,11 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
     for (const auto& [value, shown] : inside)
         EXPECT_EQ(value.toDisplayString(), QString::fromLatin1(shown));
 
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "GodinaKnj", FieldType::Integer }, { "Datum", FieldType::Date },
-        { "Isprava", FieldType::Text }, { "Opis", FieldType::Text }, { "IznosGot", FieldType::Currency },
-        { "IznosCek", FieldType::Currency }, { "I", FieldType::Text } });
-    report::Paginator pages(60, 60, 2);
+    db::ResultSet rs({ { "RBroj", db::FieldType::Integer }, { "GodinaKnj", db::FieldType::Integer },
+        { "Datum", db::FieldType::Date }, { "Isprava", db::FieldType::Text }, { "Opis", db::FieldType::Text },
+        { "IznosGot", db::FieldType::Currency }, { "IznosCek", db::FieldType::Currency },
+        { "I", db::FieldType::Text } });
+    output::report::Paginator pages(60, 60, 2);
     for (int r = 0; r < 2; ++r) {
         rs.appendRow();
         rs.setInteger(0, r + 1);
@@ -73,13 +74,13 @@ TEST(Regression, SumsPastTheMoneyRangeNeverShowAWrongAmount)
         rs.setMoney(6, amount("1.25"));
         pages.add(1, { big, amount("1.25") });
     }
-    BookModel model;
+    browser::BookModel model;
     model.setBookKind(98);
     model.setLocale(QLocale::c());
     model.setResultSet(rs);
     EXPECT_EQ(model.displayText(0, 5), outOfRange);
     EXPECT_EQ(model.displayText(0, 6), QStringLiteral("2.50"));
-    const QVector<report::Page> printed = pages.finish();
+    const QVector<output::report::Page> printed = pages.finish();
     EXPECT_TRUE(printed.back().carried.value(0).isOutOfRange());
     EXPECT_EQ(printed.back().carried.value(1), amount("2.5"));
 }
@@ -92,8 +93,8 @@ TEST(Regression, AnExportIntoANamedPipeReachesTheReader)
 {
     const QString pipe = test::scratchDir() + QStringLiteral("/izvoz.csv");
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    const ResultSet rs
-        = test::resultSet({ { "RBroj", FieldType::Integer }, { "Opis", FieldType::Text } }, { { 1, "Pazar" } });
+    const db::ResultSet rs
+        = test::resultSet({ { "RBroj", db::FieldType::Integer }, { "Opis", db::FieldType::Text } }, { { 1, "Pazar" } });
     // The reader is there before the export and never waits: the few bytes fit into
     // the pipe.
     const int reader = ::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK);

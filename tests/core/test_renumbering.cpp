@@ -17,7 +17,7 @@
 
 using namespace knjige;
 using namespace knjige::test;
-using renumber::sessionBook;
+using browser::renumber::sessionBook;
 
 namespace
 {
@@ -30,8 +30,8 @@ const QString kKpr = QStringLiteral("RBrojKPR");
 void entry(TestDatabase& t, const QString& table, int rbroj, const QDate& datum, int label, int prod = 0,
     int vrsta = 11, int company = 1)
 {
-    RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 },
-        { "Opis", QString::number(label) } };
+    db::RowChange::Values v { { "BrojPoduzeca", company }, { "RBroj", rbroj }, { "Datum", datum },
+        { "GodinaKnj", 2016 }, { "Opis", QString::number(label) } };
     if (table.contains(QStringLiteral("Trg")))
         v.append({ "BrojProd", prod });
     else if (!table.contains(QStringLiteral("Prometa")))
@@ -50,7 +50,7 @@ void link(TestDatabase& t, int rbroj, int kpr, int label)
 QMap<int, qint64> byLabel(TestDatabase& t, const QString& table, const QString& column = QStringLiteral("RBroj"))
 {
     QMap<int, qint64> out;
-    const ResultSet rs = t.query(QStringLiteral("SELECT Opis,") + column + QStringLiteral(" FROM ") + table);
+    const db::ResultSet rs = t.query(QStringLiteral("SELECT Opis,") + column + QStringLiteral(" FROM ") + table);
     for (int r = 0; r < rs.rowCount(); ++r)
         out.insert(rs.text(r, 0).toInt(), rs.integer(r, 1));
     return out;
@@ -67,7 +67,7 @@ void asset(TestDatabase& t, int company, int year, int rbroj, const char* naziv,
 // "RBroj|Naziv|Datum|Isprava|KnjigVrijednost" of each row of 2017 above `from`.
 std::vector<std::string> rows2017(TestDatabase& t, int from)
 {
-    const ResultSet rs
+    const db::ResultSet rs
         = t.query(QStringLiteral("SELECT RBroj,Naziv,Datum,Isprava,KnjigVrijednost FROM "
                                  "dbo.KnjPopListaDugImovFBiH WHERE GodinaKnj=2017 AND RBroj>%1 ORDER BY RBroj")
                       .arg(from));
@@ -82,19 +82,21 @@ std::vector<std::string> rows2017(TestDatabase& t, int from)
 TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
 {
     TestDatabase t;
-    for (const BookKind& book : allBooks()) {
-        if (!renumber::takesPart(book.code) || book.code == Knjiga::EvidPotObvRS || book.code == Knjiga::PrometaRS)
+    for (const books::BookKind& book : books::allBooks()) {
+        if (!browser::renumber::takesPart(book.code) || book.code == Knjiga::EvidPotObvRS
+            || book.code == Knjiga::PrometaRS)
             continue; // one kind per table
         t.db().beginTransaction();
         for (int n = 1; n <= 10; ++n) {
             entry(t, book.table, n, QDate(2016, 3, n), n, 3);
-            if (isTradeBook(book.code))
+            if (books::isTradeBook(book.code))
                 entry(t, book.table, n, QDate(2016, 3, n), 100 + n, 8); // another sales point
         }
         entry(t, book.table, 7, QDate(2016, 3, 7), 1007, 3, 11, 2); // another company: stays
         t.db().commit();
-        EXPECT_EQ(renumber::insertAt(sessionBook(book.code, 3), 0).after, renumber::After::Stay);
-        ASSERT_EQ(renumber::insertAt(sessionBook(book.code, 3), 5).after, renumber::After::Reload) << book.code;
+        EXPECT_EQ(browser::renumber::insertAt(sessionBook(book.code, 3), 0).after, browser::renumber::After::Stay);
+        ASSERT_EQ(browser::renumber::insertAt(sessionBook(book.code, 3), 5).after, browser::renumber::After::Reload)
+            << book.code;
         const QMap<int, qint64> after = byLabel(t, book.table);
         for (int label : after.keys()) { // the blank entry's label is 0
             const int n = label % 100;
@@ -102,20 +104,20 @@ TEST(Renumbering, InsertAtPositionShiftsEveryBookAndEverySalesPoint)
         }
         // The blank entry is found by the book's opening clause (its date went in as a
         // date) and an amount it does not name takes the column's default.
-        const ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table
+        const db::ResultSet blank = t.query(QStringLiteral("SELECT * FROM ") + book.table
             + " K WHERE  K.Datum>='01.01.2016' AND K.GodinaKnj=2016 AND K.RBroj=5 AND K.Opis=''");
         ASSERT_EQ(blank.rowCount(), 1) << book.code;
         EXPECT_EQ(blank.value(0, QStringLiteral("Datum")).toDate(), QDate(2016, 1, 1));
         if (const int iznos = blank.indexOf(QStringLiteral("Iznos")); iznos >= 0) {
-            EXPECT_EQ(blank.field(iznos).type, FieldType::Currency);
+            EXPECT_EQ(blank.field(iznos).type, db::FieldType::Currency);
             EXPECT_TRUE(!blank.isNull(0, iznos) && blank.money(0, iznos) == Money()) << book.code;
         }
-        EXPECT_TRUE(!isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
+        EXPECT_TRUE(!books::isTradeBook(book.code) || blank.value(0, "BrojProd").toInt() == 3);
     }
-    EXPECT_EQ(renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
+    EXPECT_EQ(browser::renumber::blankEntrySql({ 98, 2, 2017, 0 }, 7).toStdString(),
         "INSERT INTO dbo.KnjPrometaFBiH (BROJPODUZECA,RBROJ,DATUM,GODINAKNJ,OPIS,ISPRAVA,IZNOSGOT,IZNOSCEK) "
         "VALUES(2,7,'1.1.2017',2017,'','',0,0 )");
-    EXPECT_EQ(renumber::shiftSql({ 125, 2, 2017, 4 }, 7).toStdString(),
+    EXPECT_EQ(browser::renumber::shiftSql({ 125, 2, 2017, 4 }, 7).toStdString(),
         "UPDATE dbo.TrgKnjUsluga SET RBROJ=RBROJ+1 WHERE GODINAKNJ=2017 AND BROJPODUZECA=2 AND RBroj>=7");
 }
 
@@ -125,7 +127,7 @@ TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
     ScopedScript script;
     for (int n = 1; n <= 3; ++n)
         entry(t, kBook, n, QDate(2016, 2, n), n);
-    EXPECT_EQ(renumber::byOrdinal(sessionBook(96)).after, renumber::After::Reload);
+    EXPECT_EQ(browser::renumber::byOrdinal(sessionBook(96)).after, browser::renumber::After::Reload);
     ASSERT_EQ(script->messages.size(), 1) << "a book numbered from 1 is always asked about";
     EXPECT_EQ(script->messages[0].text, QStringLiteral("Želite li pokrenuti renumeraciju stavki ?"));
     EXPECT_EQ(script->messages[0].title, QStringLiteral("Renumeracija"));
@@ -138,9 +140,9 @@ TEST(Renumbering, ByOrdinalAsksFromZeroAndMovesOnlyTheFirstLink)
     link(t, 2, 2, 2);
     link(t, 3, 3, 3);
     script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
-    renumber::byOrdinal(sessionBook(96));
+    browser::renumber::byOrdinal(sessionBook(96));
     EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 3, 2 }));
-    renumber::byOrdinal(sessionBook(96));
+    browser::renumber::byOrdinal(sessionBook(96));
     EXPECT_EQ(byLabel(t, kBook).values(), (QList<qint64> { 1, 2, 4, 3 }));
     EXPECT_EQ(byLabel(t, kEvid, kKpr).values(), (QList<qint64> { 4, 2, 3 }));
     // A "No" changes nothing and shows no progress; the two runs show their steps.
@@ -160,27 +162,28 @@ TEST(Renumbering, ByDateEqualsTheRowByRowWalkWithFewStatements)
     for (int i = 0; i < 400; ++i)
         entry(t, kBook, int(next(300)), QDate(2016, 1 + int(next(3)), 1 + int(next(5))), i, 0, 11 + int(next(2)));
     for (int i = 0; i < 150; ++i)
-        link(t, i, int(next(4) == 0 ? renumber::kOffset + next(300) : next(320)), i);
+        link(t, i, int(next(4) == 0 ? browser::renumber::kOffset + next(300) : next(320)), i);
     t.db().commit();
     // The walk of the rows as the server orders them: links equal to a number move up
     // by the offset, then links equal to a lifted number take the row's place.
-    const ResultSet order = t.query(renumber::rowsSql(sessionBook(96), renumber::dateOrder(96)));
+    const db::ResultSet order = t.query(browser::renumber::rowsSql(sessionBook(96), browser::renumber::dateOrder(96)));
     const int rb = order.indexOf(QStringLiteral("RBroj"));
     QMap<int, qint64> places;
     QList<qint64> links = byLabel(t, kEvid, kKpr).values();
     for (int r = 0; r < order.rowCount(); ++r) {
         places.insert(order.value(r, "Opis").toInt(), r + 1);
-        std::replace(links.begin(), links.end(), order.integer(r, rb), order.integer(r, rb) + renumber::kOffset);
+        std::replace(
+            links.begin(), links.end(), order.integer(r, rb), order.integer(r, rb) + browser::renumber::kOffset);
     }
     for (int r = 0; r < order.rowCount(); ++r)
-        std::replace(links.begin(), links.end(), order.integer(r, rb) + renumber::kOffset, qint64(r + 1));
+        std::replace(links.begin(), links.end(), order.integer(r, rb) + browser::renumber::kOffset, qint64(r + 1));
     const qint64 shared = t.query(QStringLiteral("SELECT COUNT(*) FROM dbo.KnjPrihRashFBiH K WHERE (SELECT COUNT(*) "
                                                  "FROM dbo.KnjPrihRashFBiH D WHERE D.RBroj=K.RBroj)>1"))
                               .integer(0, 0);
 
     script->answers.enqueue(Answer::Yes);
     const quint64 before = t.db().requestCount();
-    EXPECT_EQ(renumber::byDate(sessionBook(96)).after, renumber::After::Reload);
+    EXPECT_EQ(browser::renumber::byDate(sessionBook(96)).after, browser::renumber::After::Reload);
     // One statement per row only for the rows that share their number.
     // (and a few for the journal's baseline and records).
     EXPECT_LE(t.db().requestCount() - before, quint64(30 + shared));
@@ -208,9 +211,9 @@ TEST(Renumbering, ByDateInATradeBookTouchesOnlyItsSalesPoint)
         entry(t, usluge, 2, QDate(2016, 2, 1), prod * 10 + 2, prod);
     }
     script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
-    EXPECT_EQ(renumber::byDate(sessionBook(125, 3)).after, renumber::After::Stay);
+    EXPECT_EQ(browser::renumber::byDate(sessionBook(125, 3)).after, browser::renumber::After::Stay);
     EXPECT_EQ(byLabel(t, usluge), (QMap<int, qint64> { { 31, 1 }, { 32, 2 }, { 81, 1 }, { 82, 2 } }));
-    renumber::byDate(sessionBook(125, 3));
+    browser::renumber::byDate(sessionBook(125, 3));
     EXPECT_EQ(byLabel(t, usluge), (QMap<int, qint64> { { 31, 2 }, { 32, 1 }, { 81, 1 }, { 82, 2 } }));
 }
 
@@ -241,9 +244,9 @@ TEST(Renumbering, AFailureAtAnyRowChangesNothing)
             QStringLiteral("CREATE TRIGGER kvar BEFORE UPDATE ON %1 BEGIN SELECT RAISE(ABORT, 'Namjerno'); END")
                 .arg(QLatin1String(trigger))));
         script->answers.enqueue(Answer::Yes);
-        const renumber::Outcome outcome
-            = date ? renumber::byDate(sessionBook(96)) : renumber::byOrdinal(sessionBook(96));
-        EXPECT_EQ(outcome.after, renumber::After::Reload);
+        const browser::renumber::Outcome outcome
+            = date ? browser::renumber::byDate(sessionBook(96)) : browser::renumber::byOrdinal(sessionBook(96));
+        EXPECT_EQ(outcome.after, browser::renumber::After::Reload);
         EXPECT_EQ(byLabel(t, kBook), rows) << trigger;
         EXPECT_EQ(byLabel(t, kEvid, kKpr), links) << trigger;
         EXPECT_EQ(script->messages.size(), 1) << trigger;
@@ -272,14 +275,14 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
     asset(t, 1, 2017, 7, "Već upisano", 10, 10, 1);
     t.db().commit();
 
-    const openingstate::Generated generated = openingstate::generate(Knjiga::PopListaFBiH);
+    const browser::openingstate::Generated generated = browser::openingstate::generate(Knjiga::PopListaFBiH);
     EXPECT_TRUE(generated.made);
     clock::setToday({});
     // The journal of the new year keeps the rows the statement added.
     std::vector<journal::Record> chain;
     ASSERT_TRUE(journal::readChain(t.db(), 1, 2017, chain));
     ASSERT_EQ(chain.size(), 2u);
-    EXPECT_EQ(chain[1].radnja, journal::Radnja::PocetnaStanja);
+    EXPECT_EQ(chain[1].radnja, journal::RecordKind::PocetnaStanja);
     EXPECT_EQ(chain[1].poslije.count(QStringLiteral("ISPRAVA=Poč.stanje iz 2016")), 4);
     EXPECT_EQ(script->texts(),
         (QStringList { "Već postoji knjiženje za godinu: 2017 ! Želite li zaista generirati "
@@ -291,7 +294,7 @@ TEST(OpeningState, CarriesWrittenDownAssetsNumberedAfterTheNewYearInTheOldOrder)
         (std::vector<std::string> { "8|Računar|2017-01-01|Poč.stanje iz 2016|201",
             "9|Kombi|2017-01-01|Poč.stanje iz 2016|800", "10|Sto|2017-01-01|Poč.stanje iz 2016|75",
             "11|Alat|2017-01-01|Poč.stanje iz 2016|780.01" }));
-    EXPECT_EQ(openingstate::insertSql(3, 2020).toStdString(),
+    EXPECT_EQ(browser::openingstate::insertSql(3, 2020).toStdString(),
         "INSERT INTO KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,Datum,Isprava,NabVrijednost,"
         "KnjigVrijednost,VijekTr) SELECT BrojPoduzeca,2021,Naziv,'01.01.2021','Poč.stanje iz 2020',NabVrijednost,"
         "round(KnjigVrijednost-100/VijekTr*NabVrijednost/100,2),VijekTr FROM KnjPopListaDugImovFBiH WHERE "
@@ -306,11 +309,11 @@ TEST(OpeningState, RefusesAFutureYearAndCreatesNothingOnAServerError)
     asset(t, 1, 2016, 1, "Kombi", 1000, 1000, 5);
     asset(t, 1, 2016, 2, "Bez vijeka", 1000, 1000, 0);
     clock::setToday(QDate(2016, 12, 31));
-    const openingstate::Generated future = openingstate::generate(Knjiga::PopListaRS);
+    const browser::openingstate::Generated future = browser::openingstate::generate(Knjiga::PopListaRS);
     clock::setToday(QDate(2017, 1, 1));
     script->answers = QQueue<Answer>({ Answer::No, Answer::Yes });
-    const openingstate::Generated declined = openingstate::generate(Knjiga::PopListaRS);
-    const openingstate::Generated failed = openingstate::generate(Knjiga::PopListaRS);
+    const browser::openingstate::Generated declined = browser::openingstate::generate(Knjiga::PopListaRS);
+    const browser::openingstate::Generated failed = browser::openingstate::generate(Knjiga::PopListaRS);
     clock::setToday({});
     EXPECT_TRUE(rows2017(t, 0).empty());
     EXPECT_FALSE(future.made || declined.made || failed.made);

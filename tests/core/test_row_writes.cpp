@@ -30,9 +30,9 @@ namespace
 {
 
 const QString kBook = QStringLiteral("dbo.KnjPrihRashFBiH");
-const NumberSlot kSlot { QStringLiteral("RBroj"), { QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj") } };
+const db::NumberSlot kSlot { QStringLiteral("RBroj"), { QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj") } };
 
-RowChange::Values entry(int rbroj, const QVariant& datum, const QVariant& iznos, const QString& opis)
+db::RowChange::Values entry(int rbroj, const QVariant& datum, const QVariant& iznos, const QString& opis)
 {
     return { { "BrojPoduzeca", 1 }, { "RBroj", rbroj }, { "Datum", datum }, { "GodinaKnj", 2016 }, { "Opis", opis },
         { "Vrsta", 11 }, { "Iznos", iznos } };
@@ -74,7 +74,7 @@ std::string state(const QString& path)
 void fill(const QString& path)
 {
     QString error;
-    ASSERT_TRUE(createEmbeddedDatabase(path, &error)) << error.toStdString();
+    ASSERT_TRUE(books::createEmbeddedDatabase(path, &error)) << error.toStdString();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("punjenje"));
     db.setDatabaseName(path);
     db.open();
@@ -109,27 +109,27 @@ TEST(RowWrites, RowsOfOtherProgramsAreChangedAndDeletedOneAtATime)
         // Alike in all but the amount's fourth decimal: exactly one row is meant.
         t.insert(kBook, entry(5, datum, iznos, QStringLiteral("Prvi")));
         t.insert(kBook, entry(5, datum, iznos + 0.0003, QStringLiteral("Drugi")));
-        for (const auto kind : { RowChange::Kind::Update, RowChange::Kind::Delete }) {
-            const int listRow = kind == RowChange::Kind::Update ? 0 : 1;
-            const ResultSet row = editors::singleRow(t.query(editors::readEntrySql(96, 2016, 1, 5)), listRow);
-            RowChange change { kind, kBook, {}, {} };
+        for (const auto kind : { db::RowChange::Kind::Update, db::RowChange::Kind::Delete }) {
+            const int listRow = kind == db::RowChange::Kind::Update ? 0 : 1;
+            const db::ResultSet row = editors::singleRow(t.query(editors::readEntrySql(96, 2016, 1, 5)), listRow);
+            db::RowChange change { kind, kBook, {}, {} };
             for (int c = 0; c < row.fieldCount(); ++c)
                 change.original.append({ row.field(c).name, row.value(0, c) });
-            if (kind == RowChange::Kind::Update)
+            if (kind == db::RowChange::Kind::Update)
                 change.values = { { "Opis", QStringLiteral("Ispravljeno") } };
             EXPECT_TRUE(t.db().writeRow(change)) << iznos << t.db().errorDescription().toStdString();
         }
-        const ResultSet rs = t.query(QStringLiteral("SELECT Opis FROM dbo.KnjPrihRashFBiH"));
+        const db::ResultSet rs = t.query(QStringLiteral("SELECT Opis FROM dbo.KnjPrihRashFBiH"));
         ASSERT_EQ(rs.rowCount(), 1) << iznos;
         EXPECT_EQ(rs.text(0, 0), QStringLiteral("Ispravljeno")) << iznos;
     }
 
-    RowChange change { RowChange::Kind::Delete, kBook, entry(5, {}, {}, {}),
+    db::RowChange change { db::RowChange::Kind::Delete, kBook, entry(5, {}, {}, {}),
         { { "Datum", QDate(2016, 3, 15) }, { "Iznos", test::money(12.3457) } } };
-    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).sql,
+    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).sql,
         QStringLiteral("DELETE TOP (1) FROM dbo.KnjPrihRashFBiH WHERE Datum >= ? AND Datum < ? AND Iznos >= ? "
                        "AND Iznos <= ?"));
-    EXPECT_EQ(insertIfFreeStatement(change, kSlot, SqlDialect::SqlServer).sql,
+    EXPECT_EQ(db::insertIfFreeStatement(change, kSlot, db::SqlDialect::SqlServer).sql,
         QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Vrsta,Iznos) "
                        "SELECT ?,?,?,?,?,?,? WHERE NOT EXISTS (SELECT 1 FROM dbo.KnjPrihRashFBiH WITH (UPDLOCK, "
                        "HOLDLOCK) WHERE RBroj = ? AND BrojPoduzeca = ? AND GodinaKnj = ?)"));
@@ -142,7 +142,7 @@ TEST(RowWritesOperator, EntersTwoHundredEntries)
     const QString path = qEnvironmentVariable("KNJIGE_OPERATOR_DB");
     if (path.isEmpty())
         GTEST_SKIP() << "run by RowWrites.TwoOperatorsNeverShareANumber";
-    Database db;
+    db::Database db;
     ASSERT_TRUE(db.connect(QStringLiteral("sqlite:") + path));
     // What is tried is who gets which number, not whether a commit survives a power cut.
     ASSERT_TRUE(db.execute(QStringLiteral("PRAGMA synchronous=OFF")));
@@ -154,7 +154,8 @@ TEST(RowWritesOperator, EntersTwoHundredEntries)
         ASSERT_TRUE(next);
         const int proposed = int(next->integer(0, 0)) + 1;
         QThread::usleep(QRandomGenerator::global()->bounded(1500));
-        RowChange change { RowChange::Kind::Insert, kBook, entry(proposed, QDate(2016, 5, 1), test::money(1), {}), {} };
+        db::RowChange change { db::RowChange::Kind::Insert, kBook,
+            entry(proposed, QDate(2016, 5, 1), test::money(1), {}), {} };
         qint64 saved = 0;
         ASSERT_TRUE(db.insertUnderFreeNumber(change, kSlot, &saved)) << db.errorDescription().toStdString();
         log.write(QByteArray::number(proposed) + ' ' + QByteArray::number(saved) + '\n');
@@ -188,7 +189,7 @@ TEST(RowWrites, TwoOperatorsNeverShareANumber)
         }
     }
     EXPECT_EQ(saved.size(), 400) << "each entry under a number of its own";
-    const ResultSet rs = t.query("SELECT COUNT(DISTINCT RBroj) AS N, MAX(RBroj) AS M FROM " + kBook);
+    const db::ResultSet rs = t.query("SELECT COUNT(DISTINCT RBroj) AS N, MAX(RBroj) AS M FROM " + kBook);
     EXPECT_EQ(rs.integer(0, 0), 400);
     EXPECT_EQ(rs.integer(0, 1), 400);
     EXPECT_GT(moved, 0) << "the two operators never met: the race was not tried";
@@ -204,7 +205,8 @@ int renumberChild(const QString& path)
     session().RadnaGodina = 2016;
     ScopedScript script;
     script->answers.enqueue(Answer::Yes);
-    return renumber::byDate(renumber::sessionBook(96)).after == renumber::After::Reload ? 0 : 1;
+    return browser::renumber::byDate(browser::renumber::sessionBook(96)).after == browser::renumber::After::Reload ? 0
+                                                                                                                   : 1;
 }
 
 } // namespace knjige::test

@@ -28,8 +28,8 @@ using State = AmountReading::State;
 
 TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
 {
-    ResultSet rs({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
-        { "Opis", FieldType::Text }, { "Stopa", FieldType::Decimal } });
+    db::ResultSet rs({ { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency },
+        { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text }, { "Stopa", db::FieldType::Decimal } });
     rs.appendRow();
     rs.set(0, 7);
     rs.set(1, QVariant::fromValue(Money::fromUnits(145299)));
@@ -65,8 +65,8 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
     // NULL among them, texts shared while they repeat and stored one by one once they
     // do not, a long one, an empty one beside NULL, one set twice; and a part's rows
     // cleared and read again.
-    ResultSet edges({ { "N", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
-        { "Vrsta", FieldType::Text }, { "Opis", FieldType::Text } });
+    db::ResultSet edges({ { "N", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency },
+        { "Datum", db::FieldType::Date }, { "Vrsta", db::FieldType::Text }, { "Opis", db::FieldType::Text } });
     const qint64 numbers[] = { 1, -2147483648LL, 2147483648LL, std::numeric_limits<qint64>::max(),
         std::numeric_limits<qint64>::min() + 1, 0 };
     const QDate days[] = { QDate(1753, 1, 1), QDate(), QDate(9999, 12, 31) };
@@ -108,27 +108,27 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
 
 TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
 {
-    RowChange change;
-    change.kind = RowChange::Kind::Update;
+    db::RowChange change;
+    change.kind = db::RowChange::Kind::Update;
     change.table = QStringLiteral("dbo.KnjPrometaFBiH");
     change.values = { { "RBroj", 3 }, { "Opis", QStringLiteral("Pazar") } };
     change.original = { { "RBroj", 2 }, { "Opis", QVariant() } };
 
-    const BoundStatement server = rowStatement(change, SqlDialect::SqlServer);
+    const db::BoundStatement server = db::rowStatement(change, db::SqlDialect::SqlServer);
     EXPECT_EQ(server.sql,
         QStringLiteral("UPDATE TOP (1) dbo.KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE RBroj = ? AND Opis IS NULL"));
     EXPECT_EQ(server.values, (QVariantList { 3, QStringLiteral("Pazar"), 2 }));
-    EXPECT_EQ(rowStatement(change, SqlDialect::Sqlite).sql,
+    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::Sqlite).sql,
         QStringLiteral("UPDATE KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE rowid IN "
                        "(SELECT rowid FROM KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL LIMIT 1)"));
 
-    change.kind = RowChange::Kind::Delete;
-    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).sql,
+    change.kind = db::RowChange::Kind::Delete;
+    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).sql,
         QStringLiteral("DELETE TOP (1) FROM dbo.KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL"));
-    EXPECT_EQ(rowStatement(change, SqlDialect::SqlServer).values, (QVariantList { 2 }));
+    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).values, (QVariantList { 2 }));
 
-    change.kind = RowChange::Kind::Insert;
-    const BoundStatement insert = rowStatement(change, SqlDialect::SqlServer);
+    change.kind = db::RowChange::Kind::Insert;
+    const db::BoundStatement insert = db::rowStatement(change, db::SqlDialect::SqlServer);
     EXPECT_EQ(insert.sql, QStringLiteral("INSERT INTO dbo.KnjPrometaFBiH (RBroj,Opis) VALUES (?,?)"));
     EXPECT_EQ(insert.values, (QVariantList { 3, QStringLiteral("Pazar") }));
 }
@@ -152,31 +152,31 @@ TEST(Numbering, NextNumberOfEveryBookItsFailuresAndUnknownKinds)
 {
     TestDatabase t;
     ScopedScript script;
-    for (const BookKind& book : allBooks()) {
+    for (const books::BookKind& book : books::allBooks()) {
         EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3).number, 0) << book.code;
         const QString sql = DefVarijabli::ZadnjiRBrojSql(book.code, 1, 2016, 3);
-        const ResultSet rs = t.query(sql);
+        const db::ResultSet rs = t.query(sql);
         ASSERT_EQ(rs.rowCount(), 1);
-        EXPECT_EQ(rs.field(0).type, FieldType::Integer);
+        EXPECT_EQ(rs.field(0).type, db::FieldType::Integer);
         // The ISNULL form gives 0, the plain MAX form NULL: the routine treats both as 0.
         EXPECT_EQ(!rs.isNull(0, 0), sql.contains(QStringLiteral("ISNULL"))) << book.code;
     }
-    for (const BookKind& book : allBooks()) {
+    for (const books::BookKind& book : books::allBooks()) {
         if (t.count(book.table) > 0)
             continue; // shared tables are filled once
         // Other company, other year, other sales point.
         for (const auto& [company, year, rbroj, prod] : { std::array { 1, 2016, 4, 3 }, { 1, 2016, 9, 3 },
                  { 2, 2016, 50, 3 }, { 1, 2015, 60, 3 }, { 1, 2016, 70, 8 } }) {
-            RowChange::Values v { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj },
+            db::RowChange::Values v { { "BrojPoduzeca", company }, { "GodinaKnj", year }, { "RBroj", rbroj },
                 { "Datum", QDate(year, 1, 1) } };
-            if (isTradeBook(book.code))
+            if (books::isTradeBook(book.code))
                 v.push_back({ "BrojProd", prod });
             else if (prod == 8)
                 continue;
             t.insert(book.table, v);
         }
     }
-    for (const BookKind& book : allBooks())
+    for (const books::BookKind& book : books::allBooks())
         EXPECT_EQ(DefVarijabli::ZadnjiRBroj(book.code, 3).number, 9) << book.code;
     EXPECT_TRUE(DefVarijabli::ZadnjiRBrojSql(103, 1, 2016).isEmpty());
     EXPECT_EQ(DefVarijabli::ZadnjiRBroj(103).number, 0);
@@ -210,7 +210,7 @@ TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
         { { "BrojPoduzeca", 1 }, { "NazivFirme", QStringLiteral("Obrt Šimić") }, { "Napomena", QString(5000, u'x') } });
     EXPECT_TRUE(DefVarijabli::CitajKonfiguraciju(true).isEmpty());
     EXPECT_EQ(session().NazivFirme, QStringLiteral("Obrt Šimić"));
-    const ResultSet& cfg = session().Konfiguracija;
+    const db::ResultSet& cfg = session().Konfiguracija;
     ASSERT_EQ(cfg.rowCount(), 1);
     EXPECT_EQ(cfg.text(0, cfg.indexOf("Napomena")).size(), 5000);
 
@@ -368,7 +368,7 @@ TEST(AmountText, DisplayRoundsAsSqlRoundDoes)
 {
     test::TestDatabase t;
     for (const char* text : { "0.125", "-0.125", "0.145", "2.675", "1234.005", "-0.005", "0.0049" }) {
-        const ResultSet rs = t.query(QStringLiteral("SELECT ROUND(CAST(%1 AS money), 2) AS R").arg(text));
+        const db::ResultSet rs = t.query(QStringLiteral("SELECT ROUND(CAST(%1 AS money), 2) AS R").arg(text));
         EXPECT_EQ(amountDisplay(Money::parse(QString::fromLatin1(text)).value(), QLocale::c()),
             amountDisplay(rs.money(0, 0), QLocale::c()))
             << text;

@@ -12,7 +12,7 @@ TestDatabase::TestDatabase(qint16 company, qint16 year)
 {
     m_path = m_dir.filePath(QStringLiteral("knjige.db"));
     QString error;
-    if (!createEmbeddedDatabase(m_path, &error))
+    if (!books::createEmbeddedDatabase(m_path, &error))
         ADD_FAILURE() << "schema: " << error.toStdString();
     Session& s = session();
     s.reset();
@@ -26,7 +26,7 @@ TestDatabase::~TestDatabase()
     session().reset();
 }
 
-Database& TestDatabase::db()
+db::Database& TestDatabase::db()
 {
     return session().db();
 }
@@ -37,19 +37,19 @@ void TestDatabase::exec(const QString& tsql)
         ADD_FAILURE() << tsql.toStdString() << "\n  -> " << db().errorDescription().toStdString();
 }
 
-void TestDatabase::insert(const QString& table, const RowChange::Values& values)
+void TestDatabase::insert(const QString& table, const db::RowChange::Values& values)
 {
-    RowChange change;
-    change.kind = RowChange::Kind::Insert;
+    db::RowChange change;
+    change.kind = db::RowChange::Kind::Insert;
     change.table = table;
     change.values = values;
     if (!db().writeRow(change))
         ADD_FAILURE() << "insert into " << table.toStdString() << ": " << db().errorDescription().toStdString();
 }
 
-ResultSet TestDatabase::query(const QString& tsql)
+db::ResultSet TestDatabase::query(const QString& tsql)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db().open(tsql, rs))
         ADD_FAILURE() << tsql.toStdString() << "\n  -> " << db().errorDescription().toStdString();
     return rs;
@@ -57,7 +57,7 @@ ResultSet TestDatabase::query(const QString& tsql)
 
 int TestDatabase::count(const QString& table)
 {
-    const ResultSet rs = query(QStringLiteral("SELECT COUNT(*) AS N FROM ") + table);
+    const db::ResultSet rs = query(QStringLiteral("SELECT COUNT(*) AS N FROM ") + table);
     return rs.isEmpty() ? -1 : int(rs.integer(0, 0));
 }
 

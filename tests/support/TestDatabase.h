@@ -31,13 +31,13 @@ public:
     TestDatabase& operator=(const TestDatabase&) = delete;
 
     QString path() const { return m_path; }
-    Database& db();
+    db::Database& db();
 
     // Runs T-SQL through the dialect adapter.
     void exec(const QString& tsql);
     // Writes one row; values may be int, QString, QDate, Money or a null QVariant.
-    void insert(const QString& table, const RowChange::Values& values);
-    ResultSet query(const QString& tsql);
+    void insert(const QString& table, const db::RowChange::Values& values);
+    db::ResultSet query(const QString& tsql);
     // The number of rows of a table.
     int count(const QString& table);
 

@@ -24,11 +24,11 @@ using namespace knjige::test;
 namespace
 {
 
-bool shown(frmSifarnikKnj& w, const QString& name)
+bool shown(browser::frmSifarnikKnj& w, const QString& name)
 {
     return w.menuItem(name)->isVisible();
 }
-bool enabled(frmSifarnikKnj& w, const QString& name)
+bool enabled(browser::frmSifarnikKnj& w, const QString& name)
 {
     return w.menuItem(name)->isEnabled();
 }
@@ -37,7 +37,7 @@ bool enabled(frmSifarnikKnj& w, const QString& name)
 
 TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
 {
-    for (const BookKind& book : allBooks()) {
+    for (const books::BookKind& book : books::allBooks()) {
         auto w = open(book.code);
         EXPECT_EQ(w->windowTitle(), book.caption);
         EXPECT_TRUE(w->jePrikazan()) << book.code;
@@ -49,11 +49,11 @@ TEST_F(BrowserTest, EveryBookOpensWithItsCaptionAndItsQueryRunsOnAnEmptyBook)
         // The SELECT's fields are the grid's columns, the marker column last where the
         // book has one. A trade book whose sales point question was cancelled (as the
         // script does) loads nothing.
-        EXPECT_EQ(w->model().columnCount() > 4, !isTradeBook(book.code)) << book.code;
+        EXPECT_EQ(w->model().columnCount() > 4, !books::isTradeBook(book.code)) << book.code;
         EXPECT_EQ(w->model().rowCount(), 0) << book.code;
         EXPECT_EQ(w->trenutniRed(), -1);
         EXPECT_EQ(w->trenutniRBroj(), 0);
-        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive) && !isTradeBook(book.code)) {
+        if (book.selectSql.contains("AS I ", Qt::CaseInsensitive) && !books::isTradeBook(book.code)) {
             EXPECT_EQ(w->rsStavke().fields().last().name, "I") << book.code;
         }
         EXPECT_EQ(w->query().filter.periodStart, QDate(2016, 1, 1));
@@ -233,10 +233,10 @@ TEST_F(BrowserTest, TheNameColumnTakesItsWidthFromTheSettingsTheOthersTheirConte
 namespace
 {
 
-QStringList opisi(frmSifarnikKnj& w)
+QStringList opisi(browser::frmSifarnikKnj& w)
 {
     QStringList out;
-    const ResultSet& rs = w.rsStavke();
+    const db::ResultSet& rs = w.rsStavke();
     for (int r = 0; r < rs.rowCount(); ++r)
         out << rs.value(r, "Opis").toString();
     return out;
@@ -284,7 +284,7 @@ TEST_F(BrowserTest, TheCheckShowsItsReportAndAClosedPeriodRefusesTheEditor)
     db->exec("UPDATE dbo.KnjPrihRashFBiH SET Iznos=1 WHERE RBroj=2");
     QString report;
     script->onDialog = [&](QDialog& d) {
-        auto* viewer = dynamic_cast<frmPrikazTeksta*>(&d);
+        auto* viewer = dynamic_cast<output::frmPrikazTeksta*>(&d);
         report = viewer ? viewer->txtPoruka->toPlainText() : QString();
         return int(QDialog::Accepted);
     };
@@ -299,9 +299,9 @@ TEST_F(BrowserTest, TheCheckShowsItsReportAndAClosedPeriodRefusesTheEditor)
         return int(QDialog::Accepted);
     };
     session().NivoPristupa = QStringLiteral("1");
-    w->ZaključajRazdoblje();
+    w->lockPeriod();
     session().NivoPristupa = QStringLiteral("0");
-    w->ZaključajRazdoblje();
+    w->lockPeriod();
     EXPECT_EQ(script->texts(),
         (QStringList { "Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0.",
             "Knjiga je zaključana do 31.01.2016." }));
@@ -310,7 +310,7 @@ TEST_F(BrowserTest, TheCheckShowsItsReportAndAClosedPeriodRefusesTheEditor)
     for (int row : { 0, 1 }) {
         script->messages.clear();
         script->onDialog = [](QDialog& d) {
-            if (auto* e = dynamic_cast<RecordEditor*>(&d))
+            if (auto* e = dynamic_cast<editors::RecordEditor*>(&d))
                 e->cmdSpremi->click();
             return d.result();
         };

@@ -26,13 +26,13 @@ class FilterTest : public BrowserTest
 protected:
     // Answers every editor: a filter form is filled by `fill` and confirmed (cancelled
     // when `fill` returns false); any other mode is only recorded and cancelled.
-    void answer(std::function<bool(RecordEditor&)> fill)
+    void answer(std::function<bool(editors::RecordEditor&)> fill)
     {
         script->onDialog = [this, fill](QDialog& d) {
-            auto* e = dynamic_cast<RecordEditor*>(&d);
+            auto* e = dynamic_cast<editors::RecordEditor*>(&d);
             if (!e || e->TipRada() != 3) {
                 other = e ? e->TipRada() : -1;
-                if (auto* trg = dynamic_cast<TrgKnjigaEditor*>(&d))
+                if (auto* trg = dynamic_cast<editors::TrgKnjigaEditor*>(&d))
                     proposed = { trg->txtSkladište->text(), trg->ubRBroj->integerValue() };
                 return int(QDialog::Rejected);
             }
@@ -51,7 +51,7 @@ protected:
         };
     }
     // The panel's rows, cells joined by "|" and rows by new lines.
-    static std::string panel(frmSifarnikKnj& w)
+    static std::string panel(browser::frmSifarnikKnj& w)
     {
         auto* list = w.findChild<QTreeWidget*>("lvStanje");
         QStringList rows;
@@ -69,12 +69,12 @@ protected:
         for (const auto& [label, values] : expected) {
             QStringList cells { label };
             for (double v : values)
-                cells << formatMoney(Money::fromDouble(v), QLocale(QLocale::Bosnian));
+                cells << browser::formatMoney(Money::fromDouble(v), QLocale(QLocale::Bosnian));
             out << cells.join(u'|');
         }
         return out.join(u'\n').toStdString();
     }
-    QString filterLine(frmSifarnikKnj& w) { return w.findChild<QLineEdit*>("txtFilter")->text(); }
+    QString filterLine(browser::frmSifarnikKnj& w) { return w.findChild<QLineEdit*>("txtFilter")->text(); }
 
     int filters = 0;
     int other = 0;
@@ -103,7 +103,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
             { "Ukupno:", { 1117, 20, 0, 19, 1118, 50, 0, 0, 10, 5, 55 } } }));
 
     // Nothing filled in: the year from its first day, every entry, both lines reset.
-    answer([](RecordEditor&) { return true; });
+    answer([](editors::RecordEditor&) { return true; });
     w->fg_KeyDown(Qt::Key_F3);
     EXPECT_EQ(w->query().filter.where, " WHERE K.BrojPoduzeca=1 AND  K.Datum>='01.01.2016' AND K.GodinaKnj=2016");
     EXPECT_EQ(filterLine(*w), "Filter : Period od 01.01.16");
@@ -111,7 +111,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // March and a description with an apostrophe: one row, its totals, the panel of
     // the period with the months before it.
-    answer([](RecordEditor& e) {
+    answer([](editors::RecordEditor& e) {
         return set(e, "dpDatum=2016-03-01;dpDatumDo=2016-03-31;txtOpis=O'Brien;ubIznos=20;ubIznosPDV=2"), true;
     });
     w->mnu_Click(4);
@@ -132,7 +132,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
     // Cancelled: the rows and the clause stay, description and period start over. The
     // form opened with the filter in force.
     const QString where = w->query().filter.where;
-    answer([](RecordEditor& e) {
+    answer([](editors::RecordEditor& e) {
         EXPECT_TRUE(e.chkPoDatumima->isChecked());
         EXPECT_EQ(
             values(e, "dpDatum;dpDatumDo;txtOpis;cmbVrsta;ubIznos;ubIznosPDV"), "2016-03-01|2016-03-31|O'Brien||20|2");
@@ -147,7 +147,7 @@ TEST_F(FilterTest, TheDialogNarrowsTheGridSetsThePeriodAndRebuildsThePanel)
 
     // With the option set, the next opening asks first.
     settings::setFlag(settings::sharedApplication(), settings::section(), "PostaviFilterNaPočetku", true);
-    answer([](RecordEditor& e) { return set(e, "txtIsprava=D-4"), true; });
+    answer([](editors::RecordEditor& e) { return set(e, "txtIsprava=D-4"), true; });
     auto again = open(96);
     EXPECT_EQ(filters, 4);
     EXPECT_EQ(rBrojevi(*again), QList<qint64> { 4 });
@@ -159,16 +159,16 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
     ASSERT_TRUE(fillDemo(db->db(), 2016));
     // Cancelled at the opening, nothing is loaded: neither every shop's rows nor the
     // totals of none.
-    answer([](RecordEditor&) { return false; });
+    answer([](editors::RecordEditor&) { return false; });
     EXPECT_EQ(
         open(126)->rsStavke().rowCount() + open(125)->findChild<QTreeWidget*>("lvStanje")->topLevelItemCount(), 0);
-    answer([](RecordEditor& e) { return e.setSkladište(demo::Maloprodaja2), true; });
+    answer([](editors::RecordEditor& e) { return e.setShop(demo::Maloprodaja2), true; });
     for (int kind : { 125, 126, 125 }) {
         const int before = filters;
         auto w = open(kind);
         EXPECT_EQ(filters, before + 1) << kind;
         EXPECT_EQ(w->BrojProd(), demo::Maloprodaja2);
-        const ResultSet& rs = w->rsStavke();
+        const db::ResultSet& rs = w->rsStavke();
         const int shop = rs.indexOf("BrojProd");
         ASSERT_GT(rs.rowCount(), 0);
         for (int r = 0; r < rs.rowCount(); ++r)
@@ -177,7 +177,7 @@ TEST_F(FilterTest, TradeBooksAskForTheSalesPointAtEveryOpeningAndWorkOnIt)
         // The panel's year total is the grid's total: the filter is the whole year.
         const QStringList lines = QString::fromStdString(panel(*w)).split(u'\n');
         ASSERT_EQ(lines.size(), 2);
-        EXPECT_EQ(lines[1].section(u'|', 0, 1), "UKUPNO:|" + formatMoney(*w->model().total(5), QLocale()));
+        EXPECT_EQ(lines[1].section(u'|', 0, 1), "UKUPNO:|" + browser::formatMoney(*w->model().total(5), QLocale()));
         auto* total = w->findChild<QTreeWidget*>("lvStanje")->topLevelItem(1);
         EXPECT_TRUE(total->font(0).bold() && total->font(1).bold());
         EXPECT_EQ(total->font(2).bold(), kind == 126);
@@ -202,10 +202,10 @@ TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
         { 105, "txtNazivSredstva" }, { 125, "txtOpis" }, { 101, "txtNazivSredstva" }, { 126, "txtOpis" } };
     for (const auto& [kind, control] : cases) {
         const QString column = control == "txtNazivSredstva" ? QStringLiteral("Naziv") : control.mid(3);
-        RowChange::Values more = { { column, "O'Brien d.o.o." }, { "SifKomit", partner } };
+        db::RowChange::Values more = { { column, "O'Brien d.o.o." }, { "SifKomit", partner } };
         add(kind, 9000 + kind, kind == 97 || kind == 102 ? more : more.mid(0, 1));
-        answer([&](RecordEditor& e) {
-            e.setSkladište(demo::Maloprodaja1);
+        answer([&](editors::RecordEditor& e) {
+            e.setShop(demo::Maloprodaja1);
             return set(e, control + "=O'B"), true;
         });
         auto w = open(kind);
@@ -223,11 +223,11 @@ TEST_F(FilterTest, AnApostropheInEveryTextFieldFindsItsRows)
 TEST_F(FilterTest, APanelReadFailureIsReportedAndAKindWithoutAPanelShowsItEmpty)
 {
     QTreeWidget list;
-    EXPECT_TRUE(osvjeziPanel(list, browser::commandQuery(97, 1, 2016, {})));
+    EXPECT_TRUE(browser::osvjeziPanel(list, browser::commandQuery(97, 1, 2016, {})));
     EXPECT_TRUE(list.columnCount() == 1 && list.topLevelItemCount() == 0 && list.isVisible());
     db->exec("DROP TABLE dbo.TrgKnjKomisiona");
-    EXPECT_FALSE(
-        osvjeziPanel(list, browser::commandQuery(126, 1, 2016, std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)), 3)));
+    EXPECT_FALSE(browser::osvjeziPanel(
+        list, browser::commandQuery(126, 1, 2016, std::pair(QDate(2016, 3, 1), QDate(2016, 3, 31)), 3)));
     EXPECT_TRUE(list.columnCount() == 3 && list.topLevelItemCount() == 0);
     ASSERT_EQ(script->messages.size(), 1);
     EXPECT_EQ(script->messages[0].text, "Desila se greška: u čitanju podataka o prethodnom periodu!");

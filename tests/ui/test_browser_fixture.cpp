@@ -44,7 +44,7 @@ double amount(int i)
 
 } // namespace
 
-RowChange::Values BrowserTest::entry(int book, int i, const RowChange::Values& more)
+db::RowChange::Values BrowserTest::entry(int book, int i, const db::RowChange::Values& more)
 {
     const QString text = QStringLiteral("S%1-%2").arg(book).arg(i)
         + (i % 10 == 0 ? QStringLiteral(" dugački opis stavke koji se mora prelomiti u više redova ispisa")
@@ -52,41 +52,41 @@ RowChange::Values BrowserTest::entry(int book, int i, const RowChange::Values& m
     const QVariant a = money(amount(i));
     const QString doc = QStringLiteral("D-%1").arg(i);
     auto kindOf = [i](std::initializer_list<int> kinds) { return *(kinds.begin() + i % int(kinds.size())); };
-    RowChange::Values v = { { "BrojPoduzeca", 1 }, { "RBroj", i }, { "Datum", QDate(2016, 1, 1).addDays(i % 360) },
-        { "GodinaKnj", 2016 }, { isAssetList(book) ? "Naziv" : "Opis", text } };
+    db::RowChange::Values v = { { "BrojPoduzeca", 1 }, { "RBroj", i }, { "Datum", QDate(2016, 1, 1).addDays(i % 360) },
+        { "GodinaKnj", 2016 }, { books::isAssetList(book) ? "Naziv" : "Opis", text } };
     switch (book) {
     case 96:
-        v << RowChange::Values { { "Isprava", doc }, { "Vrsta", kindOf({ 11, 12, 13, 16, 17, 18, 19 }) },
+        v << db::RowChange::Values { { "Isprava", doc }, { "Vrsta", kindOf({ 11, 12, 13, 16, 17, 18, 19 }) },
             { "Iznos", a }, { "IznosPDV", money(std::round(amount(i) * 17 / 1.17) / 100) } };
         break;
     case 109:
-        v << RowChange::Values { { "Isprava", doc }, { "Vrsta", kindOf({ 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 }) },
-            { "Iznos", a } };
+        v << db::RowChange::Values { { "Isprava", doc },
+            { "Vrsta", kindOf({ 5, 6, 7, 9, 10, 11, 12, 13, 14, 15, 16 }) }, { "Iznos", a } };
         break;
     case 97:
     case 102:
-        v << RowChange::Values { { "SifKomit", 1001 }, { "Vrsta", kindOf({ 11, 12, 21, 22 }) }, { "Isprava", doc },
+        v << db::RowChange::Values { { "SifKomit", 1001 }, { "Vrsta", kindOf({ 11, 12, 21, 22 }) }, { "Isprava", doc },
             { "Iznos", a }, { "RBrojKPR", i } };
         break;
     case 98:
     case 106:
-        v << RowChange::Values { { "Isprava", doc }, { "IznosGot", a }, { "IznosCek", money(amount(i + 3)) } };
+        v << db::RowChange::Values { { "Isprava", doc }, { "IznosGot", a }, { "IznosCek", money(amount(i + 3)) } };
         break;
     case 99:
     case 100:
-        v << RowChange::Values { { "Vrsta", kindOf({ 4, 5, 6, 7, 8 }) }, { "Iznos", a },
+        v << db::RowChange::Values { { "Vrsta", kindOf({ 4, 5, 6, 7, 8 }) }, { "Iznos", a },
             { "IznosPDV", money(amount(i) / 10) } };
         break;
     case 101:
     case 105:
-        v << RowChange::Values { { "Isprava", QString::number(i) }, { "NabVrijednost", money(amount(i) * 10) },
+        v << db::RowChange::Values { { "Isprava", QString::number(i) }, { "NabVrijednost", money(amount(i) * 10) },
             { "KnjigVrijednost", money(amount(i) * 8) }, { "VijekTr", 2 + i % 8 } };
         break;
     case 125:
-        v << RowChange::Values { { "BrojProd", 501 }, { "Iznos", a } };
+        v << db::RowChange::Values { { "BrojProd", 501 }, { "Iznos", a } };
         break;
     default:
-        v << RowChange::Values { { "BrojProd", 501 }, { "Zaduzenje", a }, { "Razduzenje", money(amount(i + 1)) } };
+        v << db::RowChange::Values { { "BrojProd", 501 }, { "Zaduzenje", a }, { "Razduzenje", money(amount(i + 1)) } };
     }
     for (const auto& [column, value] : more) {
         auto same = std::find_if(v.begin(), v.end(), [&](const auto& c) { return c.first == column; });
@@ -98,9 +98,9 @@ RowChange::Values BrowserTest::entry(int book, int i, const RowChange::Values& m
     return v;
 }
 
-void BrowserTest::add(int book, int i, const RowChange::Values& more)
+void BrowserTest::add(int book, int i, const db::RowChange::Values& more)
 {
-    db->insert(findBook(book)->table, entry(book, i, more));
+    db->insert(books::findBook(book)->table, entry(book, i, more));
 }
 
 void BrowserTest::addPartner(int code, const QString& name)
@@ -117,20 +117,20 @@ void BrowserTest::addCompany()
     addPartner(501, "Maloprodaja Centar");
 }
 
-std::unique_ptr<frmSifarnikKnj> BrowserTest::open(int kind, const QString& level)
+std::unique_ptr<browser::frmSifarnikKnj> BrowserTest::open(int kind, const QString& level)
 {
     session().NivoPristupa = level;
     session().ImeOperatera = "Ana";
-    auto w = std::make_unique<frmSifarnikKnj>();
+    auto w = std::make_unique<browser::frmSifarnikKnj>();
     w->setTipSifarnika(kind);
     w->Prikaži(0, {});
     return w;
 }
 
-QList<qint64> BrowserTest::rBrojevi(frmSifarnikKnj& w)
+QList<qint64> BrowserTest::rBrojevi(browser::frmSifarnikKnj& w)
 {
     QList<qint64> out;
-    const ResultSet& rs = w.rsStavke();
+    const db::ResultSet& rs = w.rsStavke();
     const int f = rs.indexOf("RBroj");
     for (int r = 0; r < rs.rowCount(); ++r)
         out << rs.integer(r, f);

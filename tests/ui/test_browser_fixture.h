@@ -51,19 +51,19 @@ protected:
     // A valid entry `i` of company 1, year 2016 in `book`: amounts varied and now and then
     // zero, the text opening with the marker S<book>-<i> (every tenth long enough to wrap
     // when printed), partner 1001 and shop 501. `more` replaces or adds columns.
-    static RowChange::Values entry(int book, int i, const RowChange::Values& more = {});
-    void add(int book, int i, const RowChange::Values& more = {});
+    static db::RowChange::Values entry(int book, int i, const db::RowChange::Values& more = {});
+    void add(int book, int i, const db::RowChange::Values& more = {});
     void addPartner(int code, const QString& name);
     // The company's header and the partners the entries name.
     void addCompany();
     // A browser for `kind`, opened (mode 0) with the access level.
-    std::unique_ptr<frmSifarnikKnj> open(int kind, const QString& level = "0");
+    std::unique_ptr<browser::frmSifarnikKnj> open(int kind, const QString& level = "0");
     // The rows of a statement as text (see dump).
     QString table(const QString& sql) { return dump(db->query(sql)); }
     // RBroj of the entries in grid order.
-    static QList<qint64> rBrojevi(frmSifarnikKnj& w);
+    static QList<qint64> rBrojevi(browser::frmSifarnikKnj& w);
     // Changes the query the window reads with next.
-    template <typename Edit> static void change(frmSifarnikKnj& w, Edit edit)
+    template <typename Edit> static void change(browser::frmSifarnikKnj& w, Edit edit)
     {
         browser::BookQuery q = w.query();
         edit(q);

@@ -36,7 +36,7 @@ protected:
         addPrihRash(1, 2016, 4, { 2016, 2, 3 }, 19, 1000000.25, 0, "Amortizacija");
         addPrihRash(1, 2016, 5, { 2016, 3, 1 }, 17, 1500, 0, "Plaće");
     }
-    static void key(frmSifarnikKnj& w, Qt::Key k) { QTest::keyClick(&w.grid(), k); }
+    static void key(browser::frmSifarnikKnj& w, Qt::Key k) { QTest::keyClick(&w.grid(), k); }
     static QList<int> commands(const QSignalSpy& spy)
     {
         QList<int> out;
@@ -52,7 +52,7 @@ TEST_F(BrowserGridTest, TotalsRowsStandAboveAndBelowTheEntriesAndALoadFailureLea
 {
     fillFive();
     auto w = open(96);
-    BookModel& m = w->model();
+    browser::BookModel& m = w->model();
     ASSERT_EQ(m.rowCount(), 7);
     // The sums are the model's (BookModel's own tests); the grid shows them in bold on white.
     for (int row : { 0, 6 }) {
@@ -147,7 +147,7 @@ TEST_F(BrowserGridTest, KeysLeadToTheirCommandsButNotOnATotalsRowNorToADisabledT
 {
     fillFive();
     auto w = open(96);
-    QSignalSpy spy(w.get(), &frmSifarnikKnj::naredba);
+    QSignalSpy spy(w.get(), &browser::frmSifarnikKnj::naredba);
     // Not in transfer mode: F10's command 8 is disabled.
     for (Qt::Key k : { Qt::Key_Return, Qt::Key_F9, Qt::Key_Insert, Qt::Key_F3, Qt::Key_Delete, Qt::Key_F10 })
         key(*w, k);
@@ -192,7 +192,7 @@ TEST_F(BrowserGridTest, TheCommandMenuHasItsEightCaptionsAndTheToolbarForwardsTo
     EXPECT_EQ(w->toolbarButton(10)->text(), "Prenesi");
     EXPECT_FALSE(w->toolbarButton(10)->isVisible());
 
-    QSignalSpy spy(w.get(), &frmSifarnikKnj::naredba);
+    QSignalSpy spy(w.get(), &browser::frmSifarnikKnj::naredba);
     w->toolbarButton(4)->trigger();
     w->toolbarButton(5)->trigger();
     EXPECT_EQ(commands(spy), (QList<int> { 4, 5 }));

@@ -23,10 +23,10 @@ class Dispatch : public BrowserTest
 {
 protected:
     // Every editor (not the filter) runs `act`; the filter is cancelled.
-    void onEditor(std::function<void(RecordEditor&)> act)
+    void onEditor(std::function<void(editors::RecordEditor&)> act)
     {
         script->onDialog = [this, act](QDialog& d) -> int {
-            auto* e = dynamic_cast<RecordEditor*>(&d);
+            auto* e = dynamic_cast<editors::RecordEditor*>(&d);
             if (!e || e->TipRada() == 3)
                 return QDialog::Rejected;
             shown << QStringLiteral("%1|%2|%3|%4")
@@ -41,11 +41,11 @@ protected:
             return d.result();
         };
     }
-    static void key(frmSifarnikKnj& w, Qt::Key k) { QTest::keyClick(&w.grid(), k); }
+    static void key(browser::frmSifarnikKnj& w, Qt::Key k) { QTest::keyClick(&w.grid(), k); }
     // Makes the first entry whose `column` holds `value` current; false when there is none.
-    static bool goTo(frmSifarnikKnj& w, const QString& column, const QVariant& value, int shop = 0)
+    static bool goTo(browser::frmSifarnikKnj& w, const QString& column, const QVariant& value, int shop = 0)
     {
-        const ResultSet& rs = w.rsStavke();
+        const db::ResultSet& rs = w.rsStavke();
         for (int r = 0; r < rs.rowCount(); ++r)
             if (rs.value(r, column).toString() == value.toString()
                 && (!shop || rs.integer(r, rs.indexOf("BrojProd")) == shop)) {
@@ -57,7 +57,7 @@ protected:
     // Sets the controls (see set) and saves.
     void saveWith(const QString& assignments)
     {
-        onEditor([assignments](RecordEditor& e) {
+        onEditor([assignments](editors::RecordEditor& e) {
             set(e, assignments);
             e.cmdSpremi->click();
         });
@@ -90,7 +90,7 @@ TEST_F(Dispatch, NewEntryProposesTheNextNumberAndADateAndACancelReloadsNothing)
     // Another workstation adds an entry: the number counts it, the list learns of it
     // only on a reload, which a cancelled editor does not make.
     addPrihRash(1, 2016, 3, QDate(2016, 2, 2), 11, 20);
-    onEditor([](RecordEditor& e) { QTest::keyClick(e.cmdSpremi, Qt::Key_Escape); });
+    onEditor([](editors::RecordEditor& e) { QTest::keyClick(e.cmdSpremi, Qt::Key_Escape); });
     key(*w, Qt::Key_F9);
     EXPECT_EQ(shown.value(2), "1|0|4|2016-12-31");
     key(*w, Qt::Key_Return);
@@ -116,7 +116,7 @@ TEST_F(Dispatch, EnterChangesAndDeleteRemovesTheCurrentEntryButNothingOpensOnATo
         addPrihRash(1, 2016, r, QDate(2016, 3, r), 16, 10.0 * r);
     auto w = open(96);
     w->postaviTrenutniRed(1);
-    onEditor([](RecordEditor& e) {
+    onEditor([](editors::RecordEditor& e) {
         EXPECT_EQ(values(e, "txtIsprava"), "D-2");
         set(e, "ubRBroj=7");
         e.cmdSpremi->click();
@@ -127,7 +127,7 @@ TEST_F(Dispatch, EnterChangesAndDeleteRemovesTheCurrentEntryButNothingOpensOnATo
     EXPECT_EQ(w->trenutniRBroj(), 7);
 
     w->postaviTrenutniRed(0);
-    onEditor([](RecordEditor& e) {
+    onEditor([](editors::RecordEditor& e) {
         EXPECT_FALSE(e.control("txtOpis")->isEnabled());
         e.cmdSpremi->click();
     });
@@ -164,7 +164,7 @@ TEST_F(Dispatch, TradeBookEntriesAreAddedChangedCopiedAndDeletedPerShop)
     // Change the second entry of shop 1.
     ASSERT_TRUE(goTo(*w, "RBroj", 2, 1));
     ASSERT_EQ(w->trenutniRBroj(), 2);
-    onEditor([](RecordEditor& e) {
+    onEditor([](editors::RecordEditor& e) {
         EXPECT_EQ(values(e, "txtSkladište;txtOpis"), "1|S125-2");
         set(e, "ubIznos=22");
         e.cmdSpremi->click();
@@ -174,7 +174,7 @@ TEST_F(Dispatch, TradeBookEntriesAreAddedChangedCopiedAndDeletedPerShop)
 
     // Copy it: the next number of its own shop.
     ASSERT_TRUE(goTo(*w, "RBroj", 2, 1));
-    onEditor([](RecordEditor& e) { e.cmdSpremi->click(); });
+    onEditor([](editors::RecordEditor& e) { e.cmdSpremi->click(); });
     key(*w, Qt::Key_F4);
     EXPECT_EQ(shown.value(2), "1|0|3|2016-01-03");
 
@@ -182,7 +182,7 @@ TEST_F(Dispatch, TradeBookEntriesAreAddedChangedCopiedAndDeletedPerShop)
         "1|1|10\n1|2|22\n1|3|22\n2|1|5");
 
     ASSERT_TRUE(goTo(*w, "RBroj", 1, 2));
-    onEditor([](RecordEditor& e) {
+    onEditor([](editors::RecordEditor& e) {
         EXPECT_EQ(values(e, "txtOpis"), "Prva u Zapadu");
         e.cmdSpremi->click();
     });
@@ -225,7 +225,7 @@ TEST_F(Dispatch, TwoEntriesSharingANumberAreChangedAndDeletedOneByOne)
     // Opens `key` on the entry described `opis`; the editor must show that very entry.
     const auto on = [&](const char* opis, Qt::Key k, const QString& change = {}) {
         ASSERT_TRUE(goTo(*w, "Opis", QString::fromUtf8(opis)));
-        onEditor([&](RecordEditor& e) {
+        onEditor([&](editors::RecordEditor& e) {
             EXPECT_EQ(values(e, "txtOpis"), QString::fromUtf8(opis));
             set(e, change);
             e.cmdSpremi->click();
@@ -253,7 +253,7 @@ TEST_F(Dispatch, RsVariantsRelabelTheChequeAndLockTheLinkThatACopyNeverCarries)
     auto turnover = open(106);
     turnover->postaviTrenutniRed(0);
     QString label;
-    onEditor([&](RecordEditor& e) {
+    onEditor([&](editors::RecordEditor& e) {
         label = values(e, "lblČekovi");
         e.cmdPrekid->click();
     });
@@ -266,7 +266,7 @@ TEST_F(Dispatch, RsVariantsRelabelTheChequeAndLockTheLinkThatACopyNeverCarries)
     // Whether the link can be edited, the link and the partner, in each editor shown.
     QStringList seen;
     const auto record = [&](bool save) {
-        onEditor([&seen, save](RecordEditor& e) {
+        onEditor([&seen, save](editors::RecordEditor& e) {
             seen << QString::number(e.control("ubKPR")->isEnabled()) + "|" + values(e, "ubKPR;lblKomit");
             (save ? e.cmdSpremi : e.cmdPrekid)->click();
         });
@@ -318,7 +318,7 @@ class EveryBook : public Dispatch, public ::testing::WithParamInterface<int>
 std::vector<int> everyBook()
 {
     std::vector<int> out;
-    for (const BookKind& b : allBooks())
+    for (const books::BookKind& b : books::allBooks())
         out.push_back(b.code);
     return out;
 }
@@ -331,16 +331,16 @@ std::vector<int> everyBook()
 TEST_P(EveryBook, CopyChangeAndDeleteFromTheBrowser)
 {
     const int kind = GetParam();
-    const QString entries = findBook(kind)->table;
+    const QString entries = books::findBook(kind)->table;
     addCompany();
     add(kind, 1);
     auto w = open(kind);
     // A trade book shows nothing until its sales point is chosen.
-    if (isTradeBook(kind))
+    if (books::isTradeBook(kind))
         w->applyFilter(browser::periodFilter(kind, { 2016, 1, 1 }, { 2016, 12, 31 }, 1, 2016, 501));
     ASSERT_EQ(w->rsStavke().rowCount(), 1);
     QStringList problems; // every message but a warning
-    onEditor([&](RecordEditor& e) {
+    onEditor([&](editors::RecordEditor& e) {
         if (e.TipRada() == 2)
             set(e, "dpDatum=2016-07-01");
         const auto before = script->messages.size();
@@ -355,7 +355,7 @@ TEST_P(EveryBook, CopyChangeAndDeleteFromTheBrowser)
     ASSERT_EQ(w->rsStavke().rowCount(), 2);
     EXPECT_EQ(w->trenutniRBroj(), 2);
     // The copy carries every field but its number and a receivable's link (see RsVariants).
-    const ResultSet both = db->query("SELECT * FROM " + entries + " ORDER BY RBroj");
+    const db::ResultSet both = db->query("SELECT * FROM " + entries + " ORDER BY RBroj");
     for (int c = 0; c < both.fieldCount(); ++c)
         if (both.field(c).name != "RBroj" && both.field(c).name != "RBrojKPR") {
             EXPECT_EQ(both.text(0, c), both.text(1, c)) << both.field(c).name.toStdString();

@@ -54,7 +54,7 @@ using BookEditors = EditorTest;
 
 TEST_F(BookEditors, ReceivablesNeedAPartnerBeforeTheKindWarnOnAMissingLinkAndChangeTheirRow)
 {
-    auto e = editor<frmKnjEvidPotObvFBiH>(97, 1);
+    auto e = editor<editors::frmKnjEvidPotObvFBiH>(97, 1);
     EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige evidencije Potraživanja i obveza");
     run(*e, [&] {
         save(*e,
@@ -73,7 +73,7 @@ TEST_F(BookEditors, ReceivablesNeedAPartnerBeforeTheKindWarnOnAMissingLinkAndCha
         "1|1|1|21|2016-04-04|2016|UR-55|Primljeni račun|123.45|0");
 
     // A change reads the partner, the kind and the link, and rewrites the row.
-    auto c = editor<frmKnjEvidPotObvFBiH>(97, 2, 1);
+    auto c = editor<editors::frmKnjEvidPotObvFBiH>(97, 2, 1);
     run(*c, [&] {
         EXPECT_EQ(values(*c, "txtKomitent;lblKomit;cboVrsta;ubKPR"), "1| Prodavnica Centar|21 - Primljeni racuni|0");
         save(*c, { { "txtKomitent=~2;cboVrsta=#1;ubKPR=3;ubIznos=45" } });
@@ -89,7 +89,7 @@ TEST_F(BookEditors, ReceivablesPartnerChooserByButtonAndF2)
     HostServices services;
     services.partners = std::move(reg);
     installHostServices(std::move(services));
-    auto e = editor<frmKnjEvidPotObvFBiH>(102, 1);
+    auto e = editor<editors::frmKnjEvidPotObvFBiH>(102, 1);
     run(*e, [&] {
         e->cmdPrKomit->click();
         EXPECT_EQ(values(*e, "txtKomitent;lblKomit"), "2| Prodavnica Zapad");
@@ -122,7 +122,7 @@ TEST_F(BookEditors, LeavingANegativeAmountWarns)
         script->clear();
         auto e = editor(c.book, 1);
         run(*e, [&] {
-            auto* box = qobject_cast<MoneyBox*>(e->control(c.box));
+            auto* box = qobject_cast<editors::MoneyBox*>(e->control(c.box));
             type(box, c.typed, true);
             ASSERT_EQ(script->messages.size(), 1);
             EXPECT_EQ(lastMessage().text, c.text);
@@ -144,7 +144,7 @@ TEST_F(BookEditors, LeavingANegativeAmountWarns)
 
 TEST_F(BookEditors, AssetListsNeverWriteTheNumberAndCheckLifeAndValues)
 {
-    auto e = editor<frmPopListaDImovineFBiH>(105, 1);
+    auto e = editor<editors::frmPopListaDImovineFBiH>(105, 1);
     run(*e, [&] {
         save(*e,
             { { "ubRBroj=77;dpDatum=2016-02-01;txtBrojDokumenta=15;txtNazivSredstva=Kombi vozilo;ubVijekTrajanja=5;"
@@ -158,7 +158,7 @@ TEST_F(BookEditors, AssetListsNeverWriteTheNumberAndCheckLifeAndValues)
                         "FROM dbo.KnjPopListaDugImovFBiH";
     EXPECT_EQ(table(sql), "1|Kombi vozilo|15|5|1000|1000|2016");
 
-    auto c = editor<frmPopListaDImovineFBiH>(105, 2, 1);
+    auto c = editor<editors::frmPopListaDImovineFBiH>(105, 2, 1);
     run(*c, [&] {
         EXPECT_EQ(c->txtNazivSredstva->text(), "Kombi vozilo");
         save(*c,
@@ -169,7 +169,7 @@ TEST_F(BookEditors, AssetListsNeverWriteTheNumberAndCheckLifeAndValues)
     EXPECT_EQ(table(sql), "1|Kombi vozilo|15|5|1000|800|2016");
 
     // The RS list uses the same table and checks.
-    auto r = editor<frmPopListaDImovineFBiH>(101, 1);
+    auto r = editor<editors::frmPopListaDImovineFBiH>(101, 1);
     EXPECT_EQ(r->readSql().left(48), "SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE G");
     run(*r, [&] {
         save(*r,
@@ -185,7 +185,7 @@ TEST_F(BookEditors, AssetListsNeverWriteTheNumberAndCheckLifeAndValues)
 
 TEST_F(BookEditors, TurnoverTakesANegativeNumberButNotZeroOrNoAmountAndWarnsOfANegativeAmount)
 {
-    auto e = editor<frmKnjPrometa>(98, 1);
+    auto e = editor<editors::frmKnjPrometa>(98, 1);
     run(*e, [&] {
         save(*e,
             { { "ubRBroj=0;dpDatum=2016-07-07;txtIsprava=P-1", "Morate upisati redni broj različit od 0!" },
@@ -195,7 +195,7 @@ TEST_F(BookEditors, TurnoverTakesANegativeNumberButNotZeroOrNoAmountAndWarnsOfAN
     EXPECT_EQ(table("SELECT RBroj,IznosGot,IznosCek,Isprava FROM dbo.KnjPrometaFBiH"), "-3|0|50|P-1");
 
     // The RS book changes the same table, its cheques relabelled by the browser.
-    auto c = editor<frmKnjPrometa>(106, 2, -3);
+    auto c = editor<editors::frmKnjPrometa>(106, 2, -3);
     c->lblČekovi->setText("Račun:");
     run(*c, [&] {
         EXPECT_EQ(values(*c, "ubGotovina;ubCek"), "0|50");
@@ -209,8 +209,8 @@ TEST_F(BookEditors, TurnoverTakesANegativeNumberButNotZeroOrNoAmountAndWarnsOfAN
 TEST_F(BookEditors, ServicesNumberPerShopAndRefuseAZeroAmount)
 {
     for (int shop : { 1, 2, 1 }) {
-        auto e = editor<frmKnjUsluga>(125, 1);
-        e->setSkladište(shop);
+        auto e = editor<editors::frmKnjUsluga>(125, 1);
+        e->setShop(shop);
         run(*e, [&] {
             save(*e,
                 { { "dpDatum=2016-08-01;txtOpis=Usluga", "Iznos mora biti različit od nule !", "ubIznos" },
@@ -223,7 +223,7 @@ TEST_F(BookEditors, ServicesNumberPerShopAndRefuseAZeroAmount)
 
 TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
 {
-    auto e = editor<frmKnjKomisiona>(126, 1);
+    auto e = editor<editors::frmKnjKomisiona>(126, 1);
     EXPECT_EQ(e->windowTitle(), "Upis nove stavke trg.knjige komisione robe");
     run(*e, [&] {
         save(*e, { { "dpDatum=2016-08-01", "Mora se upisati maloprodaja!", "txtSkladište" } });
@@ -233,8 +233,8 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
 
-    auto c = editor<frmKnjKomisiona>(126, 2, 1);
-    c->setSkladište(2); // read by its shop (the statement: EditorRules)
+    auto c = editor<editors::frmKnjKomisiona>(126, 2, 1);
+    c->setShop(2); // read by its shop (the statement: EditorRules)
     script->clear();
     run(*c, [&] {
         EXPECT_TRUE(texts().isEmpty()) << texts().join(u'|').toStdString();
@@ -248,7 +248,7 @@ TEST_F(BookEditors, TradeBookChecksAndChangeByShop)
 TEST_F(BookEditors, TradeBooksRefuseAShopUnknownToThePartners)
 {
     for (int book : { 125, 126 }) {
-        auto e = editor<TrgKnjigaEditor>(book, 1);
+        auto e = editor<editors::TrgKnjigaEditor>(book, 1);
         run(*e, [&] {
             set(*e, "txtSkladište=~77");
             set(*e, book == 125 ? "ubIznos=10" : "ubZaduženje=10");
@@ -266,7 +266,7 @@ TEST_F(BookEditors, TradeBooksRefuseAShopUnknownToThePartners)
 
 TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
 {
-    EXPECT_EQ(createEditor(100)->windowTitle(), "Knjiga rashoda RS");
+    EXPECT_EQ(editors::createEditor(100)->windowTitle(), "Knjiga rashoda RS");
     const struct {
         int book;
         QString naslov, table, vrsta, row;
@@ -275,7 +275,7 @@ TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
         { 100, "Knjiga rashoda RS", "dbo.KnjRashodaRS", "10 - Rashod - Amortizacija", "10|70|7" },
     };
     for (const auto& b : books) {
-        auto e = editor<frmKnjPrihodaRashodaRS>(b.book, 1);
+        auto e = editor<editors::frmKnjPrihodaRashodaRS>(b.book, 1);
         EXPECT_EQ(e->lblNaslov->text(), b.naslov);
         EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige prihoda");
         run(*e, [&] {
@@ -292,7 +292,7 @@ TEST_F(BookEditors, RsIncomeAndExpenseCheckInOrderAndGoToTheirOwnTables)
 
     exec("INSERT INTO dbo.KnjRashodaRS (BrojPoduzeca,RBroj,Datum,GodinaKnj,Opis,Vrsta,Iznos,IznosPDV) "
          "VALUES (1,2,'09.10.2016',2016,'Ne priznaje se',13,5,0)");
-    auto d = editor<frmKnjPrihodaRashodaRS>(100, 4, 2);
+    auto d = editor<editors::frmKnjPrihodaRashodaRS>(100, 4, 2);
     run(*d, [&] {
         EXPECT_EQ(d->cboVrsta->currentText(), "13 - Rashod - Rashodi koji se ne priznaju");
         save(*d, { {} });
@@ -306,9 +306,9 @@ namespace
 class PrihRashEditor : public EditorTest
 {
 protected:
-    static std::unique_ptr<frmKnjPRashFBiHPregled> prihRash(int book, int mode, qint32 redniBroj = 0)
+    static std::unique_ptr<editors::frmKnjPRashFBiHPregled> prihRash(int book, int mode, qint32 redniBroj = 0)
     {
-        return editor<frmKnjPRashFBiHPregled>(book, mode, redniBroj);
+        return editor<editors::frmKnjPRashFBiHPregled>(book, mode, redniBroj);
     }
     void insertFBiH(int rbroj, int vrsta, const QString& iznos, const QString& pdv)
     {
@@ -450,7 +450,7 @@ TEST_F(PrihRashEditor, TheDbBookHasNoVatAndNeverComputesIt)
         save(*e, { {} });
     });
     EXPECT_FALSE(e->IzišaoSaPrekidom());
-    const ResultSet rs = rows("SELECT * FROM dbo.KnjPrihRashDB");
+    const db::ResultSet rs = rows("SELECT * FROM dbo.KnjPrihRashDB");
     EXPECT_EQ(rs.indexOf("IznosPDV"), -1);
     EXPECT_EQ(dump(rs), "1|1|2016-06-01|2016|B-1||16|100");
 
@@ -539,25 +539,26 @@ TEST(EditorRules, VatSearchPeriodAndTheReceivablesWarningBeforeARefusal)
 TEST(EditorRules, AnEntryReadByItsNumberIsTheOneTheListShows)
 {
     const QDate first(2016, 3, 1), second(2016, 3, 2);
-    const ResultSet read
-        = resultSet({ { "RBroj", FieldType::Integer }, { "Datum", FieldType::Date }, { "Opis", FieldType::Text },
-                        { "Iznos", FieldType::Currency }, { "Vrsta", FieldType::Integer } },
-            { { 5, first, "Prva", "10", 5 }, { 5, second, "Druga", "20", 5 }, { 5, second, "Druga", "30", 5 } });
+    const db::ResultSet read = resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
+            { "Iznos", db::FieldType::Currency }, { "Vrsta", db::FieldType::Integer } },
+        { { 5, first, "Prva", "10", 5 }, { 5, second, "Druga", "20", 5 }, { 5, second, "Druga", "30", 5 } });
     // The list names its kind column by text and shows the amount as an integer.
-    const ResultSet list = resultSet(
-        { { "RBroj", FieldType::Integer }, { "Vrsta", FieldType::Text }, { "Datum", FieldType::Date },
-            { "Opis", FieldType::Text }, { "Iznos", FieldType::Integer }, { "Prihodi", FieldType::Currency } },
-        { { 5, "Prihod - Robe", second, "Druga", 30 }, { 5, "Prihod - Robe", first, "Prva", 10 },
-            { 5, "Prihod - Robe", second, "Druga", 20 } });
+    const db::ResultSet list
+        = resultSet({ { "RBroj", db::FieldType::Integer }, { "Vrsta", db::FieldType::Text },
+                        { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
+                        { "Iznos", db::FieldType::Integer }, { "Prihodi", db::FieldType::Currency } },
+            { { 5, "Prihod - Robe", second, "Druga", 30 }, { 5, "Prihod - Robe", first, "Prva", 10 },
+                { 5, "Prihod - Robe", second, "Druga", 20 } });
     EXPECT_EQ(matchingRow(read, &list, 0), 2);
     EXPECT_EQ(matchingRow(read, &list, 1), 0);
     EXPECT_EQ(matchingRow(read, &list, 2), 1);
     // Without a list row the first is taken; without candidates there is none.
     EXPECT_EQ(matchingRow(read, nullptr, -1), 0);
     EXPECT_EQ(matchingRow(read, &list, -1), 0);
-    EXPECT_EQ(matchingRow(ResultSet(read.fields()), &list, 0), -1);
+    EXPECT_EQ(matchingRow(db::ResultSet(read.fields()), &list, 0), -1);
 
-    const ResultSet one = singleRow(read, 2);
+    const db::ResultSet one = singleRow(read, 2);
     ASSERT_EQ(one.rowCount(), 1);
     EXPECT_EQ(one.money(0, 3), Money::fromWhole(30));
     EXPECT_EQ(one.text(0, 2), "Druga");

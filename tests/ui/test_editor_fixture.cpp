@@ -16,7 +16,7 @@ void EditorTest::SetUp()
     addPartner(2, "Prodavnica Zapad");
 }
 
-void EditorTest::run(RecordEditor& editor, const std::function<void()>& inside)
+void EditorTest::run(editors::RecordEditor& editor, const std::function<void()>& inside)
 {
     script->onDialog = [&](QDialog& d) {
         d.show();
@@ -39,7 +39,7 @@ void type(QLineEdit* box, const QString& text, bool leave)
         QTest::keyClick(box, Qt::Key_Tab);
 }
 
-void set(RecordEditor& editor, const QString& assignments)
+void set(editors::RecordEditor& editor, const QString& assignments)
 {
     for (const QString& assignment : assignments.split(u';', Qt::SkipEmptyParts)) {
         const QString name = assignment.section(u'=', 0, 0);
@@ -48,7 +48,7 @@ void set(RecordEditor& editor, const QString& assignments)
         auto* text = qobject_cast<QLineEdit*>(control);
         if (text && value.startsWith(u'~')) {
             type(text, value.mid(1), true);
-        } else if (auto* box = qobject_cast<MoneyBox*>(control)) {
+        } else if (auto* box = qobject_cast<editors::MoneyBox*>(control)) {
             const auto amount = Money::parse(value);
             ASSERT_TRUE(amount) << value.toStdString();
             box->setValue(*amount);
@@ -67,12 +67,12 @@ void set(RecordEditor& editor, const QString& assignments)
     }
 }
 
-QString values(RecordEditor& editor, const QString& names)
+QString values(editors::RecordEditor& editor, const QString& names)
 {
     QStringList out;
     for (const QString& name : names.split(u';')) {
         QWidget* control = editor.control(name);
-        if (auto* box = qobject_cast<MoneyBox*>(control))
+        if (auto* box = qobject_cast<editors::MoneyBox*>(control))
             out << box->value().toPlainString();
         else if (auto* date = qobject_cast<QDateEdit*>(control))
             out << date->date().toString(Qt::ISODate);
@@ -88,7 +88,7 @@ QString values(RecordEditor& editor, const QString& names)
     return out.join(u'|');
 }
 
-void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)
+void EditorTest::save(editors::RecordEditor& editor, const QList<Try>& tries)
 {
     for (const Try& t : tries) {
         SCOPED_TRACE(t.set.toStdString());
@@ -107,7 +107,7 @@ void EditorTest::save(RecordEditor& editor, const QList<Try>& tries)
     }
 }
 
-QString EditorTest::focusOf(RecordEditor& editor)
+QString EditorTest::focusOf(editors::RecordEditor& editor)
 {
     QWidget* w = editor.focusWidget();
     return w ? w->objectName() : QString();

@@ -31,10 +31,10 @@ struct Try {
 // Types `text` over the whole of `box` as a person does; `leave` then tabs away.
 void type(QLineEdit* box, const QString& text, bool leave = false);
 // Sets controls of `editor` as Try::set describes.
-void set(RecordEditor& editor, const QString& assignments);
+void set(editors::RecordEditor& editor, const QString& assignments);
 // What the named controls ("name;name...") show, joined by '|': an amount in its plain
 // form, a date in ISO form, a list's current text.
-QString values(RecordEditor& editor, const QString& names);
+QString values(editors::RecordEditor& editor, const QString& names);
 
 // The browser's fixture with two partners (1 "Prodavnica Centar", 2 "Prodavnica Zapad")
 // for the editors to find.
@@ -45,27 +45,28 @@ protected:
 
     // Shows the editor through the seam; `inside` runs while it is "on screen". The
     // dialog is shown (offscreen) so that focus and keys behave as for a person.
-    void run(RecordEditor& editor, const std::function<void()>& inside);
+    void run(editors::RecordEditor& editor, const std::function<void()>& inside);
     // The editor of `book` in `mode` on entry `redniBroj`, as the browser prepares it.
-    template <typename T = RecordEditor> static std::unique_ptr<T> editor(int book, int mode, qint32 redniBroj = 0)
+    template <typename T = editors::RecordEditor>
+    static std::unique_ptr<T> editor(int book, int mode, qint32 redniBroj = 0)
     {
-        auto e = std::unique_ptr<T>(dynamic_cast<T*>(createEditor(book).release()));
+        auto e = std::unique_ptr<T>(dynamic_cast<T*>(editors::createEditor(book).release()));
         EXPECT_TRUE(e) << book;
         e->setTipRada(mode);
         e->sRedniBroj = redniBroj;
         return e;
     }
     // Makes each try in turn, checking what follows it.
-    void save(RecordEditor& editor, const QList<Try>& tries);
+    void save(editors::RecordEditor& editor, const QList<Try>& tries);
     // Statements in T-SQL as the system writes it; a failure fails the test.
-    ResultSet rows(const QString& sql) { return db->query(sql); }
+    db::ResultSet rows(const QString& sql) { return db->query(sql); }
     void exec(const QString& sql) { db->exec(sql); }
     int count(const QString& table) { return db->count(table); }
     // The texts of the messages shown so far, and the last one.
     QStringList texts() { return script->texts(); }
     Message lastMessage() { return script->messages.isEmpty() ? Message {} : script->messages.last(); }
     // The objectName of the control that has (or will have, once shown) the focus.
-    static QString focusOf(RecordEditor& editor);
+    static QString focusOf(editors::RecordEditor& editor);
 };
 
 } // namespace knjige::test

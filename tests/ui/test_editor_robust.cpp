@@ -29,7 +29,7 @@ const QList<int> kEveryBook = { 96, 109, 97, 102, 98, 106, 99, 100, 101, 105, 12
 
 // The controls a person reaches with Tab, in the order Tab reaches them, starting
 // after cmdPrekid.
-QList<QWidget*> tabChain(RecordEditor& e)
+QList<QWidget*> tabChain(editors::RecordEditor& e)
 {
     QList<QWidget*> chain;
     for (QWidget* w = e.cmdPrekid->nextInFocusChain(); w && w != e.cmdPrekid; w = w->nextInFocusChain()) {
@@ -44,7 +44,7 @@ QList<QWidget*> tabChain(RecordEditor& e)
 
 // Screen order: each control lies on the row after the one before it, or on the same
 // row to its right.
-QString screenOrderBreak(RecordEditor& e, const QList<QWidget*>& chain)
+QString screenOrderBreak(editors::RecordEditor& e, const QList<QWidget*>& chain)
 {
     for (int i = 1; i < chain.size(); ++i) {
         const QRect a(chain[i - 1]->mapTo(&e, QPoint(0, 0)), chain[i - 1]->size());
@@ -62,9 +62,9 @@ const QString kSaveFailed = "Desila se greška u spremanju stavke. Promjene nisu
 class RobustEditor : public EditorTest
 {
 protected:
-    static std::unique_ptr<frmKnjPrometa> promet(int mode, qint32 redniBroj = 0)
+    static std::unique_ptr<editors::frmKnjPrometa> promet(int mode, qint32 redniBroj = 0)
     {
-        return editor<frmKnjPrometa>(98, mode, redniBroj);
+        return editor<editors::frmKnjPrometa>(98, mode, redniBroj);
     }
 };
 
@@ -72,7 +72,7 @@ protected:
 
 TEST_F(RobustEditor, ApostropheAndOverlongTextSaveWhole)
 {
-    const int width = textColumnWidth("dbo.KnjPrometaFBiH", "Opis");
+    const int width = books::textColumnWidth("dbo.KnjPrometaFBiH", "Opis");
     ASSERT_GT(width, 0);
     auto e = promet(1);
     EXPECT_EQ(e->txtOpis->maxLength(), width);
@@ -195,7 +195,7 @@ TEST_F(RobustEditor, KindListsTakeTheTypedCodeAndOpenWithAltDownOrF4)
 
 TEST_F(RobustEditor, SearchModePreparesThePeriodAndChecksIt)
 {
-    auto e = editor<frmKnjPRashFBiHPregled>(96, 3);
+    auto e = editor<editors::frmKnjPRashFBiHPregled>(96, 3);
     EXPECT_EQ(e->windowTitle(), "Pretraživanje");
     EXPECT_EQ(e->cmdSpremi->text(), "Postavi filter");
     const auto [from, to] = editors::searchPeriod(QDate::currentDate(), 2016);
@@ -221,16 +221,16 @@ TEST_F(RobustEditor, SearchModePreparesThePeriodAndChecksIt)
 
 TEST_F(RobustEditor, WholeNumberBoxesTakeNoMoreThanTheirColumnHolds)
 {
-    auto r = editor<frmKnjEvidPotObvFBiH>(97, 1);
+    auto r = editor<editors::frmKnjEvidPotObvFBiH>(97, 1);
     run(*r, [&] {
-        for (MoneyBox* box : { r->ubRBroj, r->ubKPR }) {
+        for (editors::MoneyBox* box : { r->ubRBroj, r->ubKPR }) {
             type(box, "3000000000");
             EXPECT_EQ(box->integerValue(), 300000000) << box->objectName().toStdString();
             type(box, "2147483647");
             EXPECT_EQ(box->integerValue(), 2147483647) << box->objectName().toStdString();
         }
     });
-    auto a = editor<frmPopListaDImovineFBiH>(105, 1);
+    auto a = editor<editors::frmPopListaDImovineFBiH>(105, 1);
     run(*a, [&] {
         type(a->ubVijekTrajanja, "40000");
         EXPECT_EQ(a->ubVijekTrajanja->integerValue(), 4000);
@@ -253,7 +253,7 @@ TEST_F(RobustEditor, TabFollowsTheScreenAClickSelectsAndEnterPassesOverTheLookup
     for (int book : kEveryBook)
         for (int mode : { 1, 3 }) {
             auto e = editor(book, mode);
-            const QString name = isAssetList(book) ? QStringLiteral("txtNazivSredstva") : "txtOpis";
+            const QString name = books::isAssetList(book) ? QStringLiteral("txtNazivSredstva") : "txtOpis";
             auto* text = qobject_cast<QLineEdit*>(e->control(name));
             ASSERT_TRUE(text) << book;
             run(*e, [&] {

@@ -32,15 +32,16 @@ protected:
     void SetUp() override
     {
         BrowserTest::SetUp();
-        previousStore = gen::setPasswordStore(std::make_unique<gen::MemoryPasswordStore>(true));
+        previousStore = generate::setPasswordStore(std::make_unique<generate::MemoryPasswordStore>(true));
         ASSERT_TRUE(fillDemo(db->db(), 2016));
         QString error;
-        ASSERT_TRUE(createSourceTables(db->db(), &error)) << error.toStdString();
-        ASSERT_TRUE(fillDemoSources(db->db(), 2016, { gen::imeOperateraSustava() }, &error)) << error.toStdString();
+        ASSERT_TRUE(demo::createSourceTables(db->db(), &error)) << error.toStdString();
+        ASSERT_TRUE(demo::fillDemoSources(db->db(), 2016, { generate::imeOperateraSustava() }, &error))
+            << error.toStdString();
     }
     void TearDown() override
     {
-        gen::setPasswordStore(std::move(previousStore));
+        generate::setPasswordStore(std::move(previousStore));
         BrowserTest::TearDown();
     }
 
@@ -53,19 +54,19 @@ protected:
     static bool shown(QDialog& d, const QString& name) { return !d.findChild<QWidget*>(name)->isHidden(); }
 
     // The March 2016 values that give every kind entries on the demo documents.
-    static void fillMarch(frmGenPrihRashDB& d)
+    static void fillMarch(generate::frmGenPrihRashDB& d)
     {
         d.dpDatum->setDate(QDate(2016, 3, 1));
         d.dpDatum1->setDate(QDate(2016, 3, 31));
         d.txtOrgJed->setText(QString::number(demo::OrgJed));
-        d.txtKomit->setText(QString::number(demo::DobavljačKompenzacija));
+        d.txtKomit->setText(QString::number(demo::CompensationSupplier));
         d.txtSkladište->setText(QString::number(demo::Maloprodaja1));
         d.txtPrima->setText(QString::number(demo::Primatelj));
         for (QLineEdit* e : { d.txtKomit, d.txtSkladište, d.txtPrima })
             emit e->editingFinished();
     }
 
-    std::unique_ptr<gen::PasswordStore> previousStore;
+    std::unique_ptr<generate::PasswordStore> previousStore;
 };
 
 } // namespace
@@ -76,17 +77,17 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswor
         int vrsta;
         QString partner, place, receiver;
     } kinds[] = {
-        { gen::DgpRacuni, {}, {}, {} },
-        { gen::UlazniRacuni, "Uklj.dobavljača:", {}, {} },
-        { gen::UplateUlaznih, "Isklj.dobavljača:", {}, {} },
-        { gen::MatOtpremnice, {}, "Skladište:", "Kupac (prima):" },
-        { gen::PosPovrat, {}, "Maloprodaja:", "Tko prima:" },
+        { generate::DgpRacuni, {}, {}, {} },
+        { generate::UlazniRacuni, "Uklj.dobavljača:", {}, {} },
+        { generate::UplateUlaznih, "Isklj.dobavljača:", {}, {} },
+        { generate::MatOtpremnice, {}, "Skladište:", "Kupac (prima):" },
+        { generate::PosPovrat, {}, "Maloprodaja:", "Tko prima:" },
     };
     for (const auto& k : kinds) {
-        frmGenPrihRashDB d;
+        generate::frmGenPrihRashDB d;
         d.setVrsta(k.vrsta);
-        EXPECT_EQ(d.windowTitle(), gen::opisVrste(k.vrsta).naslov);
-        EXPECT_EQ(shown(d, "txtOrgJed"), k.vrsta <= gen::UplateUlaznih);
+        EXPECT_EQ(d.windowTitle(), generate::opisVrste(k.vrsta).naslov);
+        EXPECT_EQ(shown(d, "txtOrgJed"), k.vrsta <= generate::UplateUlaznih);
         EXPECT_EQ(shown(d, "cmdPrKomit"), !k.partner.isEmpty());
         EXPECT_EQ(shown(d, "cmdPrSkladište"), !k.place.isEmpty());
         if (!k.partner.isEmpty()) {
@@ -103,7 +104,7 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswor
     const int before = w->rsStavke().rowCount();
     int written = 0;
     script->onDialog = [&](QDialog& dialog) {
-        auto& d = dynamic_cast<frmGenPrihRashDB&>(dialog);
+        auto& d = dynamic_cast<generate::frmGenPrihRashDB&>(dialog);
         EXPECT_EQ(d.findChild<QGroupBox*>("fraServer")->title(), "Server i baza izl.računa");
         EXPECT_EQ(d.dpDatum->date(), QDate::currentDate().addDays(-7));
         EXPECT_EQ(d.dpDatum1->date(), QDate::currentDate());
@@ -126,8 +127,8 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswor
 
     // A server source asks for the password and never stores it in the settings.
     script->clear();
-    frmGenPrihRashDB d;
-    d.setVrsta(gen::UlazniRacuni);
+    generate::frmGenPrihRashDB d;
+    d.setVrsta(generate::UlazniRacuni);
     fillMarch(d);
     d.txtImeServera->setText("SRV\\POS");
     EXPECT_TRUE(shown(d, "txtLozinka"));
@@ -137,7 +138,7 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswor
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Upišite lozinku korisnika sa za server SRV\\POS!") });
     EXPECT_EQ(d.result(), QDialog::Rejected);
     EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), "KUFSQLServera"), "SRV\\POS");
-    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), gen::ključLozinke()), QString());
+    EXPECT_EQ(settings::text(settings::sharedApplication(), settings::section(), generate::passwordKey()), QString());
     // A start after the end is refused before the password or any database is asked for.
     script->clear();
     d.dpDatum->setDate(QDate(2016, 4, 1));
@@ -145,7 +146,7 @@ TEST_F(GenerateDialog, KindsShowTheirFieldsARunIsShownByTheBookAndAServerPasswor
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Prvi datum veći od drugog!") });
     // A run over every shop is asked about first, and No stops it there too.
     script->clear();
-    d.setVrsta(gen::PosOtpremnice);
+    d.setVrsta(generate::PosOtpremnice);
     fillMarch(d);
     d.txtSkladište->clear();
     script->answers << Answer::No;

@@ -14,7 +14,7 @@ namespace knjige::test
 // The rows of a result as text, a row's values joined by '|' and the rows by new lines,
 // each value in its plain form ("12.5", "2016-03-15", nothing for NULL), so that one
 // comparison checks every value of every row.
-inline QString dump(const ResultSet& rs)
+inline QString dump(const db::ResultSet& rs)
 {
     QStringList rows;
     for (int r = 0; r < rs.rowCount(); ++r) {
@@ -28,10 +28,10 @@ inline QString dump(const ResultSet& rs)
 
 // Fills `db` with the demonstration company's books of `year`; false (and a test
 // failure with the reason) when that fails.
-inline bool fillDemo(Database& db, int year)
+inline bool fillDemo(db::Database& db, int year)
 {
     QString error;
-    const bool ok = fillDemoData(db, year, &error);
+    const bool ok = demo::fillDemoData(db, year, &error);
     EXPECT_TRUE(ok) << error.toStdString();
     return ok;
 }

@@ -106,7 +106,7 @@ TEST_F(HostChooser, ListsTheTwelveBooksByCaptionUnderTheirEntitiesAndShowsTheCom
 {
     BookChooser chooser(defaults());
     QStringList expected;
-    for (const BookKind& b : allBooks())
+    for (const books::BookKind& b : books::allBooks())
         expected << b.caption;
     QStringList shown = chooser.captions();
     shown.sort();
@@ -455,18 +455,18 @@ TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
         = { { 0, "0" }, { -0.0, "0" }, { 0.17, "0.17" }, { 100.0 / 3, "33.3333333333333" }, { -2.5, "-2.5" },
               { 1e-7, "0.0000001" }, { 2.5e20, "250000000000000000000" }, { 1234567.125, "1234567.125" } };
     for (const auto& [value, text] : cases)
-        EXPECT_EQ(cli::plainNumber(value), text) << value;
+        EXPECT_EQ(host::cli::plainNumber(value), text) << value;
 }
 
 TEST(CliOutput, EveryTypeHasOneTextForm)
 {
-    const ResultSet rs
-        = resultSet({ { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Stopa", FieldType::Float },
-                        { "Datum", FieldType::Date }, { "Opis", FieldType::Text }, { "Placeno", FieldType::Boolean } },
-            { { -12, "1234567.5", 0.1, QDate(2016, 3, 5), "Račun 7, \"Centar\"\ndrugi red", true }, {} }); // all NULL
+    const db::ResultSet rs = resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency }, { "Stopa", db::FieldType::Float },
+            { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text }, { "Placeno", db::FieldType::Boolean } },
+        { { -12, "1234567.5", 0.1, QDate(2016, 3, 5), "Račun 7, \"Centar\"\ndrugi red", true }, {} }); // all NULL
     QString text;
     QTextStream out(&text);
-    cli::writeCsv(rs, true, out);
+    host::cli::writeCsv(rs, true, out);
     EXPECT_EQ(text,
         "RBroj,Iznos,Stopa,Datum,Opis,Placeno\n"
         "integer,currency,float,date,text,boolean\n"
@@ -474,7 +474,7 @@ TEST(CliOutput, EveryTypeHasOneTextForm)
         ",,,,,\n");
 
     text.clear();
-    cli::writeCsv(ResultSet({ { "a,b", FieldType::Text } }), false, out);
+    host::cli::writeCsv(db::ResultSet({ { "a,b", db::FieldType::Text } }), false, out);
     EXPECT_EQ(text, "\"a,b\"\n");
 }
 
@@ -483,37 +483,37 @@ TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
     for (const char* sql :
         { "SELECT 1", "  select * from dbo.CONFIG", "-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)",
             "WITH x AS (SELECT 1 AS a) SELECT a FROM x", "EXEC sp_help" })
-        EXPECT_TRUE(cli::returnsRows(sql)) << sql;
+        EXPECT_TRUE(host::cli::returnsRows(sql)) << sql;
     for (const char* sql : { "CREATE TABLE dbo.KUF (BrojKUFa int)", "INSERT INTO T SELECT * FROM U",
              "UPDATE T SET a = 1", "SELECTIONS", "-- samo komentar" })
-        EXPECT_FALSE(cli::returnsRows(sql)) << sql;
+        EXPECT_FALSE(host::cli::returnsRows(sql)) << sql;
 }
 
 TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
 {
-    const QStringList parts
-        = cli::batchStatements("SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n");
+    const QStringList parts = host::cli::batchStatements(
+        "SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n");
     ASSERT_EQ(parts.size(), 3) << parts.join(u'|').toStdString();
     EXPECT_EQ(parts[0], "SELECT 'a;b' AS x");
     EXPECT_EQ(parts[1].trimmed(), "/* ; */ VALUES (1)");
     EXPECT_EQ(parts[2].trimmed(), "INSERT INTO T (a) VALUES (');')");
-    EXPECT_TRUE(cli::batchStatements(" -- samo komentar; \n /* i ovo */ ;").isEmpty());
+    EXPECT_TRUE(host::cli::batchStatements(" -- samo komentar; \n /* i ovo */ ;").isEmpty());
 }
 
 namespace
 {
 
-frmSifarnikKnj* openBrowser()
+browser::frmSifarnikKnj* openBrowser()
 {
     for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto* b = qobject_cast<frmSifarnikKnj*>(w); b && b->isVisible())
+        if (auto* b = qobject_cast<browser::frmSifarnikKnj*>(w); b && b->isVisible())
             return b;
     return nullptr;
 }
 
 void closeAll()
 {
-    while (frmSifarnikKnj* b = openBrowser())
+    while (browser::frmSifarnikKnj* b = openBrowser())
         b->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
@@ -524,27 +524,27 @@ using EntryClasses = BrowserTest;
 
 TEST(EntryIdentifiers, TwelveClassesUnderTheLibraryName)
 {
-    const QStringList ids = bookObjectIds();
+    const QStringList ids = entry::bookObjectIds();
     ASSERT_EQ(ids.size(), 12);
     EXPECT_EQ(ids.first(), "ArbosaPOSKnjige17.clsKnjPrihRashFBiH");
     EXPECT_EQ(ids.last(), "ArbosaPOSKnjige17.clsTrgKnjKomisiona");
-    for (const BookKind& book : allBooks()) {
-        auto object = createBookObject(programmaticId(book.className));
+    for (const books::BookKind& book : books::allBooks()) {
+        auto object = entry::createBookObject(books::programmaticId(book.className));
         ASSERT_TRUE(object) << book.className.toStdString();
         EXPECT_EQ(object->kodKnjige(), book.code);
         EXPECT_EQ(object->className(), book.className);
     }
-    EXPECT_EQ(createBookObject("arbosaposknjige17.CLSKNJPROMETARS")->kodKnjige(), 106);
-    EXPECT_FALSE(createBookObject("ArbosaPOSKnjige17.clsNema"));
-    EXPECT_FALSE(createBookObject("clsKnjPrihRashFBiH"));
-    EXPECT_FALSE(createBookObject("Drugo.clsKnjPrihRashFBiH"));
+    EXPECT_EQ(entry::createBookObject("arbosaposknjige17.CLSKNJPROMETARS")->kodKnjige(), 106);
+    EXPECT_FALSE(entry::createBookObject("ArbosaPOSKnjige17.clsNema"));
+    EXPECT_FALSE(entry::createBookObject("clsKnjPrihRashFBiH"));
+    EXPECT_FALSE(entry::createBookObject("Drugo.clsKnjPrihRashFBiH"));
 }
 
 TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
 {
     session().reset();
-    clsKnjPrihRashFBiH a;
-    clsTrgKnjUsluga b;
+    entry::clsKnjPrihRashFBiH a;
+    entry::clsTrgKnjUsluga b;
     EXPECT_FALSE(a.Pozvan());
     EXPECT_EQ(a.ConnString(), QString());
     EXPECT_EQ(a.RadnaGodina(), 0);
@@ -570,9 +570,9 @@ TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
 TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
 {
     // The fixture set company 1 and year 2016 directly in the session.
-    clsKnjPrometaFBiH fresh;
+    entry::clsKnjPrometaFBiH fresh;
     fresh.Show("1", "Marko");
-    frmSifarnikKnj* w = openBrowser();
+    browser::frmSifarnikKnj* w = openBrowser();
     ASSERT_TRUE(w);
     EXPECT_EQ(session().NivoPristupa, "1");
     EXPECT_EQ(session().ImeOperatera, "Marko");
@@ -581,7 +581,7 @@ TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
     EXPECT_TRUE(w->query().filter.where.endsWith("K.GodinaKnj=2016 AND K.BrojPoduzeca=1"));
     EXPECT_FALSE(w->toolbarButton(10)->isVisible());
     EXPECT_TRUE(w->testAttribute(Qt::WA_DeleteOnClose));
-    QPointer<frmSifarnikKnj> guard(w);
+    QPointer<browser::frmSifarnikKnj> guard(w);
     w->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(guard.isNull());
@@ -589,11 +589,11 @@ TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
 
 TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
 {
-    clsKnjPrihRashFBiH book;
+    entry::clsKnjPrihRashFBiH book;
     book.setPozvan(true);
     book.setRadnaGodina(2016);
     bool buttonShown = false;
-    QPointer<frmSifarnikKnj> seen;
+    QPointer<browser::frmSifarnikKnj> seen;
     QTimer::singleShot(0, [&] {
         seen = openBrowser();
         if (!seen)
@@ -610,7 +610,7 @@ TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
 TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
 {
     installRights(false);
-    clsKnjRashodaRS book;
+    entry::clsKnjRashodaRS book;
     book.Show("0", "Ana");
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Nemate pravo pristupa !") });
     EXPECT_FALSE(openBrowser());

@@ -32,7 +32,7 @@ struct Case {
     bool whole = false;
 };
 
-void enter(MoneyBox* box, Way way, const QString& input)
+void enter(editors::MoneyBox* box, Way way, const QString& input)
 {
     box->setFocus();
     box->selectAll();
@@ -75,7 +75,7 @@ TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
         QWidget window;
         window.setLocale(c.locale);
         QVBoxLayout layout(&window);
-        auto* box = new MoneyBox(&window, c.whole);
+        auto* box = new editors::MoneyBox(&window, c.whole);
         layout.addWidget(box);
         layout.addWidget(new QLineEdit(&window)); // where the Tab goes
         window.show();
@@ -92,7 +92,7 @@ TEST(MoneyBoxInput, TypedAndPastedNumbersFollowTheWorkstation)
 class NumberEditors : public EditorTest
 {
 protected:
-    static std::unique_ptr<RecordEditor> newEntry(int book)
+    static std::unique_ptr<editors::RecordEditor> newEntry(int book)
     {
         auto e = editor(book, 1);
         e->ubRBroj->setValue(Money::fromWhole(4)); // as the browser proposes it
@@ -106,10 +106,10 @@ protected:
 TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
 {
     auto a = newEntry(105);
-    auto* vijek = qobject_cast<MoneyBox*>(a->control("ubVijekTrajanja"));
+    auto* vijek = qobject_cast<editors::MoneyBox*>(a->control("ubVijekTrajanja"));
     run(*a, [&] {
         for (const char* name : { "ubNabavna", "ubKnjigovodstvena" })
-            qobject_cast<MoneyBox*>(a->control(name))->setValue(Money::fromWhole(900));
+            qobject_cast<editors::MoneyBox*>(a->control(name))->setValue(Money::fromWhole(900));
         enter(vijek, Way::Type, "0,5");
         a->cmdSpremi->click();
         EXPECT_EQ(texts(),
@@ -125,7 +125,7 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
     script->messages.clear();
     run(*e, [&] {
         qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
-        enter(qobject_cast<MoneyBox*>(e->control("ubIznos")), Way::Type, "1,234.56");
+        enter(qobject_cast<editors::MoneyBox*>(e->control("ubIznos")), Way::Type, "1,234.56");
         e->cmdSpremi->click();
         EXPECT_TRUE(texts().value(0).startsWith("Dio upisa u polje nije prihvaćen (ostalo je \"1,23\")"));
     });
@@ -152,13 +152,13 @@ TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
             if (typed)
                 enter(e->ubRBroj, Way::Type, "4");
             qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
-            qobject_cast<MoneyBox*>(e->control("ubIznos"))->setValue(Money::fromWhole(50));
+            qobject_cast<editors::MoneyBox*>(e->control("ubIznos"))->setValue(Money::fromWhole(50));
             // Another operator saves numbers 4 and 5 while the dialog is open.
             exec("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,GodinaKnj,Isprava) "
                  "VALUES (1,4,2016,'Tuđa'),(1,5,2016,'Tuđa')");
             e->cmdSpremi->click();
         });
-        const ResultSet mine = rows("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE Isprava='KIF-1'");
+        const db::ResultSet mine = rows("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE Isprava='KIF-1'");
         ASSERT_EQ(mine.rowCount(), 1);
         EXPECT_EQ(mine.integer(0, 0), typed ? 4 : 6) << "a number the operator typed is kept";
         EXPECT_EQ(e->spremljeniRBroj(), typed ? 4 : 6);

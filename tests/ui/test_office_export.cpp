@@ -47,10 +47,10 @@ protected:
         path = scratchDir() + QStringLiteral("/knjiga.csv");
     }
     // Opens the dialog from the browser's menu and lets `steps` work in it.
-    void exportFrom(frmSifarnikKnj& w, const std::function<void(frmOfficeExportPost&)>& steps)
+    void exportFrom(browser::frmSifarnikKnj& w, const std::function<void(output::frmOfficeExportPost&)>& steps)
     {
         script->onDialog = [&](QDialog& d) {
-            steps(dynamic_cast<frmOfficeExportPost&>(d));
+            steps(dynamic_cast<output::frmOfficeExportPost&>(d));
             return d.result();
         };
         w.menuItem("mnuPrebaciUExcel")->trigger();
@@ -65,7 +65,7 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
 {
     auto w = open(96);
     const QString program = QCoreApplication::applicationFilePath();
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
         EXPECT_EQ(f.txtNazivDat->text(), output::defaultFileName());
         EXPECT_TRUE(QFileInfo(QFileInfo(output::defaultFileName()).absolutePath()).isDir());
         QString chosen;
@@ -146,7 +146,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     for (Answer answer : { Answer::No, Answer::Yes }) {
         script->clear();
         script->answers.enqueue(answer);
-        exportFrom(*w, [&](frmOfficeExportPost& f) {
+        exportFrom(*w, [&](output::frmOfficeExportPost& f) {
             f.txtNazivDat->setText(QStringLiteral("  ") + path + QStringLiteral(" "));
             f.cmdPrebaciPodatke->click();
         });
@@ -167,7 +167,7 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     script->clear();
     script->answers.enqueue(Answer::Yes);
     script->cancelAt = QStringLiteral("Izvoz: 2 od");
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
         f.txtNazivDat->setText(path);
         f.cmdPrebaciPodatke->click();
         EXPECT_NE(f.result(), QDialog::Accepted);
@@ -195,7 +195,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
         QFile::encodeName(folder + QStringLiteral("/tvrda.db")).toStdString(), linked);
     ASSERT_FALSE(linked) << linked.message();
     const QByteArray before = readFile(db->path());
-    frmPrikazTeksta viewer;
+    output::frmPrikazTeksta viewer;
     for (const char* name : { "/knjige.db", "/./knjige.db", "/veza.db", "/tvrda.db", "/knjige.db-wal", "/knjige.db-shm",
              "/knjige.db-journal" }) {
         const QString target = folder + QLatin1String(name);
@@ -204,7 +204,7 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
                                     .arg(target);
         script->clear();
         script->answers << Answer::Yes << Answer::Yes;
-        exportFrom(*w, [&](frmOfficeExportPost& f) {
+        exportFrom(*w, [&](output::frmOfficeExportPost& f) {
             f.txtNazivDat->setText(target);
             f.cmdPrebaciPodatke->click();
         });
@@ -226,7 +226,7 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
     w->fg_HeaderClick(1);
     w->fg_HeaderClick(1); // RBroj descending
     ASSERT_EQ(rBrojevi(*w), (QList<qint64> { 3, 1 }));
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
         f.txtNazivDat->setText(path);
         f.txtDecTočka->setText(".");
         f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData("utf-8"));
@@ -241,7 +241,7 @@ TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
                        "1234567.5;170;0;0;\r")
             .toUtf8());
     // The next opening shows the remembered choices.
-    exportFrom(*w, [&](frmOfficeExportPost& f) {
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
         EXPECT_EQ(f.txtNazivDat->text(), path);
         EXPECT_EQ(f.txtDecTočka->text(), ".");
         EXPECT_EQ(f.cmbKodiranje->currentData().toString(), "utf-8");
@@ -261,7 +261,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
     };
     for (const Step& step : { Step { true, "cmdDa", true }, Step { true, "cmdNe", false },
              Step { true, nullptr, false }, Step { false, "OKButton", false } }) {
-        frmPrikazTeksta viewer;
+        output::frmPrikazTeksta viewer;
         script->onDialog = [&](QDialog& d) {
             EXPECT_EQ(d.windowTitle(), "Upozorenje");
             EXPECT_EQ(viewer.txtPoruka->toPlainText(), "Prvi red: čćžšđ\nDrugi red: ČĆŽŠĐ");
@@ -285,7 +285,7 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
         EXPECT_TRUE(script->messages.isEmpty());
     }
 
-    frmPrikazTeksta viewer;
+    output::frmPrikazTeksta viewer;
     script->onDialog = [](QDialog&) { return 0; };
     viewer.Prikaži("Prazno", QString(), false, {});
     ASSERT_TRUE(writeFile(file, "stari tekst"));
@@ -312,12 +312,12 @@ TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
 // as the question under the text.
 TEST(TextViewer, TheRealSeamShowsLongTextsInTheViewer)
 {
-    useTextViewerForLongTexts();
+    output::useTextViewerForLongTexts();
     auto previous = setInteraction(std::make_unique<DialogInteraction>());
     QString question;
     QString body;
     QTimer::singleShot(0, [&] {
-        auto* viewer = qobject_cast<frmPrikazTeksta*>(QApplication::activeModalWidget());
+        auto* viewer = qobject_cast<output::frmPrikazTeksta*>(QApplication::activeModalWidget());
         if (!viewer)
             return;
         question = viewer->lblPitanje->text();

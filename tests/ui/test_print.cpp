@@ -100,12 +100,12 @@ protected:
     void fill(int book, int rows, int earlier = 0)
     {
         addCompany();
-        TransactionGuard t(db->db());
+        db::TransactionGuard t(db->db());
         for (int i = rows + 1; i <= rows + earlier; ++i)
             add(book, i, { { "Datum", QDate(2016, 1, 1) } });
-        const char* text = isAssetList(book) ? "Naziv" : "Opis";
+        const char* text = books::isAssetList(book) ? "Naziv" : "Opis";
         for (int i = 1; i <= rows; ++i) {
-            RowChange::Values more;
+            db::RowChange::Values more;
             if (i == kLongRow)
                 more = { { text, QStringLiteral("S%1-%2 ").arg(book).arg(i) + QString::fromUtf8(kLongText) } };
             if (i == kUnbrokenRow)
@@ -118,7 +118,7 @@ protected:
 
 // The report's totals that make up each of the browser's "Ukupno:" columns: the
 // income and expense forms split them by entry kind; elsewhere a column is its field.
-QVector<std::pair<QString, int>> partsOf(int book, const QString& field, const report::Layout& layout)
+QVector<std::pair<QString, int>> partsOf(int book, const QString& field, const output::report::Layout& layout)
 {
     using P = QVector<std::pair<QString, int>>;
     static const QMap<QString, P> fbih = { { "Prihodi", { { "11", 1 }, { "12", 1 }, { "13", 1 } } },
@@ -131,7 +131,7 @@ QVector<std::pair<QString, int>> partsOf(int book, const QString& field, const r
         return fbih.value(field);
     if (book == 109)
         return db.value(field);
-    for (const report::Column& c : layout.columns)
+    for (const output::report::Column& c : layout.columns)
         if (c.sums && c.terms.size() == 1 && c.terms[0].field.compare(field, Qt::CaseInsensitive) == 0)
             return { { c.number, 1 } };
     return {};
@@ -152,7 +152,7 @@ std::optional<QVector<Money>> sumsInTable(TestDatabase& db, int book, const QStr
     };
     if (!columns.contains(book))
         return std::nullopt;
-    const ResultSet rs = db.query("SELECT " + columns[book].join(',') + " FROM " + findBook(book)->table
+    const db::ResultSet rs = db.query("SELECT " + columns[book].join(',') + " FROM " + books::findBook(book)->table
         + " WHERE BrojPoduzeca=1 AND GodinaKnj=2016 AND Datum<='" + upTo + "'");
     QVector<Money> out;
     for (int f = 0; f < rs.fieldCount(); ++f)
@@ -167,7 +167,7 @@ std::optional<QVector<Money>> sumsInTable(TestDatabase& db, int book, const QStr
 TEST(ReportText, TextsWrapWholeWithinTheirColumn)
 {
     const QImage device(8, 8, QImage::Format_RGB32);
-    const GlyphText font(QFont(), device);
+    const output::GlyphText font(QFont(), device);
     const qreal width = font.advance(u'W') * 30.5;
     const QString unbroken(kUnbroken, u'W');
     const QString words = QStringLiteral("S96-7 ") + QString::fromUtf8(kLongText);
@@ -177,7 +177,7 @@ TEST(ReportText, TextsWrapWholeWithinTheirColumn)
     };
     for (const Case& c : { Case { unbroken, (kUnbroken + 29) / 30 }, Case { words, 0 },
              Case { "ab " + unbroken + " cd", 1 + (kUnbroken + 29) / 30 } }) {
-        const QStringList lines = wrapText(c.text, width, font);
+        const QStringList lines = output::wrapText(c.text, width, font);
         if (c.lines)
             EXPECT_EQ(lines.size(), c.lines);
         else
@@ -191,7 +191,7 @@ TEST(ReportText, TextsWrapWholeWithinTheirColumn)
 TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTotals)
 {
     const QString dir = scratchDir();
-    for (const BookKind& book : allBooks()) {
+    for (const books::BookKind& book : books::allBooks()) {
         SCOPED_TRACE(book.code);
         db.reset(); // the old one resets the session when it goes
         db = std::make_unique<TestDatabase>(1, 2016);
@@ -200,7 +200,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         const bool filtered = book.code % 2 == 0;
         fill(book.code, kRows, filtered ? 3 : 0);
         auto w = open(book.code);
-        const qint32 shop = isTradeBook(book.code) ? 501 : 0;
+        const qint32 shop = books::isTradeBook(book.code) ? 501 : 0;
         std::optional<std::pair<QDate, QDate>> period;
         if (filtered)
             period = std::make_pair(QDate(2016, 1, 2), QDate(2016, 12, 31));
@@ -211,7 +211,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         ASSERT_EQ(w->rsStavke().rowCount(), kRows);
 
         const QString pdf = dir + QStringLiteral("/knjiga%1.pdf").arg(book.code);
-        const auto printer = bookReport(*w);
+        const auto printer = browser::bookReport(*w);
         QString error;
         // Stopped halfway, in the measuring or in the painting, the file stays as it was.
         if (book.code < 100) {
@@ -265,7 +265,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         }
 
         // Every row once, and the page it is on.
-        const ResultSet& rs = w->rsStavke();
+        const db::ResultSet& rs = w->rsStavke();
         QMap<int, int> pageOf;
         const QRegularExpression marker(QStringLiteral("\\bS%1-(\\d+)\\b").arg(book.code));
         for (int p = 0; p < pages.size(); ++p)
@@ -283,18 +283,19 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         EXPECT_FALSE(all.contains(QStringLiteral("…")));
 
         // Each page brings forward the rows of the pages before it and hands on its own.
-        const auto bound = report::BoundLayout::bind(report::bookLayout(book.code, w->BrojProd()), rs, &error);
+        const auto bound
+            = output::report::BoundLayout::bind(output::report::bookLayout(book.code, w->BrojProd()), rs, &error);
         ASSERT_TRUE(bound);
         const QVector<int>& summed = bound->summed();
         // A period from the 2nd brings forward the 1st, asset lists excepted, and ends
         // with the total to date: for 96 and 106 both against plain SQL over the table.
-        const bool continues = filtered && !isAssetList(book.code);
+        const bool continues = filtered && !books::isAssetList(book.code);
         QVector<Money> running(summed.size());
         if (continues) {
-            const ResultSet earlier
+            const db::ResultSet earlier
                 = db->query(book.selectSql + " WHERE K.BrojPoduzeca=1 AND K.GodinaKnj=2016 AND K.Datum<'01.02.2016'"
                     + (shop ? QStringLiteral(" AND K.BrojProd=501") : QString()));
-            const auto b = report::BoundLayout::bind(bound->layout(), earlier, &error);
+            const auto b = output::report::BoundLayout::bind(bound->layout(), earlier, &error);
             ASSERT_TRUE(b && earlier.rowCount() == 3);
             for (int r = 0; r < earlier.rowCount(); ++r)
                 for (int i = 0; i < summed.size(); ++i)
@@ -334,7 +335,7 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         QMap<QString, Money> byNumber;
         for (int i = 0; i < summed.size() && i < totals->size(); ++i)
             byNumber[bound->layout().columns[summed[i]].number] = (*totals)[i];
-        for (const TotalsColumn& tc : totalsColumns(book.code)) {
+        for (const books::TotalsColumn& tc : browser::totalsColumns(book.code)) {
             const QString field = rs.field(tc.gridColumn - 1).name;
             const auto parts = partsOf(book.code, field, bound->layout());
             ASSERT_FALSE(parts.isEmpty()) << "the printed book lacks the total of " << field.toStdString();
@@ -417,7 +418,7 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
 
     const QString pdf = scratchDir() + QStringLiteral("/rekapitulacija.pdf");
     QString error;
-    ASSERT_TRUE(recapitulationReport(*w)->writePdf(pdf, &error)) << error.toStdString();
+    ASSERT_TRUE(browser::recapitulationReport(*w)->writePdf(pdf, &error)) << error.toStdString();
     const QStringList pages = pdfPages(pdf);
     ASSERT_EQ(pages.size(), 1);
     for (const char* head :
@@ -438,7 +439,7 @@ TEST_F(PrintTest, RecapitulationByEntryKindOfTheFilteredRowsAndThePreviews)
     previews = 0;
     w->mnu_Click(6);
     EXPECT_EQ(previews, 1);
-    EXPECT_EQ(previewTitle, findBook(96)->caption);
+    EXPECT_EQ(previewTitle, books::findBook(96)->caption);
     EXPECT_EQ(previewPages, 1);
 
     // A condition the database refuses: the data layer's words, no preview.

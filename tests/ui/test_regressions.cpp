@@ -39,9 +39,9 @@ using namespace knjige;
 namespace
 {
 
-int partners(Database& db)
+int partners(db::Database& db)
 {
-    ResultSet rs;
+    db::ResultSet rs;
     EXPECT_TRUE(db.open(QStringLiteral("SELECT COUNT(*) AS N FROM dbo.Komitent"), rs))
         << db.errorDescription().toStdString();
     return rs.rowCount() == 1 ? int(rs.integer(0, 0)) : -1;
@@ -138,8 +138,9 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
         preview->reject();
         return 0;
     };
-    const ResultSet rows = t.query(findBook(96)->selectSql);
-    ReportPrinter(report::bookLayout(96, 0), report::bookHeader(browser::openingQuery(96, 1, 2016), rows), rows)
+    const db::ResultSet rows = t.query(books::findBook(96)->selectSql);
+    output::ReportPrinter(
+        output::report::bookLayout(96, 0), output::report::bookHeader(browser::openingQuery(96, 1, 2016), rows), rows)
         .preview(nullptr);
     EXPECT_TRUE(printerDialog);
     EXPECT_EQ(script->texts().join(u'\n').toStdString(),
@@ -158,7 +159,7 @@ TEST(Regression, ListingTheDatabasesFolderLosesNoSavedRow)
 
     // Connections of this process on the one file still share its locks, and a close
     // of another descriptor (as the dialogs did) takes none of them.
-    Database a, b;
+    db::Database a, b;
     ASSERT_TRUE(a.connect(QStringLiteral("sqlite:") + t.path()));
     ASSERT_TRUE(b.connect(QStringLiteral("sqlite:") + t.path()));
     ASSERT_TRUE(a.execute(QStringLiteral("INSERT INTO dbo.Komitent (SifKomit, ImeKomit1) VALUES (4, 'a')")));
@@ -185,15 +186,15 @@ TEST(Regression, InitForceStartsFromAFreshFileWhateverTheOldOneLeftBeside)
 {
     const QString path = test::scratchDir() + QStringLiteral("/zamjena.db");
     const QStringList init = { QStringLiteral("--db"), path, QStringLiteral("--demo"), QStringLiteral("--force") };
-    ASSERT_EQ(cli::runInit(init), 0);
-    Database old;
+    ASSERT_EQ(host::cli::runInit(init), 0);
+    db::Database old;
     ASSERT_TRUE(old.connect(QStringLiteral("sqlite:") + path));
     const int demoPartners = partners(old);
     ASSERT_GT(demoPartners, 0);
     ASSERT_TRUE(old.execute(QStringLiteral("DELETE FROM dbo.Komitent")));
 
-    ASSERT_EQ(cli::runInit(init), 0);
-    Database fresh;
+    ASSERT_EQ(host::cli::runInit(init), 0);
+    db::Database fresh;
     ASSERT_TRUE(fresh.connect(QStringLiteral("sqlite:") + path));
     EXPECT_EQ(partners(fresh), demoPartners);
 }
@@ -227,7 +228,7 @@ TEST_F(RegressionEditor, ADateIsTypedIntoTheDatePickerAfterItGainsTheFocus)
         { 125, "31.11.2026", {}, { 2026, 9, 25 } },
     };
     for (const Case& c : cases) {
-        std::unique_ptr<RecordEditor> e = createEditor(c.book);
+        std::unique_ptr<editors::RecordEditor> e = editors::createEditor(c.book);
         e->setTipRada(1);
         run(*e, [&] {
             e->dpDatum->setDate(c.shown);

@@ -8,7 +8,7 @@
 #include <QStyle>
 #include <algorithm>
 
-namespace knjige
+namespace knjige::browser
 {
 
 QVariant BookGridModel::data(const QModelIndex& index, int role) const
@@ -102,4 +102,4 @@ void BookGrid::keyPressEvent(QKeyEvent* event)
     QTableView::keyPressEvent(event);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -5,7 +5,7 @@
 #include <QTableView>
 #include <functional>
 
-namespace knjige
+namespace knjige::browser
 {
 
 // The book model as the grid draws it: bold cells and the white-on-black totals rows
@@ -42,4 +42,4 @@ private:
     bool m_rowFollowsMouse = false;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -15,7 +15,7 @@
 #include <limits>
 #include <optional>
 
-namespace knjige
+namespace knjige::browser
 {
 
 namespace
@@ -43,11 +43,11 @@ std::optional<qint32> nextNumber(int tip)
 void frmSifarnikKnj::NoviZapis()
 {
     m_query.returnTo = 0;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     // Trade books number per shop: their editor proposes the number of its shop.
-    if (!isTradeBook(m_query.bookKind)) {
+    if (!books::isTradeBook(m_query.bookKind)) {
         const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
@@ -55,10 +55,10 @@ void frmSifarnikKnj::NoviZapis()
     }
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
-    if (isTradeBook(m_query.bookKind))
-        e->setSkladište(BrojProd());
+    if (books::isTradeBook(m_query.bookKind))
+        e->setShop(BrojProd());
     e->dpDatum->setDate(editors::newEntryDate(clock::today(), session().RadnaGodina));
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
         m_query.returnTo = e->spremljeniRBroj();
@@ -73,7 +73,7 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     const int rbrojField = rsStavke().indexOf(QStringLiteral("RBroj"));
     if (row < 0 || rbrojField < 0 || rsStavke().isNull(row, rbrojField))
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(mode);
@@ -82,9 +82,9 @@ void frmSifarnikKnj::IzmjenaZapisa(int mode)
     e->sRedniBroj = trenutniRBroj();
     // A trade-book entry is read within its own shop.
     const int shopField = rsStavke().indexOf(QStringLiteral("BrojProd"));
-    if (isTradeBook(m_query.bookKind) && shopField >= 0)
-        e->setSkladište(qint32(rsStavke().integer(row, shopField)));
-    pripremiEditor(*e, m_query.bookKind);
+    if (books::isTradeBook(m_query.bookKind) && shopField >= 0)
+        e->setShop(qint32(rsStavke().integer(row, shopField)));
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (e->IzišaoSaPrekidom())
         return;
@@ -97,19 +97,19 @@ void frmSifarnikKnj::IstaStavka()
     const int row = trenutniRed();
     if (row < 0)
         return;
-    std::unique_ptr<RecordEditor> e = createEditor(m_query.bookKind, this);
+    std::unique_ptr<editors::RecordEditor> e = editors::createEditor(m_query.bookKind, this);
     if (!e)
         return;
     e->setTipRada(editors::Novi);
     e->sRedniBroj = 0;
     e->PreuzmiStavku(rsStavke(), row);
-    if (!isTradeBook(m_query.bookKind)) {
+    if (!books::isTradeBook(m_query.bookKind)) {
         const std::optional<qint32> next = nextNumber(m_query.bookKind);
         if (!next)
             return;
         e->ubRBroj->setValue(Money::fromWhole(*next));
     }
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     e->Prikaži(1);
     if (!e->IzišaoSaPrekidom()) {
         m_query.returnTo = e->spremljeniRBroj();
@@ -126,18 +126,19 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
     if (interaction().show({ question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
         return;
     // The rows go with a journal record that keeps each of them, in one transaction.
-    Database& db = session().db();
+    db::Database& db = session().db();
     const journal::Scope scope { m_query.bookKind, m_query.company, m_query.year, 0 };
     QString error, locked;
     {
-        TransactionGuard tx(db);
-        ResultSet gone;
+        db::TransactionGuard tx(db);
+        db::ResultSet gone;
         const bool read = tx.isActive() && journal::ensureBaseline(db, scope, &error)
             && db.open(QStringLiteral("SELECT K.* FROM dbo.KnjPrihRashDB K") + m_query.filter.where, gone);
         if (read)
-            locked = periodlock::refuseRows(
+            locked = journal::periodlock::refuseRows(
                 db, scope, gone, nullptr, QStringLiteral("Među prikazanim podacima je stavka %1 datirana %2."));
-        const journal::Change record { journal::Radnja::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone), {} };
+        const journal::Change record { journal::RecordKind::BrisanjePrikazanih, std::nullopt, journal::rowsText(gone),
+            {} };
         if (locked.isEmpty() && error.isEmpty()
             && (!read || !db.execute(sql) || !journal::append(db, scope, record, &error) || !tx.commit())
             && error.isEmpty())
@@ -150,4 +151,4 @@ void frmSifarnikKnj::BrisanjePrikazanihPodataka()
     OsvjeziZapise();
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -3,13 +3,13 @@
 #include "output/widgets/frmOfficeExportPost.h"
 #include "session/Interaction.h"
 
-namespace knjige
+namespace knjige::browser
 {
 
 void frmSifarnikKnj::PrebaciUExcel()
 {
-    frmOfficeExportPost dialog(rsStavke(), this);
+    output::frmOfficeExportPost dialog(rsStavke(), this);
     interaction().exec(dialog);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

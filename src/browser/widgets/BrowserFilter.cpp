@@ -14,7 +14,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -46,17 +46,17 @@ const std::pair<const char*, Money FilterInput::*> kAmounts[] = {
     { "ubRazduženje", &FilterInput::ubRazduženje },
 };
 
-QLineEdit* textBox(const RecordEditor& e, const char* name)
+QLineEdit* textBox(const editors::RecordEditor& e, const char* name)
 {
     return qobject_cast<QLineEdit*>(e.control(QString::fromUtf8(name)));
 }
 
-MoneyBox* amountBox(const RecordEditor& e, const char* name)
+editors::MoneyBox* amountBox(const editors::RecordEditor& e, const char* name)
 {
-    return qobject_cast<MoneyBox*>(e.control(QString::fromUtf8(name)));
+    return qobject_cast<editors::MoneyBox*>(e.control(QString::fromUtf8(name)));
 }
 
-QComboBox* kindList(const RecordEditor& e)
+QComboBox* kindList(const editors::RecordEditor& e)
 {
     for (const QString& name : { QStringLiteral("cmbVrsta"), QStringLiteral("cboVrsta") })
         if (auto* combo = qobject_cast<QComboBox*>(e.control(name)))
@@ -76,7 +76,7 @@ QString nameOf(const Partner& shown, qint32 code, PartnerRegister& reg)
     return found ? found->ImeKomit1 : QString();
 }
 
-browser::FilterInput filterInput(const RecordEditor& e)
+browser::FilterInput filterInput(const editors::RecordEditor& e)
 {
     browser::FilterInput in;
     in.chkPoDatumima = e.chkPoDatumima->isChecked();
@@ -86,15 +86,15 @@ browser::FilterInput filterInput(const RecordEditor& e)
         if (const QLineEdit* box = textBox(e, name))
             in.*field = box->text();
     for (const auto& [name, field] : kAmounts)
-        if (const MoneyBox* box = amountBox(e, name))
+        if (const editors::MoneyBox* box = amountBox(e, name))
             in.*field = box->value();
     if (const QComboBox* list = kindList(e))
         in.vrsta = list->currentText();
     if (e.TipSifarnika() == Knjiga::EvidPotObvRS) {
-        if (const auto* evid = qobject_cast<const frmKnjEvidPotObvFBiH*>(&e))
+        if (const auto* evid = qobject_cast<const editors::frmKnjEvidPotObvFBiH*>(&e))
             in.imeKomitenta = nameOf(evid->cKomit(), in.txtKomitent.trimmed().toInt(), *hostServices().partners);
     }
-    if (const auto* trg = qobject_cast<const TrgKnjigaEditor*>(&e)) {
+    if (const auto* trg = qobject_cast<const editors::TrgKnjigaEditor*>(&e)) {
         in.prodavnica = trg->cSkladište().SifKomit;
         in.imeProdavnice = nameOf(trg->cSkladište(), in.prodavnica, *hostServices().shops);
     }
@@ -102,7 +102,7 @@ browser::FilterInput filterInput(const RecordEditor& e)
 }
 
 // The filter form as it was when the filter in force was confirmed.
-void restoreInput(RecordEditor& e, const FilterInput& in)
+void restoreInput(editors::RecordEditor& e, const FilterInput& in)
 {
     e.dpDatum->setDate(in.dpDatum);
     e.dpDatumDo->setDate(in.dpDatumDo);
@@ -112,7 +112,7 @@ void restoreInput(RecordEditor& e, const FilterInput& in)
         if (QLineEdit* box = textBox(e, name))
             box->setText(in.*field);
     for (const auto& [name, field] : kAmounts)
-        if (MoneyBox* box = amountBox(e, name))
+        if (editors::MoneyBox* box = amountBox(e, name))
             box->setValue(in.*field);
     if (QComboBox* list = kindList(e))
         list->setCurrentIndex(list->findText(in.vrsta));
@@ -128,8 +128,8 @@ void frmSifarnikKnj::PostaviFilter()
     m_query.filter.periodStart = browser::periodStart(m_query.year);
     m_query.filter.periodEnd = browser::periodEnd(m_query.year);
     m_txtFilter->setText(browser::filterLine(m_query.filter.description));
-    std::unique_ptr<RecordEditor> e
-        = browser::isFilterable(m_query.bookKind) ? createEditor(m_query.bookKind, this) : nullptr;
+    std::unique_ptr<editors::RecordEditor> e
+        = browser::isFilterable(m_query.bookKind) ? editors::createEditor(m_query.bookKind, this) : nullptr;
     if (!e) {
         OsvjeziZapise();
         return;
@@ -137,12 +137,12 @@ void frmSifarnikKnj::PostaviFilter()
     e->setTipSifarnika(m_query.bookKind);
     e->setTipRada(editors::Pretrazivanje);
     e->ubRBroj->setVisible(false);
-    pripremiEditor(*e, m_query.bookKind);
+    editors::pripremiEditor(*e, m_query.bookKind);
     // A trade book filtered again offers the sales point it already shows.
-    if (isTradeBook(m_query.bookKind) && BrojProd() != 0)
-        e->setSkladište(BrojProd());
+    if (books::isTradeBook(m_query.bookKind) && BrojProd() != 0)
+        e->setShop(BrojProd());
     if (UnosFiltera)
-        e->prijePrikaza = [in = *UnosFiltera](RecordEditor& form) { restoreInput(form, in); };
+        e->prijePrikaza = [in = *UnosFiltera](editors::RecordEditor& form) { restoreInput(form, in); };
     e->Prikaži(1);
     // Cancelled, nothing is reloaded: a trade book whose sales point was not chosen
     // at its opening stays empty (rather than listing every shop's entries with the
@@ -166,4 +166,4 @@ void frmSifarnikKnj::applyFilter(const browser::FilterState& filter)
     OsvjeziZapise();
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -4,15 +4,15 @@
 #include "generate/widgets/frmGenPrihRashDB.h"
 #include "session/Interaction.h"
 
-namespace knjige
+namespace knjige::browser
 {
 
 void frmSifarnikKnj::Generiranje(int vrsta)
 {
-    frmGenPrihRashDB dialog(this);
+    generate::frmGenPrihRashDB dialog(this);
     dialog.setVrsta(vrsta);
     interaction().exec(dialog);
     OsvjeziZapise();
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -15,7 +15,7 @@
 #include <memory>
 #include <vector>
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -101,9 +101,9 @@ void frmSifarnikKnj::OsvjeziZapise()
 {
     const int remembered = m_model->entryCount() > 0 ? redZaOznaku() : -1;
     // The running totals are summed aside while the rows are read.
-    const std::unique_ptr<ReadAside> panel = pocniCitanjePanela(m_query);
-    Database& db = session().db();
-    ResultSet rows;
+    const std::unique_ptr<db::ReadAside> panel = pocniCitanjePanela(m_query);
+    db::Database& db = session().db();
+    db::ResultSet rows;
     if (!db.open(m_query.sql(), rows)) {
         warn(QStringLiteral("Desila se greška u pristupu podacima. Ponovite!") + QStringLiteral("\r\n")
                 + db.errorDescription(),
@@ -121,7 +121,7 @@ void frmSifarnikKnj::OsvjeziZapise()
     // The number is a one-time request of the operation that changed data; a later
     // refresh keeps whatever row the operator has moved to since.
     m_query.returnTo = 0;
-    postaviŠirineKolona();
+    setColumnWidths();
     osvjeziOznakuSorta();
     postaviTrenutniRed(current);
     osvjeziPanel(*m_lvStanje, m_query, panel.get());
@@ -132,7 +132,7 @@ void frmSifarnikKnj::OsvjeziZapise()
 // Name columns take "VelNazivaSifri"; the others fit their contents (a kind's name
 // included) up to a cap against runaway texts, and the empty marker column I, always
 // the last, takes no room.
-void frmSifarnikKnj::postaviŠirineKolona()
+void frmSifarnikKnj::setColumnWidths()
 {
     if (m_sirinePostavljene || m_model->columnCount() == 0)
         return;
@@ -259,10 +259,10 @@ void frmSifarnikKnj::SpremiGrid()
 {
     QString error;
     const QString path = browser::gridDumpPath();
-    if (!GridWorkbook::write(*m_model, path, &error))
+    if (!output::GridWorkbook::write(*m_model, path, &error))
         warn(failureText(error));
     else
         inform(browser::gridDumpMessage(path), QStringLiteral("Tablica u Excel"), Icon::Information);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -15,29 +15,29 @@
 #include <QLabel>
 #include <QLineEdit>
 
-namespace knjige
+namespace knjige::browser
 {
 
 void frmSifarnikKnj::ProvjeraKnjige()
 {
-    const bookcheck::Report report
-        = bookcheck::check(session().db(), { m_query.bookKind, m_query.company, m_query.year, BrojProd() });
-    frmPrikazTeksta viewer(this);
+    const journal::bookcheck::Report report
+        = journal::bookcheck::check(session().db(), { m_query.bookKind, m_query.company, m_query.year, BrojProd() });
+    output::frmPrikazTeksta viewer(this);
     viewer.Prikaži(QStringLiteral("Provjera knjige"), report.text, false, {});
 }
 
-void frmSifarnikKnj::ZaključajRazdoblje()
+void frmSifarnikKnj::lockPeriod()
 {
     const Session& s = session();
-    if (s.NivoPristupa != periodlock::kLevel) {
+    if (s.NivoPristupa != journal::periodlock::kLevel) {
         warn(QStringLiteral("Razdoblje knjige mogu zaključati samo operateri s nivoom pristupa 0."));
         return;
     }
-    Database& db = session().db();
+    db::Database& db = session().db();
     const journal::Scope scope { m_query.bookKind, m_query.company, m_query.year, 0 };
     QDate current;
     QString error;
-    if (!periodlock::lockDate(db, scope, &current, &error)) {
+    if (!journal::periodlock::lockDate(db, scope, &current, &error)) {
         warn(failureText(error));
         return;
     }
@@ -69,8 +69,8 @@ void frmSifarnikKnj::ZaključajRazdoblje()
     if (interaction().exec(dialog) != QDialog::Accepted)
         return;
     const bool opened = chkOtkljucaj->isChecked();
-    const bool done = opened ? periodlock::unlock(db, scope, txtRazlog->text(), &error)
-                             : periodlock::lock(db, scope, dpDo->date(), &error);
+    const bool done = opened ? journal::periodlock::unlock(db, scope, txtRazlog->text(), &error)
+                             : journal::periodlock::lock(db, scope, dpDo->date(), &error);
     if (!done) {
         warn(failureText(error));
         return;
@@ -81,4 +81,4 @@ void frmSifarnikKnj::ZaključajRazdoblje()
         {}, Icon::Information);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

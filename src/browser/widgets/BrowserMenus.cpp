@@ -14,7 +14,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -94,7 +94,7 @@ void frmSifarnikKnj::napraviIzbornike()
     connect(addItem(alati, QStringLiteral("mnuRenumeracijaPoDat"), QStringLiteral("Renumeracija po datumu")),
         &QAction::triggered, this, [this] { ReNumeracijaPoDatumu(); });
     connect(addItem(alati, QStringLiteral("mnuPocetnoStanje"), QStringLiteral("Početno stanje iz prethodne godine")),
-        &QAction::triggered, this, [this] { PočetnoStanje(); });
+        &QAction::triggered, this, [this] { generateOpeningState(); });
     connect(addItem(alati, QStringLiteral("mnuRekapKnjPrihRash"), QStringLiteral("Rekapitulacija")),
         &QAction::triggered, this, [this] { Rekapitulacija(); });
     m_mnuGen = alati->addMenu(QStringLiteral("&Generiranje"));
@@ -110,14 +110,14 @@ void frmSifarnikKnj::napraviIzbornike()
     connect(addItem(alati, QStringLiteral("mnuProvjeraKnjige"), QStringLiteral("Provjera knjige")), &QAction::triggered,
         this, [this] { ProvjeraKnjige(); });
     connect(addItem(alati, QStringLiteral("mnuZakljucajRazdoblje"), QStringLiteral("Zaključaj razdoblje")),
-        &QAction::triggered, this, [this] { ZaključajRazdoblje(); });
+        &QAction::triggered, this, [this] { lockPeriod(); });
 
     QMenu* uvozIzvoz = bar->addMenu(QStringLiteral("&Uvoz/Izvoz"));
     uvozIzvoz->setObjectName(QStringLiteral("mnuUvozIzvoz"));
     connect(addItem(uvozIzvoz, QStringLiteral("mnuPrebaciUExcel"), QStringLiteral("Prebaci u Excel")),
         &QAction::triggered, this, [this] { PrebaciUExcel(); });
     connect(addItem(uvozIzvoz, QStringLiteral("mnuUvozIzvozPod"), QStringLiteral("Uvoz/izvoz podataka")),
-        &QAction::triggered, this, [this] { nijeJošDostupno(QStringLiteral("Uvoz/izvoz podataka")); });
+        &QAction::triggered, this, [this] { notYetAvailable(QStringLiteral("Uvoz/izvoz podataka")); });
 
     QMenu* postavke = bar->addMenu(QStringLiteral("&Postavke"));
     postavke->setObjectName(QStringLiteral("mnuPostavke"));
@@ -207,4 +207,4 @@ void frmSifarnikKnj::napraviRaspored()
         [this](int section) { fg_HeaderClick(section + 1); });
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -6,7 +6,7 @@
 #include "browser/Renumbering.h"
 #include "browser/widgets/frmSifarnikKnj.h"
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -44,9 +44,9 @@ void frmSifarnikKnj::ReNumeracijaPoDatumu()
         OsvjeziZapise();
 }
 
-void frmSifarnikKnj::PočetnoStanje()
+void frmSifarnikKnj::generateOpeningState()
 {
-    if (!isAssetList(m_query.bookKind))
+    if (!books::isAssetList(m_query.bookKind))
         return;
     const openingstate::Generated generated = openingstate::generate(m_query.bookKind);
     tell(generated.notice);
@@ -54,4 +54,4 @@ void frmSifarnikKnj::PočetnoStanje()
         OsvjeziZapise();
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -13,7 +13,7 @@
 #include <QTreeWidget>
 #include <algorithm>
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
@@ -49,16 +49,16 @@ void addRow(QTreeWidget& list, const browser::PanelRow& row, const QLocale& loca
 
 } // namespace
 
-std::unique_ptr<ReadAside> pocniCitanjePanela(const browser::BookQuery& query)
+std::unique_ptr<db::ReadAside> pocniCitanjePanela(const browser::BookQuery& query)
 {
     if (!browser::hasTotalsPanel(query.bookKind))
         return nullptr;
-    return std::make_unique<ReadAside>(session().db(), session().ConnString,
+    return std::make_unique<db::ReadAside>(session().db(), session().ConnString,
         browser::totalsPanelSql(query.bookKind, query.company, query.year, query.salesPoint(), query.filter.periodStart,
             query.filter.periodEnd));
 }
 
-bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query, ReadAside* started)
+bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query, db::ReadAside* started)
 {
     const int bookKind = query.bookKind;
     lvStanje.clear();
@@ -71,12 +71,12 @@ bool osvjeziPanel(QTreeWidget& lvStanje, const browser::BookQuery& query, ReadAs
         return true;
     }
     layColumns(lvStanje, headers);
-    std::unique_ptr<ReadAside> own;
+    std::unique_ptr<db::ReadAside> own;
     if (!started) {
         own = pocniCitanjePanela(query);
         started = own.get();
     }
-    ResultSet rs;
+    db::ResultSet rs;
     QString error;
     if (!started->wait(rs, &error)) {
         warn(browser::totalsPanelFailure());
@@ -100,4 +100,4 @@ void frmSifarnikKnj::OsvjeziStanje()
     osvjeziPanel(*m_lvStanje, m_query);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -7,13 +7,13 @@
 
 #include <QLineEdit>
 
-namespace knjige
+namespace knjige::browser
 {
 
-void frmSifarnikKnj::nijeJošDostupno(const QString& what)
+void frmSifarnikKnj::notYetAvailable(const QString& what)
 {
     inform(what + QStringLiteral(": ova mogućnost još nije dostupna u ovoj izvedbi programa."), windowTitle(),
         Icon::Information);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

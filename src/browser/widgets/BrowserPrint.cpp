@@ -11,12 +11,12 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige
+namespace knjige::browser
 {
 namespace
 {
 
-void previewOrReport(ReportPrinter& printer, QWidget* parent)
+void previewOrReport(output::ReportPrinter& printer, QWidget* parent)
 {
     QString error;
     if (!printer.isReady(&error)) {
@@ -28,31 +28,32 @@ void previewOrReport(ReportPrinter& printer, QWidget* parent)
 
 } // namespace
 
-std::unique_ptr<ReportPrinter> bookReport(frmSifarnikKnj& w)
+std::unique_ptr<output::ReportPrinter> bookReport(frmSifarnikKnj& w)
 {
     const browser::BookQuery& query = w.query();
-    const report::Layout layout = report::bookLayout(query.bookKind, query.salesPoint());
-    report::BroughtForward forward;
+    const output::report::Layout layout = output::report::bookLayout(query.bookKind, query.salesPoint());
+    output::report::BroughtForward forward;
     QString error;
-    if (!report::broughtForward(query, layout, &forward, &error)) {
+    if (!output::report::broughtForward(query, layout, &forward, &error)) {
         warn(failureText(error));
         return nullptr;
     }
-    auto printer = std::make_unique<ReportPrinter>(layout, report::bookHeader(query, w.rsStavke()), w.rsStavke());
+    auto printer = std::make_unique<output::ReportPrinter>(
+        layout, output::report::bookHeader(query, w.rsStavke()), w.rsStavke());
     printer->bringForward(forward);
     return printer;
 }
 
-std::unique_ptr<ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
+std::unique_ptr<output::ReportPrinter> recapitulationReport(frmSifarnikKnj& w)
 {
-    Database& db = session().db();
-    ResultSet rows;
-    if (!db.open(report::recapitulationSql(w.query().filter.where), rows)) {
+    db::Database& db = session().db();
+    db::ResultSet rows;
+    if (!db.open(output::report::recapitulationSql(w.query().filter.where), rows)) {
         warn(failureText(db.errorDescription()));
         return nullptr;
     }
-    return std::make_unique<ReportPrinter>(
-        report::recapitulationLayout(), report::recapitulationHeader(w.query().filter.description), std::move(rows));
+    return std::make_unique<output::ReportPrinter>(output::report::recapitulationLayout(),
+        output::report::recapitulationHeader(w.query().filter.description), std::move(rows));
 }
 
 void frmSifarnikKnj::IspišiZapise()
@@ -67,4 +68,4 @@ void frmSifarnikKnj::Rekapitulacija()
         previewOrReport(*printer, this);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

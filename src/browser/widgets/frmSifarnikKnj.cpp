@@ -21,7 +21,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::browser
 {
 
 frmSifarnikKnj::frmSifarnikKnj(QWidget* parent)
@@ -68,7 +68,7 @@ void frmSifarnikKnj::setQuery(const browser::BookQuery& query)
     m_query.bookKind = kind;
 }
 
-const ResultSet& frmSifarnikKnj::rsStavke() const
+const db::ResultSet& frmSifarnikKnj::rsStavke() const
 {
     return m_model->resultSet();
 }
@@ -101,7 +101,7 @@ void frmSifarnikKnj::setPrijenos(bool on)
 void frmSifarnikKnj::setTipSifarnika(int kod)
 {
     m_query = browser::openingQuery(kod, session().BrojPoduzeca, session().RadnaGodina);
-    if (const BookKind* book = findBook(kod))
+    if (const books::BookKind* book = books::findBook(kod))
         setWindowTitle(book->caption);
     m_model->setBookKind(m_query.bookKind);
     citajPostavke();
@@ -173,7 +173,7 @@ void frmSifarnikKnj::Prikaži(int mode, const QVariant& extra)
     QString ignored;
     journal::ensureBaseline(session().db(), { m_query.bookKind, m_query.company, m_query.year, 0 }, &ignored);
     vratiPoziciju();
-    if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || isTradeBook(m_query.bookKind))
+    if (menuItem(QStringLiteral("mnuPostFiltera"))->isChecked() || books::isTradeBook(m_query.bookKind))
         PostaviFilter();
     else
         OsvjeziZapise();
@@ -201,14 +201,14 @@ bool frmSifarnikKnj::ProvjeraPristupa()
         return false;
     for (int group = OperatorRights::Novi; group <= OperatorRights::Izvoz; ++group)
         if (!rights.hasRight(m_query.bookKind, OperatorRights::Group(group)))
-            onemogućiGrupu(group);
+            disableGroup(group);
     return true;
 }
 
 // The five optional groups a denied right withholds: new, change, delete, print and
 // export. Each takes its command, the toolbar button that forwards to it, and the
 // menu entries of the same nature.
-void frmSifarnikKnj::onemogućiGrupu(int group)
+void frmSifarnikKnj::disableGroup(int group)
 {
     auto off = [this](const char* name) { menuItem(QString::fromLatin1(name))->setEnabled(false); };
     switch (group) {
@@ -318,4 +318,4 @@ void frmSifarnikKnj::done(int result)
     QDialog::done(result);
 }
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -16,7 +16,7 @@ class QPushButton;
 class QToolBar;
 class QTreeWidget;
 
-namespace knjige
+namespace knjige::browser
 {
 
 class BookGrid;
@@ -47,7 +47,7 @@ public:
     void Prikaži(int mode, const QVariant& extra = {});
     // Whether the last Prikaži got past the access check and showed the window.
     bool jePrikazan() const { return m_prikazan; }
-    int NačinPrikaza() const { return m_nacinPrikaza; }
+    int displayMode() const { return m_nacinPrikaza; }
 
     // --- The rows ---------------------------------------------------------------------
     // Re-reads the rows with the current query, keeping the sort order and the current
@@ -60,7 +60,7 @@ public:
     void setQuery(const browser::BookQuery& query);
     // The sales point of a trade book in force; 0: none.
     qint32 BrojProd() const { return m_query.salesPoint(); }
-    const ResultSet& rsStavke() const;
+    const db::ResultSet& rsStavke() const;
     BookModel& model();
     BookGrid& grid() { return *m_fg; }
     // The result set row of the grid's current row; -1 on a totals row or with no rows.
@@ -90,12 +90,12 @@ public:
     void ProvjeraNumeracije();
     void ReNumeracijaPoDatumu();
     void UbaciZapis();
-    void PočetnoStanje();
+    void generateOpeningState();
     // The book check's report in the text viewer (mnuProvjeraKnjige).
     void ProvjeraKnjige();
     // Closes (or, with a reason, opens) the book's period; operators of level 0 only
     // (mnuZakljucajRazdoblje).
-    void ZaključajRazdoblje();
+    void lockPeriod();
     void Generiranje(int vrsta);
     void PrebaciUExcel();
     void Rekapitulacija();
@@ -140,17 +140,17 @@ private:
     void napraviRaspored();
     void postaviIzbornikeKnjige();
     bool ProvjeraPristupa();
-    void onemogućiGrupu(int group);
+    void disableGroup(int group);
     void primijeniNivoPristupa();
     void citajPostavke();
     void primijeniPrikaz();
     void vratiPoziciju();
     void spremiPoziciju();
-    void postaviŠirineKolona();
+    void setColumnWidths();
     void osvjeziOznakuSorta();
     void OsvjeziStanje();
     int redZaOznaku() const;
-    void nijeJošDostupno(const QString& what);
+    void notYetAvailable(const QString& what);
     QString postavkeAplikacija() const { return windowTitle(); }
 
     browser::BookQuery m_query;
@@ -171,4 +171,4 @@ private:
     QMenu* m_mnuGen = nullptr;
 };
 
-} // namespace knjige
+} // namespace knjige::browser

@@ -10,7 +10,7 @@
 
 #include <type_traits>
 
-namespace knjige
+namespace knjige::editors
 {
 
 namespace
@@ -46,7 +46,7 @@ const Registration kEditors[] = {
 
 std::unique_ptr<RecordEditor> createEditor(int bookKind, QWidget* parent)
 {
-    const BookKind* book = findBook(bookKind);
+    const books::BookKind* book = books::findBook(bookKind);
     if (!book)
         return nullptr;
     for (const Registration& r : kEditors)
@@ -65,4 +65,4 @@ void pripremiEditor(RecordEditor& e, int bookKind)
             kpr->setEnabled(false);
 }
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The record editor of a book kind, created fresh with the kind already set; nullptr
@@ -16,4 +16,4 @@ std::unique_ptr<RecordEditor> createEditor(int bookKind, QWidget* parent = nullp
 // expense book to link to.
 void pripremiEditor(RecordEditor& e, int bookKind);
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -9,7 +9,7 @@
 #include <QValidator>
 #include <algorithm>
 
-namespace knjige
+namespace knjige::editors
 {
 
 namespace
@@ -252,4 +252,4 @@ void makeCodeField(QLineEdit* edit)
     });
 }
 
-} // namespace knjige
+} // namespace knjige::editors

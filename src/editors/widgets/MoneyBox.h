@@ -7,7 +7,7 @@
 #include <QLineEdit>
 #include <limits>
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The number box of the editors (the `ub` controls). It follows the workstation's
@@ -94,4 +94,4 @@ private:
 // stand whatever the workstation's grouping; a refused keystroke beeps and says why.
 void makeCodeField(QLineEdit* edit);
 
-} // namespace knjige
+} // namespace knjige::editors

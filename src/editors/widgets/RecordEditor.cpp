@@ -25,7 +25,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -125,7 +125,7 @@ QLineEdit* RecordEditor::addTextRow(const QString& caption, const QString& name,
 {
     auto* edit = new QLineEdit(this);
     edit->setObjectName(name);
-    const int width = textColumnWidth(entryTable(m_tip), column);
+    const int width = books::textColumnWidth(entryTable(m_tip), column);
     if (width > 0)
         edit->setMaxLength(width);
     if (minWidth > 0)
@@ -319,9 +319,9 @@ QString RecordEditor::readSql() const
 
 void RecordEditor::procitaj()
 {
-    Database& db = session().db();
+    db::Database& db = session().db();
     m_procitan = false;
-    ResultSet rs;
+    db::ResultSet rs;
     if (!db.open(readStatement(), rs)) {
         inform(failureText(QStringLiteral(" Čitanje tek.zapisa "), db.errorDescription()));
         return;
@@ -340,31 +340,31 @@ void RecordEditor::NapuniPodatke()
 
 // ---- reading columns ----
 
-QString RecordEditor::textOf(const ResultSet& rs, const QString& column)
+QString RecordEditor::textOf(const db::ResultSet& rs, const QString& column)
 {
     const int c = rs.indexOf(column);
     return c < 0 || rs.isNull(0, c) ? QString() : rs.text(0, c);
 }
 
-Money RecordEditor::moneyOf(const ResultSet& rs, const QString& column)
+Money RecordEditor::moneyOf(const db::ResultSet& rs, const QString& column)
 {
     const int c = rs.indexOf(column);
     return c < 0 || rs.isNull(0, c) ? Money() : rs.money(0, c);
 }
 
-qint64 RecordEditor::integerOf(const ResultSet& rs, const QString& column)
+qint64 RecordEditor::integerOf(const db::ResultSet& rs, const QString& column)
 {
     const int c = rs.indexOf(column);
     return c < 0 || rs.isNull(0, c) ? 0 : rs.integer(0, c);
 }
 
-QDate RecordEditor::dateOf(const ResultSet& rs, const QString& column)
+QDate RecordEditor::dateOf(const db::ResultSet& rs, const QString& column)
 {
     const int c = rs.indexOf(column);
     return c < 0 || rs.isNull(0, c) ? QDate() : rs.date(0, c);
 }
 
-QVariant RecordEditor::cell(const ResultSet& rs, int row, const QString& column)
+QVariant RecordEditor::cell(const db::ResultSet& rs, int row, const QString& column)
 {
     const int c = rs.indexOf(column);
     if (c < 0 || row < 0 || row >= rs.rowCount() || rs.isNull(row, c))
@@ -421,8 +421,8 @@ void RecordEditor::potvrdi()
     QString failure;
     m_notice.clear();
     {
-        Database& db = session().db();
-        TransactionGuard tx(db);
+        db::Database& db = session().db();
+        db::TransactionGuard tx(db);
         m_writeError.clear();
         if (zapisi(&failure)) {
             afterWrite();
@@ -480,9 +480,9 @@ qint32 RecordEditor::spremljeniRBroj() const
 
 // A new entry carrying the number the browser (or the shop) proposed, unchanged by
 // the operator: someone else may have taken it while the dialog was open.
-bool RecordEditor::proposedNumber(const RowChange& change) const
+bool RecordEditor::proposedNumber(const db::RowChange& change) const
 {
-    if (change.kind != RowChange::Kind::Insert || ubRBroj->typedByPerson())
+    if (change.kind != db::RowChange::Kind::Insert || ubRBroj->typedByPerson())
         return false;
     for (const auto& value : change.values)
         if (value.first == QLatin1String("RBroj"))
@@ -490,10 +490,10 @@ bool RecordEditor::proposedNumber(const RowChange& change) const
     return false;
 }
 
-bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
+bool RecordEditor::saveUnderFreeNumber(const db::RowChange& change)
 {
-    NumberSlot slot { QStringLiteral("RBroj"), { QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj") } };
-    if (isTradeBook(m_tip))
+    db::NumberSlot slot { QStringLiteral("RBroj"), { QStringLiteral("BrojPoduzeca"), QStringLiteral("GodinaKnj") } };
+    if (books::isTradeBook(m_tip))
         slot.scope << QStringLiteral("BrojProd");
     const qint64 proposed = ubRBroj->integerValue();
     qint64 saved = 0;
@@ -512,13 +512,13 @@ bool RecordEditor::saveUnderFreeNumber(const RowChange& change)
 
 bool RecordEditor::zapisi(QString* failure)
 {
-    RowChange change;
+    db::RowChange change;
     change.table = entryTable(m_tip);
     if (m_tipRada == Novi) {
-        change.kind = RowChange::Kind::Insert;
+        change.kind = db::RowChange::Kind::Insert;
         change.values = rowValues();
     } else {
-        change.kind = m_tipRada == Izmjena ? RowChange::Kind::Update : RowChange::Kind::Delete;
+        change.kind = m_tipRada == Izmjena ? db::RowChange::Kind::Update : db::RowChange::Kind::Delete;
         if (m_tipRada == Izmjena)
             change.values = rowValues();
         // The row exactly as it was read: every column of it.
@@ -526,16 +526,16 @@ bool RecordEditor::zapisi(QString* failure)
             for (int c = 0; c < m_stavka.fieldCount(); ++c)
                 change.original.append({ m_stavka.field(c).name, m_stavka.value(0, c) });
     }
-    Database& db = session().db();
+    db::Database& db = session().db();
     const journal::Scope scope = journalScope(change);
     QString error;
     QList<QDate> dates;
     for (const auto& [column, value] : change.values + change.original)
         if (column.compare(QLatin1String("Datum"), Qt::CaseInsensitive) == 0)
             dates << value.toDate();
-    if (change.kind != RowChange::Kind::Insert && change.original.isEmpty())
+    if (change.kind != db::RowChange::Kind::Insert && change.original.isEmpty())
         error = QStringLiteral("Stavka nije pročitana iz baze podataka.");
-    else if (const QString locked = periodlock::refuseDates(db, scope, dates); !locked.isEmpty()) {
+    else if (const QString locked = journal::periodlock::refuseDates(db, scope, dates); !locked.isEmpty()) {
         *failure = locked;
         return false;
     } else if (journal::ensureBaseline(db, scope, &error)
@@ -544,7 +544,7 @@ bool RecordEditor::zapisi(QString* failure)
     else if (error.isEmpty()) {
         // A new entry may have been saved under another free number than proposed.
         for (auto& [column, value] : change.values)
-            if (column == QLatin1String("RBroj") && change.kind == RowChange::Kind::Insert)
+            if (column == QLatin1String("RBroj") && change.kind == db::RowChange::Kind::Insert)
                 value = spremljeniRBroj();
         if (journal::appendRowChange(db, scope, change, &error))
             return true;
@@ -553,7 +553,7 @@ bool RecordEditor::zapisi(QString* failure)
     return false;
 }
 
-journal::Scope RecordEditor::journalScope(const RowChange& change) const
+journal::Scope RecordEditor::journalScope(const db::RowChange& change) const
 {
     const Session& s = session();
     journal::Scope scope { m_tip, s.BrojPoduzeca, s.RadnaGodina, 0 };
@@ -655,4 +655,4 @@ void RecordEditor::keyPressEvent(QKeyEvent* event)
     QDialog::keyPressEvent(event);
 }
 
-} // namespace knjige
+} // namespace knjige::editors

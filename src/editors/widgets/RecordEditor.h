@@ -18,7 +18,7 @@
 class QGridLayout;
 class QVBoxLayout;
 
-namespace knjige
+namespace knjige::editors
 {
 
 class MoneyBox;
@@ -26,7 +26,7 @@ class MoneyBox;
 // The loaded list of the browser and the row the editor was opened on; the row is -1
 // when the editor was not opened on a row.
 struct StavkaRef {
-    const ResultSet* rs = nullptr;
+    const db::ResultSet* rs = nullptr;
     int row = -1;
 };
 
@@ -75,9 +75,9 @@ public:
 
     // Fills the fields of a new entry from a row of the browser's list (the "same
     // entry" copy); the ordinal number is left to the caller.
-    virtual void PreuzmiStavku(const ResultSet& rs, int row) = 0;
+    virtual void PreuzmiStavku(const db::ResultSet& rs, int row) = 0;
     // The shop of the trade books; other editors have none and ignore it.
-    virtual void setSkladište(qint32) { }
+    virtual void setShop(qint32) { }
 
     // The controls every editor has.
     MoneyBox* ubRBroj = nullptr;
@@ -96,7 +96,7 @@ public:
     QWidget* control(const QString& name) const;
     // The statement of the last read, and the entry as read (empty for a new entry).
     QString readSql() const;
-    const ResultSet& procitanaStavka() const { return m_stavka; }
+    const db::ResultSet& procitanaStavka() const { return m_stavka; }
 
 protected:
     explicit RecordEditor(int bookKind, QWidget* parent = nullptr);
@@ -124,10 +124,10 @@ protected:
 
     // The parts each editor fills in.
     virtual QString readStatement() const;
-    virtual void fill(const ResultSet& rs) = 0;
+    virtual void fill(const db::ResultSet& rs) = 0;
     virtual editors::Findings checks() = 0;
     // The columns written in modes 1 and 2, in the order the system writes them.
-    virtual RowChange::Values rowValues() const = 0;
+    virtual db::RowChange::Values rowValues() const = 0;
     // Before a deletion: false stops it (the message already shown).
     virtual bool mayDelete() { return true; }
     // After a successful write, in its transaction; a text in m_writeError undoes both.
@@ -139,12 +139,12 @@ protected:
     virtual QComboBox* kindList() const { return nullptr; }
 
     // Reads a column of the entry into a control, NULL as empty.
-    static QString textOf(const ResultSet& rs, const QString& column);
-    static Money moneyOf(const ResultSet& rs, const QString& column);
-    static qint64 integerOf(const ResultSet& rs, const QString& column);
-    static QDate dateOf(const ResultSet& rs, const QString& column);
+    static QString textOf(const db::ResultSet& rs, const QString& column);
+    static Money moneyOf(const db::ResultSet& rs, const QString& column);
+    static qint64 integerOf(const db::ResultSet& rs, const QString& column);
+    static QDate dateOf(const db::ResultSet& rs, const QString& column);
     // The same from a row of the browser's list; a missing column gives nothing.
-    static QVariant cell(const ResultSet& rs, int row, const QString& column);
+    static QVariant cell(const db::ResultSet& rs, int row, const QString& column);
 
     // Shows a finding and moves the focus to its control; true when it refuses.
     bool report(const editors::Finding& finding);
@@ -159,7 +159,7 @@ protected:
 private:
     void potvrdi();
     bool zapisi(QString* failure);
-    journal::Scope journalScope(const RowChange& change) const;
+    journal::Scope journalScope(const db::RowChange& change) const;
     void procitaj();
     void onDateChanged();
     void setSearchDates();
@@ -167,15 +167,15 @@ private:
     bool listKey(QComboBox* list, QKeyEvent* event);
     void moveFocus(bool next);
     bool numbersReadable();
-    bool proposedNumber(const RowChange& change) const;
-    bool saveUnderFreeNumber(const RowChange& change);
+    bool proposedNumber(const db::RowChange& change) const;
+    bool saveUnderFreeNumber(const db::RowChange& change);
 
     int m_tipRada = 0;
     QString m_notice; // shown after a committed save
     bool m_izisaoSaPrekidom = true;
     bool m_quietDates = false;
     bool m_procitan = false;
-    ResultSet m_stavka;
+    db::ResultSet m_stavka;
     QVBoxLayout* m_outer = nullptr;
     QGridLayout* m_grid = nullptr;
     int m_rows = 0;
@@ -185,4 +185,4 @@ private:
     QElapsedTimer m_typedAt;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

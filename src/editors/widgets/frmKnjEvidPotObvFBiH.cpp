@@ -8,7 +8,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -102,7 +102,7 @@ bool frmKnjEvidPotObvFBiH::eventFilter(QObject* watched, QEvent* event)
     return RecordEditor::eventFilter(watched, event);
 }
 
-void frmKnjEvidPotObvFBiH::fill(const ResultSet& rs)
+void frmKnjEvidPotObvFBiH::fill(const db::ResultSet& rs)
 {
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
@@ -116,7 +116,7 @@ void frmKnjEvidPotObvFBiH::fill(const ResultSet& rs)
     ubKPR->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBrojKPR"))));
 }
 
-void frmKnjEvidPotObvFBiH::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjEvidPotObvFBiH::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     const qint32 code = cell(rs, row, QStringLiteral("SifKomit")).toInt();
@@ -140,7 +140,7 @@ Findings frmKnjEvidPotObvFBiH::checks()
         session().RadnaGodina);
 }
 
-RowChange::Values frmKnjEvidPotObvFBiH::rowValues() const
+db::RowChange::Values frmKnjEvidPotObvFBiH::rowValues() const
 {
     const Session& s = session();
     return {
@@ -157,4 +157,4 @@ RowChange::Values frmKnjEvidPotObvFBiH::rowValues() const
     };
 }
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -3,7 +3,7 @@
 #include "editors/widgets/RecordEditor.h"
 #include "session/HostServices.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The editor of the records of receivables and liabilities (97 FBiH, 102 RS, one
@@ -15,7 +15,7 @@ class frmKnjEvidPotObvFBiH final : public RecordEditor
 public:
     explicit frmKnjEvidPotObvFBiH(int bookKind, QWidget* parent = nullptr);
 
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
     // The partner as chosen or looked up: code 0 and no name when there is none.
     Partner cKomit() const { return m_komitent; }
 
@@ -29,9 +29,9 @@ public:
     MoneyBox* ubKPR = nullptr;
 
 protected:
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
     QComboBox* kindList() const override { return cboVrsta; }
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -44,4 +44,4 @@ private:
     Partner m_komitent;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -14,7 +14,7 @@
 #include <QMenuBar>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -108,7 +108,7 @@ void frmKnjPRashFBiHPregled::onIznosLeft()
     ubIznosPDV->setFocus();
 }
 
-void frmKnjPRashFBiHPregled::fill(const ResultSet& rs)
+void frmKnjPRashFBiHPregled::fill(const db::ResultSet& rs)
 {
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
@@ -120,7 +120,7 @@ void frmKnjPRashFBiHPregled::fill(const ResultSet& rs)
         ubIznosPDV->setValue(moneyOf(rs, QStringLiteral("IznosPDV")));
 }
 
-void frmKnjPRashFBiHPregled::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjPRashFBiHPregled::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     fillKinds();
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
@@ -146,10 +146,10 @@ Findings frmKnjPRashFBiHPregled::checks()
         session().RadnaGodina);
 }
 
-RowChange::Values frmKnjPRashFBiHPregled::rowValues() const
+db::RowChange::Values frmKnjPRashFBiHPregled::rowValues() const
 {
     const Session& s = session();
-    RowChange::Values v = {
+    db::RowChange::Values v = {
         { QStringLiteral("BrojPoduzeca"), int(s.BrojPoduzeca) },
         { QStringLiteral("RBroj"), qint32(ubRBroj->integerValue()) },
         { QStringLiteral("Datum"), dpDatum->date() },
@@ -169,8 +169,8 @@ bool frmKnjPRashFBiHPregled::mayDelete()
     if (m_tip != Knjiga::PrihRashFBiH)
         return true;
     const Session& s = session();
-    Database& db = session().db();
-    ResultSet linked;
+    db::Database& db = session().db();
+    db::ResultSet linked;
     const QString sql = QStringLiteral("SELECT RBrojKPR FROM dbo.KnjEvidPotrIObvFBiH WHERE GODINAKNJ=")
         + QString::number(s.RadnaGodina) + QStringLiteral(" AND BROJPODUZECA=") + QString::number(s.BrojPoduzeca)
         + QStringLiteral(" AND RBrojKPR=") + QString::number(sRedniBroj);
@@ -195,7 +195,7 @@ void frmKnjPRashFBiHPregled::afterWrite()
         return;
     const Session& s = session();
     // A failure here is deliberately silent: the entry itself is saved.
-    Database& db = session().db();
+    db::Database& db = session().db();
     int moved = 0;
     if (!db.execute(QStringLiteral("UPDATE dbo.KnjEvidPotrIObvFBiH SET RBrojKPR=") + QString::number(novi)
                 + QStringLiteral(" WHERE GODINAKNJ=") + QString::number(s.RadnaGodina)
@@ -206,10 +206,10 @@ void frmKnjPRashFBiHPregled::afterWrite()
         return;
     // The links that followed the entry are part of its change.
     QString error;
-    const journal::Change links { journal::Radnja::Veze, std::nullopt, {},
+    const journal::Change links { journal::RecordKind::Veze, std::nullopt, {},
         journal::valueChanges({ { sRedniBroj, novi } }) };
     if (!journal::append(db, { Knjiga::EvidPotObvFBiH, s.BrojPoduzeca, s.RadnaGodina, 0 }, links, &error))
         m_writeError = failureText(error);
 }
 
-} // namespace knjige
+} // namespace knjige::editors

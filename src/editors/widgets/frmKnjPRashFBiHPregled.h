@@ -6,7 +6,7 @@ class QAction;
 class QMenu;
 class QMenuBar;
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The editor of the income and expense books: FBiH (96, with the VAT it contains) and
@@ -17,7 +17,7 @@ class frmKnjPRashFBiHPregled final : public RecordEditor
 public:
     explicit frmKnjPRashFBiHPregled(int bookKind, QWidget* parent = nullptr);
 
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
 
     QLineEdit* txtIsprava = nullptr;
     QLineEdit* txtOpis = nullptr;
@@ -32,9 +32,9 @@ public:
 
 protected:
     void prepare() override;
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
     bool mayDelete() override;
     void afterWrite() override;
     QComboBox* kindList() const override { return cmbVrsta; }
@@ -49,4 +49,4 @@ private:
     int m_kindsFor = 0;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

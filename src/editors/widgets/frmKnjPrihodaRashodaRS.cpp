@@ -7,7 +7,7 @@
 
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -58,7 +58,7 @@ void frmKnjPrihodaRashodaRS::prepare()
     fillKinds();
 }
 
-void frmKnjPrihodaRashodaRS::fill(const ResultSet& rs)
+void frmKnjPrihodaRashodaRS::fill(const db::ResultSet& rs)
 {
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
@@ -68,7 +68,7 @@ void frmKnjPrihodaRashodaRS::fill(const ResultSet& rs)
     ubIznosPDV->setValue(moneyOf(rs, QStringLiteral("IznosPDV")));
 }
 
-void frmKnjPrihodaRashodaRS::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjPrihodaRashodaRS::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     fillKinds();
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
@@ -85,7 +85,7 @@ Findings frmKnjPrihodaRashodaRS::checks()
         { ubRBroj->integerValue(), dpDatum->date(), cboVrsta->currentText(), ubIznos->value() }, session().RadnaGodina);
 }
 
-RowChange::Values frmKnjPrihodaRashodaRS::rowValues() const
+db::RowChange::Values frmKnjPrihodaRashodaRS::rowValues() const
 {
     const Session& s = session();
     return {
@@ -100,4 +100,4 @@ RowChange::Values frmKnjPrihodaRashodaRS::rowValues() const
     };
 }
 
-} // namespace knjige
+} // namespace knjige::editors

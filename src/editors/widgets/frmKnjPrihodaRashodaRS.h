@@ -2,7 +2,7 @@
 
 #include "editors/widgets/RecordEditor.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The editor of the RS income book (99) and expense book (100), two tables served by
@@ -13,7 +13,7 @@ class frmKnjPrihodaRashodaRS final : public RecordEditor
 public:
     explicit frmKnjPrihodaRashodaRS(int bookKind, QWidget* parent = nullptr);
 
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
     // "Knjiga prihoda RS" or "Knjiga rashoda RS".
     QString naslov() const;
 
@@ -25,9 +25,9 @@ public:
 
 protected:
     void prepare() override;
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
     QComboBox* kindList() const override { return cboVrsta; }
 
 private:
@@ -35,4 +35,4 @@ private:
     int m_kindsFor = 0;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -5,7 +5,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -27,7 +27,7 @@ frmKnjPrometa::frmKnjPrometa(int bookKind, QWidget* parent)
     warnWhenNegative({ ubGotovina, ubCek }, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
 }
 
-void frmKnjPrometa::fill(const ResultSet& rs)
+void frmKnjPrometa::fill(const db::ResultSet& rs)
 {
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
@@ -37,7 +37,7 @@ void frmKnjPrometa::fill(const ResultSet& rs)
     ubCek->setValue(moneyOf(rs, QStringLiteral("IznosCek")));
 }
 
-void frmKnjPrometa::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjPrometa::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     txtIsprava->setText(cell(rs, row, QStringLiteral("Isprava")).toString());
@@ -53,7 +53,7 @@ Findings frmKnjPrometa::checks()
         session().RadnaGodina);
 }
 
-RowChange::Values frmKnjPrometa::rowValues() const
+db::RowChange::Values frmKnjPrometa::rowValues() const
 {
     const Session& s = session();
     return {
@@ -68,4 +68,4 @@ RowChange::Values frmKnjPrometa::rowValues() const
     };
 }
 
-} // namespace knjige
+} // namespace knjige::editors

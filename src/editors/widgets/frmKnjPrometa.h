@@ -2,7 +2,7 @@
 
 #include "editors/widgets/RecordEditor.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The editor of the turnover books (98 FBiH, 106 RS, one table): cash and cheque (or,
@@ -13,7 +13,7 @@ class frmKnjPrometa final : public RecordEditor
 public:
     explicit frmKnjPrometa(int bookKind, QWidget* parent = nullptr);
 
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
 
     QLineEdit* txtIsprava = nullptr;
     QLineEdit* txtOpis = nullptr;
@@ -22,9 +22,9 @@ public:
     QLabel* lblČekovi = nullptr;
 
 protected:
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

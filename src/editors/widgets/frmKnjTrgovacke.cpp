@@ -9,7 +9,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -29,21 +29,21 @@ void TrgKnjigaEditor::addHeadRows()
     cmdPrSkladište = new QPushButton(QStringLiteral("..."), this);
     cmdPrSkladište->setObjectName(QStringLiteral("cmdPrSkladište"));
     cmdPrSkladište->setFixedWidth(32);
-    lblSkladište = new QLabel(this);
-    lblSkladište->setObjectName(QStringLiteral("lblSkladište"));
-    lblSkladište->setMinimumWidth(220);
+    lblShop = new QLabel(this);
+    lblShop->setObjectName(QStringLiteral("lblSkladište"));
+    lblShop->setMinimumWidth(220);
     auto* shop = new QWidget(this);
     auto* line = new QHBoxLayout(shop);
     line->setContentsMargins(0, 0, 0, 0);
     line->addWidget(cmdPrSkladište);
-    line->addWidget(lblSkladište, 1);
+    line->addWidget(lblShop, 1);
     addRow(QStringLiteral("Prodavnica:"), txtSkladište, shop);
     addLookupButton(cmdPrSkladište);
     addNumberRow();
     addDateRow();
     txtOpis = addTextRow(QStringLiteral("Opis:"), QStringLiteral("txtOpis"), QStringLiteral("Opis"), 320);
     txtSkladište->installEventFilter(this);
-    connect(cmdPrSkladište, &QPushButton::clicked, this, &TrgKnjigaEditor::izaberiSkladište);
+    connect(cmdPrSkladište, &QPushButton::clicked, this, &TrgKnjigaEditor::chooseShop);
 }
 
 qint32 TrgKnjigaEditor::shopCode() const
@@ -53,31 +53,31 @@ qint32 TrgKnjigaEditor::shopCode() const
 
 Partner TrgKnjigaEditor::cSkladište() const
 {
-    return shopCode() == m_skladište.SifKomit ? m_skladište : Partner { shopCode(), QString() };
+    return shopCode() == m_shop.SifKomit ? m_shop : Partner { shopCode(), QString() };
 }
 
-void TrgKnjigaEditor::setSkladište(qint32 shop)
+void TrgKnjigaEditor::setShop(qint32 shop)
 {
     txtSkladište->setText(shop == 0 ? QString() : QString::number(shop));
-    nadjiSkladište();
+    lookUpShop();
 }
 
-void TrgKnjigaEditor::nadjiSkladište()
+void TrgKnjigaEditor::lookUpShop()
 {
     const qint32 code = shopCode();
-    if (code == m_skladište.SifKomit && !lblSkladište->text().isEmpty())
+    if (code == m_shop.SifKomit && !lblShop->text().isEmpty())
         return;
-    m_skladište = code == 0 ? Partner {} : hostServices().shops->find(code).value_or(Partner { code, QString() });
-    lblSkladište->setText(m_skladište.ImeKomit1.isEmpty() ? QString() : QStringLiteral(" ") + m_skladište.ImeKomit1);
+    m_shop = code == 0 ? Partner {} : hostServices().shops->find(code).value_or(Partner { code, QString() });
+    lblShop->setText(m_shop.ImeKomit1.isEmpty() ? QString() : QStringLiteral(" ") + m_shop.ImeKomit1);
     predloziBroj();
 }
 
-void TrgKnjigaEditor::izaberiSkladište()
+void TrgKnjigaEditor::chooseShop()
 {
     if (const std::optional<Partner> chosen = hostServices().shops->choose()) {
-        m_skladište = *chosen;
+        m_shop = *chosen;
         txtSkladište->setText(QString::number(chosen->SifKomit));
-        lblSkladište->setText(QStringLiteral(" ") + chosen->ImeKomit1);
+        lblShop->setText(QStringLiteral(" ") + chosen->ImeKomit1);
         predloziBroj();
     }
     txtSkladište->setFocus();
@@ -95,7 +95,7 @@ void TrgKnjigaEditor::predloziBroj()
 
 void TrgKnjigaEditor::prepare()
 {
-    nadjiSkladište();
+    lookUpShop();
     predloziBroj();
 }
 
@@ -103,14 +103,14 @@ bool TrgKnjigaEditor::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == txtSkladište) {
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F2) {
-            izaberiSkladište();
+            chooseShop();
             return true;
         }
         if (event->type() == QEvent::FocusOut) {
             const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
             if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason
-                && shopCode() != m_skladište.SifKomit)
-                nadjiSkladište();
+                && shopCode() != m_shop.SifKomit)
+                lookUpShop();
         }
     }
     return RecordEditor::eventFilter(watched, event);
@@ -122,20 +122,20 @@ QString TrgKnjigaEditor::readStatement() const
     return readEntrySql(m_tip, s.RadnaGodina, s.BrojPoduzeca, sRedniBroj, shopCode());
 }
 
-void TrgKnjigaEditor::fillHead(const ResultSet& rs)
+void TrgKnjigaEditor::fillHead(const db::ResultSet& rs)
 {
-    setSkladište(qint32(integerOf(rs, QStringLiteral("BrojProd"))));
+    setShop(qint32(integerOf(rs, QStringLiteral("BrojProd"))));
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
     txtOpis->setText(textOf(rs, QStringLiteral("Opis")));
 }
 
-void TrgKnjigaEditor::copyHead(const ResultSet& rs, int row)
+void TrgKnjigaEditor::copyHead(const db::ResultSet& rs, int row)
 {
     const qint32 shop = cell(rs, row, QStringLiteral("BrojProd")).toInt();
-    m_skladište = { shop, cell(rs, row, QStringLiteral("ImeProd")).toString() };
+    m_shop = { shop, cell(rs, row, QStringLiteral("ImeProd")).toString() };
     txtSkladište->setText(QString::number(shop));
-    lblSkladište->setText(QStringLiteral(" ") + m_skladište.ImeKomit1);
+    lblShop->setText(QStringLiteral(" ") + m_shop.ImeKomit1);
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     txtOpis->setText(cell(rs, row, QStringLiteral("Opis")).toString());
 }
@@ -154,7 +154,7 @@ Findings TrgKnjigaEditor::unknownShop() const
     if (txtSkladište->text().trimmed().isEmpty())
         return {};
     const qint32 code = shopCode();
-    ResultSet rs;
+    db::ResultSet rs;
     // A failed read refuses nothing: the write that follows reports the database.
     if (!session().db().open(
             QStringLiteral("SELECT SifKomit FROM dbo.Komitent WHERE SifKomit=") + QString::number(code), rs)
@@ -164,7 +164,7 @@ Findings TrgKnjigaEditor::unknownShop() const
         QStringLiteral("txtSkladište"), false, {}, Icon::Exclamation } };
 }
 
-RowChange::Values TrgKnjigaEditor::headValues() const
+db::RowChange::Values TrgKnjigaEditor::headValues() const
 {
     const Session& s = session();
     return {
@@ -188,13 +188,13 @@ frmKnjUsluga::frmKnjUsluga(QWidget* parent)
     finishLayout();
 }
 
-void frmKnjUsluga::fill(const ResultSet& rs)
+void frmKnjUsluga::fill(const db::ResultSet& rs)
 {
     fillHead(rs);
     ubIznos->setValue(moneyOf(rs, QStringLiteral("Iznos")));
 }
 
-void frmKnjUsluga::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjUsluga::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     copyHead(rs, row);
     ubIznos->setValue(cell(rs, row, QStringLiteral("Iznos")).value<Money>());
@@ -209,9 +209,9 @@ Findings frmKnjUsluga::checks()
     return checkUsluga(in, session().RadnaGodina);
 }
 
-RowChange::Values frmKnjUsluga::rowValues() const
+db::RowChange::Values frmKnjUsluga::rowValues() const
 {
-    RowChange::Values v = headValues();
+    db::RowChange::Values v = headValues();
     v.append({ QStringLiteral("Iznos"), QVariant::fromValue(ubIznos->value()) });
     return v;
 }
@@ -228,14 +228,14 @@ frmKnjKomisiona::frmKnjKomisiona(QWidget* parent)
     finishLayout();
 }
 
-void frmKnjKomisiona::fill(const ResultSet& rs)
+void frmKnjKomisiona::fill(const db::ResultSet& rs)
 {
     fillHead(rs);
     ubZaduženje->setValue(moneyOf(rs, QStringLiteral("Zaduzenje")));
     ubRazduženje->setValue(moneyOf(rs, QStringLiteral("Razduzenje")));
 }
 
-void frmKnjKomisiona::PreuzmiStavku(const ResultSet& rs, int row)
+void frmKnjKomisiona::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     copyHead(rs, row);
     ubZaduženje->setValue(cell(rs, row, QStringLiteral("Zaduzenje")).value<Money>());
@@ -252,12 +252,12 @@ Findings frmKnjKomisiona::checks()
     return checkKomisiona(in, session().RadnaGodina);
 }
 
-RowChange::Values frmKnjKomisiona::rowValues() const
+db::RowChange::Values frmKnjKomisiona::rowValues() const
 {
-    RowChange::Values v = headValues();
+    db::RowChange::Values v = headValues();
     v.append({ QStringLiteral("Zaduzenje"), QVariant::fromValue(ubZaduženje->value()) });
     v.append({ QStringLiteral("Razduzenje"), QVariant::fromValue(ubRazduženje->value()) });
     return v;
 }
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -3,7 +3,7 @@
 #include "editors/widgets/RecordEditor.h"
 #include "session/HostServices.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 // What the two trade book editors share: entries are kept per shop (BrojProd), chosen
@@ -13,13 +13,13 @@ class TrgKnjigaEditor : public RecordEditor
 {
     Q_OBJECT
 public:
-    void setSkladište(qint32 shop) override;
+    void setShop(qint32 shop) override;
     // The shop as chosen or looked up: code 0 and no name when there is none.
     Partner cSkladište() const;
 
     QLineEdit* txtSkladište = nullptr;
     QPushButton* cmdPrSkladište = nullptr;
-    QLabel* lblSkladište = nullptr;
+    QLabel* lblShop = nullptr;
     QLineEdit* txtOpis = nullptr;
 
 protected:
@@ -28,22 +28,22 @@ protected:
     void addHeadRows();
     QString readStatement() const override;
     void prepare() override;
-    void fillHead(const ResultSet& rs);
-    void copyHead(const ResultSet& rs, int row);
+    void fillHead(const db::ResultSet& rs);
+    void copyHead(const db::ResultSet& rs, int row);
     editors::TrgInput input() const;
     // A typed shop that dbo.Komitent does not know is refused: the browser lists the
     // trade books joined to it and would hide the entry.
     editors::Findings unknownShop() const;
-    RowChange::Values headValues() const;
+    db::RowChange::Values headValues() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void izaberiSkladište();
-    void nadjiSkladište();
+    void chooseShop();
+    void lookUpShop();
     void predloziBroj();
     qint32 shopCode() const;
 
-    Partner m_skladište;
+    Partner m_shop;
 };
 
 // The trade book of services (125).
@@ -52,14 +52,14 @@ class frmKnjUsluga final : public TrgKnjigaEditor
     Q_OBJECT
 public:
     explicit frmKnjUsluga(QWidget* parent = nullptr);
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
 
     MoneyBox* ubIznos = nullptr;
 
 protected:
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
 };
 
 // The trade book of goods on commission (126).
@@ -68,15 +68,15 @@ class frmKnjKomisiona final : public TrgKnjigaEditor
     Q_OBJECT
 public:
     explicit frmKnjKomisiona(QWidget* parent = nullptr);
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
 
     MoneyBox* ubZaduženje = nullptr;
     MoneyBox* ubRazduženje = nullptr;
 
 protected:
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

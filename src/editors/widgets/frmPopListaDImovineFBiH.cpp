@@ -4,7 +4,7 @@
 #include "session/Interaction.h"
 #include "session/Session.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 using namespace editors;
@@ -32,7 +32,7 @@ frmPopListaDImovineFBiH::frmPopListaDImovineFBiH(int bookKind, QWidget* parent)
     warnWhenNegative({ ubNabavna, ubKnjigovodstvena }, QStringLiteral("Unešena vrijednost je negativna, pažljivo !"));
 }
 
-void frmPopListaDImovineFBiH::fill(const ResultSet& rs)
+void frmPopListaDImovineFBiH::fill(const db::ResultSet& rs)
 {
     ubRBroj->setValue(Money::fromWhole(integerOf(rs, QStringLiteral("RBroj"))));
     dpDatum->setDate(dateOf(rs, QStringLiteral("Datum")));
@@ -43,7 +43,7 @@ void frmPopListaDImovineFBiH::fill(const ResultSet& rs)
     ubKnjigovodstvena->setValue(moneyOf(rs, QStringLiteral("KnjigVrijednost")));
 }
 
-void frmPopListaDImovineFBiH::PreuzmiStavku(const ResultSet& rs, int row)
+void frmPopListaDImovineFBiH::PreuzmiStavku(const db::ResultSet& rs, int row)
 {
     dpDatum->setDate(cell(rs, row, QStringLiteral("Datum")).toDate());
     txtBrojDokumenta->setText(cell(rs, row, QStringLiteral("Isprava")).toString());
@@ -61,7 +61,7 @@ Findings frmPopListaDImovineFBiH::checks()
         session().RadnaGodina);
 }
 
-RowChange::Values frmPopListaDImovineFBiH::rowValues() const
+db::RowChange::Values frmPopListaDImovineFBiH::rowValues() const
 {
     const Session& s = session();
     return {
@@ -82,7 +82,7 @@ void frmPopListaDImovineFBiH::afterWrite()
         return;
     // The table numbers a new asset after the highest of its company and year.
     const Session& s = session();
-    ResultSet rs;
+    db::ResultSet rs;
     m_dodijeljeniRBroj = 0;
     if (session().db().open(
             QStringLiteral("SELECT MAX(RBroj) AS RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE GODINAKNJ=")
@@ -98,4 +98,4 @@ qint32 frmPopListaDImovineFBiH::spremljeniRBroj() const
     return TipRada() == Novi ? m_dodijeljeniRBroj : sRedniBroj;
 }
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -2,7 +2,7 @@
 
 #include "editors/widgets/RecordEditor.h"
 
-namespace knjige
+namespace knjige::editors
 {
 
 // The editor of the inventory list of long-term assets (101 RS, 105 FBiH, one table).
@@ -14,7 +14,7 @@ class frmPopListaDImovineFBiH final : public RecordEditor
 public:
     explicit frmPopListaDImovineFBiH(int bookKind, QWidget* parent = nullptr);
 
-    void PreuzmiStavku(const ResultSet& rs, int row) override;
+    void PreuzmiStavku(const db::ResultSet& rs, int row) override;
     // A new asset: the number the table gave it (read back after the insert, 0 when
     // that read failed); a changed one keeps the number it was opened with.
     qint32 spremljeniRBroj() const override;
@@ -29,13 +29,13 @@ public:
     MoneyBox* ubKnjigovodstvena = nullptr;
 
 protected:
-    void fill(const ResultSet& rs) override;
+    void fill(const db::ResultSet& rs) override;
     editors::Findings checks() override;
-    RowChange::Values rowValues() const override;
+    db::RowChange::Values rowValues() const override;
     void afterWrite() override;
 
 private:
     qint32 m_dodijeljeniRBroj = 0;
 };
 
-} // namespace knjige
+} // namespace knjige::editors

@@ -11,7 +11,7 @@
 #include <qt6keychain/keychain.h>
 #endif
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 #ifdef KNJIGE_HAVE_KEYCHAIN
@@ -59,11 +59,11 @@ class KeychainStore final : public PasswordStore
 public:
     bool trajna() const override { return !m_fallback; }
 
-    std::optional<QString> pročitaj(const QString& ključ) override
+    std::optional<QString> read(const QString& key) override
     {
         if (!m_fallback) {
             QKeychain::ReadPasswordJob job(kService);
-            job.setKey(ključ);
+            job.setKey(key);
             const bool done = run(job);
             if (done && job.error() == QKeychain::NoError)
                 return job.textData();
@@ -71,21 +71,21 @@ public:
                 return std::nullopt;
             m_fallback = true;
         }
-        const auto it = m_session.constFind(ključ);
+        const auto it = m_session.constFind(key);
         return it == m_session.constEnd() ? std::nullopt : std::optional<QString>(*it);
     }
 
-    bool spremi(const QString& ključ, const QString& lozinka) override
+    bool write(const QString& key, const QString& lozinka) override
     {
         if (!m_fallback) {
             QKeychain::WritePasswordJob job(kService);
-            job.setKey(ključ);
+            job.setKey(key);
             job.setTextData(lozinka);
             if (run(job) && job.error() == QKeychain::NoError)
                 return true;
             m_fallback = true;
         }
-        m_session.insert(ključ, lozinka);
+        m_session.insert(key, lozinka);
         return true;
     }
 
@@ -112,4 +112,4 @@ void useSystemCredentialStore() { }
 
 #endif
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace knjige::gen
+namespace knjige::generate
 {
 
 // Makes the operating system's credential store (through QtKeychain) the source
@@ -11,4 +11,4 @@ namespace knjige::gen
 // installed is never replaced.
 void useSystemCredentialStore();
 
-} // namespace knjige::gen
+} // namespace knjige::generate

@@ -20,7 +20,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::generate
 {
 namespace
 {
@@ -114,24 +114,23 @@ void frmGenPrihRashDB::napraviKontrole()
     grid->addWidget(txtKomit, 2, 1);
     grid->addWidget(cmdPrKomit, 2, 2);
     grid->addWidget(m_nazivKomit, 2, 3);
-    m_dobavljač = { m_lblKomit, txtKomit, cmdPrKomit, m_nazivKomit };
+    m_supplier = { m_lblKomit, txtKomit, cmdPrKomit, m_nazivKomit };
 
     txtSkladište = edit(this, QStringLiteral("txtSkladište"), 90);
     cmdPrSkladište = chooser(this, QStringLiteral("cmdPrSkladište"));
-    m_lblSkladište = label(this, QStringLiteral("lblSkladište"));
-    m_nazivSkladište = label(this, QStringLiteral("lblNazivSkladište"));
+    m_lblShop = label(this, QStringLiteral("lblSkladište"));
+    m_shopName = label(this, QStringLiteral("lblNazivSkladište"));
     txtPrima = edit(this, QStringLiteral("txtPrima"), 90);
     m_lblPrima = label(this, QStringLiteral("lblPrima"));
     m_nazivPrima = label(this, QStringLiteral("lblNazivPrima"));
-    grid->addWidget(m_lblSkladište, 3, 0);
+    grid->addWidget(m_lblShop, 3, 0);
     grid->addWidget(txtSkladište, 3, 1);
     grid->addWidget(cmdPrSkladište, 3, 2);
-    grid->addWidget(m_nazivSkladište, 3, 3);
+    grid->addWidget(m_shopName, 3, 3);
     grid->addWidget(m_lblPrima, 4, 0);
     grid->addWidget(txtPrima, 4, 1);
     grid->addWidget(m_nazivPrima, 4, 3);
-    m_skladište
-        = { m_lblSkladište, txtSkladište, cmdPrSkladište, m_nazivSkladište, m_lblPrima, txtPrima, m_nazivPrima };
+    m_shop = { m_lblShop, txtSkladište, cmdPrSkladište, m_shopName, m_lblPrima, txtPrima, m_nazivPrima };
     outer->addLayout(grid);
 
     m_fraServer = new QGroupBox(this);
@@ -169,62 +168,61 @@ void frmGenPrihRashDB::napraviKontrole()
     connect(cmdPrKomit, &QPushButton::clicked, this, [this] { izaberi(true); });
     connect(cmdPrSkladište, &QPushButton::clicked, this, [this] { izaberi(false); });
     connect(m_cmdBaza, &QPushButton::clicked, this, [this] { izaberiDatoteku(); });
-    connect(txtImeServera, &QLineEdit::textChanged, this, [this] { prikažiIzvor(); });
-    connect(txtKomit, &QLineEdit::editingFinished, this, [this] { prikažiNaziv(txtKomit, m_nazivKomit, true); });
-    connect(txtSkladište, &QLineEdit::editingFinished, this,
-        [this] { prikažiNaziv(txtSkladište, m_nazivSkladište, false); });
-    connect(txtPrima, &QLineEdit::editingFinished, this, [this] { prikažiNaziv(txtPrima, m_nazivPrima, true); });
+    connect(txtImeServera, &QLineEdit::textChanged, this, [this] { showSource(); });
+    connect(txtKomit, &QLineEdit::editingFinished, this, [this] { showName(txtKomit, m_nazivKomit, true); });
+    connect(txtSkladište, &QLineEdit::editingFinished, this, [this] { showName(txtSkladište, m_shopName, false); });
+    connect(txtPrima, &QLineEdit::editingFinished, this, [this] { showName(txtPrima, m_nazivPrima, true); });
 }
 
 void frmGenPrihRashDB::setVrsta(int vrsta)
 {
-    if (!gen::valjanaVrsta(vrsta))
+    if (!generate::valjanaVrsta(vrsta))
         return;
     m_vrsta = vrsta;
-    const gen::OpisVrste& o = gen::opisVrste(vrsta);
+    const generate::OpisVrste& o = generate::opisVrste(vrsta);
     setWindowTitle(o.naslov);
     m_uputa->setText(o.uputa);
     m_fraServer->setTitle(o.oznakaServera);
     m_lblKomit->setText(o.oznakaDobavljaca);
-    m_lblSkladište->setText(o.oznakaMjesta);
+    m_lblShop->setText(o.oznakaMjesta);
     m_lblPrima->setText(o.oznakaPrimatelja);
     for (QWidget* w : m_orgJed)
-        w->setVisible(gen::imaOrgJedinicu(vrsta));
-    for (QWidget* w : m_dobavljač)
-        w->setVisible(gen::imaDobavljača(vrsta));
-    for (QWidget* w : m_skladište)
-        w->setVisible(gen::imaSkladište(vrsta));
+        w->setVisible(generate::imaOrgJedinicu(vrsta));
+    for (QWidget* w : m_supplier)
+        w->setVisible(generate::hasSupplier(vrsta));
+    for (QWidget* w : m_shop)
+        w->setVisible(generate::hasShop(vrsta));
 
-    const gen::IzvorPodataka domaćin = gen::izvorDomaćina(session().ConnString);
+    const generate::IzvorPodataka host = generate::hostSource(session().ConnString);
     const QString app = settings::sharedApplication();
-    txtImeServera->setText(settings::text(app, settings::section(), o.kljucServera, domaćin.server));
-    txtBazaPodataka->setText(settings::text(app, settings::section(), o.kljucBaze, domaćin.baza));
-    prikažiIzvor();
+    txtImeServera->setText(settings::text(app, settings::section(), o.kljucServera, host.server));
+    txtBazaPodataka->setText(settings::text(app, settings::section(), o.kljucBaze, host.baza));
+    showSource();
 }
 
 // The server field decides what the database field names: a catalog on that server,
 // or with no server an embedded database file (the server is then not used).
-void frmGenPrihRashDB::prikažiIzvor()
+void frmGenPrihRashDB::showSource()
 {
-    const bool ugrađena = izvor().ugrađena();
+    const bool embedded = izvor().embedded();
     txtImeServera->setPlaceholderText(
-        ugrađena ? QStringLiteral("ne koristi se: izvor je datoteka ugrađene baze") : QString());
-    m_lblBaza->setText(ugrađena ? QStringLiteral("Datoteka baze:") : QStringLiteral("Baza:"));
-    m_cmdBaza->setVisible(ugrađena);
-    m_lblLozinka->setVisible(!ugrađena);
-    txtLozinka->setVisible(!ugrađena);
-    if (ugrađena)
+        embedded ? QStringLiteral("ne koristi se: izvor je datoteka ugrađene baze") : QString());
+    m_lblBaza->setText(embedded ? QStringLiteral("Datoteka baze:") : QStringLiteral("Baza:"));
+    m_cmdBaza->setVisible(embedded);
+    m_lblLozinka->setVisible(!embedded);
+    txtLozinka->setVisible(!embedded);
+    if (embedded)
         return;
     // The store is asked once per dialog, not on every key typed into the server field.
     if (!m_imaLozinku) {
-        gen::useSystemCredentialStore();
-        m_imaLozinku = gen::passwordStore().pročitaj(gen::ključLozinke()).has_value();
+        generate::useSystemCredentialStore();
+        m_imaLozinku = generate::passwordStore().read(generate::passwordKey()).has_value();
     }
     txtLozinka->setPlaceholderText(*m_imaLozinku ? QStringLiteral("spremljena; upišite novu samo ako se promijenila")
                                                  : QStringLiteral("lozinka korisnika sa"));
 }
 
-gen::IzvorPodataka frmGenPrihRashDB::izvor() const
+generate::IzvorPodataka frmGenPrihRashDB::izvor() const
 {
     return { txtImeServera->text().trimmed(), txtBazaPodataka->text().trimmed() };
 }
@@ -241,50 +239,50 @@ void frmGenPrihRashDB::izaberiDatoteku()
         txtBazaPodataka->setText(put);
 }
 
-void frmGenPrihRashDB::izaberi(bool dobavljač)
+void frmGenPrihRashDB::izaberi(bool supplier)
 {
-    PartnerRegister& registar = dobavljač ? *hostServices().partners : *hostServices().shops;
+    PartnerRegister& registar = supplier ? *hostServices().partners : *hostServices().shops;
     const std::optional<Partner> p = registar.choose();
     if (!p)
         return;
-    QLineEdit* polje = dobavljač ? txtKomit : txtSkladište;
+    QLineEdit* polje = supplier ? txtKomit : txtSkladište;
     polje->setText(QString::number(p->SifKomit));
-    (dobavljač ? m_nazivKomit : m_nazivSkladište)->setText(p->ImeKomit1);
+    (supplier ? m_nazivKomit : m_shopName)->setText(p->ImeKomit1);
 }
 
-void frmGenPrihRashDB::prikažiNaziv(QLineEdit* polje, QLabel* naziv, bool partner)
+void frmGenPrihRashDB::showName(QLineEdit* polje, QLabel* naziv, bool partner)
 {
     bool ok = false;
-    const qint32 šifra = polje->text().trimmed().toInt(&ok);
+    const qint32 code = polje->text().trimmed().toInt(&ok);
     std::optional<Partner> p;
     if (ok)
-        p = (partner ? *hostServices().partners : *hostServices().shops).find(šifra);
+        p = (partner ? *hostServices().partners : *hostServices().shops).find(code);
     naziv->setText(p ? p->ImeKomit1 : QString());
 }
 
-gen::Parametri frmGenPrihRashDB::parametri() const
+generate::Parametri frmGenPrihRashDB::parametri() const
 {
-    gen::Parametri p;
+    generate::Parametri p;
     p.vrsta = m_vrsta;
     p.od = dpDatum->date();
     p.doDatuma = dpDatum1->date();
     p.brojPoduzeca = session().BrojPoduzeca;
     p.godina = session().RadnaGodina;
     p.orgJed = txtOrgJed->text();
-    p.dobavljač = txtKomit->text();
-    p.skladište = txtSkladište->text();
+    p.supplier = txtKomit->text();
+    p.shop = txtSkladište->text();
     p.prima = txtPrima->text();
-    p.operater = gen::imeOperateraSustava();
+    p.operater = generate::imeOperateraSustava();
     return p;
 }
 
 std::optional<QString> frmGenPrihRashDB::lozinka()
 {
-    if (izvor().ugrađena())
+    if (izvor().embedded())
         return QString();
     if (!txtLozinka->text().isEmpty())
         return txtLozinka->text();
-    if (std::optional<QString> spremljena = gen::passwordStore().pročitaj(gen::ključLozinke()))
+    if (std::optional<QString> spremljena = generate::passwordStore().read(generate::passwordKey()))
         return spremljena;
     warn(QStringLiteral("Upišite lozinku korisnika sa za server ") + izvor().server + u'!');
     txtLozinka->setFocus();
@@ -293,10 +291,10 @@ std::optional<QString> frmGenPrihRashDB::lozinka()
 
 void frmGenPrihRashDB::OKButton_Click()
 {
-    if (!gen::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
+    if (!generate::valjanaVrsta(m_vrsta) || !typedDatesHold(this))
         return;
-    gen::Parametri p = parametri();
-    const gen::Check check = gen::provjeri(p);
+    generate::Parametri p = parametri();
+    const generate::Check check = generate::provjeri(p);
     if (!check.refusal.isEmpty()) {
         warn(check.refusal);
         return;
@@ -304,26 +302,26 @@ void frmGenPrihRashDB::OKButton_Click()
     if (!check.question.isEmpty()
         && interaction().show({ check.question, {}, Icon::Question, Buttons::YesNo, Answer::No }) != Answer::Yes)
         return;
-    const gen::OpisVrste& o = gen::opisVrste(m_vrsta);
+    const generate::OpisVrste& o = generate::opisVrste(m_vrsta);
     const QString app = settings::sharedApplication();
     settings::setText(app, settings::section(), o.kljucServera, izvor().server);
     settings::setText(app, settings::section(), o.kljucBaze, izvor().baza);
     const std::optional<QString> sa = lozinka();
     if (!sa)
         return;
-    p.izvor = gen::vezaIzvora(izvor(), *sa);
-    const gen::Rezultat r = gen::generiraj(p);
+    p.izvor = generate::vezaIzvora(izvor(), *sa);
+    const generate::Rezultat r = generate::generiraj(p);
     tell(r.poruka);
     m_zapisano += r.zapisano;
     // A typed password is kept once the server took it.
-    if (r.izvorOtvoren && !izvor().ugrađena() && !txtLozinka->text().isEmpty()) {
-        gen::passwordStore().spremi(gen::ključLozinke(), txtLozinka->text());
+    if (r.izvorOtvoren && !izvor().embedded() && !txtLozinka->text().isEmpty()) {
+        generate::passwordStore().write(generate::passwordKey(), txtLozinka->text());
         txtLozinka->clear();
         m_imaLozinku.reset();
-        prikažiIzvor();
+        showSource();
     }
     if (r.zapisano > 0)
         accept();
 }
 
-} // namespace knjige
+} // namespace knjige::generate

@@ -12,12 +12,12 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-namespace knjige
+namespace knjige::generate
 {
 
 // The generator of the DB income and expense book: collects the date range, the
 // source database and the kind's filter (organisational unit, supplier, warehouse or
-// shop and receiver) and runs one generation (gen::generiraj) on OKButton. The
+// shop and receiver) and runs one generation (generiraj) on OKButton. The
 // browser sets the kind with setVrsta, shows the dialog modally through the
 // interaction seam and reloads when it closes.
 //
@@ -35,7 +35,7 @@ public:
     void setVrsta(int vrsta);
     int Vrsta() const { return m_vrsta; }
     // The run's values as the fields hold them now.
-    gen::Parametri parametri() const;
+    generate::Parametri parametri() const;
     // The entries the last run wrote.
     int zapisano() const { return m_zapisano; }
 
@@ -56,11 +56,11 @@ public:
 private:
     void napraviKontrole();
     void OKButton_Click();
-    void prikažiIzvor();
+    void showSource();
     void izaberiDatoteku();
-    void izaberi(bool dobavljač);
-    void prikažiNaziv(QLineEdit* polje, QLabel* naziv, bool partner);
-    gen::IzvorPodataka izvor() const;
+    void izaberi(bool supplier);
+    void showName(QLineEdit* polje, QLabel* naziv, bool partner);
+    generate::IzvorPodataka izvor() const;
     // The password for the source; nothing when one is needed and none is known
     // (the person is told).
     std::optional<QString> lozinka();
@@ -74,14 +74,14 @@ private:
     QLabel* m_lblLozinka = nullptr;
     QPushButton* m_cmdBaza = nullptr;
     QList<QWidget*> m_orgJed;
-    QList<QWidget*> m_dobavljač;
-    QList<QWidget*> m_skladište;
+    QList<QWidget*> m_supplier;
+    QList<QWidget*> m_shop;
     QLabel* m_lblKomit = nullptr;
-    QLabel* m_lblSkladište = nullptr;
+    QLabel* m_lblShop = nullptr;
     QLabel* m_lblPrima = nullptr;
     QLabel* m_nazivKomit = nullptr;
-    QLabel* m_nazivSkladište = nullptr;
+    QLabel* m_shopName = nullptr;
     QLabel* m_nazivPrima = nullptr;
 };
 
-} // namespace knjige
+} // namespace knjige::generate

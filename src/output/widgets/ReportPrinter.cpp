@@ -20,7 +20,7 @@
 #include <QTimer>
 #include <algorithm>
 
-namespace knjige
+namespace knjige::output
 {
 namespace
 {
@@ -62,7 +62,7 @@ struct ReportPrinter::Metrics {
     qreal width(int column) const { return x[column + 1] - x[column] - 2 * pad; }
 };
 
-ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, const ResultSet& rows)
+ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, const db::ResultSet& rows)
     : m_layout(std::move(layout))
     , m_header(std::move(header))
     , m_rows(rows)
@@ -72,7 +72,7 @@ ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, const
         m_error = QStringLiteral("knjiga nema izgleda za ispis");
 }
 
-ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, ResultSet&& rows)
+ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, db::ResultSet&& rows)
     : m_layout(std::move(layout))
     , m_header(std::move(header))
     , m_ownRows(std::move(rows))
@@ -378,7 +378,7 @@ void ReportPrinter::paintSums(QPainter& p, const QString& label, const QVector<M
     p.drawLine(QPointF(m.x.first(), y), QPointF(m.x.last(), y));
     m.bold.draw(p, QPointF(m.x[0] + m.pad, y + (m.line - m.bold.lineSpacing()) / 2 + m.bold.ascent()), label);
     for (int i = 0; i < summed.size() && i < sums.size(); ++i)
-        paintCell(p, m.bold, formatMoney(sums[i], m.locale), summed[i], true, y);
+        paintCell(p, m.bold, browser::formatMoney(sums[i], m.locale), summed[i], true, y);
     p.drawLine(QPointF(m.x.first(), y + m.line), QPointF(m.x.last(), y + m.line));
 }
 
@@ -470,8 +470,8 @@ void ReportPrinter::preview(QWidget* parent)
     // The printer dialog's "print to file" may name the database; its painter would
     // truncate the file the moment it begins.
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [this, &dialog](QPrinter* target) {
-        if (target->outputFormat() == QPrinter::PdfFormat && isOpenDatabaseFile(target->outputFileName())) {
-            warn(failureText(openDatabaseRefusal(target->outputFileName())));
+        if (target->outputFormat() == QPrinter::PdfFormat && db::isOpenDatabaseFile(target->outputFileName())) {
+            warn(failureText(db::openDatabaseRefusal(target->outputFileName())));
             return;
         }
         // Pages for the screen may be given up (the preview closes); a job for the
@@ -487,4 +487,4 @@ void ReportPrinter::preview(QWidget* parent)
     interaction().exec(dialog);
 }
 
-} // namespace knjige
+} // namespace knjige::output

@@ -18,9 +18,13 @@ class QWidget;
 
 namespace knjige
 {
+class Progress;
+} // namespace knjige
+
+namespace knjige::output
+{
 
 class GlyphText;
-class Progress;
 
 // Prints one report on paper or into a PDF file: the header, the numbered column
 // headings on every page, the rows with their texts wrapped whole into their columns,
@@ -37,9 +41,9 @@ class Progress;
 class ReportPrinter
 {
 public:
-    ReportPrinter(report::Layout layout, report::Header header, const ResultSet& rows);
+    ReportPrinter(report::Layout layout, report::Header header, const db::ResultSet& rows);
     // The same over rows of its own (a report read just for printing).
-    ReportPrinter(report::Layout layout, report::Header header, ResultSet&& rows);
+    ReportPrinter(report::Layout layout, report::Header header, db::ResultSet&& rows);
     ~ReportPrinter();
     ReportPrinter(const ReportPrinter&) = delete;
     ReportPrinter& operator=(const ReportPrinter&) = delete;
@@ -88,8 +92,8 @@ private:
     report::Layout m_layout;
     report::Header m_header;
     report::BroughtForward m_forward;
-    std::optional<ResultSet> m_ownRows;
-    const ResultSet& m_rows;
+    std::optional<db::ResultSet> m_ownRows;
+    const db::ResultSet& m_rows;
     std::optional<report::BoundLayout> m_bound;
     QString m_error;
     std::unique_ptr<Metrics> m_m;
@@ -105,4 +109,4 @@ private:
     mutable WrappedRow m_lastRow;
 };
 
-} // namespace knjige
+} // namespace knjige::output

@@ -5,7 +5,7 @@
 #include <QPaintDevice>
 #include <QPainter>
 
-namespace knjige
+namespace knjige::output
 {
 
 GlyphText::GlyphText(const QFont& font, const QPaintDevice& device)
@@ -143,4 +143,4 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
     return lines;
 }
 
-} // namespace knjige
+} // namespace knjige::output

@@ -13,7 +13,7 @@ class QPainter;
 class QPaintDevice;
 class QPointF;
 
-namespace knjige
+namespace knjige::output
 {
 
 // Text set straight from a font's glyph table, without shaping: the cells of a long
@@ -60,4 +60,4 @@ private:
 QStringList wrapText(
     const QString& text, qreal width, const GlyphText& font, int maxLines = std::numeric_limits<int>::max());
 
-} // namespace knjige
+} // namespace knjige::output

@@ -16,7 +16,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-namespace knjige
+namespace knjige::output
 {
 
 using namespace output;
@@ -54,7 +54,7 @@ QPushButton* button(const QString& name, const QString& caption)
 
 } // namespace
 
-frmOfficeExportPost::frmOfficeExportPost(const ResultSet& rows, QWidget* parent)
+frmOfficeExportPost::frmOfficeExportPost(const db::ResultSet& rows, QWidget* parent)
     : QDialog(parent)
     , m_rows(rows)
 {
@@ -183,8 +183,8 @@ bool frmOfficeExportPost::PrebaciPodatke()
         warn(failureText(name + QStringLiteral(" je mapa, a ne datoteka.")), windowTitle());
         return false;
     }
-    if (isOpenDatabaseFile(name)) {
-        warn(failureText(openDatabaseRefusal(name)), windowTitle());
+    if (db::isOpenDatabaseFile(name)) {
+        warn(failureText(db::openDatabaseRefusal(name)), windowTitle());
         return false;
     }
     // The system's own words would name the failure in English only once writing began.
@@ -261,4 +261,4 @@ void frmOfficeExportPost::Lokacija()
         txtLokacijaEXE->setText(QDir::toNativeSeparators(chosen));
 }
 
-} // namespace knjige
+} // namespace knjige::output

@@ -9,10 +9,13 @@ class QComboBox;
 class QLineEdit;
 class QPushButton;
 
-namespace knjige
+namespace knjige::db
 {
-
 class ResultSet;
+} // namespace knjige::db
+
+namespace knjige::output
+{
 
 // Writes the rows the browser shows (its result set, filter and order in force) into
 // a delimited text file for office programs, and can start a program on the file.
@@ -24,7 +27,7 @@ class frmOfficeExportPost final : public QDialog
 {
     Q_OBJECT
 public:
-    explicit frmOfficeExportPost(const ResultSet& rows, QWidget* parent = nullptr);
+    explicit frmOfficeExportPost(const db::ResultSet& rows, QWidget* parent = nullptr);
 
     // cmdPrebaciPodatke: the checks, the overwrite question, the file, the program,
     // the report. True when the file was written; the dialog then closes.
@@ -57,7 +60,7 @@ private:
     bool upisi(const QString& name, output::ExportResult* result) const;
     void pokreniProgram(const QString& name) const;
 
-    const ResultSet& m_rows;
+    const db::ResultSet& m_rows;
 };
 
-} // namespace knjige
+} // namespace knjige::output

@@ -17,7 +17,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace knjige
+namespace knjige::output
 {
 namespace
 {
@@ -120,8 +120,8 @@ void frmPrikazTeksta::SpremiTekst()
     const QString path = interaction().chooseSaveFile(choice);
     if (path.isEmpty())
         return;
-    if (isOpenDatabaseFile(path)) {
-        warn(openDatabaseRefusal(path), windowTitle());
+    if (db::isOpenDatabaseFile(path)) {
+        warn(db::openDatabaseRefusal(path), windowTitle());
         return;
     }
     if (QFileInfo::exists(path)) {
@@ -148,4 +148,4 @@ void useTextViewerForLongTexts()
     });
 }
 
-} // namespace knjige
+} // namespace knjige::output

@@ -7,7 +7,7 @@ class QLabel;
 class QPlainTextEdit;
 class QPushButton;
 
-namespace knjige
+namespace knjige::output
 {
 
 // The viewer of long texts: a message that does not fit a message box, optionally
@@ -48,4 +48,4 @@ private:
 // installs the real seam calls it first.
 void useTextViewerForLongTexts();
 
-} // namespace knjige
+} // namespace knjige::output

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <algorithm>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -135,4 +135,4 @@ bool rewriteNumbers(Database& db, const NumberTarget& target, const ResultSet& r
     return true;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace knjige
+namespace knjige::db
 {
 
 // Where many rows of one table take new values of one integer column: the rows that
@@ -41,4 +41,4 @@ bool remapNumbers(Database& db, const NumberTarget& target, const std::vector<st
 bool rewriteNumbers(Database& db, const NumberTarget& target, const ResultSet& rows,
     const std::vector<std::optional<qint64>>& newValues, QString* error);
 
-} // namespace knjige
+} // namespace knjige::db

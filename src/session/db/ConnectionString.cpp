@@ -7,7 +7,7 @@
 #include <QVector>
 #include <optional>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -587,4 +587,4 @@ QStringList sqlServerSessionSetup()
     return { QStringLiteral("SET DATEFORMAT mdy"), QStringLiteral("SET NOCOUNT ON") };
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace knjige
+namespace knjige::db
 {
 
 // Where a connection string leads. The host hands over ADO-style strings
@@ -43,4 +43,4 @@ QString connectionValue(const QString& text, const QString& key);
 // The statements run once on every new SQL Server connection.
 QStringList sqlServerSessionSetup();
 
-} // namespace knjige
+} // namespace knjige::db

@@ -5,7 +5,7 @@
 
 #include <limits>
 
-namespace knjige
+namespace knjige::db
 {
 
 Database::Database() = default;
@@ -229,4 +229,4 @@ bool Database::executeNative(const QString& sql, int* rowsAffected)
     return true;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -11,7 +11,7 @@
 #include <optional>
 #include <utility>
 
-namespace knjige
+namespace knjige::db
 {
 
 class DatabaseBackend;
@@ -136,4 +136,4 @@ private:
     bool m_active;
 };
 
-} // namespace knjige
+} // namespace knjige::db

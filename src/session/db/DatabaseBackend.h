@@ -6,7 +6,7 @@
 #include <QVariantList>
 #include <memory>
 
-namespace knjige
+namespace knjige::db
 {
 
 // What a database engine must do for the helper. A backend reports failures by
@@ -60,4 +60,4 @@ BoundStatement rowStatement(const RowChange& change, SqlDialect dialect);
 // its scope (see Database::insertUnderFreeNumber).
 BoundStatement insertIfFreeStatement(const RowChange& change, const NumberSlot& slot, SqlDialect dialect);
 
-} // namespace knjige
+} // namespace knjige::db

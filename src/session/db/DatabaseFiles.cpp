@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <mutex>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -100,4 +100,4 @@ QString openDatabaseRefusal(const QString& path)
         .arg(QDir::toNativeSeparators(path));
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace knjige
+namespace knjige::db
 {
 
 // The embedded database files this process holds open, so that no output (an export,
@@ -20,4 +20,4 @@ bool isOpenDatabaseFile(const QString& path);
 // The message that refuses such a path, in the program's words.
 QString openDatabaseRefusal(const QString& path);
 
-} // namespace knjige
+} // namespace knjige::db

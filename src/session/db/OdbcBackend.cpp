@@ -12,7 +12,7 @@
 #include <QSqlRecord>
 #include <atomic>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -279,4 +279,4 @@ std::unique_ptr<DatabaseBackend> openOdbcBackend(const QString& odbcConnectionSt
     return backend;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace knjige
+namespace knjige::db
 {
 
 // The field type of a result column from the ODBC driver's description of it: the
@@ -18,4 +18,4 @@ FieldType odbcFieldType(int sqlType, int columnSize, int decimalDigits);
 // any other, so a "DSN=name;..." string loses its own key. It ends with a ';'.
 QString qodbcDatabaseName(const QString& odbcConnectionString);
 
-} // namespace knjige
+} // namespace knjige::db

@@ -2,7 +2,7 @@
 
 #include "session/db/Database.h"
 
-namespace knjige
+namespace knjige::db
 {
 
 ReadAside::ReadAside(Database& db, const QString& connection, QString sql)
@@ -49,4 +49,4 @@ bool ReadAside::wait(ResultSet& rows, QString* error)
     return true;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -6,7 +6,7 @@
 #include <QString>
 #include <future>
 
-namespace knjige
+namespace knjige::db
 {
 
 // A SELECT read on a connection and in a thread of its own while the caller goes on
@@ -38,4 +38,4 @@ private:
     std::future<Outcome> m_future;
 };
 
-} // namespace knjige
+} // namespace knjige::db

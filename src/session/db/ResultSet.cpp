@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace knjige
+namespace knjige::db
 {
 
 QString fieldTypeName(FieldType type)
@@ -528,4 +528,4 @@ void ResultSet::permute(const std::vector<int>& order)
     }
 }
 
-} // namespace knjige
+} // namespace knjige::db

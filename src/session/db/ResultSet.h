@@ -11,7 +11,7 @@
 #include <QVector>
 #include <vector>
 
-namespace knjige
+namespace knjige::db
 {
 
 // The data types a field can have, as SQL Server would type the column.
@@ -144,4 +144,4 @@ private:
     int m_rows = 0;
 };
 
-} // namespace knjige
+} // namespace knjige::db

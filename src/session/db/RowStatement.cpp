@@ -3,7 +3,7 @@
 #include <QDate>
 #include <QStringList>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -115,4 +115,4 @@ BoundStatement insertIfFreeStatement(const RowChange& change, const NumberSlot& 
     return st;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -21,7 +21,7 @@
 #include <optional>
 #include <sqlite3.h>
 
-namespace knjige
+namespace knjige::db
 {
 namespace
 {
@@ -670,4 +670,4 @@ std::unique_ptr<DatabaseBackend> openSqliteBackend(const QString& path, bool cre
     return backend;
 }
 
-} // namespace knjige
+} // namespace knjige::db

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace knjige
+namespace knjige::db
 {
 
 // SQLite keeps its file locks as POSIX record locks, which belong to the process: the
@@ -13,4 +13,4 @@ namespace knjige
 // nothing when SQLite already holds locks in this process (they could not be moved).
 void keepSqliteLocksThroughForeignCloses();
 
-} // namespace knjige
+} // namespace knjige::db

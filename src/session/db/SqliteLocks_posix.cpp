@@ -15,7 +15,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace knjige
+namespace knjige::db
 {
 
 #if defined(F_OFD_SETLK) && defined(F_OFD_GETLK) && defined(F_OFD_SETLKW)
@@ -205,4 +205,4 @@ void keepSqliteLocksThroughForeignCloses() { }
 
 #endif
 
-} // namespace knjige
+} // namespace knjige::db

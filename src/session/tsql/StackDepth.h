@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace knjige
+namespace knjige::tsql
 {
 
 // Bytes of the calling thread's stack still free below the caller's frame. Recursive
@@ -11,4 +11,4 @@ namespace knjige
 // very large number when the platform cannot tell.
 std::size_t stackLeft();
 
-} // namespace knjige
+} // namespace knjige::tsql

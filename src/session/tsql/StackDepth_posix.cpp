@@ -4,7 +4,7 @@
 #include <limits>
 #include <pthread.h>
 
-namespace knjige
+namespace knjige::tsql
 {
 namespace
 {
@@ -44,4 +44,4 @@ std::size_t stackLeft()
     return here > low ? std::size_t(here - low) : 0;
 }
 
-} // namespace knjige
+} // namespace knjige::tsql

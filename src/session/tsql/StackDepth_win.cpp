@@ -3,7 +3,7 @@
 #include <intrin.h>
 #include <windows.h>
 
-namespace knjige
+namespace knjige::tsql
 {
 
 std::size_t stackLeft()
@@ -17,4 +17,4 @@ std::size_t stackLeft()
     return here > low ? std::size_t(here - low) : 0;
 }
 
-} // namespace knjige
+} // namespace knjige::tsql
