@@ -290,7 +290,7 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
     if (last && m_layout.signature)
         paintSignature(p, y + m.line);
     paintFoot(index);
-    for (const GlyphText* font : { &m.text, &m.bold, &m.heading, &m.number, &m.foot })
+    for (const GlyphText* font : { &m.heading, &m.number, &m.text, &m.bold, &m.foot })
         font->flush(p);
     paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
 }
@@ -308,11 +308,13 @@ void ReportPrinter::paintCell(
         font.add(QPointF(right ? m.x[column + 1] - m.pad - w : m.x[column] + m.pad, baseline), text);
         return;
     }
-    p.save();
+    // The transform alone is put back: a whole restore of the painter makes the PDF
+    // writer state its pen again.
+    const QTransform before = p.worldTransform();
     p.translate(m.x[column] + m.pad, baseline);
     p.scale(room / w, 1);
     font.draw(p, QPointF(0, 0), text);
-    p.restore();
+    p.setWorldTransform(before);
 }
 
 // The head of a page; with no painter only its height. The first page carries the

@@ -51,7 +51,7 @@ void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text)
     for (QChar c : text) {
         const Glyph& g = glyph(c.unicode());
         indexes << g.index;
-        positions << QPointF(x, 0);
+        positions << QPointF(std::round(x), 0);
         x += g.advance;
     }
     QGlyphRun run;
