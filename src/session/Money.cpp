@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace knjige
@@ -131,12 +132,23 @@ QString Money::toDisplayString(QChar groupSeparator, QChar decimalMark) const
     const quint64 m = magnitude(m_units);
     const quint64 a = (m / 100 + (m % 100 >= 50 ? 1 : 0));
     const bool negative = m_units < 0 && a != 0;
-    QString whole = QString::number(a / 100);
-    for (qsizetype i = whole.size() - 3; i > 0; i -= 3)
-        whole.insert(i, groupSeparator);
-    return QStringLiteral("%1%2%3%4")
-        .arg(negative ? QStringLiteral("-") : QString(), whole, QString(decimalMark))
-        .arg(a % 100, 2, 10, QLatin1Char('0'));
+    // Written from the right into one buffer: a printed book shows hundreds of
+    // thousands of amounts. Twenty digits, six marks between their groups, the
+    // decimal mark, two decimals and a sign fit in 30.
+    char16_t text[32];
+    qsizetype at = std::size(text);
+    text[--at] = char16_t(u'0' + a % 10);
+    text[--at] = char16_t(u'0' + a / 10 % 10);
+    text[--at] = decimalMark.unicode();
+    quint64 whole = a / 100;
+    for (int digits = 0; digits == 0 || whole > 0; ++digits, whole /= 10) {
+        if (digits > 0 && digits % 3 == 0)
+            text[--at] = groupSeparator.unicode();
+        text[--at] = char16_t(u'0' + whole % 10);
+    }
+    if (negative)
+        text[--at] = u'-';
+    return QString(reinterpret_cast<const QChar*>(text + at), std::size(text) - at);
 }
 
 Money Money::fraction(qint64 numerator, qint64 denominator) const

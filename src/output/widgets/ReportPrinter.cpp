@@ -2,6 +2,7 @@
 
 #include "browser/BookModel.h"
 #include "output/OutputFile.h"
+#include "output/widgets/PrintMemory.h"
 #include "output/widgets/ReportText.h"
 #include "session/Failure.h"
 #include "session/Interaction.h"
@@ -225,6 +226,7 @@ int ReportPrinter::paint(QPagedPaintDevice& device, bool cancellable)
     if (m_cancelled)
         return 0;
     progress->restart(QStringLiteral("Ispis: stranica %1 od %2"), m_pages.size());
+    const KeptFreedMemory kept;
     QPainter p;
     if (!p.begin(&device))
         return 0;
@@ -285,12 +287,12 @@ void ReportPrinter::paintPage(QPainter& p, int index) const
             paintSums(p, m_forward.totalLabel, page.carried, y);
         }
     }
-    m.text.flush(p);
-    m.bold.flush(p);
-    paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
     if (last && m_layout.signature)
         paintSignature(p, y + m.line);
-    paintFoot(p, index);
+    paintFoot(index);
+    for (const GlyphText* font : { &m.heading, &m.number, &m.text, &m.bold, &m.foot })
+        font->flush(p);
+    paintRules(p, { top, headingsBottom, rowsTop, y, y + m.line });
 }
 
 // One line of a cell, its top at `y`. Texts were wrapped to fit; a number wider than
@@ -306,11 +308,13 @@ void ReportPrinter::paintCell(
         font.add(QPointF(right ? m.x[column + 1] - m.pad - w : m.x[column] + m.pad, baseline), text);
         return;
     }
-    p.save();
+    // The transform alone is put back: a whole restore of the painter makes the PDF
+    // writer state its pen again.
+    const QTransform before = p.worldTransform();
     p.translate(m.x[column] + m.pad, baseline);
     p.scale(room / w, 1);
     font.draw(p, QPointF(0, 0), text);
-    p.restore();
+    p.setWorldTransform(before);
 }
 
 // The head of a page; with no painter only its height. The first page carries the
@@ -359,11 +363,11 @@ qreal ReportPrinter::paintHeadings(QPainter& p, qreal y) const
         qreal top = numbersTop - m.pad - lines.size() * m.heading.lineSpacing();
         for (const QString& l : lines) {
             const qreal x = (m.x[c] + m.x[c + 1] - m.heading.width(l)) / 2;
-            m.heading.draw(p, QPointF(x, top + m.heading.ascent()), l);
+            m.heading.add(QPointF(x, top + m.heading.ascent()), l);
             top += m.heading.lineSpacing();
         }
         const QString& n = m_layout.columns[c].number;
-        m.number.draw(p, QPointF((m.x[c] + m.x[c + 1] - m.number.width(n)) / 2, numbersTop + m.number.ascent()), n);
+        m.number.add(QPointF((m.x[c] + m.x[c + 1] - m.number.width(n)) / 2, numbersTop + m.number.ascent()), n);
     }
     p.drawLine(QPointF(m.x.first(), numbersTop), QPointF(m.x.last(), numbersTop));
     const qreal bottom = y + m.headingsHeight;
@@ -376,7 +380,7 @@ void ReportPrinter::paintSums(QPainter& p, const QString& label, const QVector<M
     const Metrics& m = *m_m;
     const QVector<int>& summed = m_bound->summed();
     p.drawLine(QPointF(m.x.first(), y), QPointF(m.x.last(), y));
-    m.bold.draw(p, QPointF(m.x[0] + m.pad, y + (m.line - m.bold.lineSpacing()) / 2 + m.bold.ascent()), label);
+    m.bold.add(QPointF(m.x[0] + m.pad, y + (m.line - m.bold.lineSpacing()) / 2 + m.bold.ascent()), label);
     for (int i = 0; i < summed.size() && i < sums.size(); ++i)
         paintCell(p, m.bold, browser::formatMoney(sums[i], m.locale), summed[i], true, y);
     p.drawLine(QPointF(m.x.first(), y + m.line), QPointF(m.x.last(), y + m.line));
@@ -410,22 +414,22 @@ void ReportPrinter::paintSignature(QPainter& p, qreal y) const
     const qreal rule = y + 2.5 * m.line; // the lines written on
     const qreal baseline = rule - m.pad;
     const QString date = QStringLiteral("Datum:");
-    m.text.draw(p, QPointF(0, baseline), date);
+    m.text.add(QPointF(0, baseline), date);
     p.drawLine(QPointF(m.text.width(date) + m.pad, rule), QPointF(width * 0.28, rule));
     const QString stamp = QStringLiteral("M.P.");
-    m.bold.draw(p, QPointF((width - m.bold.width(stamp)) / 2, baseline), stamp);
+    m.bold.add(QPointF((width - m.bold.width(stamp)) / 2, baseline), stamp);
     p.drawLine(QPointF(width * 0.64, rule), QPointF(width, rule));
     const QString caption = QStringLiteral("Potpis odgovorne osobe");
-    m.foot.draw(p, QPointF(width * 0.82 - m.foot.width(caption) / 2, rule + m.pad + m.foot.ascent()), caption);
+    m.foot.add(QPointF(width * 0.82 - m.foot.width(caption) / 2, rule + m.pad + m.foot.ascent()), caption);
 }
 
-void ReportPrinter::paintFoot(QPainter& p, int index) const
+void ReportPrinter::paintFoot(int index) const
 {
     const Metrics& m = *m_m;
     const qreal baseline = m.page.bottom() - m.foot.lineSpacing() + m.foot.ascent();
-    m.foot.draw(p, QPointF(0, baseline), report::printedLine(m_header.printed, m_header.operatorName));
+    m.foot.add(QPointF(0, baseline), report::printedLine(m_header.printed, m_header.operatorName));
     const QString page = report::pageLine(index + 1, int(m_pages.size()));
-    m.foot.draw(p, QPointF(m.page.width() - m.foot.width(page), baseline), page);
+    m.foot.add(QPointF(m.page.width() - m.foot.width(page), baseline), page);
 }
 
 bool ReportPrinter::writePdf(const QString& path, QString* error)

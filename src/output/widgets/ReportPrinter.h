@@ -86,7 +86,7 @@ private:
         qreal top, headingsBottom, rowsTop, rowsBottom, bottom;
     };
     void paintRules(QPainter& p, const Rules& at) const;
-    void paintFoot(QPainter& p, int index) const;
+    void paintFoot(int index) const;
     void paintSignature(QPainter& p, qreal y) const;
 
     report::Layout m_layout;

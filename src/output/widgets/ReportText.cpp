@@ -4,6 +4,7 @@
 #include <QGlyphRun>
 #include <QPaintDevice>
 #include <QPainter>
+#include <cmath>
 
 namespace knjige::output
 {
@@ -50,7 +51,7 @@ void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text)
     for (QChar c : text) {
         const Glyph& g = glyph(c.unicode());
         indexes << g.index;
-        positions << QPointF(x, 0);
+        positions << QPointF(std::round(x), 0);
         x += g.advance;
     }
     QGlyphRun run;
@@ -62,11 +63,18 @@ void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text)
 
 void GlyphText::add(const QPointF& origin, QStringView text) const
 {
+    // The PDF writer gives every glyph its own position, written out in full and then
+    // compressed: a whole device unit (1/1200 inch on a PDF) is written in two or
+    // three digits where a fraction took ten, and a blank, which leaves no mark, is
+    // left out (text extraction reads a word's end from the gap).
+    const qreal y = std::round(origin.y());
     qreal x = origin.x();
     for (QChar c : text) {
         const Glyph& g = glyph(c.unicode());
-        m_keptIndexes << g.index;
-        m_keptPositions << QPointF(x, origin.y());
+        if (c != u' ') {
+            m_keptIndexes << g.index;
+            m_keptPositions << QPointF(std::round(x), y);
+        }
         x += g.advance;
     }
 }
