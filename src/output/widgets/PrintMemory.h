@@ -1,6 +1,6 @@
 #pragma once
 
-namespace knjige
+namespace knjige::output
 {
 
 // While it lives, memory the process frees stays with it rather than going back to
@@ -17,4 +17,4 @@ public:
     KeptFreedMemory& operator=(const KeptFreedMemory&) = delete;
 };
 
-} // namespace knjige
+} // namespace knjige::output

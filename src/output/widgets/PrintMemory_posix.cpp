@@ -7,7 +7,7 @@
 #include <malloc.h>
 #endif
 
-namespace knjige
+namespace knjige::output
 {
 #if defined(__GLIBC__)
 namespace
@@ -42,4 +42,4 @@ KeptFreedMemory::KeptFreedMemory() = default;
 KeptFreedMemory::~KeptFreedMemory() = default;
 #endif
 
-} // namespace knjige
+} // namespace knjige::output

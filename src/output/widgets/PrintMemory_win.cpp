@@ -1,10 +1,10 @@
 // Left to the Windows heap as it stands: no setting of it is known to pay here.
 #include "output/widgets/PrintMemory.h"
 
-namespace knjige
+namespace knjige::output
 {
 
 KeptFreedMemory::KeptFreedMemory() = default;
 KeptFreedMemory::~KeptFreedMemory() = default;
 
-} // namespace knjige
+} // namespace knjige::output
