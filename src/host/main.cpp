@@ -8,6 +8,7 @@
 #include "host/ExportCommand.h"
 #include "host/HostWindows.h"
 #include "host/PrintCommand.h"
+#include "output/widgets/PrintMemory.h"
 #include "session/Workstation.h"
 
 #include <QApplication>
@@ -93,6 +94,8 @@ int main(int argc, char** argv)
         if (const int refused = knjige::host::prepareWindowSystem(rest))
             return refused;
     }
+    // This process is ours: printing may keep the memory it frees until the end.
+    knjige::output::KeptFreedMemory::allowInThisProcess();
     const auto app = makeApplication(argc, argv, command && command->windows);
     QCoreApplication::setApplicationName(QStringLiteral("knjige"));
     // Qt's own dialogs (printing, page setup, file choosers) in the workstation's language.

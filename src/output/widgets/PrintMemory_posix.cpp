@@ -2,6 +2,7 @@
 // their own ways.
 #include "output/widgets/PrintMemory.h"
 
+#include <atomic>
 #include <cstdlib> // defines __GLIBC__ where it is that library
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -12,6 +13,8 @@ namespace knjige::output
 #if defined(__GLIBC__)
 namespace
 {
+
+std::atomic<bool> allowed { false };
 
 // The library's defaults; setting them once leaves its own adjustment of them off,
 // which is how a process that never printed runs as well, bar the first large block.
@@ -25,19 +28,30 @@ constexpr int kNeverTrim = 1 << 30;
 
 } // namespace
 
-KeptFreedMemory::KeptFreedMemory()
+void KeptFreedMemory::allowInThisProcess()
 {
+    allowed = true;
+}
+
+KeptFreedMemory::KeptFreedMemory()
+    : m_active(allowed)
+{
+    if (!m_active)
+        return;
     mallopt(M_MMAP_THRESHOLD, kLargestMapThreshold);
     mallopt(M_TRIM_THRESHOLD, kNeverTrim);
 }
 
 KeptFreedMemory::~KeptFreedMemory()
 {
+    if (!m_active)
+        return;
     mallopt(M_TRIM_THRESHOLD, kDefaultThreshold);
     mallopt(M_MMAP_THRESHOLD, kDefaultThreshold);
     malloc_trim(0);
 }
 #else
+void KeptFreedMemory::allowInThisProcess() { }
 KeptFreedMemory::KeptFreedMemory() = default;
 KeptFreedMemory::~KeptFreedMemory() = default;
 #endif

@@ -4,6 +4,7 @@
 namespace knjige::output
 {
 
+void KeptFreedMemory::allowInThisProcess() { }
 KeptFreedMemory::KeptFreedMemory() = default;
 KeptFreedMemory::~KeptFreedMemory() = default;
 
