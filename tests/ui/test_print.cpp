@@ -17,6 +17,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QImage>
+#include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
@@ -175,17 +176,31 @@ TEST(ReportText, TextsWrapWholeWithinTheirColumn)
         QString text;
         qsizetype lines;
     };
+    // Characters outside the 16-bit range (the font's own, and one it lacks) are
+    // measured whole and never split between lines.
+    const QString astral = QString::fromUtf8("Šećer😀𝐀").repeated(25);
     for (const Case& c : { Case { unbroken, (kUnbroken + 29) / 30 }, Case { words, 0 },
-             Case { "ab " + unbroken + " cd", 1 + (kUnbroken + 29) / 30 } }) {
+             Case { "ab " + unbroken + " cd", 1 + (kUnbroken + 29) / 30 }, Case { astral, 0 } }) {
         const QStringList lines = output::wrapText(c.text, width, font);
         if (c.lines)
             EXPECT_EQ(lines.size(), c.lines);
         else
             EXPECT_GT(lines.size(), 1);
         for (const QString& line : lines)
-            EXPECT_TRUE(font.width(line) <= width && line == line.trimmed()) << line.toStdString();
+            EXPECT_TRUE(font.width(line) <= width && line == line.trimmed() && !line.front().isLowSurrogate())
+                << line.toStdString();
         EXPECT_EQ(lines.join(QString()).remove(u' '), QString(c.text).remove(u' '));
     }
+    // Such a character prints as itself, not as the question marks of its two halves.
+    QImage drawn[2];
+    const QString texts[2] = { QString::fromUtf8("😀"), QStringLiteral("??") };
+    for (int i = 0; i < 2; ++i) {
+        drawn[i] = QImage(60, 30, QImage::Format_RGB32);
+        drawn[i].fill(Qt::white);
+        QPainter painter(&drawn[i]);
+        font.draw(painter, QPointF(4, 24), texts[i]);
+    }
+    EXPECT_NE(drawn[0], drawn[1]);
 }
 
 TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTotals)

@@ -10,7 +10,9 @@ namespace knjige::output
 {
 
 GlyphText::GlyphText(const QFont& font, const QPaintDevice& device)
-    : m_raw(QRawFont::fromFont(font))
+    : m_font(font)
+    , m_metrics(font, &device)
+    , m_raw(QRawFont::fromFont(font))
     , m_glyphs(0x10000)
 {
     m_raw.setPixelSize(font.pointSizeF() * device.logicalDpiY() / 72.0);
@@ -18,21 +20,64 @@ GlyphText::GlyphText(const QFont& font, const QPaintDevice& device)
 
 const GlyphText::Glyph& GlyphText::glyph(char16_t c) const
 {
-    // A half of a surrogate pair has no glyph of its own: it stands as '?'.
-    if (QChar::isSurrogate(c))
-        c = u'?';
     Glyph& g = m_glyphs[c];
-    if (g.advance < 0) {
-        const QList<quint32> index = m_raw.glyphIndexesForString(QString(QChar(c)));
-        g.index = index.value(0);
-        const QList<QPointF> advance = m_raw.advancesForGlyphIndexes(QList<quint32> { g.index });
-        g.advance = advance.isEmpty() ? 0 : advance.first().x();
+    if (g.advance >= 0)
+        return g;
+    if (QChar::isSurrogate(c)) {
+        // Measured with its other half where a text holds it (advanceAt, width).
+        g.fallback = true;
+        g.advance = 0;
+        return g;
     }
+    const QList<quint32> index = m_raw.glyphIndexesForString(QString(QChar(c)));
+    g.index = index.value(0);
+    if (g.index == 0) {
+        g.fallback = true;
+        g.advance = m_metrics.horizontalAdvance(QChar(c));
+        return g;
+    }
+    const QList<QPointF> advance = m_raw.advancesForGlyphIndexes(QList<quint32> { g.index });
+    g.advance = advance.isEmpty() ? 0 : advance.first().x();
     return g;
+}
+
+qreal GlyphText::advanceAt(QStringView text, qsizetype i) const
+{
+    const QChar c = text[i];
+    if (!c.isSurrogate())
+        return glyph(c.unicode()).advance;
+    if (c.isLowSurrogate())
+        return 0; // counted with its first half
+    // A first half without its second prints as the replacement character.
+    if (i + 1 >= text.size() || !text[i + 1].isLowSurrogate())
+        return m_metrics.horizontalAdvance(QChar(0xFFFD));
+    const char32_t code = QChar::surrogateToUcs4(c, text[i + 1]);
+    auto it = m_pairAdvances.find(code);
+    if (it == m_pairAdvances.end())
+        it = m_pairAdvances.insert(code, m_metrics.horizontalAdvance(text.mid(i, 2).toString()));
+    return it.value();
+}
+
+bool GlyphText::needsFallback(QStringView text) const
+{
+    for (QChar c : text)
+        if (glyph(c.unicode()).fallback)
+            return true;
+    return false;
+}
+
+void GlyphText::drawFallback(QPainter& painter, const QPointF& origin, const QString& text) const
+{
+    const QFont kept = painter.font();
+    painter.setFont(m_font);
+    painter.drawText(origin, text);
+    painter.setFont(kept);
 }
 
 qreal GlyphText::width(QStringView text) const
 {
+    if (needsFallback(text))
+        return m_metrics.horizontalAdvance(text.toString());
     qreal w = 0;
     for (QChar c : text)
         w += glyph(c.unicode()).advance;
@@ -41,6 +86,10 @@ qreal GlyphText::width(QStringView text) const
 
 void GlyphText::draw(QPainter& painter, const QPointF& origin, QStringView text) const
 {
+    if (needsFallback(text)) {
+        drawFallback(painter, origin, text.toString());
+        return;
+    }
     // Its own run: what add() keeps is drawn by flush() alone, under the painter's
     // transform of then.
     QList<quint32> indexes;
@@ -67,6 +116,10 @@ void GlyphText::add(const QPointF& origin, QStringView text) const
     // compressed: a whole device unit (1/1200 inch on a PDF) is written in two or
     // three digits where a fraction took ten, and a blank, which leaves no mark, is
     // left out (text extraction reads a word's end from the gap).
+    if (needsFallback(text)) {
+        m_keptFallbacks.append({ origin, text.toString() });
+        return;
+    }
     const qreal y = std::round(origin.y());
     qreal x = origin.x();
     for (QChar c : text) {
@@ -81,6 +134,9 @@ void GlyphText::add(const QPointF& origin, QStringView text) const
 
 void GlyphText::flush(QPainter& painter) const
 {
+    for (const auto& [origin, text] : std::as_const(m_keptFallbacks))
+        drawFallback(painter, origin, text);
+    m_keptFallbacks.clear();
     if (m_keptIndexes.isEmpty())
         return;
     QGlyphRun run;
@@ -108,7 +164,7 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
         qsizetype j = i; // the word [i, j)
         qreal w = 0;
         for (; j < size && plain[j] != u' '; ++j)
-            w += font.advance(plain[j]);
+            w += font.advanceAt(plain, j);
         if (end > start && used + space + w <= width) {
             end = j;
             used += space + w;
@@ -122,7 +178,7 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
         start = i;
         used = 0;
         for (qsizetype k = i; k < j; ++k) {
-            const qreal a = font.advance(plain[k]);
+            const qreal a = font.advanceAt(plain, k);
             if (k > start && used + a > width && !plain[k].isLowSurrogate()) {
                 end = k;
                 takeLine();
@@ -143,8 +199,10 @@ QStringList wrapText(const QString& text, qreal width, const GlyphText& font, in
         const qreal room = width - font.width(ellipsis);
         qreal w = font.width(last);
         while (!last.isEmpty() && w > room) {
-            w -= font.advance(last.back());
-            last.chop(1);
+            // A pair of surrogates goes whole.
+            const qsizetype n = last.size() >= 2 && last.back().isLowSurrogate() ? 2 : 1;
+            w -= font.advanceAt(last, last.size() - n);
+            last.chop(n);
         }
         last = last.trimmed() + ellipsis;
     }
