@@ -173,7 +173,9 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
     const QDate mar1(2016, 3, 1), mar31(2016, 3, 31);
     const QList<std::tuple<int, QDate, int, double>> rows = { // RBroj, date, kind, amount of the DB book
         { 1, { 2016, 1, 5 }, 5, 100 }, { 2, { 2016, 2, 10 }, 9, 40 }, { 3, { 2016, 3, 3 }, 16, 15 },
-        { 4, { 2016, 3, 9 }, 14, 7.25 }, { 5, { 2016, 3, 31 }, 6, 3 }, { 6, { 2016, 4, 1 }, 5, 999 }
+        { 4, { 2016, 3, 9 }, 14, 7.25 }, { 5, { 2016, 3, 31 }, 6, 3 }, { 6, { 2016, 4, 1 }, 5, 999 },
+        { 7, { 2016, 2, 1 }, 7, 1 }, { 8, { 2016, 3, 15 }, 10, 2 }, { 9, { 2016, 3, 15 }, 11, 4 },
+        { 10, { 2016, 3, 15 }, 12, 8 }, { 11, { 2016, 3, 15 }, 13, 16 }, { 12, { 2016, 3, 15 }, 15, 32 }
     };
     for (const auto& [r, d, v, a] : rows)
         t.insert("dbo.KnjPrihRashDB",
@@ -192,11 +194,11 @@ TEST(TotalsPanel, RowsAndTotalsOnTheEmbeddedDatabase)
     const PanelRow& total = dbRows.rows[2];
     EXPECT_EQ(total.label, "Ukupno:");
     EXPECT_FALSE(total.labelBold || total.bold.contains(true));
-    // P5 100, P6 3, P8 103, P9 40, P14 7.25, P16 15, P17 = 40 + 7.25 - 15.
-    const QVector<double> expected = { 100, 3, 0, 103, 40, 0, 0, 0, 0, 7.25, 0, 15, 32.25 };
+    // Each kind its own amount; P8 = P5 + P6 + P7, P17 = P9 + ... + P15 - P16.
+    const QVector<double> expected = { 100, 3, 1, 104, 40, 2, 4, 8, 16, 7.25, 32, 15, 94.25 };
     for (int c = 0; c < expected.size(); ++c)
         EXPECT_EQ(total.values[c], Money::fromDouble(expected[c])) << c;
-    EXPECT_EQ(dbRows.rows[1].values[12], Money::fromDouble(-7.75));
+    EXPECT_EQ(dbRows.rows[1].values[12], Money::fromDouble(54.25));
 
     // The services book with no entries: SUM is NULL, shown as 0; the label and the
     // first column bold, as in the turnover book, whose second column is not.
