@@ -115,10 +115,11 @@ TEST(BookTotals, EveryBookBoldsItsFirstSumAndTheCataloguesOthers)
     }
 }
 
-TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
+TEST(BookModel, LaysTheTotalsRowsAndHeaderClicksToggleTheSortWhichSurvivesAReload)
 {
     BookModel m;
-    m.setLocale(QLocale::c());
+    QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    m.setLocale(QLocale::c()); // a locale given explicitly is taken as it is
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
     ASSERT_EQ(m.rowCount(), 6);
@@ -156,43 +157,8 @@ TEST(BookModel, LaysTheTotalsRowAboveAndBelowTheEntriesOrNoneAtAll)
     EXPECT_EQ(m.rowCount(), 4);
     EXPECT_FALSE(m.isTotalsRow(0));
     EXPECT_EQ(m.dataRow(0), 0);
-}
 
-TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
-{
-    // The second row has no date, text or quantity.
-    const ResultSet rs = test::resultSet(
-        { { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
-            { "Opis", FieldType::Text }, { "Kol", FieldType::Decimal }, { "Ok", FieldType::Boolean } },
-        { { 1234567, "-1234567.125", QDate(2016, 3, 15), "  tekst", 12.5, 1 }, { 7, "5", {}, {}, {}, 0 } });
-    BookModel m;
-    m.setBookKind(0);
-    m.setLocale(QLocale::c());
-    m.setResultSet(rs);
-    // Money half away from zero, as ROUND does; a check box shows no text.
-    EXPECT_EQ(shown(m, 0), "|1,234,567|-1,234,567.13|15.03.16|  tekst|12.50|");
-    EXPECT_EQ(shown(m, 1), "|7|5.00||||");
-    m.setLocale(QLocale(QLocale::German, QLocale::Germany));
-    EXPECT_EQ(shown(m, 0), "|1.234.567|-1.234.567,13|15.03.16|  tekst|12,50|");
-
-    const auto data = [&](int r, int c, int role) { return m.data(m.index(r, c), role); };
-    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter, left = Qt::AlignLeft | Qt::AlignVCenter;
-    const Qt::Alignment aligned[] = { right, right, left, left, right, Qt::AlignCenter };
-    for (int c = 0; c < 6; ++c)
-        EXPECT_EQ(data(0, c, Qt::TextAlignmentRole).value<Qt::Alignment>(), aligned[c]) << c;
-    EXPECT_EQ(data(0, 5, Qt::CheckStateRole).toInt(), int(Qt::Checked));
-    EXPECT_EQ(data(1, 5, Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
-    EXPECT_FALSE(data(0, 0, Qt::CheckStateRole).isValid());
-    EXPECT_EQ(data(0, 1, BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
-    EXPECT_EQ(data(0, 0, BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
-    EXPECT_EQ(data(0, 2, BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
-}
-
-TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToReturnTo)
-{
-    BookModel m;
-    QAbstractItemModelTester tester(&m, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    m.setLocale(QLocale::c()); // a locale given explicitly is taken as it is
+    // Header clicks toggle the sort, which survives a reload and finds the row to return to.
     m.setBookKind(96);
     m.setResultSet(incomeExpenseRows());
     // Grid column 5 is field 4, Opis; letter case is ignored.
@@ -238,6 +204,36 @@ TEST(BookModel, HeaderClicksToggleTheSortWhichSurvivesAReloadAndFindsTheRowToRet
     m.sort(1, Qt::DescendingOrder);
     EXPECT_EQ(m.sortExpression(), QStringLiteral("[Naziv] DESC"));
     EXPECT_EQ(m.rowCount(), 5);
+}
+
+TEST(BookModel, FormatsEachFieldTypeWithTheWorkstationSeparators)
+{
+    // The second row has no date, text or quantity.
+    const ResultSet rs = test::resultSet(
+        { { "RBroj", FieldType::Integer }, { "Iznos", FieldType::Currency }, { "Datum", FieldType::Date },
+            { "Opis", FieldType::Text }, { "Kol", FieldType::Decimal }, { "Ok", FieldType::Boolean } },
+        { { 1234567, "-1234567.125", QDate(2016, 3, 15), "  tekst", 12.5, 1 }, { 7, "5", {}, {}, {}, 0 } });
+    BookModel m;
+    m.setBookKind(0);
+    m.setLocale(QLocale::c());
+    m.setResultSet(rs);
+    // Money half away from zero, as ROUND does; a check box shows no text.
+    EXPECT_EQ(shown(m, 0), "|1,234,567|-1,234,567.13|15.03.16|  tekst|12.50|");
+    EXPECT_EQ(shown(m, 1), "|7|5.00||||");
+    m.setLocale(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(shown(m, 0), "|1.234.567|-1.234.567,13|15.03.16|  tekst|12,50|");
+
+    const auto data = [&](int r, int c, int role) { return m.data(m.index(r, c), role); };
+    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter, left = Qt::AlignLeft | Qt::AlignVCenter;
+    const Qt::Alignment aligned[] = { right, right, left, left, right, Qt::AlignCenter };
+    for (int c = 0; c < 6; ++c)
+        EXPECT_EQ(data(0, c, Qt::TextAlignmentRole).value<Qt::Alignment>(), aligned[c]) << c;
+    EXPECT_EQ(data(0, 5, Qt::CheckStateRole).toInt(), int(Qt::Checked));
+    EXPECT_EQ(data(1, 5, Qt::CheckStateRole).toInt(), int(Qt::Unchecked));
+    EXPECT_FALSE(data(0, 0, Qt::CheckStateRole).isValid());
+    EXPECT_EQ(data(0, 1, BookModel::FormatRole).toString(), QStringLiteral("#,##0.00"));
+    EXPECT_EQ(data(0, 0, BookModel::FormatRole).toString(), QStringLiteral("#,##0"));
+    EXPECT_EQ(data(0, 2, BookModel::FormatRole).toString(), QStringLiteral("dd.MM.yy"));
 }
 
 TEST(BookModel, NullsSortFirstAscendingAndTextsInTheBosnianAlphabet)
