@@ -367,7 +367,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     session().reset();
 }
 
-TEST(GenerationTexts, StatementsQuestionsAndRights)
+TEST(GenerationTexts, StatementsQuestionsRightsAndTheSourceConnection)
 {
     Parametri p = march(DgpRacuni, kNone);
     p.brojPoduzeca = 3;
@@ -394,10 +394,8 @@ TEST(GenerationTexts, StatementsQuestionsAndRights)
     EXPECT_TRUE(uvjetPrava(MatOtpremnice, QStringLiteral("ana")).endsWith("' AND PROGRAM='SKLADIŠTE') "));
     EXPECT_EQ(zadnjiBrojUpit(3, 2016),
         "SELECT MAX(D.RBroj) as Broj FROM dbo.KnjPrihRashDB D WHERE D.BrojPoduzeca=3 AND D.GodinaKnj=2016");
-}
 
-TEST(GenerationTexts, SourceConnection)
-{
+    // The source connection: the host's server and database with the password given.
     const IzvorPodataka host = izvorDomaćina(
         QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
     EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));
