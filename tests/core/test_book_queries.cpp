@@ -83,7 +83,7 @@ TEST(Schema, TextWidthsComeFromTheScript)
             << table << column;
 }
 
-TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreate)
+TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreateAndTellsAReadOnlyFileOnAWrite)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("x.db"));
@@ -102,25 +102,21 @@ TEST(SqliteBackend, OpensOnlyWhatExistsUnlessAskedToCreate)
     error.clear();
     EXPECT_EQ(db::openSqliteBackend(junk, false, &error), nullptr);
     EXPECT_FALSE(error.isEmpty());
-}
 
-TEST(SqliteBackend, ReadOnlyFileGivesAClearErrorOnWrite)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("ro.db"));
-    QString error;
-    ASSERT_TRUE(books::createEmbeddedDatabase(path, &error)) << error.toStdString();
-    QFile::setPermissions(path, QFileDevice::ReadOwner);
+    // A read-only file gives a clear error on a write.
+    const QString readOnly = dir.filePath(QStringLiteral("ro.db"));
+    ASSERT_TRUE(books::createEmbeddedDatabase(readOnly, &error)) << error.toStdString();
+    QFile::setPermissions(readOnly, QFileDevice::ReadOwner);
     // Permissions do not stop root (CI runs as root); an immutable file does.
     const bool root = ::geteuid() == 0;
-    if (root && QProcess::execute(QStringLiteral("chattr"), { QStringLiteral("+i"), path }) != 0)
+    if (root && QProcess::execute(QStringLiteral("chattr"), { QStringLiteral("+i"), readOnly }) != 0)
         GTEST_SKIP() << "root writes to read-only files and chattr is not available";
     const auto release = qScopeGuard([&] {
         if (root)
-            QProcess::execute(QStringLiteral("chattr"), { QStringLiteral("-i"), path });
+            QProcess::execute(QStringLiteral("chattr"), { QStringLiteral("-i"), readOnly });
     });
     db::Database db;
-    ASSERT_TRUE(db.connect(path)) << db.errorDescription().toStdString();
+    ASSERT_TRUE(db.connect(readOnly)) << db.errorDescription().toStdString();
     db::ResultSet rs;
     EXPECT_TRUE(db.open(QStringLiteral("SELECT * FROM dbo.CONFIG"), rs));
     EXPECT_FALSE(db.execute(QStringLiteral("DELETE FROM dbo.CONFIG")));

@@ -401,7 +401,7 @@ protected:
 
 } // namespace
 
-TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpOrReportsTheDriverManagersText)
+TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpTakesTypesFromTheDriverAndBindsValuesIntact)
 {
     // The SET statements of a SQL Server session would be refused here; the backend
     // recognised the engine and ran none.
@@ -420,10 +420,8 @@ TEST_F(OdbcBackendTest, ConnectsWithoutTheSqlServerSetUpOrReportsTheDriverManage
     EXPECT_FALSE(other.connect(QStringLiteral("DSN=KnjigeNepostojeciDsn")));
     EXPECT_TRUE(other.errorDescription().contains(QLatin1String("not found")))
         << other.errorDescription().toStdString();
-}
 
-TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesArriveIntact)
-{
+    // Types come from the driver's column descriptions.
     exec("INSERT INTO Stavke (RBroj, Vrsta, Iznos, Datum, Opis, Placeno, Stopa, Veliki) VALUES (7, 3, 1234567.8901, "
          "'2016-03-15 00:00:00', 'Nabavka', 1, 0.17, 9000000000)");
     const db::ResultSet rs
@@ -452,7 +450,7 @@ TEST_F(OdbcBackendTest, TypesComeFromTheDriversColumnDescriptionsAndBoundValuesA
     EXPECT_EQ(test::rowText(bound, 0), awkward.toStdString() + "|-0.0001|2016-12-31|0|<null>");
 }
 
-TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndReportCounts)
+TEST_F(OdbcBackendTest, ChangesTouchOneOfTwoEqualRowsCountsAreReportedAndTransactionsCommitAndRollBack)
 {
     using K = db::RowChange::Kind;
     const QVariant iznos = amount(1005000);
@@ -488,10 +486,9 @@ TEST_F(OdbcBackendTest, ChangesAndDeletionsTouchExactlyOneOfTwoEqualRowsAndRepor
     EXPECT_EQ(affected, 3);
     ASSERT_TRUE(m_db.execute(QStringLiteral("DELETE FROM Stavke WHERE RBroj = 99"), &affected));
     EXPECT_EQ(affected, 0);
-}
 
-TEST_F(OdbcBackendTest, TransactionsCommitAndRollBack)
-{
+    // Transactions commit and roll back.
+    exec("DELETE FROM Stavke");
     ASSERT_TRUE(m_db.beginTransaction()) << error();
     ASSERT_TRUE(insert(1, QStringLiteral("odbačeno")));
     ASSERT_TRUE(m_db.rollback());

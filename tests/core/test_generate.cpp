@@ -179,33 +179,6 @@ TEST_F(Generation, EveryKindAppendsOneNumberedEntryPerSourceRow)
     EXPECT_EQ(findings(QStringLiteral("proknjižen 2 puta")).size(), again);
 }
 
-TEST_F(Generation, ReturnsAreTheShopNotesNegatedAndPaymentsNameTheirDocument)
-{
-    const qint64 start = lastNumber();
-    ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
-    const qint64 middle = lastNumber();
-    ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
-    const db::ResultSet plus = entriesAfter(start);
-    const int n = int(middle - start);
-    for (int r = 0; r < n; ++r) {
-        for (int c : { 1, 2, 3, 4 })
-            EXPECT_EQ(plus.text(r, c), plus.text(r + n, c));
-        EXPECT_EQ(plus.money(r + n, 5), -plus.money(r, 5));
-    }
-
-    // A cut source text, with the payment's document after it and deciding the kind.
-    t.exec("INSERT INTO KUF VALUES (1,2016,'UVOZNIKUF',1234567,2000000002,202,'03.15.2016',10)");
-    t.exec("INSERT INTO KUFUplate VALUES (1,2000000002,2016,1234567,'UVOZNIKUF','03.21.2016','BL-77/16',4)");
-    const qint64 before = lastNumber();
-    Parametri p = march(UplateUlaznih);
-    p.orgJed = QStringLiteral("1234567");
-    EXPECT_EQ(izvedi(p).zapisano, 1);
-    EXPECT_EQ(test::rowText(entriesAfter(before), 0),
-        QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4")
-            .arg(before + 1)
-            .toStdString());
-}
-
 // A second run over the same days, and a payment of last year's invoice: each is asked
 // about, unanswered it is left out, and what is left out takes no number. What others
 // write while the questions wait is seen before anything is written.
@@ -285,7 +258,7 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
     script->onQuestion = nullptr;
 }
 
-TEST_F(Generation, StopsWithTheMessageOfEachFailure)
+TEST_F(Generation, StopsWithTheMessageOfEachFailureNegatesReturnsAndNamesThePaymentsDocument)
 {
     // An empty range, and a "No" to either question, write nothing.
     Parametri empty = march(UlazniRacuni);
@@ -318,6 +291,31 @@ TEST_F(Generation, StopsWithTheMessageOfEachFailure)
         EXPECT_EQ(script->texts(), QStringList({ pitanjePotvrde(p), readErrors[vrsta] }));
     }
     EXPECT_EQ(lastNumber(), last);
+
+    // Returns are the shop notes negated.
+    const qint64 start = lastNumber();
+    ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
+    const qint64 middle = lastNumber();
+    ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
+    const db::ResultSet plus = entriesAfter(start);
+    const int n = int(middle - start);
+    for (int r = 0; r < n; ++r) {
+        for (int c : { 1, 2, 3, 4 })
+            EXPECT_EQ(plus.text(r, c), plus.text(r + n, c));
+        EXPECT_EQ(plus.money(r + n, 5), -plus.money(r, 5));
+    }
+
+    // A cut source text, with the payment's document after it and deciding the kind.
+    t.exec("INSERT INTO KUF VALUES (1,2016,'UVOZNIKUF',1234567,2000000002,202,'03.15.2016',10)");
+    t.exec("INSERT INTO KUFUplate VALUES (1,2000000002,2016,1234567,'UVOZNIKUF','03.21.2016','BL-77/16',4)");
+    const qint64 before = lastNumber();
+    Parametri p = march(UplateUlaznih);
+    p.orgJed = QStringLiteral("1234567");
+    EXPECT_EQ(izvedi(p).zapisano, 1);
+    EXPECT_EQ(test::rowText(entriesAfter(before), 0),
+        QString("%1|2016-03-21|KUF 1234567|UVOZNIKUF-1234567-2000000002/2 Upl.BL-77/16|9|4")
+            .arg(before + 1)
+            .toStdString());
 
     // An empty book starts at 1.
     t.exec("DELETE FROM dbo.KnjPrihRashDB");
@@ -369,7 +367,7 @@ TEST(GenerationChecks, RefusedInOrderBeforeAnyDatabaseAccess)
     session().reset();
 }
 
-TEST(GenerationTexts, StatementsQuestionsAndRights)
+TEST(GenerationTexts, StatementsQuestionsRightsAndTheSourceConnection)
 {
     Parametri p = march(DgpRacuni, kNone);
     p.brojPoduzeca = 3;
@@ -396,10 +394,8 @@ TEST(GenerationTexts, StatementsQuestionsAndRights)
     EXPECT_TRUE(uvjetPrava(MatOtpremnice, QStringLiteral("ana")).endsWith("' AND PROGRAM='SKLADIŠTE') "));
     EXPECT_EQ(zadnjiBrojUpit(3, 2016),
         "SELECT MAX(D.RBroj) as Broj FROM dbo.KnjPrihRashDB D WHERE D.BrojPoduzeca=3 AND D.GodinaKnj=2016");
-}
 
-TEST(GenerationTexts, SourceConnection)
-{
+    // The source connection: the host's server and database with the password given.
     const IzvorPodataka host = hostSource(
         QStringLiteral("Provider=SQLOLEDB.1;Data Source=SRV\\POS;Initial Catalog=Firma;User ID=sa;Password=x"));
     EXPECT_EQ(host.server, QStringLiteral("SRV\\POS"));

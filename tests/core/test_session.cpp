@@ -223,7 +223,7 @@ TEST(Configuration, ReadsTheWholeRowAndOnAFailureWarnsAndKeepsTheCompanyName)
     EXPECT_EQ(t.db().lastSql(), QStringLiteral("SELECT NazivFirme FROM dbo.CONFIG WHERE BROJPODUZECA=1"));
 }
 
-TEST(Money, ParsesStoresRoundsAndShows)
+TEST(Money, ParsesStoresRoundsShowsAndTakesAnExactVatShare)
 {
     // How the parsed text comes back: s toString, r rounded(2), v the 17 % VAT contained
     // (x * 17 / 117). The display and plain forms are in every grid and row compared.
@@ -265,18 +265,16 @@ TEST(Money, ParsesStoresRoundsAndShows)
         { std::pair { 0.00005, 0 }, { 0.00015, 2 }, { -0.00015, -2 }, { 2.00004, 20000 } })
         EXPECT_EQ(Money::fromDouble(value).units(), units) << value;
     EXPECT_EQ(Money().toDisplayString(u'.', u','), QStringLiteral("0,00"));
-}
 
-TEST(Money, TheVatShareIsExactForEveryAmountTheTypeHolds)
-{
+    // The VAT share is exact for every amount the type holds.
     const qint64 most = std::numeric_limits<qint64>::max();
-    const std::pair<Money, qint64> cases[] = {
+    const std::pair<Money, qint64> shares[] = {
         { Money::fromWhole(100), 145299 },
         { -Money::fromUnits(585000), -85000 },
         { Money::fromWhole(99999999999999), 145299145299143846 }, // 17 x this overflowed
         { -Money::fromUnits(most), -1340148073731035801 },
     };
-    for (const auto& [gross, share] : cases)
+    for (const auto& [gross, share] : shares)
         EXPECT_EQ(gross.fraction(17, 117).units(), share) << gross.toString().toStdString();
 }
 
@@ -307,7 +305,7 @@ TEST(Dates, SqlLiteralsAreMonthFirstScreenDatesDayFirstStoredTextIso)
 }
 
 // The forms people type most are tried through the number box (MoneyBoxInput); here the edges.
-TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
+TEST(AmountText, ReadsOnlyTheWorkstationsOwnFormAndDisplaysAsSqlRoundDoes)
 {
     const NumberConventions bs = NumberConventions::of(QLocale(QLocale::Bosnian));
     const NumberConventions en = NumberConventions::of(QLocale(QLocale::English));
@@ -335,6 +333,17 @@ TEST(AmountText, ReadsOnlyTheWorkstationsOwnForm)
         QStringLiteral("Broj može imati najviše 12 cijelih mjesta."));
     EXPECT_EQ(readAmount(QStringLiteral("0,5"), bs, { 14, 0 }).problem,
         QStringLiteral("Ovdje se upisuje cijeli broj, bez decimala."));
+
+    // The display rounds as SQL's ROUND does.
+    test::TestDatabase t;
+    for (const char* text : { "0.125", "-0.125", "0.145", "2.675", "1234.005", "-0.005", "0.0049" }) {
+        const db::ResultSet rs = t.query(QStringLiteral("SELECT ROUND(CAST(%1 AS money), 2) AS R").arg(text));
+        EXPECT_EQ(amountDisplay(Money::parse(QString::fromLatin1(text)).value(), QLocale::c()),
+            amountDisplay(rs.money(0, 0), QLocale::c()))
+            << text;
+    }
+    EXPECT_EQ(amountDisplay(Money::parse(QStringLiteral("-1234567.125")).value(), QLocale(QLocale::Bosnian)),
+        QStringLiteral("-1.234.567,13"));
 }
 
 // A workstation without conventions of its own (C, POSIX) gets the Bosnian ones, and
@@ -362,17 +371,4 @@ TEST(Workstation, BosnianConventionsForCAndCroatianQtTextsForTheLanguagesOfBiH)
     EXPECT_TRUE(installQtTranslations()) << "qt6-translations-l10n (scripts/setup) gives qtbase_hr.qm";
     QLocale::setDefault(before);
     EXPECT_EQ(QCoreApplication::translate("QPrintPreviewDialog", "Page setup"), "Postavke stranice");
-}
-
-TEST(AmountText, DisplayRoundsAsSqlRoundDoes)
-{
-    test::TestDatabase t;
-    for (const char* text : { "0.125", "-0.125", "0.145", "2.675", "1234.005", "-0.005", "0.0049" }) {
-        const db::ResultSet rs = t.query(QStringLiteral("SELECT ROUND(CAST(%1 AS money), 2) AS R").arg(text));
-        EXPECT_EQ(amountDisplay(Money::parse(QString::fromLatin1(text)).value(), QLocale::c()),
-            amountDisplay(rs.money(0, 0), QLocale::c()))
-            << text;
-    }
-    EXPECT_EQ(amountDisplay(Money::parse(QStringLiteral("-1234567.125")).value(), QLocale(QLocale::Bosnian)),
-        QStringLiteral("-1.234.567,13"));
 }

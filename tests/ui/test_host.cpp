@@ -48,10 +48,18 @@ using namespace knjige::test;
 namespace
 {
 
-void closeWindowsExcept(const QWidget* keep)
+browser::frmSifarnikKnj* openBrowser()
 {
     for (QWidget* w : QApplication::topLevelWidgets())
-        if (w != keep && w->isVisible())
+        if (auto* b = qobject_cast<browser::frmSifarnikKnj*>(w); b && b->isVisible())
+            return b;
+    return nullptr;
+}
+
+void closeAll()
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->isVisible())
             w->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
@@ -72,7 +80,7 @@ protected:
     }
     void TearDown() override
     {
-        closeWindowsExcept(nullptr);
+        closeAll();
         installHostServices({});
         m_db.reset();
     }
@@ -102,7 +110,7 @@ protected:
 
 } // namespace
 
-TEST_F(HostChooser, ListsTheTwelveBooksByCaptionUnderTheirEntitiesAndShowsTheCompany)
+TEST_F(HostChooser, ListsTheTwelveBooksUnderTheirEntitiesShowsTheCompanyAndOpensOnlyWhatMayBeOpened)
 {
     BookChooser chooser(defaults());
     QStringList expected;
@@ -125,58 +133,9 @@ TEST_F(HostChooser, ListsTheTwelveBooksByCaptionUnderTheirEntitiesAndShowsTheCom
     EXPECT_EQ(name->text(), demo::nazivFirme());
     child<QSpinBox>(chooser, "txtFirma")->setValue(7);
     EXPECT_EQ(name->text(), "(nema podataka o firmi)");
-}
 
-TEST_F(HostChooser, OpeningABookSetsTheSessionAndShowsItsBrowser)
-{
-    BookChooser chooser(defaults());
-    chooser.show();
-    ASSERT_TRUE(chooser.selectBook(Knjiga::PrometaFBiH));
-    child<QSpinBox>(chooser, "txtGodina")->setValue(m_year - 1);
-    child<QLineEdit>(chooser, "txtOperater")->setText("  Edin ");
-    child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(1);
-
-    QTest::mouseClick(child<QPushButton>(chooser, "cmdOtvori"), Qt::LeftButton);
-
-    EXPECT_EQ(session().ConnString, m_conn);
-    EXPECT_EQ(session().RadnaGodina, m_year - 1);
-    EXPECT_EQ(session().BrojPoduzeca, demo::BrojPoduzeca);
-    EXPECT_EQ(session().ImeOperatera, "Edin");
-    EXPECT_EQ(session().NivoPristupa, "1");
-    QWidget* browser = nullptr;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w != &chooser && w->isVisible())
-            browser = w;
-    ASSERT_TRUE(browser);
-    EXPECT_EQ(browser->objectName(), "frmSifarnikKnj");
-    EXPECT_EQ(browser->windowTitle(), "Knjiga prometa za FBiH");
-    EXPECT_TRUE(m_script->texts().isEmpty()) << m_script->texts().join(u'\n').toStdString();
-}
-
-TEST_F(HostChooser, RemembersTheLastOpeningForTheNextStart)
-{
-    {
-        BookChooser chooser(defaults());
-        chooser.selectBook(Knjiga::PrihRashDB);
-        child<QLineEdit>(chooser, "txtOperater")->setText("Edin");
-        child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(2);
-        ASSERT_TRUE(chooser.Otvori());
-    }
-    closeWindowsExcept(nullptr);
-    const BookRequest again = BookChooser::remembered(defaults(), {});
-    EXPECT_EQ(again.operatorName, "Edin");
-    EXPECT_EQ(again.level, "2");
-    BookChooser next(again);
-    EXPECT_EQ(next.selectedBook(), 109);
-    // What the command line gives wins over what was remembered.
-    EXPECT_EQ(BookChooser::remembered(defaults(), { "operator" }).operatorName, "Amra");
-}
-
-// The rights kept in dbo.PRAVA reach the browser through the installed service.
-TEST_F(HostChooser, NothingSelectedOrABookTheOperatorMayNotOpenStaysClosed)
-{
-    BookChooser chooser(defaults());
-    auto* tree = child<QTreeWidget>(chooser, "tvKnjige");
+    // Nothing selected, or a book the operator may not open, stays closed; the rights
+    // kept in dbo.PRAVA reach the browser through the installed service.
     tree->setCurrentItem(tree->topLevelItem(1));
     EXPECT_EQ(chooser.selectedBook(), 0);
     EXPECT_EQ(chooser.Otvori(), nullptr);
@@ -192,6 +151,38 @@ TEST_F(HostChooser, NothingSelectedOrABookTheOperatorMayNotOpenStaysClosed)
     EXPECT_EQ(m_script->texts(), QStringList { "Nemate pravo pristupa !" });
     chooser.selectBook(Knjiga::PrometaFBiH);
     EXPECT_NE(chooser.Otvori(), nullptr);
+}
+
+TEST_F(HostChooser, OpeningABookSetsTheSessionShowsItsBrowserAndIsRememberedForTheNextStart)
+{
+    {
+        BookChooser chooser(defaults());
+        chooser.show();
+        ASSERT_TRUE(chooser.selectBook(Knjiga::PrometaFBiH));
+        child<QSpinBox>(chooser, "txtGodina")->setValue(m_year - 1);
+        child<QLineEdit>(chooser, "txtOperater")->setText("  Edin ");
+        child<QComboBox>(chooser, "cmbNivo")->setCurrentIndex(1);
+
+        QTest::mouseClick(child<QPushButton>(chooser, "cmdOtvori"), Qt::LeftButton);
+
+        EXPECT_EQ(session().ConnString, m_conn);
+        EXPECT_EQ(session().RadnaGodina, m_year - 1);
+        EXPECT_EQ(session().BrojPoduzeca, demo::BrojPoduzeca);
+        EXPECT_EQ(session().ImeOperatera, "Edin");
+        EXPECT_EQ(session().NivoPristupa, "1");
+        const browser::frmSifarnikKnj* browser = openBrowser();
+        ASSERT_TRUE(browser);
+        EXPECT_EQ(browser->windowTitle(), "Knjiga prometa za FBiH");
+        EXPECT_TRUE(m_script->texts().isEmpty()) << m_script->texts().join(u'\n').toStdString();
+    }
+    closeAll();
+    const BookRequest again = BookChooser::remembered(defaults(), {});
+    EXPECT_EQ(again.operatorName, "Edin");
+    EXPECT_EQ(again.level, "1");
+    BookChooser next(again);
+    EXPECT_EQ(next.selectedBook(), 98);
+    // What the command line gives wins over what was remembered.
+    EXPECT_EQ(BookChooser::remembered(defaults(), { "operator" }).operatorName, "Amra");
 }
 
 // The host's services: operator rights from dbo.PRAVA and the partner and shop
@@ -292,23 +283,20 @@ protected:
 
 } // namespace
 
-TEST_F(HostPickers, TheListNarrowsAsThePersonTypesIgnoringCaseAndAccents)
+TEST_F(HostPickers, TheListNarrowsAsThePersonTypesAndChooseRunsThroughTheSeamUntilAFailedRead)
 {
     EXPECT_EQ(searchForm("Ilidža ČAĐAVICA Šuće"), "ilidza cadavica suce");
     const auto all = KomitentRegister::readAll();
     ASSERT_TRUE(all);
     PartnerPickerDialog dialog("Izbor komitenta", *all);
     EXPECT_EQ(dialog.visiblePartners().size(), all->size());
-    auto* search = dialog.findChild<QLineEdit*>("txtTrazi");
-    ASSERT_TRUE(search);
-    QTest::keyClicks(search, "ilidza");
+    auto* box = dialog.findChild<QLineEdit*>("txtTrazi");
+    ASSERT_TRUE(box);
+    QTest::keyClicks(box, "ilidza");
     EXPECT_EQ(names(dialog.visiblePartners()), QStringList({ "Elektro-Servis Ilidža d.o.o.", "Maloprodaja 1 Ilidža" }));
-}
 
-// The sales-point chooser offers the shops the trade books keep, not the suppliers
-// that share a town with them; by name, or by code and the arrow key.
-TEST_F(HostPickers, ChooseRunsThePickerThroughTheSeamFindLooksTheNameUpAndAFailedReadChoosesNothing)
-{
+    // The sales-point chooser offers the shops the trade books keep, not the suppliers
+    // that share a town with them; by name, or by code and the arrow key.
     QString title;
     QStringList offered;
     QString typed;
@@ -390,7 +378,7 @@ private:
 
 } // namespace
 
-TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
+TEST(HostCommands, OpenDrawsTheBookIntoAPictureLeavesTheCallersSeamAndRefusesWrongLines)
 {
     const int year = QDate::currentDate().year();
     test::TestDatabase db(demo::BrojPoduzeca, qint16(year));
@@ -411,10 +399,7 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureAndLeavesTheCallersSeam)
     // The scripted person is still the one in charge.
     warn("probna poruka");
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("probna poruka") });
-}
 
-TEST(HostCommands, WrongCommandLinesAreRefusedBeforeAnythingIsMade)
-{
     const QString missing = test::scratchDir() + QStringLiteral("/nema.db");
     // Unknown books, bad years and levels; a period that is no period, or not of the
     // year; a sales point of a book without one.
@@ -449,17 +434,14 @@ TEST(HostCommands, WithoutADisplayOnlyAPictureCanBeMade)
 }
 
 // The command-line tool's output forms (knjige query), checked without a process.
-TEST(CliOutput, FractionsArePlainDecimalsWithAPoint)
+TEST(CliOutput, NumbersTypesStatementsAndBatches)
 {
     const std::pair<double, const char*> cases[]
         = { { 0, "0" }, { -0.0, "0" }, { 0.17, "0.17" }, { 100.0 / 3, "33.3333333333333" }, { -2.5, "-2.5" },
               { 1e-7, "0.0000001" }, { 2.5e20, "250000000000000000000" }, { 1234567.125, "1234567.125" } };
     for (const auto& [value, text] : cases)
         EXPECT_EQ(host::cli::plainNumber(value), text) << value;
-}
 
-TEST(CliOutput, EveryTypeHasOneTextForm)
-{
     const db::ResultSet rs = resultSet(
         { { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency }, { "Stopa", db::FieldType::Float },
             { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text }, { "Placeno", db::FieldType::Boolean } },
@@ -476,10 +458,7 @@ TEST(CliOutput, EveryTypeHasOneTextForm)
     text.clear();
     host::cli::writeCsv(db::ResultSet({ { "a,b", db::FieldType::Text } }), false, out);
     EXPECT_EQ(text, "\"a,b\"\n");
-}
 
-TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
-{
     for (const char* sql :
         { "SELECT 1", "  select * from dbo.CONFIG", "-- zadnji broj\n/* knjiga 96 */ (SELECT MAX(RBroj) FROM T)",
             "WITH x AS (SELECT 1 AS a) SELECT a FROM x", "EXEC sp_help" })
@@ -487,10 +466,7 @@ TEST(CliOutput, OnlyStatementsThatGiveRowsArePrinted)
     for (const char* sql : { "CREATE TABLE dbo.KUF (BrojKUFa int)", "INSERT INTO T SELECT * FROM U",
              "UPDATE T SET a = 1", "SELECTIONS", "-- samo komentar" })
         EXPECT_FALSE(host::cli::returnsRows(sql)) << sql;
-}
 
-TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
-{
     const QStringList parts = host::cli::batchStatements(
         "SELECT 'a;b' AS x; /* ; */ VALUES (1);; INSERT INTO T (a) VALUES (');'); -- kraj; \n");
     ASSERT_EQ(parts.size(), 3) << parts.join(u'|').toStdString();
@@ -503,26 +479,11 @@ TEST(CliOutput, ABatchSplitsAtSemicolonsOutsideLiteralsAndComments)
 namespace
 {
 
-browser::frmSifarnikKnj* openBrowser()
-{
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (auto* b = qobject_cast<browser::frmSifarnikKnj*>(w); b && b->isVisible())
-            return b;
-    return nullptr;
-}
-
-void closeAll()
-{
-    while (browser::frmSifarnikKnj* b = openBrowser())
-        b->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 using EntryClasses = BrowserTest;
 
 } // namespace
 
-TEST(EntryIdentifiers, TwelveClassesUnderTheLibraryName)
+TEST(EntryClassObjects, TwelveClassesUnderTheLibraryNameEachKeepingItsOwnProperties)
 {
     const QStringList ids = entry::bookObjectIds();
     ASSERT_EQ(ids.size(), 12);
@@ -538,10 +499,8 @@ TEST(EntryIdentifiers, TwelveClassesUnderTheLibraryName)
     EXPECT_FALSE(entry::createBookObject("ArbosaPOSKnjige17.clsNema"));
     EXPECT_FALSE(entry::createBookObject("clsKnjPrihRashFBiH"));
     EXPECT_FALSE(entry::createBookObject("Drugo.clsKnjPrihRashFBiH"));
-}
 
-TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
-{
+    // Each object keeps its own copy and writes through to the session.
     session().reset();
     entry::clsKnjPrihRashFBiH a;
     entry::clsTrgKnjUsluga b;
@@ -567,7 +526,7 @@ TEST(EntryProperties, EachObjectKeepsItsOwnCopyAndWritesThroughToTheSession)
     session().reset();
 }
 
-TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
+TEST_F(EntryClasses, ShowUsesTheSessionAsItStandsAndACalledOrRefusedBookLeavesNoWindow)
 {
     // The fixture set company 1 and year 2016 directly in the session.
     entry::clsKnjPrometaFBiH fresh;
@@ -585,10 +544,8 @@ TEST_F(EntryClasses, ShowOnAFreshObjectUsesTheSessionAsItStands)
     w->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(guard.isNull());
-}
 
-TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
-{
+    // A called book shows button ten and is unloaded when it closes.
     entry::clsKnjPrihRashFBiH book;
     book.setPozvan(true);
     book.setRadnaGodina(2016);
@@ -605,13 +562,11 @@ TEST_F(EntryClasses, ACalledBookShowsButtonTenAndIsUnloadedWhenItCloses)
     EXPECT_TRUE(buttonShown);
     EXPECT_TRUE(seen.isNull()); // deleted by Show
     EXPECT_FALSE(openBrowser());
-}
 
-TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
-{
+    // A refused book leaves no window.
     installRights(false);
-    entry::clsKnjRashodaRS book;
-    book.Show("0", "Ana");
+    entry::clsKnjRashodaRS refused;
+    refused.Show("0", "Ana");
     EXPECT_EQ(script->texts(), QStringList { QStringLiteral("Nemate pravo pristupa !") });
     EXPECT_FALSE(openBrowser());
     // A level is one ASCII digit: Unicode's other digits compare above "2" as text and
@@ -620,7 +575,7 @@ TEST_F(EntryClasses, ARefusedBookLeavesNoWindow)
     for (const QString& level : { QStringLiteral("\uFF10"), QStringLiteral("\u0660"), QStringLiteral("\uFF19"),
              QStringLiteral("12"), QString() }) {
         script->clear();
-        book.Show(level, "Ana");
+        refused.Show(level, "Ana");
         EXPECT_EQ(script->texts(),
             QStringList {
                 QStringLiteral("Nivo pristupa mora biti jedna znamenka od 0 do 9, a zadan je \"%1\".").arg(level) });

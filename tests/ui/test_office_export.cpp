@@ -139,7 +139,7 @@ TEST_F(OfficeExportTest, ChecksInOrderThenTheFileTheProgramAndTheReport)
     EXPECT_EQ(setting("ExpEXEDat"), QDir::toNativeSeparators(program));
 }
 
-TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
+TEST_F(OfficeExportTest, OverwriteQuestionThenAFilteredSortedBookInUtf8AsShown)
 {
     ASSERT_TRUE(writeFile(path, "staro"));
     auto w = open(96);
@@ -181,6 +181,35 @@ TEST_F(OfficeExportTest, OverwriteQuestionNoKeepsTheOldFileYesReplacesIt)
     EXPECT_EQ(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files), QStringList { "knjiga.csv" });
     EXPECT_TRUE(written.startsWith("\"RBroj\";\"GodinaKnj\";"));
     EXPECT_TRUE(written.contains(";\"Pazar; \"\"Centar\"\" \xC8\xC6\xD0\x8A\x8E\";"));
+
+    // A filtered, sorted book writes only its rows, in UTF-8, as shown.
+    QFile::remove(path);
+    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'"; });
+    w->OsvjeziZapise();
+    w->fg_HeaderClick(1);
+    w->fg_HeaderClick(1); // RBroj descending
+    ASSERT_EQ(rBrojevi(*w), (QList<qint64> { 3, 1 }));
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
+        f.txtNazivDat->setText(path);
+        f.txtDecTočka->setText(".");
+        f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData("utf-8"));
+        f.cmdPrebaciPodatke->click();
+    });
+    const QList<QByteArray> lines = readFile(path).split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
+    EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.2016;\"D-3\";\"Nabavka\";11;"));
+    EXPECT_EQ(lines[2],
+        QStringLiteral("1;2016;10.01.2016;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
+                       "1234567.5;170;0;0;\r")
+            .toUtf8());
+    // The next opening shows the remembered choices.
+    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
+        EXPECT_EQ(f.txtNazivDat->text(), path);
+        EXPECT_EQ(f.txtDecTočka->text(), ".");
+        EXPECT_EQ(f.cmbKodiranje->currentData().toString(), "utf-8");
+        EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
+    });
 }
 
 // The database the browser works on is never an output, under any of its names and
@@ -216,37 +245,6 @@ TEST_F(OfficeExportTest, TheOpenDatabaseIsNeverWrittenUnderAnyOfItsNames)
     EXPECT_EQ(readFile(db->path()), before);
     EXPECT_FALSE(QFile::exists(folder + QStringLiteral("/knjige.db-journal")));
     EXPECT_EQ(db->count(QStringLiteral("dbo.KnjPrihRashFBiH")), 3);
-}
-
-TEST_F(OfficeExportTest, AFilteredSortedBookWritesOnlyItsRowsInUtf8AsShown)
-{
-    auto w = open(96);
-    change(*w, [](browser::BookQuery& q) { q.filter.where = " WHERE K.BrojPoduzeca=1 AND  K.Vrsta LIKE '11%'"; });
-    w->OsvjeziZapise();
-    w->fg_HeaderClick(1);
-    w->fg_HeaderClick(1); // RBroj descending
-    ASSERT_EQ(rBrojevi(*w), (QList<qint64> { 3, 1 }));
-    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
-        f.txtNazivDat->setText(path);
-        f.txtDecTočka->setText(".");
-        f.cmbKodiranje->setCurrentIndex(f.cmbKodiranje->findData("utf-8"));
-        f.cmdPrebaciPodatke->click();
-    });
-    const QList<QByteArray> lines = readFile(path).split('\n');
-    ASSERT_EQ(lines.size(), 4);
-    EXPECT_TRUE(lines[0].startsWith("\xEF\xBB\xBF\"RBroj\";"));
-    EXPECT_TRUE(lines[1].startsWith("3;2016;01.02.2016;\"D-3\";\"Nabavka\";11;"));
-    EXPECT_EQ(lines[2],
-        QStringLiteral("1;2016;10.01.2016;\"D-1\";\"Pazar; \"\"Centar\"\" ČĆĐŠŽ\";11;\"Prihod - Gotovina\";"
-                       "1234567.5;170;0;0;\r")
-            .toUtf8());
-    // The next opening shows the remembered choices.
-    exportFrom(*w, [&](output::frmOfficeExportPost& f) {
-        EXPECT_EQ(f.txtNazivDat->text(), path);
-        EXPECT_EQ(f.txtDecTočka->text(), ".");
-        EXPECT_EQ(f.cmbKodiranje->currentData().toString(), "utf-8");
-        EXPECT_TRUE(f.chkPrikazNavodnika->isChecked());
-    });
 }
 
 TEST(TextViewer, AnswersAndSavesTheTextAsItStands)
