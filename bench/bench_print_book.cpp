@@ -4,7 +4,8 @@
 // and reports its wall time and peak resident memory (aims: at most 10 s and 300 MB).
 // BM_PrintInProcess splits the same work: reading the rows, and laying out and
 // writing the pages; "ratio" is the two together over the plain fetch of the same
-// query in the same iterations (aim: at most 30).
+// query in the same iterations (aim: at most 30). Its argument 1 writes the PDF in parts
+// on several cores as the program does, 0 in one piece, for the two side by side.
 #include "bench_book.h"
 #include "books/BookKind.h"
 #include "browser/BrowserRules.h"
@@ -92,6 +93,7 @@ void BM_PrintInProcess(benchmark::State& state)
     double read = 0;
     double write = 0;
     int pages = 0;
+    output::ReportPrinter::setParallelPdfFrom(state.range(0) ? output::ReportPrinter::kParallelPdfPages : 0);
     for (auto _ : state) {
         auto t0 = std::chrono::steady_clock::now();
         plain.run();
@@ -121,8 +123,9 @@ void BM_PrintInProcess(benchmark::State& state)
     state.counters["layout_and_pdf_ms"] = write * 1000 / n;
     state.counters["plain_ms"] = plainTime * 1000 / n;
     state.counters["ratio"] = plainTime > 0 ? (read + write) / plainTime : 0;
+    output::ReportPrinter::setParallelPdfFrom(output::ReportPrinter::kParallelPdfPages);
 }
-BENCHMARK(BM_PrintInProcess)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_PrintInProcess)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(2);
 
 // One description of N characters without a blank, wrapped into a column thirty
 // characters wide: the time should grow with N, not with a power of it.

@@ -2,6 +2,7 @@
 
 #include "browser/BookModel.h"
 #include "output/OutputFile.h"
+#include "output/widgets/PdfJoin.h"
 #include "output/widgets/PrintMemory.h"
 #include "output/widgets/ReportText.h"
 #include "session/Failure.h"
@@ -10,6 +11,8 @@
 #include "session/db/DatabaseFiles.h"
 #include "session/widgets/QuietFileIcons.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QLocale>
 #include <QPageLayout>
@@ -18,8 +21,16 @@
 #include <QPdfWriter>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QTemporaryFile>
+#include <QThread>
 #include <QTimer>
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <thread>
 
 namespace knjige::output
 {
@@ -32,6 +43,9 @@ constexpr qreal kMarginMm = 10.0;
 // Body lines the signature block takes below the totals: a gap, the lines for date,
 // stamp and signature, the caption under the signature.
 constexpr int kSignatureLines = 4;
+// Parts at most: beyond four the join and the rows' reading take the time saved.
+constexpr int kMostPdfParts = 4;
+int parallelPdfFrom = ReportPrinter::kParallelPdfPages;
 
 QFont font(qreal points, bool bold = false)
 {
@@ -84,7 +98,23 @@ ReportPrinter::ReportPrinter(report::Layout layout, report::Header header, db::R
         m_error = QStringLiteral("knjiga nema izgleda za ispis");
 }
 
+ReportPrinter::ReportPrinter(const ReportPrinter& whole, QPagedPaintDevice& device)
+    : m_layout(whole.m_layout)
+    , m_header(whole.m_header)
+    , m_forward(whole.m_forward)
+    , m_rows(whole.m_rows)
+    , m_bound(whole.m_bound)
+    , m_pages(whole.m_pages)
+{
+    measure(device);
+}
+
 ReportPrinter::~ReportPrinter() = default;
+
+void ReportPrinter::setParallelPdfFrom(int pages)
+{
+    parallelPdfFrom = pages;
+}
 
 bool ReportPrinter::isReady(QString* error) const
 {
@@ -212,35 +242,56 @@ QVector<report::Page> ReportPrinter::paginate(Progress& progress)
     return paginator.finish();
 }
 
-int ReportPrinter::paint(QPagedPaintDevice& device, bool cancellable)
+std::unique_ptr<Progress> ReportPrinter::layOut(QPagedPaintDevice& device, bool cancellable)
 {
     m_pages.clear();
     m_lastRow = {};
     m_cancelled = false;
     if (!isReady())
-        return 0;
-    const auto progress = interaction().startProgress({ QStringLiteral("Ispis"),
+        return nullptr;
+    auto progress = interaction().startProgress({ QStringLiteral("Ispis"),
         QStringLiteral("Priprema ispisa: %1 od %2 redova"), m_rows.rowCount(), cancellable });
     measure(device);
     m_pages = paginate(*progress);
     if (m_cancelled)
-        return 0;
+        return nullptr;
     progress->restart(QStringLiteral("Ispis: stranica %1 od %2"), m_pages.size());
-    const KeptFreedMemory kept;
+    return progress;
+}
+
+template <typename Painted> bool ReportPrinter::paintPages(QPagedPaintDevice& device, int from, int to, Painted painted)
+{
     QPainter p;
     if (!p.begin(&device))
-        return 0;
+        return false;
     p.setPen(QPen(Qt::black, 0));
-    for (int i = 0; i < m_pages.size() && !m_cancelled; ++i) {
-        if (i > 0)
+    bool going = true;
+    for (int i = from; i < to && going; ++i) {
+        if (i > from)
             device.newPage();
         paintPage(p, i);
-        m_cancelled = !progress->advance(i + 1);
+        going = painted(i - from + 1);
     }
     p.end();
-    if (m_cancelled)
+    return going;
+}
+
+bool ReportPrinter::paintAll(QPagedPaintDevice& device, Progress& progress)
+{
+    const KeptFreedMemory kept;
+    const bool whole = paintPages(device, 0, int(m_pages.size()), [&](int done) {
+        m_cancelled = !progress.advance(done);
+        return !m_cancelled;
+    });
+    if (!whole)
         m_pages.clear();
-    return int(m_pages.size());
+    return whole;
+}
+
+int ReportPrinter::paint(QPagedPaintDevice& device, bool cancellable)
+{
+    const auto progress = layOut(device, cancellable);
+    return progress && paintAll(device, *progress) ? int(m_pages.size()) : 0;
 }
 
 void ReportPrinter::paintPage(QPainter& p, int index) const
@@ -432,6 +483,15 @@ void ReportPrinter::paintFoot(int index) const
     m.foot.add(QPointF(m.page.width() - m.foot.width(page), baseline), page);
 }
 
+void ReportPrinter::setUpPdf(QPdfWriter& writer) const
+{
+    writer.setCreator(QStringLiteral("Knjige"));
+    writer.setTitle(m_header.title);
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+        m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+        QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
+}
+
 bool ReportPrinter::writePdf(const QString& path, QString* error)
 {
     if (!isReady(error))
@@ -442,21 +502,127 @@ bool ReportPrinter::writePdf(const QString& path, QString* error)
         return false;
     }
     {
+        // Measures the pages in any case; paints them only when they are not painted in parts.
         QPdfWriter writer(&file.device());
-        writer.setCreator(QStringLiteral("Knjige"));
-        writer.setTitle(m_header.title);
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-            m_layout.orientation == report::Orientation::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
-            QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
-        if (paint(writer, file.cancelLeavesNoTrace()) == 0) {
-            *error = m_cancelled ? QStringLiteral("ispis u datoteku %1 je prekinut").arg(path)
-                                 : QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
+        setUpPdf(writer);
+        // Parts are written beside the file and dropped when stopped: only where the
+        // file grows beside the old one (not a device, a pipe or the standard output).
+        const bool beside = file.cancelLeavesNoTrace();
+        const auto progress = layOut(writer, beside);
+        error->clear();
+        const bool inParts = progress && beside && canJoinPdfs() && parallelPdfFrom > 0
+            && m_pages.size() >= parallelPdfFrom && QThread::idealThreadCount() > 1;
+        const bool painted = progress
+            && (inParts ? writePdfInParts(*progress, path, file.device(), error) : paintAll(writer, *progress));
+        if (!painted) {
+            if (error->isEmpty())
+                *error = m_cancelled ? QStringLiteral("ispis u datoteku %1 je prekinut").arg(path)
+                                     : QStringLiteral("ispis u datoteku %1 nije uspio").arg(path);
             file.cancel();
             return false;
         }
     }
     if (!file.commit()) {
         *error = QStringLiteral("datoteku %1 nije moguće spremiti: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+// The pages are independent once laid out (the carried sums are the pagination's), so
+// each part is painted by a printer of its own on its own writer, by the very code that
+// paints them one after another. This thread only shows the pages painted and passes
+// the person's stop on to the painters.
+bool ReportPrinter::writePdfInParts(Progress& progress, const QString& path, QIODevice& out, QString* error)
+{
+    const int pageCount = int(m_pages.size());
+    const int partCount = std::min({ QThread::idealThreadCount(), kMostPdfParts, pageCount });
+    const QFileInfo target(path);
+    struct Part {
+        QTemporaryFile file;
+        int from = 0;
+        int to = 0;
+        bool painted = false;
+    };
+    std::vector<std::unique_ptr<Part>> parts;
+    for (int k = 0; k < partCount; ++k) {
+        auto part = std::make_unique<Part>();
+        part->file.setFileTemplate(QDir(target.absolutePath()).filePath(QLatin1Char('.') + target.fileName()));
+        part->from = pageCount * k / partCount;
+        part->to = pageCount * (k + 1) / partCount;
+        if (!part->file.open()) {
+            *error = QStringLiteral("datoteku %1 nije moguće napraviti: %2").arg(path, part->file.errorString());
+            return false;
+        }
+        parts.push_back(std::move(part));
+    }
+    const KeptFreedMemory kept;
+    std::atomic<int> pagesDone { 0 };
+    std::atomic<bool> stop { false };
+    std::mutex mutex;
+    std::condition_variable ended;
+    int running = 0;
+    bool allStarted = true;
+    std::vector<std::thread> threads;
+    for (const auto& part : parts) {
+        const auto paintPart = [&, p = part.get()] {
+            {
+                QPdfWriter writer(&p->file);
+                setUpPdf(writer);
+                ReportPrinter printer(*this, writer);
+                p->painted = printer.paintPages(writer, p->from, p->to, [&](int) {
+                    pagesDone.fetch_add(1, std::memory_order_relaxed);
+                    return !stop.load(std::memory_order_relaxed);
+                });
+            }
+            const std::lock_guard lock(mutex);
+            --running;
+            ended.notify_one();
+        };
+        const std::lock_guard lock(mutex);
+        try {
+            threads.emplace_back(paintPart);
+            ++running;
+        } catch (const std::system_error&) {
+            // No thread to be had: the part stays unpainted and the others are stopped.
+            stop = true;
+            allStarted = false;
+            break;
+        }
+    }
+    int shown = 0;
+    std::unique_lock lock(mutex);
+    for (bool over = false; !over;) {
+        over = ended.wait_for(lock, std::chrono::milliseconds(25), [&] { return running == 0; });
+        lock.unlock();
+        // Every page shown as it would be one after another, so a stop asked at a page
+        // is seen at that page.
+        for (const int now = pagesDone.load(std::memory_order_relaxed); shown < now && !stop;)
+            stop = !progress.advance(++shown);
+        lock.lock();
+    }
+    lock.unlock();
+    for (std::thread& t : threads)
+        t.join();
+    m_cancelled = stop && allStarted;
+    QStringList names;
+    for (const auto& part : parts) {
+        if (!part->painted)
+            break;
+        if (!part->file.flush() || part->file.error() != QFileDevice::NoError) {
+            *error = QStringLiteral("datoteku %1 nije moguće spremiti: %2").arg(path, part->file.errorString());
+            break;
+        }
+        names << part->file.fileName();
+    }
+    QString why;
+    if (m_cancelled || names.size() < partCount || !joinPdfs(names, out, &why)) {
+        const auto* file = qobject_cast<const QFileDevice*>(&out);
+        if (file && file->error() != QFileDevice::NoError)
+            *error = QStringLiteral("datoteku %1 nije moguće spremiti: %2").arg(path, why);
+        else if (!why.isEmpty())
+            *error = QStringLiteral("ispis u datoteku %1 nije uspio: %2").arg(path, why);
+        m_pages.clear();
         return false;
     }
     return true;

@@ -11,8 +11,10 @@
 #include <memory>
 #include <optional>
 
+class QIODevice;
 class QPagedPaintDevice;
 class QPainter;
+class QPdfWriter;
 class QPrinter;
 class QWidget;
 
@@ -61,8 +63,18 @@ public:
     // The last paint was stopped by the person.
     bool cancelled() const { return m_cancelled; }
     // A4 in the layout's orientation, written to `path` (overwritten). Stopping is
-    // offered where the old file would stay as it was.
+    // offered where the old file would stay as it was. A long book going to a regular
+    // file is painted in parts on several cores at once and the parts joined.
     bool writePdf(const QString& path, QString* error);
+    // A PDF file of this many pages or more is painted in parts on several cores: Qt's
+    // writer compresses and writes each page on the painting thread, nine tenths of a
+    // long book's time. Below it, starting the threads and joining the parts would cost
+    // more than they save.
+    static constexpr int kParallelPdfPages = 64;
+    // From how many pages on a PDF file is written in parts; 0 writes every book in one
+    // piece. For the benchmark's side-by-side figures and the tests' short books; the
+    // program keeps the default.
+    static void setParallelPdfFrom(int pages);
     // The print preview with its print and page set-up buttons, run as a modal dialog
     // through the interaction seam.
     void preview(QWidget* parent);
@@ -74,8 +86,22 @@ public:
 
 private:
     struct Metrics;
+    // A printer painting pages of this one's last paint on a device of its own.
+    ReportPrinter(const ReportPrinter& whole, QPagedPaintDevice& device);
     void measure(QPagedPaintDevice& device);
     QVector<report::Page> paginate(Progress& progress);
+    // Measured and paginated for the device: the progress for the painting, none when
+    // nothing is to be painted.
+    std::unique_ptr<Progress> layOut(QPagedPaintDevice& device, bool cancellable);
+    // Pages [from, to) of the last paint, each reported to `painted` (with the count so
+    // far), which stops the painting by returning false. False when not all were painted.
+    template <typename Painted> bool paintPages(QPagedPaintDevice& device, int from, int to, Painted painted);
+    // Every page, each shown on the progress; false when stopped or not painted.
+    bool paintAll(QPagedPaintDevice& device, Progress& progress);
+    void setUpPdf(QPdfWriter& writer) const;
+    // The pages painted in parts, each on a thread of its own into a file beside `path`,
+    // and joined into `out`; false with *error set when stopped or failed.
+    bool writePdfInParts(Progress& progress, const QString& path, QIODevice& out, QString* error);
     int rowLines(int row, QVector<QStringList>* cells) const;
     void paintPage(QPainter& p, int index) const;
     qreal paintHead(QPainter* p, int index) const;
