@@ -52,11 +52,17 @@ void reportRatio(benchmark::State& state, double plain, double window, int rows,
 }
 
 // The open as a host's Show does it: the window, the query, the model with its totals
-// rows, the column widths, the first paint.
+// rows, the column widths, the first paint. The very first open of a book also writes
+// the journal's fingerprint of it, once in the book's life: it is timed on its own
+// (first_open_ms) and kept out of the ratio, which is the open of every working day.
 void BM_OpenBookAgainstPlainFetch(benchmark::State& state)
 {
     book();
     PlainFetch plain;
+    const auto first = std::chrono::steady_clock::now();
+    openWindow().reset();
+    state.counters["first_open_ms"] = seconds(first) * 1000;
+    settle();
     double plainTime = 0;
     double openTime = 0;
     int rows = 0;
