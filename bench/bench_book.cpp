@@ -51,6 +51,11 @@ void fill(const QString& path)
             if (!q.exec())
                 std::fprintf(stderr, "fill: %s\n", qPrintable(q.lastError().text()));
         }
+        // The rights table of a host's database, empty: every operator may do all.
+        // Without it the export command refuses, as it must where rights cannot be read.
+        if (!q.exec(QStringLiteral("CREATE TABLE PRAVA (OPERATER nvarchar(30) NULL, PROGRAM nvarchar(30) NULL, "
+                                   "PRAVO nvarchar(30) NULL)")))
+            std::fprintf(stderr, "fill: %s\n", qPrintable(q.lastError().text()));
         db.commit();
     }
     QSqlDatabase::removeDatabase(name);

@@ -28,6 +28,8 @@ namespace
 bool run(const QString& program, const QStringList& arguments, const QString& out = {})
 {
     QProcess p;
+    // A failure says why on the benchmark's own error output.
+    p.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     if (!out.isEmpty())
         p.setStandardOutputFile(out);
     p.start(program, arguments);
