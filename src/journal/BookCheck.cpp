@@ -34,6 +34,7 @@ struct Row {
 struct Table {
     std::vector<Row> rows;
     bool baseline = false;
+    bool takingBaseline = false; // the baseline's further records belong to it
 };
 
 qint64 number(const Values& v, const QString& column, qint64 otherwise = std::numeric_limits<qint64>::min())
@@ -81,10 +82,16 @@ public:
         Table& t = m_tables[name];
         using namespace journal;
         if (r.radnja == RecordKind::Osnova) {
-            if (!t.baseline)
+            // A book's table gets one baseline: a later one (of a kind sharing the
+            // table) restates rows the journal already follows.
+            const bool first = !r.rBroj;
+            if (first) {
+                t.takingBaseline = !t.baseline;
+                t.baseline = true;
+            }
+            if (t.takingBaseline)
                 for (const QString& line : lines(r.poslije))
                     add(t, name, journal::parseRow(line));
-            t.baseline = true;
         } else if (r.radnja == RecordKind::Unos || r.radnja == RecordKind::Generiranje
             || r.radnja == RecordKind::PocetnaStanja) {
             for (const QString& line : lines(r.poslije))

@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QSet>
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 namespace knjige::journal
@@ -138,14 +139,58 @@ bool writeBaseline(db::Database& db, const Scope& s, QString* error)
         return false;
     if (has)
         return true;
-    db::ResultSet rows;
-    if (!db.open(QStringLiteral("SELECT * FROM ") + tableOf(s.tip) + QStringLiteral(" WHERE GodinaKnj=")
+    // A book of a decade is fingerprinted in records of kBaselineRows rows each, read
+    // in parts and held compressed until written: the whole book's text at once would
+    // take several times the memory its window takes. The first record is the start of
+    // the baseline; those after it carry their place (2, 3, ...) as their number. They
+    // are written after the read, since a server connection takes no statement while a
+    // result is still being read.
+    QList<QByteArray> packed;
+    QString chunk;
+    int inChunk = 0;
+    const bool read
+        = db.openInParts(QStringLiteral("SELECT * FROM ") + tableOf(s.tip) + QStringLiteral(" WHERE GodinaKnj=")
                 + QString::number(s.year) + QStringLiteral(" AND BrojPoduzeca=") + QString::number(s.company),
-            rows)) {
+            [&](const db::ResultSet& part) {
+                for (int r = 0; r < part.rowCount(); ++r) {
+                    chunk += rowText(part, r) + u'\n';
+                    if (++inChunk == kBaselineRows) {
+                        packed << qCompress(chunk.toUtf8());
+                        chunk.clear();
+                        inChunk = 0;
+                    }
+                }
+                return true;
+            });
+    if (!read) {
         *error = db.errorDescription();
         return false;
     }
-    return append(db, { s.tip, s.company, s.year, 0 }, { RecordKind::Osnova, std::nullopt, {}, rowsText(rows) }, error);
+    if (inChunk > 0 || packed.isEmpty())
+        packed << qCompress(chunk.toUtf8());
+    chunk.clear();
+    // All records or none: a baseline cut short would later read as rows deleted
+    // outside the program.
+    std::optional<db::TransactionGuard> tx;
+    if (!db.inTransaction()) {
+        tx.emplace(db);
+        if (!tx->isActive()) {
+            *error = db.errorDescription();
+            return false;
+        }
+    }
+    for (qsizetype i = 0; i < packed.size(); ++i) {
+        const std::optional<qint64> place = i == 0 ? std::nullopt : std::optional<qint64>(i + 1);
+        const QString text = QString::fromUtf8(qUncompress(packed[i]));
+        packed[i].clear();
+        if (!append(db, { s.tip, s.company, s.year, 0 }, { RecordKind::Osnova, place, {}, text }, error))
+            return false;
+    }
+    if (tx && !tx->commit()) {
+        *error = db.errorDescription();
+        return false;
+    }
+    return true;
 }
 
 } // namespace

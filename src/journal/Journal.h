@@ -104,7 +104,10 @@ bool append(db::Database& db, const Scope& scope, const Change& change, QString*
 // The first record of a book is its baseline: every row of its table for the company
 // and year as it stands. Call before a change is made (the baseline must not contain
 // it) and when a book is opened. The income and expense book FBiH and the receivables
-// linked to it take their baselines together.
+// linked to it take their baselines together. A baseline of more than kBaselineRows
+// rows is several records, written in one transaction: the first as any baseline, each
+// further one with its place (2, 3, ...) as its number.
+inline constexpr int kBaselineRows = 10000;
 bool ensureBaseline(db::Database& db, const Scope& scope, QString* error);
 
 // A baseline for every company and year found in every book (a database just filled).

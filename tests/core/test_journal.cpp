@@ -11,6 +11,9 @@
 #include "support/ScriptedInteraction.h"
 #include "support/TestDatabase.h"
 
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <gtest/gtest.h>
 
 using namespace knjige;
@@ -232,6 +235,30 @@ TEST(BookCheck, EachFindingOnASmallBookMadeToHaveIt)
     const journal::bookcheck::Report r = check(t, 96);
     EXPECT_EQ(r.status, journal::bookcheck::Report::Status::Clean);
     EXPECT_TRUE(r.text.contains(QStringLiteral("Knjiga nema dnevnik promjena"))) << r.text.toStdString();
+
+    // A book over one baseline record's rows is fingerprinted in several records, all
+    // of them read back: a change outside the program in the last one is named.
+    TestDatabase big;
+    {
+        QSqlDatabase raw = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("journal_big"));
+        raw.setDatabaseName(big.path());
+        ASSERT_TRUE(raw.open());
+        QSqlQuery q(raw);
+        ASSERT_TRUE(q.exec(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<%1) "
+                                          "INSERT INTO KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,"
+                                          "Opis,Vrsta,Iznos,IznosPDV) SELECT 1,i,'2016-01-05',2016,'D-'||i,'O',11,"
+                                          "10,0 FROM n")
+                               .arg(journal::kBaselineRows + 1)))
+            << q.lastError().text().toStdString();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("journal_big"));
+    ASSERT_TRUE(journal::ensureBaseline(big.db(), { 96, 1, 2016, 0 }, nullptr));
+    EXPECT_EQ(actions(chain(big)), (QStringList { "96 osnova", "96 osnova", "97 osnova" }));
+    EXPECT_EQ(check(big, 96).status, journal::bookcheck::Report::Status::Clean);
+    big.exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET Opis='X' WHERE RBroj=%1").arg(journal::kBaselineRows + 1));
+    EXPECT_EQ(check(big, 96).findings,
+        QStringList { QStringLiteral("Promijenjena izvan programa: stavka %1: OPIS: \"O\" → \"X\".")
+                          .arg(journal::kBaselineRows + 1) });
 }
 
 // A closed period: each write path refuses with the lock's date, and an unlock (with
