@@ -1,12 +1,15 @@
 #include "journal/BookCheck.h"
 
 #include "books/BookKind.h"
+#include "journal/CheckReplay.h"
 #include "journal/Journal.h"
 
 #include <QHash>
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace knjige::journal::bookcheck
@@ -14,35 +17,8 @@ namespace knjige::journal::bookcheck
 namespace
 {
 
-using Values = QMap<QString, QString>;
-const QString kRBroj = QStringLiteral("RBROJ");
-const QString kLink = QStringLiteral("RBROJKPR");
-const QString kNull = QStringLiteral("\\N");
 // A long list is cut: the first ones tell the story, the count the size of it.
 constexpr int kShown = 200;
-
-// A row as the journal says it should be. Receivables remember the entry of the
-// income and expense book their link was given for (`target`: its id, -1 for no
-// link, -2 for a link to nothing, 0 when the journal cannot tell).
-struct Row {
-    Values v;
-    int id = 0;
-    int target = 0;
-    bool gone = false;
-};
-
-struct Table {
-    std::vector<Row> rows;
-    bool baseline = false;
-    bool takingBaseline = false; // the baseline's further records belong to it
-};
-
-qint64 number(const Values& v, const QString& column, qint64 otherwise = std::numeric_limits<qint64>::min())
-{
-    bool ok = false;
-    const qint64 n = v.value(column).toLongLong(&ok);
-    return ok ? n : otherwise;
-}
 
 QString shown(const QString& value)
 {
@@ -52,159 +28,33 @@ QString shown(const QString& value)
     return d.isValid() ? d.toString(QStringLiteral("dd.MM.yyyy")) : u'"' + value + u'"';
 }
 
-QStringList lines(const QString& text)
-{
-    return text.split(u'\n', Qt::SkipEmptyParts);
-}
-
-bool matches(const Values& pattern, const Values& row)
-{
-    for (auto it = pattern.begin(); it != pattern.end(); ++it)
-        if (row.value(it.key(), kNull) != it.value())
-            return false;
-    return true;
-}
-
-QString markOf(const Values& v)
-{
-    return journal::rowMark(v.value(QStringLiteral("DATUM"), kNull), v.value(QStringLiteral("OPIS"), kNull));
-}
-
-// Plays the journal forward: what each table should hold now.
-class Replay
+// A section's findings: of a long list only the ones shown are kept, the rest counted,
+// so that a book of a million entries does not hold a million sentences.
+class Findings
 {
 public:
-    void apply(const journal::Record& r)
+    Findings() = default;
+    Findings(std::initializer_list<QString> findings)
     {
-        const QString name = journal::tableOf(r.tip).toUpper();
-        if (name.isEmpty())
-            return;
-        Table& t = m_tables[name];
-        using namespace journal;
-        if (r.radnja == RecordKind::Osnova) {
-            // A book's table gets one baseline: a later one (of a kind sharing the
-            // table) restates rows the journal already follows.
-            const bool first = !r.rBroj;
-            if (first) {
-                t.takingBaseline = !t.baseline;
-                t.baseline = true;
-            }
-            if (t.takingBaseline)
-                for (const QString& line : lines(r.poslije))
-                    add(t, name, journal::parseRow(line));
-        } else if (r.radnja == RecordKind::Unos || r.radnja == RecordKind::Generiranje
-            || r.radnja == RecordKind::PocetnaStanja) {
-            for (const QString& line : lines(r.poslije))
-                add(t, name, journal::parseRow(line));
-        } else if (r.radnja == RecordKind::Izmjena) {
-            Row* row = find(t, journal::parseRow(r.prije));
-            const Values after = journal::parseRow(r.poslije);
-            if (!row) {
-                add(t, name, after);
-            } else {
-                for (auto it = after.begin(); it != after.end(); ++it)
-                    row->v[it.key()] = it.value();
-                if (isReceivables(name))
-                    aim(*row);
-            }
-        } else if (r.radnja == RecordKind::Brisanje || r.radnja == RecordKind::BrisanjePrikazanih) {
-            for (const QString& line : lines(r.prije))
-                if (Row* row = find(t, journal::parseRow(line)))
-                    row->gone = true;
-        } else if (r.radnja == RecordKind::Umetanje && r.rBroj) {
-            for (Row& row : t.rows)
-                if (!row.gone && number(row.v, kRBroj) >= *r.rBroj)
-                    row.v[kRBroj] = QString::number(number(row.v, kRBroj) + 1);
-            for (const QString& line : lines(r.poslije))
-                add(t, name, journal::parseRow(line));
-        } else if (r.radnja == RecordKind::Renumeracija) {
-            const bool perPoint = books::isTradeBook(r.tip);
-            remap(t, kRBroj, r.poslije,
-                [&](const Row& row) { return !perPoint || number(row.v, QStringLiteral("BROJPROD")) == r.brojProd; });
-        } else if (r.radnja == RecordKind::Veze) {
-            remap(t, kLink, r.poslije, [](const Row&) { return true; });
-        }
+        for (const QString& f : findings)
+            *this << f;
     }
 
-    const Table* table(int tip) const
+    Findings& operator<<(const QString& finding)
     {
-        const auto it = m_tables.find(journal::tableOf(tip).toUpper());
-        return it == m_tables.end() ? nullptr : &it->second;
+        if (m_shown.size() < kShown)
+            m_shown << finding;
+        ++m_count;
+        return *this;
     }
+
+    bool isEmpty() const { return m_count == 0; }
+    const QStringList& shown() const { return m_shown; }
+    qsizetype count() const { return m_count; }
 
 private:
-    static bool isReceivables(const QString& name)
-    {
-        return name == journal::tableOf(Knjiga::EvidPotObvFBiH).toUpper();
-    }
-
-    void add(Table& t, const QString& name, const Values& v)
-    {
-        t.rows.push_back({ v, ++m_nextId, 0, false });
-        if (isReceivables(name))
-            aim(t.rows.back());
-    }
-
-    // A link given by a person points at the entry that holds its number now.
-    void aim(Row& row)
-    {
-        const qint64 link = number(row.v, kLink, 0);
-        row.target = link == 0 ? -1 : -2;
-        if (link == 0)
-            return;
-        const auto it = m_tables.find(journal::tableOf(Knjiga::PrihRashFBiH).toUpper());
-        if (it != m_tables.end())
-            for (const Row& entry : it->second.rows)
-                if (!entry.gone && number(entry.v, kRBroj) == link) {
-                    row.target = entry.id;
-                    return;
-                }
-    }
-
-    static Row* find(Table& t, const Values& pattern)
-    {
-        for (Row& row : t.rows)
-            if (!row.gone && matches(pattern, row.v))
-                return &row;
-        return nullptr;
-    }
-
-    // "old>new" and "old#mark>new" take a row by its number; "=old>new" every row of a
-    // value. All at once, as the statements change them.
-    template <typename InScope> static void remap(Table& t, const QString& column, const QString& text, InScope inScope)
-    {
-        QHash<QString, qint64> byKey;
-        QHash<qint64, qint64> byValue;
-        for (const QString& line : lines(text)) {
-            const qsizetype gt = line.indexOf(u'>');
-            const qint64 to = line.mid(gt + 1).toLongLong();
-            if (line.startsWith(u'='))
-                byValue.insert(line.mid(1, gt - 1).toLongLong(), to);
-            else
-                byKey.insert(line.left(gt), to);
-        }
-        std::vector<std::pair<Row*, qint64>> changes;
-        for (Row& row : t.rows) {
-            if (row.gone || !inScope(row))
-                continue;
-            const qint64 value = number(row.v, column);
-            if (byValue.contains(value)) {
-                changes.emplace_back(&row, byValue.value(value));
-                continue;
-            }
-            const QString key = row.v.value(kRBroj);
-            const QString marked = key + u'#' + markOf(row.v);
-            if (byKey.contains(marked))
-                changes.emplace_back(&row, byKey.value(marked));
-            else if (byKey.contains(key))
-                changes.emplace_back(&row, byKey.value(key));
-        }
-        for (const auto& [row, to] : changes)
-            row->v[column] = QString::number(to);
-    }
-
-    std::map<QString, Table> m_tables;
-    int m_nextId = 0;
+    QStringList m_shown;
+    qsizetype m_count = 0;
 };
 
 class Checker
@@ -237,7 +87,7 @@ public:
                      .arg(m_q.year);
         if (m_q.brojProd != 0)
             m_text += QStringLiteral(", prodajno mjesto: %1").arg(m_q.brojProd);
-        m_text += QStringLiteral("\nStavki u knjizi: %1\n").arg(m_rows.size());
+        m_text += QStringLiteral("\nStavki u knjizi: %1\n").arg(m_raw.rowCount());
         journalSection();
         numberingSection();
         if (m_book->table == journal::tableOf(Knjiga::EvidPotObvFBiH))
@@ -248,10 +98,11 @@ public:
         if (m_q.tip == Knjiga::PrihRashDB)
             generationSection();
         sumsSection();
-        m_text += m_all.isEmpty() ? QStringLiteral("\nKnjiga je ispravna: provjera nije našla ništa.\n")
-                                  : QStringLiteral("\nUkupno nalaza: %1\n").arg(m_all.size());
-        report.status = m_all.isEmpty() ? Report::Status::Clean : Report::Status::Findings;
+        m_text += m_count == 0 ? QStringLiteral("\nKnjiga je ispravna: provjera nije našla ništa.\n")
+                               : QStringLiteral("\nUkupno nalaza: %1\n").arg(m_count);
+        report.status = m_count == 0 ? Report::Status::Clean : Report::Status::Findings;
         report.findings = m_all;
+        report.count = m_count;
         report.text = m_text;
         return report;
     }
@@ -265,21 +116,44 @@ private:
             sql += QStringLiteral(" AND BrojProd=") + QString::number(m_q.brojProd);
         if (!m_db.open(sql, m_raw))
             return false;
-        for (int r = 0; r < m_raw.rowCount(); ++r)
-            m_rows.push_back(journal::parseRow(journal::rowText(m_raw, r)));
+        for (int c = 0; c < m_raw.fieldCount(); ++c)
+            m_columns.insert(m_raw.field(c).name.toUpper(), c);
         return true;
     }
 
-    void section(const QString& title, const QStringList& findings, const QString& clean = QStringLiteral("U redu."))
+    // The book's rows stay in the result they were read into, a value read as the
+    // journal writes it; a column the book does not have is `otherwise`.
+    QString cell(int row, const QString& column, const QString& otherwise = QString()) const
+    {
+        const auto it = m_columns.constFind(column);
+        return it == m_columns.cend() ? otherwise : journal::valueText(m_raw.value(row, *it));
+    }
+
+    std::optional<qint64> numberOf(int row, const QString& column) const
+    {
+        bool ok = false;
+        const qint64 n = cell(row, column).toLongLong(&ok);
+        return ok ? std::optional(n) : std::nullopt;
+    }
+
+    qint64 number(int row, const QString& column, qint64 otherwise = std::numeric_limits<qint64>::min()) const
+    {
+        return numberOf(row, column).value_or(otherwise);
+    }
+
+    Values values(int row) const { return journal::parseRow(journal::rowText(m_raw, row)); }
+
+    void section(const QString& title, const Findings& findings, const QString& clean = QStringLiteral("U redu."))
     {
         m_text += u'\n' + title + u'\n';
         if (findings.isEmpty())
             m_text += QStringLiteral("  ") + clean + u'\n';
-        for (int i = 0; i < findings.size() && i < kShown; ++i)
-            m_text += QStringLiteral("  - ") + findings[i] + u'\n';
-        if (findings.size() > kShown)
-            m_text += QStringLiteral("  ... i još %1.\n").arg(findings.size() - kShown);
-        m_all += findings;
+        for (const QString& finding : findings.shown())
+            m_text += QStringLiteral("  - ") + finding + u'\n';
+        if (findings.count() > kShown)
+            m_text += QStringLiteral("  ... i još %1.\n").arg(findings.count() - kShown);
+        m_all += findings.shown();
+        m_count += findings.count();
     }
 
     static QString entry(const Values& v)
@@ -287,23 +161,27 @@ private:
         return QStringLiteral("stavka ") + v.value(kRBroj, QStringLiteral("bez broja"));
     }
 
+    QString entry(int row) const { return QStringLiteral("stavka ") + cell(row, kRBroj, QStringLiteral("bez broja")); }
+
     void journalSection()
     {
-        QStringList findings;
-        std::vector<journal::Record> chain;
+        Findings findings;
         if (!journal::available(m_db)) {
             m_text += QStringLiteral("\nDnevnik promjena\n  Knjiga nema dnevnik promjena: u bazi nema tablice "
                                      "dbo.KnjDnevnik (naredba za nju je u uputama, README).\n");
             return;
         }
-        if (!journal::readChain(m_db, m_q.company, m_q.year, chain)) {
+        if (!journal::readChain(m_db, m_q.company, m_q.year, m_chain)) {
             section(QStringLiteral("Dnevnik promjena"),
                 { QStringLiteral("Dnevnik nije moguće pročitati: ") + m_db.errorDescription() });
             return;
         }
         QString previous;
         qint64 expected = 1;
-        for (const journal::Record& r : chain) {
+        const int records = m_chain.rowCount();
+        // A record at a time: a baseline of a million rows is a hundred records of texts.
+        for (int i = 0; i < records; ++i) {
+            const journal::Record r = journal::chainRecord(m_chain, i);
             if (r.redni != expected) {
                 findings << (r.redni > expected
                         ? QStringLiteral("Lanac dnevnika je prekinut: nedostaje zapis %1 (sljedeći je %2).")
@@ -324,18 +202,17 @@ private:
             previous = r.hash;
             ++expected;
         }
-        Replay replay;
-        for (const journal::Record& r : chain)
-            replay.apply(r);
-        const Table* mine = replay.table(m_q.tip);
+        for (int i = 0; i < records; ++i)
+            m_replay.apply(i, journal::chainRecord(m_chain, i, false));
+        const Table* mine = m_replay.table(m_q.tip);
         QString summary;
         if (findings.isEmpty())
-            summary = chain.empty() ? QStringLiteral("Dnevnik ove godine još nema zapisa.")
-                                    : QStringLiteral("Lanac dnevnika je neprekinut: %1 zapisa, zadnji %2 (%3).")
-                                          .arg(chain.size())
-                                          .arg(chain.back().vrijeme, chain.back().hash.left(16));
+            summary = records == 0 ? QStringLiteral("Dnevnik ove godine još nema zapisa.")
+                                   : QStringLiteral("Lanac dnevnika je neprekinut: %1 zapisa, zadnji %2 (%3).")
+                                         .arg(records)
+                                         .arg(journal::chainRecord(m_chain, records - 1, false).vrijeme,
+                                             journal::chainRecord(m_chain, records - 1, false).hash.left(16));
         section(QStringLiteral("Dnevnik promjena"), findings, summary);
-        m_replay = replay;
         if (!mine || !mine->baseline) {
             m_text += QStringLiteral("\nPromjene izvan programa\n  Dnevnik još nema početni zapis ove knjige: nastaje "
                                      "kad se knjiga prvi put otvori ili promijeni.\n");
@@ -347,64 +224,117 @@ private:
     bool inScope(const Values& v) const
     {
         return !books::isTradeBook(m_q.tip) || m_q.brojProd == 0
-            || number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
+            || bookcheck::number(v, QStringLiteral("BROJPROD")) == m_q.brojProd;
+    }
+
+    // The book's rows by the text of their values in some columns: hashes sorted, each
+    // row compared in full where its hash is the one looked for. `skip` leads past rows
+    // already taken.
+    struct Index {
+        std::vector<int> columns; // of the book, -1 for one it does not have
+        std::vector<std::pair<size_t, int>> byHash;
+        std::vector<int> skip;
+    };
+
+    QString joinedValues(int row, const std::vector<int>& columns) const
+    {
+        QString out;
+        for (size_t k = 0; k < columns.size(); ++k) {
+            if (k > 0)
+                out += u'\t';
+            out += columns[k] < 0 ? kNull : journal::valueText(m_raw.value(row, columns[k]));
+        }
+        return out;
+    }
+
+    Index index(const QStringList& keys) const
+    {
+        Index x;
+        for (const QString& k : keys)
+            x.columns.push_back(m_columns.value(k, -1));
+        const int count = m_raw.rowCount();
+        x.byHash.reserve(size_t(count));
+        for (int i = 0; i < count; ++i)
+            x.byHash.emplace_back(qHash(joinedValues(i, x.columns)), i);
+        std::sort(x.byHash.begin(), x.byHash.end());
+        x.skip.resize(size_t(count));
+        for (int p = 0; p < count; ++p)
+            x.skip[size_t(p)] = p + 1;
+        return x;
+    }
+
+    // The first row not yet used whose values are `text`, -1 for none.
+    int take(Index& x, const QString& text, const std::vector<bool>& used) const
+    {
+        const size_t h = qHash(text);
+        const int count = int(x.byHash.size());
+        int p = int(std::lower_bound(x.byHash.begin(), x.byHash.end(), std::make_pair(h, 0)) - x.byHash.begin());
+        int usedFrom = -1;
+        for (; p < count && x.byHash[size_t(p)].first == h;) {
+            const int row = x.byHash[size_t(p)].second;
+            if (used[size_t(row)]) {
+                usedFrom = usedFrom < 0 ? p : usedFrom;
+                p = x.skip[size_t(p)];
+                continue;
+            }
+            if (usedFrom >= 0)
+                x.skip[size_t(std::exchange(usedFrom, -1))] = p;
+            if (joinedValues(row, x.columns) == text)
+                return row;
+            ++p;
+        }
+        if (usedFrom >= 0)
+            x.skip[size_t(usedFrom)] = p;
+        return -1;
     }
 
     void outsideSection(const Table& expected)
     {
-        std::vector<const Row*> want;
-        for (const Row& r : expected.rows)
-            if (!r.gone && inScope(r.v))
-                want.push_back(&r);
-        std::vector<bool> used(m_rows.size(), false);
-        QHash<QString, QHash<QString, std::vector<int>>> index;
+        std::vector<bool> used(size_t(m_raw.rowCount()), false);
+        std::map<QString, Index> indexes;
         std::vector<const Row*> missing;
-        for (const Row* r : want) {
-            const QStringList keys = r->v.keys();
+        for (const Row& r : expected.rows) {
+            if (r.gone)
+                continue;
+            const Values v = m_replay.values(r);
+            if (!inScope(v))
+                continue;
+            const QStringList keys = v.keys();
             const QString signature = keys.join(u'\t');
-            if (!index.contains(signature)) {
-                QHash<QString, std::vector<int>>& byText = index[signature];
-                for (int i = int(m_rows.size()) - 1; i >= 0; --i) {
-                    QStringList parts;
-                    for (const QString& k : keys)
-                        parts << m_rows[size_t(i)].value(k, kNull);
-                    byText[parts.join(u'\t')].push_back(i);
-                }
-            }
-            std::vector<int>& candidates = index[signature][QStringList(r->v.values()).join(u'\t')];
-            while (!candidates.empty() && used[size_t(candidates.back())])
-                candidates.pop_back();
-            if (candidates.empty()) {
-                missing.push_back(r);
-                continue;
-            }
-            used[size_t(candidates.back())] = true;
-            candidates.pop_back();
+            auto x = indexes.find(signature);
+            if (x == indexes.end())
+                x = indexes.emplace(signature, index(keys)).first;
+            const int row = take(x->second, QStringList(v.values()).join(u'\t'), used);
+            if (row < 0)
+                missing.push_back(&r);
+            else
+                used[size_t(row)] = true;
         }
-        QStringList findings;
+        indexes.clear();
+        Findings findings;
         std::multimap<QString, int> extra;
-        for (size_t i = 0; i < m_rows.size(); ++i)
-            if (!used[i])
-                extra.emplace(m_rows[i].value(kRBroj), int(i));
+        for (int i = 0; i < m_raw.rowCount(); ++i)
+            if (!used[size_t(i)])
+                extra.emplace(cell(i, kRBroj), i);
         for (const Row* r : missing) {
-            const auto it = extra.find(r->v.value(kRBroj));
+            const Values v = m_replay.values(*r);
+            const auto it = extra.find(v.value(kRBroj));
             if (it == extra.end()) {
-                findings << QStringLiteral("Uklonjena izvan programa: %1 (%2).").arg(entry(r->v), describe(r->v));
+                findings << QStringLiteral("Uklonjena izvan programa: %1 (%2).").arg(entry(v), describe(v));
                 continue;
             }
-            const Values& now = m_rows[size_t(it->second)];
+            const Values now = values(it->second);
             QStringList changes;
-            for (auto c = r->v.begin(); c != r->v.end(); ++c)
+            for (auto c = v.begin(); c != v.end(); ++c)
                 if (now.value(c.key(), kNull) != c.value())
                     changes << QStringLiteral("%1: %2 → %3")
                                    .arg(c.key(), shown(c.value()), shown(now.value(c.key(), kNull)));
             findings << QStringLiteral("Promijenjena izvan programa: %1: %2.")
-                            .arg(entry(r->v), changes.join(QStringLiteral("; ")));
+                            .arg(entry(v), changes.join(QStringLiteral("; ")));
             extra.erase(it);
         }
         for (const auto& [n, i] : extra)
-            findings << QStringLiteral("Dodana izvan programa: %1 (%2).")
-                            .arg(entry(m_rows[size_t(i)]), describe(m_rows[size_t(i)]));
+            findings << QStringLiteral("Dodana izvan programa: %1 (%2).").arg(entry(i), describe(values(i)));
         section(QStringLiteral("Promjene izvan programa (od početnog zapisa dnevnika)"), findings);
     }
 
@@ -419,21 +349,27 @@ private:
 
     void numberingSection()
     {
-        QStringList findings;
-        std::map<qint64, std::vector<size_t>> byPoint;
-        for (size_t i = 0; i < m_rows.size(); ++i)
-            byPoint[books::isTradeBook(m_q.tip) ? number(m_rows[i], QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
+        Findings findings;
+        std::map<qint64, std::vector<int>> byPoint;
+        std::vector<std::optional<qint64>> numbers;
+        numbers.reserve(size_t(m_raw.rowCount()));
+        for (int i = 0; i < m_raw.rowCount(); ++i) {
+            byPoint[books::isTradeBook(m_q.tip) ? number(i, QStringLiteral("BROJPROD"), 0) : 0].push_back(i);
+            numbers.push_back(numberOf(i, kRBroj));
+        }
+        const qint64 unnumbered = std::numeric_limits<qint64>::min();
         for (auto& [point, rows] : byPoint) {
             const QString where
                 = books::isTradeBook(m_q.tip) ? QStringLiteral(" (prodajno mjesto %1)").arg(point) : QString();
-            std::stable_sort(rows.begin(), rows.end(),
-                [this](size_t a, size_t b) { return number(m_rows[a], kRBroj) < number(m_rows[b], kRBroj); });
+            std::stable_sort(rows.begin(), rows.end(), [&numbers, unnumbered](int a, int b) {
+                return numbers[size_t(a)].value_or(unnumbered) < numbers[size_t(b)].value_or(unnumbered);
+            });
             qint64 previous = 0;
             QDate latest;
             qint64 latestNumber = 0;
             for (size_t k = 0; k < rows.size(); ++k) {
-                const Values& v = m_rows[rows[k]];
-                const qint64 n = number(v, kRBroj, 0);
+                const int row = rows[k];
+                const qint64 n = numbers[size_t(row)].value_or(0);
                 if (n < 1)
                     findings << QStringLiteral("Redni broj %1 je manji od 1%2.").arg(n).arg(where);
                 else if (k > 0 && n == previous)
@@ -446,7 +382,7 @@ private:
                                   .arg(n - 1)
                                   .arg(where));
                 previous = std::max(previous, n);
-                const QDate d = QDate::fromString(v.value(QStringLiteral("DATUM")), Qt::ISODate);
+                const QDate d = QDate::fromString(cell(row, QStringLiteral("DATUM")), Qt::ISODate);
                 if (books::isAssetList(m_q.tip) || !d.isValid())
                     continue;
                 if (latest.isValid() && d < latest)
@@ -467,7 +403,7 @@ private:
 
     void linksSection()
     {
-        QStringList findings;
+        Findings findings;
         db::ResultSet entries;
         QHash<qint64, int> numbers;
         if (!m_db.open(QStringLiteral("SELECT RBroj FROM dbo.KnjPrihRashFBiH WHERE GodinaKnj=")
@@ -479,11 +415,11 @@ private:
         }
         for (int r = 0; r < entries.rowCount(); ++r)
             ++numbers[entries.integer(r, 0)];
-        for (const Values& v : m_rows) {
-            const qint64 link = number(v, kLink, 0);
+        for (int i = 0; i < m_raw.rowCount(); ++i) {
+            const qint64 link = number(i, kLink, 0);
             if (link != 0 && !numbers.contains(link))
                 findings << QStringLiteral("%1 je vezana za stavku %2 knjige prihoda i rashoda, koja ne postoji.")
-                                .arg(entry(v))
+                                .arg(entry(i))
                                 .arg(link);
         }
         // Where the journal knows which entry a link was given for, the link must still
@@ -494,24 +430,24 @@ private:
             for (const Row& r : links->rows) {
                 if (r.gone || r.target == 0 || r.target == -2)
                     continue;
-                const qint64 link = number(r.v, kLink, 0);
+                const qint64 link = m_replay.number(r, kLink, 0);
                 const Row* now = nullptr;
                 const Row* then = nullptr;
                 for (const Row& e : book->rows) {
-                    if (!e.gone && number(e.v, kRBroj) == link && (!now || e.id == r.target))
+                    if (!e.gone && m_replay.number(e, kRBroj) == link && (!now || e.id == r.target))
                         now = &e;
                     if (e.id == r.target)
                         then = &e;
                 }
+                const auto at = [this](const Row& e) {
+                    const Values v = m_replay.values(e);
+                    return QStringLiteral("stavku %1 (%2)").arg(v.value(kRBroj), describe(v));
+                };
                 if ((r.target == -1 && link != 0) || (r.target > 0 && (!now || now->id != r.target)))
-                    findings
-                        << QStringLiteral("%1: veza je pomjerena na drugi dokument. Data je za %2, a sada "
-                                          "pokazuje na %3.")
-                               .arg(entry(r.v),
-                                   then ? QStringLiteral("stavku %1 (%2)").arg(then->v.value(kRBroj), describe(then->v))
-                                        : QStringLiteral("nijednu stavku"),
-                                   now ? QStringLiteral("stavku %1 (%2)").arg(now->v.value(kRBroj), describe(now->v))
-                                       : QStringLiteral("stavku %1").arg(link));
+                    findings << QStringLiteral("%1: veza je pomjerena na drugi dokument. Data je za %2, a sada "
+                                               "pokazuje na %3.")
+                                    .arg(entry(m_replay.values(r)), then ? at(*then) : QStringLiteral("nijednu stavku"),
+                                        now ? at(*now) : QStringLiteral("stavku %1").arg(link));
             }
         section(QStringLiteral("Veze s knjigom prihoda i rashoda"), findings);
     }
@@ -520,20 +456,20 @@ private:
     {
         if (books::isAssetList(m_q.tip))
             return;
-        QStringList findings;
+        Findings findings;
         const QDate first(m_q.year, 1, 1);
-        for (const Values& v : m_rows) {
-            const QDate d = QDate::fromString(v.value(QStringLiteral("DATUM")), Qt::ISODate);
+        for (int i = 0; i < m_raw.rowCount(); ++i) {
+            const QDate d = QDate::fromString(cell(i, QStringLiteral("DATUM")), Qt::ISODate);
             if (d.isValid() && d < first)
                 findings << QStringLiteral("%1 je datirana %2, prije godine knjige.")
-                                .arg(entry(v), d.toString(QStringLiteral("dd.MM.yyyy")));
+                                .arg(entry(i), d.toString(QStringLiteral("dd.MM.yyyy")));
         }
         section(QStringLiteral("Datumi"), findings);
     }
 
     void openingSection()
     {
-        QStringList findings;
+        Findings findings;
         db::ResultSet closing;
         const QString sql = m_book->selectSql + QStringLiteral(" WHERE K.GodinaKnj=") + QString::number(m_q.year - 1)
             + QStringLiteral(" AND K.BrojPoduzeca=") + QString::number(m_q.company)
@@ -546,9 +482,10 @@ private:
         const QString carried = QStringLiteral("Poč.stanje iz ") + QString::number(m_q.year - 1);
         std::vector<bool> used(size_t(closing.rowCount()), false);
         const auto col = [&closing](const char* name) { return closing.indexOf(QLatin1String(name)); };
-        for (const Values& v : m_rows) {
-            if (v.value(QStringLiteral("ISPRAVA")) != carried)
+        for (int i = 0; i < m_raw.rowCount(); ++i) {
+            if (cell(i, QStringLiteral("ISPRAVA")) != carried)
                 continue;
+            const Values v = values(i);
             const Money opening = Money::parse(v.value(QStringLiteral("KNJIGVRIJEDNOST"))).value_or(Money());
             int match = -1;
             for (int r = 0; r < closing.rowCount() && match < 0; ++r)
@@ -572,30 +509,33 @@ private:
 
     void generationSection()
     {
-        QStringList findings;
+        QStringList found;
         QHash<QString, QList<QString>> documents;
-        for (const Values& v : m_rows) {
-            const QString isprava = v.value(QStringLiteral("ISPRAVA"), kNull);
+        for (int i = 0; i < m_raw.rowCount(); ++i) {
+            const QString isprava = cell(i, QStringLiteral("ISPRAVA"), kNull);
             if (isprava == kNull || isprava.isEmpty())
                 continue;
-            const QString key = QStringList { isprava, v.value(QStringLiteral("DATUM")),
-                v.value(QStringLiteral("VRSTA")), v.value(QStringLiteral("IZNOS")) }
+            const QString key = QStringList { isprava, cell(i, QStringLiteral("DATUM")),
+                cell(i, QStringLiteral("VRSTA")), cell(i, QStringLiteral("IZNOS")) }
                                     .join(u'\t');
-            documents[key] << v.value(kRBroj);
+            documents[key] << cell(i, kRBroj);
         }
         for (auto it = documents.begin(); it != documents.end(); ++it)
             if (it->size() > 1)
-                findings << QStringLiteral("Dokument %1 je proknjižen %2 puta (stavke %3).")
-                                .arg(shown(it.key().section(u'\t', 0, 0)))
-                                .arg(it->size())
-                                .arg(it->join(QStringLiteral(", ")));
-        findings.sort();
+                found << QStringLiteral("Dokument %1 je proknjižen %2 puta (stavke %3).")
+                             .arg(shown(it.key().section(u'\t', 0, 0)))
+                             .arg(it->size())
+                             .arg(it->join(QStringLiteral(", ")));
+        found.sort();
+        Findings findings;
+        for (const QString& finding : std::as_const(found))
+            findings << finding;
         section(QStringLiteral("Generiranje"), findings);
     }
 
     void sumsSection()
     {
-        QStringList findings;
+        Findings findings;
         for (int c = 0; c < m_raw.fieldCount(); ++c) {
             if (m_raw.field(c).type != db::FieldType::Currency)
                 continue;
@@ -618,10 +558,12 @@ private:
     Request m_q;
     const books::BookKind* m_book;
     db::ResultSet m_raw;
-    std::vector<Values> m_rows;
-    Replay m_replay;
+    QHash<QString, int> m_columns; // of m_raw by upper-case name
+    db::ResultSet m_chain; // the journal's records, which the replay's rows point into
+    Replay m_replay { m_chain };
     QString m_text;
     QStringList m_all;
+    qsizetype m_count = 0;
 };
 
 } // namespace

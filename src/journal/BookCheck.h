@@ -18,7 +18,8 @@ using Request = journal::Scope;
 struct Report {
     enum class Status { Clean, Findings, Unreadable };
     Status status = Status::Clean;
-    QStringList findings; // one sentence each
+    QStringList findings; // one sentence each; of a long section, the ones shown
+    qsizetype count = 0; // all findings
     QString text; // the whole report, headed and sectioned
 };
 

@@ -305,34 +305,42 @@ bool available(db::Database& db)
     return hasTable(db, kTable);
 }
 
+bool readChain(db::Database& db, qint16 company, qint16 year, db::ResultSet& rows)
+{
+    return db.open(QStringLiteral("SELECT * FROM dbo.KnjDnevnik WHERE BrojPoduzeca=") + QString::number(company)
+            + QStringLiteral(" AND GodinaKnj=") + QString::number(year) + QStringLiteral(" ORDER BY Redni"),
+        rows);
+}
+
+Record chainRecord(const db::ResultSet& rs, int r, bool texts)
+{
+    const auto col = [&rs](const char* name) { return rs.indexOf(QString::fromLatin1(name)); };
+    Record rec;
+    rec.redni = rs.integer(r, col("Redni"));
+    rec.tip = int(rs.integer(r, col("TipKnjige")));
+    rec.brojProd = qint32(rs.integer(r, col("BrojProd")));
+    rec.vrijeme = rs.text(r, col("Vrijeme"));
+    rec.operater = rs.text(r, col("Operater"));
+    rec.radnja = rs.text(r, col("Radnja"));
+    if (!rs.isNull(r, col("RBroj")))
+        rec.rBroj = rs.integer(r, col("RBroj"));
+    if (texts) {
+        rec.prije = rs.text(r, col("Prije"));
+        rec.poslije = rs.text(r, col("Poslije"));
+    }
+    rec.hash = rs.text(r, col("Hash")).trimmed();
+    return rec;
+}
+
 bool readChain(db::Database& db, qint16 company, qint16 year, std::vector<Record>& out)
 {
     db::ResultSet rs;
-    if (!db.open(QStringLiteral("SELECT * FROM dbo.KnjDnevnik WHERE BrojPoduzeca=") + QString::number(company)
-                + QStringLiteral(" AND GodinaKnj=") + QString::number(year) + QStringLiteral(" ORDER BY Redni"),
-            rs))
+    if (!readChain(db, company, year, rs))
         return false;
-    const auto col = [&rs](const char* name) { return rs.indexOf(QString::fromLatin1(name)); };
-    const int cRedni = col("Redni"), cTip = col("TipKnjige"), cProd = col("BrojProd"), cVrijeme = col("Vrijeme"),
-              cOperater = col("Operater"), cRadnja = col("Radnja"), cRBroj = col("RBroj"), cPrije = col("Prije"),
-              cPoslije = col("Poslije"), cHash = col("Hash");
     out.clear();
     out.reserve(size_t(rs.rowCount()));
-    for (int r = 0; r < rs.rowCount(); ++r) {
-        Record rec;
-        rec.redni = rs.integer(r, cRedni);
-        rec.tip = int(rs.integer(r, cTip));
-        rec.brojProd = qint32(rs.integer(r, cProd));
-        rec.vrijeme = rs.text(r, cVrijeme);
-        rec.operater = rs.text(r, cOperater);
-        rec.radnja = rs.text(r, cRadnja);
-        if (!rs.isNull(r, cRBroj))
-            rec.rBroj = rs.integer(r, cRBroj);
-        rec.prije = rs.text(r, cPrije);
-        rec.poslije = rs.text(r, cPoslije);
-        rec.hash = rs.text(r, cHash).trimmed();
-        out.push_back(std::move(rec));
-    }
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out.push_back(chainRecord(rs, r));
     return true;
 }
 

@@ -83,6 +83,11 @@ bool available(db::Database& db);
 bool hasTable(db::Database& db, const QString& table);
 // Every record of the company and year, in chain order. False when unreadable.
 bool readChain(db::Database& db, qint16 company, qint16 year, std::vector<Record>& out);
+// The chain's rows as read, for a chain too long to hold as records all at once, and
+// one record of them; without `texts` its Prije and Poslije stay empty (read them from
+// `rows` where each is needed).
+bool readChain(db::Database& db, qint16 company, qint16 year, db::ResultSet& rows);
+Record chainRecord(const db::ResultSet& rows, int row, bool texts = true);
 
 // The table whose rows the kind keeps; two kinds may share one (97 and 102, 98 and 106).
 QString tableOf(int tip);

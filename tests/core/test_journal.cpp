@@ -259,6 +259,13 @@ TEST(BookCheck, EachFindingOnASmallBookMadeToHaveIt)
     EXPECT_EQ(check(big, 96).findings,
         QStringList { QStringLiteral("Promijenjena izvan programa: stavka %1: OPIS: \"O\" → \"X\".")
                           .arg(journal::kBaselineRows + 1) });
+    // A long section keeps the findings it shows and counts the rest.
+    big.exec(QStringLiteral("UPDATE dbo.KnjPrihRashFBiH SET Datum='2015-12-31' WHERE RBroj<=250"));
+    const journal::bookcheck::Report many = check(big, 96);
+    EXPECT_EQ(many.count, 501);
+    EXPECT_EQ(many.findings.size(), 400);
+    for (const char* line : { "  ... i još 51.\n", "  ... i još 50.\n", "\nUkupno nalaza: 501\n" })
+        EXPECT_TRUE(many.text.contains(QString::fromUtf8(line))) << line;
 }
 
 // A closed period: each write path refuses with the lock's date, and an unlock (with

@@ -43,6 +43,9 @@ static bool storesReal(FieldType t)
 // A column that shares its texts stops looking them up once this many different ones
 // are stored and fewer than half of all its texts were found among them.
 constexpr qsizetype kSharedTexts = 256;
+// Longer texts (the rows of a journal record) hardly repeat, and looking them up would
+// keep a second copy of each.
+constexpr qsizetype kSharedLength = 1024;
 
 void ResultSet::Numbers::push_back(qint64 v)
 {
@@ -135,8 +138,9 @@ void ResultSet::Bits::permute(const std::vector<int>& order)
 
 qint64 ResultSet::Texts::store(QByteArrayView text)
 {
-    ++seen;
-    if (sharing) {
+    const bool share = sharing && text.size() <= kSharedLength;
+    seen += share ? 1 : 0;
+    if (share) {
         const auto it = shared.constFind(QByteArray::fromRawData(text.data(), text.size()));
         if (it != shared.cend()) {
             ++found;
@@ -153,7 +157,7 @@ qint64 ResultSet::Texts::store(QByteArrayView text)
         bytes.push_back(b);
     } while (n);
     bytes.insert(bytes.end(), text.data(), text.data() + text.size());
-    if (sharing) {
+    if (share) {
         if (shared.size() < kSharedTexts) {
             shared.insert(text.toByteArray(), offset);
         } else if (found * 2 < seen) {
