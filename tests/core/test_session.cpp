@@ -118,9 +118,6 @@ TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
     EXPECT_EQ(server.sql,
         QStringLiteral("UPDATE TOP (1) dbo.KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE RBroj = ? AND Opis IS NULL"));
     EXPECT_EQ(server.values, (QVariantList { 3, QStringLiteral("Pazar"), 2 }));
-    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::Sqlite).sql,
-        QStringLiteral("UPDATE KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE rowid IN "
-                       "(SELECT rowid FROM KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL LIMIT 1)"));
 
     change.kind = db::RowChange::Kind::Delete;
     EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).sql,
