@@ -76,11 +76,14 @@ void GlyphText::drawFallback(QPainter& painter, const QPointF& origin, const QSt
 
 qreal GlyphText::width(QStringView text) const
 {
-    if (needsFallback(text))
-        return m_metrics.horizontalAdvance(text.toString());
+    // One pass: every cell of a long book is measured here.
     qreal w = 0;
-    for (QChar c : text)
-        w += glyph(c.unicode()).advance;
+    for (QChar c : text) {
+        const Glyph& g = glyph(c.unicode());
+        if (g.fallback)
+            return m_metrics.horizontalAdvance(text.toString());
+        w += g.advance;
+    }
     return w;
 }
 
