@@ -54,13 +54,19 @@ protected:
             }
         return false;
     }
-    // Sets the controls (see set) and saves.
-    void saveWith(const QString& assignments)
+    // Presses `k` with every editor setting `assignments` (see set) and saving; when
+    // `controls` are named, the editor must show `expected` in them first.
+    void press(browser::frmSifarnikKnj& w, Qt::Key k, const QString& assignments = {}, const QString& controls = {},
+        const QString& expected = {})
     {
-        onEditor([assignments](editors::RecordEditor& e) {
+        onEditor([=](editors::RecordEditor& e) {
+            if (!controls.isEmpty()) {
+                EXPECT_EQ(values(e, controls), expected);
+            }
             set(e, assignments);
             e.cmdSpremi->click();
         });
+        key(w, k);
     }
 
     // What the browser handed to each editor it showed: the mode, the number the entry is
@@ -68,14 +74,25 @@ protected:
     QStringList shown, titles;
 };
 
+class EveryBook : public Dispatch, public ::testing::WithParamInterface<int>
+{
+};
+
+std::vector<int> everyBook()
+{
+    std::vector<int> out;
+    for (const books::BookKind& b : books::allBooks())
+        out.push_back(b.code);
+    return out;
+}
+
 } // namespace
 
 TEST_F(Dispatch, NewEntryProposesTheNextNumberAndADateAndACancelReloadsNothing)
 {
     auto w = open(96);
     ASSERT_TRUE(w->jePrikazan());
-    saveWith("txtIsprava=KIF-1;cmbVrsta=#0;ubIznos=100");
-    key(*w, Qt::Key_F9);
+    press(*w, Qt::Key_F9, "txtIsprava=KIF-1;cmbVrsta=#0;ubIznos=100");
     // The working year 2016 lies in the past: its last day.
     EXPECT_EQ(shown, QStringList { "1|0|1|2016-12-31" });
     EXPECT_EQ(rBrojevi(*w), QList<qint64> { 1 });
@@ -116,12 +133,7 @@ TEST_F(Dispatch, EnterChangesAndDeleteRemovesTheCurrentEntryButNothingOpensOnATo
         addPrihRash(1, 2016, r, QDate(2016, 3, r), 16, 10.0 * r);
     auto w = open(96);
     w->postaviTrenutniRed(1);
-    onEditor([](editors::RecordEditor& e) {
-        EXPECT_EQ(values(e, "txtIsprava"), "D-2");
-        set(e, "ubRBroj=7");
-        e.cmdSpremi->click();
-    });
-    key(*w, Qt::Key_Return);
+    press(*w, Qt::Key_Return, "ubRBroj=7", "txtIsprava", "D-2");
     EXPECT_EQ(shown, QStringList { "2|2|2|2016-03-02" });
     EXPECT_EQ(rBrojevi(*w), (QList<qint64> { 1, 3, 7 }));
     EXPECT_EQ(w->trenutniRBroj(), 7);
@@ -156,37 +168,26 @@ TEST_F(Dispatch, TradeBookEntriesAreAddedChangedCopiedAndDeletedPerShop)
     add(125, 2, { { "BrojProd", 1 }, { "Iznos", money(20) } });
     auto w = open(125);
     change(*w, [](browser::BookQuery& q) { q.filter.salesPoint = 2; });
-    saveWith("txtOpis=Prva u Zapadu;ubIznos=5");
-    key(*w, Qt::Key_F9);
+    press(*w, Qt::Key_F9, "txtOpis=Prva u Zapadu;ubIznos=5");
     EXPECT_EQ(shown, QStringList { "1|0|1|2016-12-31" });
     EXPECT_EQ(w->rsStavke().rowCount(), 3);
 
     // Change the second entry of shop 1.
     ASSERT_TRUE(goTo(*w, "RBroj", 2, 1));
     ASSERT_EQ(w->trenutniRBroj(), 2);
-    onEditor([](editors::RecordEditor& e) {
-        EXPECT_EQ(values(e, "txtSkladište;txtOpis"), "1|S125-2");
-        set(e, "ubIznos=22");
-        e.cmdSpremi->click();
-    });
-    key(*w, Qt::Key_Return);
+    press(*w, Qt::Key_Return, "ubIznos=22", "txtSkladište;txtOpis", "1|S125-2");
     EXPECT_EQ(shown.value(1), "2|2|2|2016-01-03");
 
     // Copy it: the next number of its own shop.
     ASSERT_TRUE(goTo(*w, "RBroj", 2, 1));
-    onEditor([](editors::RecordEditor& e) { e.cmdSpremi->click(); });
-    key(*w, Qt::Key_F4);
+    press(*w, Qt::Key_F4);
     EXPECT_EQ(shown.value(2), "1|0|3|2016-01-03");
 
     EXPECT_EQ(table("SELECT BrojProd,RBroj,Iznos FROM dbo.TrgKnjUsluga ORDER BY BrojProd,RBroj"),
         "1|1|10\n1|2|22\n1|3|22\n2|1|5");
 
     ASSERT_TRUE(goTo(*w, "RBroj", 1, 2));
-    onEditor([](editors::RecordEditor& e) {
-        EXPECT_EQ(values(e, "txtOpis"), "Prva u Zapadu");
-        e.cmdSpremi->click();
-    });
-    key(*w, Qt::Key_Delete);
+    press(*w, Qt::Key_Delete, {}, "txtOpis", "Prva u Zapadu");
     EXPECT_EQ(shown.value(3), "4|1|1|2016-12-31");
     EXPECT_EQ(table("SELECT BrojProd,RBroj FROM dbo.TrgKnjUsluga ORDER BY BrojProd,RBroj"), "1|1\n1|2\n1|3");
 }
@@ -225,12 +226,7 @@ TEST_F(Dispatch, TwoEntriesSharingANumberAreChangedAndDeletedOneByOne)
     // Opens `key` on the entry described `opis`; the editor must show that very entry.
     const auto on = [&](const char* opis, Qt::Key k, const QString& change = {}) {
         ASSERT_TRUE(goTo(*w, "Opis", QString::fromUtf8(opis)));
-        onEditor([&](editors::RecordEditor& e) {
-            EXPECT_EQ(values(e, "txtOpis"), QString::fromUtf8(opis));
-            set(e, change);
-            e.cmdSpremi->click();
-        });
-        key(*w, k);
+        press(*w, k, change, "txtOpis", QString::fromUtf8(opis));
     };
     const QString byOpis = "SELECT Opis,Iznos FROM dbo.KnjPrihRashFBiH ORDER BY Opis";
     on("Druga petica", Qt::Key_Return, "ubIznos=25");
@@ -299,31 +295,14 @@ TEST_F(Dispatch, ANewAssetIsFoundUnderTheNumberTheTableGaveIt)
     for (int book : { 105, 101 }) {
         auto w = open(book);
         // The operator's number is not what the table assigns.
-        saveWith("ubRBroj=2;txtBrojDokumenta=44;txtNazivSredstva=Novo sredstvo;ubVijekTrajanja=4;ubNabavna=800;"
-                 "ubKnjigovodstvena=800");
-        key(*w, Qt::Key_F9);
+        press(*w, Qt::Key_F9,
+            "ubRBroj=2;txtBrojDokumenta=44;txtNazivSredstva=Novo sredstvo;ubVijekTrajanja=4;ubNabavna=800;"
+            "ubKnjigovodstvena=800");
         EXPECT_EQ(w->trenutniRBroj(), book == 105 ? 4 : 5) << book;
         ASSERT_GE(w->trenutniRed(), 0);
         EXPECT_EQ(w->rsStavke().value(w->trenutniRed(), "Naziv").toString(), "Novo sredstvo");
     }
 }
-
-namespace
-{
-
-class EveryBook : public Dispatch, public ::testing::WithParamInterface<int>
-{
-};
-
-std::vector<int> everyBook()
-{
-    std::vector<int> out;
-    for (const books::BookKind& b : books::allBooks())
-        out.push_back(b.code);
-    return out;
-}
-
-} // namespace
 
 // Copy, change and delete of one entry through the browser's keys, in every book: each
 // confirmed editor writes exactly one row and the list follows; the copy (F4) proposes
