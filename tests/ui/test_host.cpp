@@ -31,6 +31,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSpinBox>
 #include <QTest>
 #include <QTextStream>
@@ -38,13 +39,12 @@
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 
 using namespace knjige;
 using namespace knjige::host;
 using namespace knjige::test;
 
-// The host program's book chooser: what it lists, and that opening a book from it
-// does what a host does (session values, the book's browser).
 namespace
 {
 
@@ -108,8 +108,49 @@ protected:
     test::ScopedScript m_script;
 };
 
+class HostRights : public ::testing::Test
+{
+protected:
+    // Rows "operator|program|right".
+    void grant(const QStringList& rows)
+    {
+        for (const QString& row : rows) {
+            const QStringList v = row.split(u'|');
+            m_db.insert("dbo.PRAVA", { { "OPERATER", v[0] }, { "PROGRAM", v[1] }, { "PRAVO", v[2] } });
+        }
+    }
+    PravaRights rightsOf(const QString& op)
+    {
+        PravaRights r;
+        r.setConnectionString(session().ConnString);
+        r.setOperatorName(op);
+        return r;
+    }
+
+    test::TestDatabase m_db;
+    test::ScopedScript m_script;
+};
+
+class HostPickers : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(test::fillDemo(m_db.db(), 2024)); }
+    static QStringList names(const QVector<Partner>& list)
+    {
+        QStringList out;
+        for (const Partner& p : list)
+            out << p.ImeKomit1;
+        return out;
+    }
+
+    test::TestDatabase m_db { demo::BrojPoduzeca, 2024 };
+    test::ScopedScript m_script;
+};
+
 } // namespace
 
+// The host program's book chooser: what it lists, and that opening a book from it
+// does what a host does (session values, the book's browser).
 TEST_F(HostChooser, ListsTheTwelveBooksUnderTheirEntitiesShowsTheCompanyAndOpensOnlyWhatMayBeOpened)
 {
     BookChooser chooser(defaults());
@@ -187,33 +228,6 @@ TEST_F(HostChooser, OpeningABookSetsTheSessionShowsItsBrowserAndIsRememberedForT
 
 // The host's services: operator rights from dbo.PRAVA and the partner and shop
 // pickers over dbo.Komitent.
-namespace
-{
-
-class HostRights : public ::testing::Test
-{
-protected:
-    // Rows "operator|program|right".
-    void grant(const QStringList& rows)
-    {
-        for (const QString& row : rows) {
-            const QStringList v = row.split(u'|');
-            m_db.insert("dbo.PRAVA", { { "OPERATER", v[0] }, { "PROGRAM", v[1] }, { "PRAVO", v[2] } });
-        }
-    }
-    PravaRights rightsOf(const QString& op)
-    {
-        PravaRights r;
-        r.setConnectionString(session().ConnString);
-        r.setOperatorName(op);
-        return r;
-    }
-
-    test::TestDatabase m_db;
-    test::ScopedScript m_script;
-};
-
-} // namespace
 
 TEST_F(HostRights, RightsThatCannotBeReadLetNobodyInAndRowsAllowOnlyWhatTheyName)
 {
@@ -261,27 +275,6 @@ TEST_F(HostRights, RightsThatCannotBeReadLetNobodyInAndRowsAllowOnlyWhatTheyName
     grant({ "Amra|KNJIGE|106" });
     EXPECT_TRUE(amra.mayOpenBook(106)) << "a change counts from the next question";
 }
-
-namespace
-{
-
-class HostPickers : public ::testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_TRUE(test::fillDemo(m_db.db(), 2024)); }
-    static QStringList names(const QVector<Partner>& list)
-    {
-        QStringList out;
-        for (const Partner& p : list)
-            out << p.ImeKomit1;
-        return out;
-    }
-
-    test::TestDatabase m_db { demo::BrojPoduzeca, 2024 };
-    test::ScopedScript m_script;
-};
-
-} // namespace
 
 TEST_F(HostPickers, TheListNarrowsAsThePersonTypesAndChooseRunsThroughTheSeamUntilAFailedRead)
 {
@@ -348,57 +341,23 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesAndChooseRunsThroughTheSeamUnt
 
 // The window commands of the knjige program, run in process: the book drawn into a
 // picture, refused command lines, and the advice given without a display.
-namespace
+using HostCommands = HostChooser;
+
+TEST_F(HostCommands, OpenDrawsTheBookIntoAPictureLeavesTheCallersSeamAndRefusesWrongLines)
 {
-
-// Takes an environment variable away for the life of the object.
-class Unset
-{
-public:
-    explicit Unset(const char* name)
-        : m_name(name)
-        , m_had(qEnvironmentVariableIsSet(name))
-        , m_value(qgetenv(name))
-    {
-        qunsetenv(name);
-    }
-    ~Unset()
-    {
-        if (m_had)
-            qputenv(m_name, m_value);
-        else
-            qunsetenv(m_name);
-    }
-
-private:
-    const char* m_name;
-    bool m_had;
-    QByteArray m_value;
-};
-
-} // namespace
-
-TEST(HostCommands, OpenDrawsTheBookIntoAPictureLeavesTheCallersSeamAndRefusesWrongLines)
-{
-    const int year = QDate::currentDate().year();
-    test::TestDatabase db(demo::BrojPoduzeca, qint16(year));
-    ASSERT_TRUE(test::fillDemo(db.db(), year));
-    db.exec(host::PravaRights::createSql());
-    const QString path = db.path();
-    session().reset();
-    test::ScopedScript script;
+    const QString path = m_db->path();
     const QString picture = test::scratchDir() + QStringLiteral("/knjiga.png");
 
     EXPECT_EQ(host::runOpen({ "96", "--db", path, "--screenshot", picture }), 0);
     const QImage image(picture);
     ASSERT_FALSE(image.isNull());
     EXPECT_GT(image.width(), 300);
-    EXPECT_EQ(session().RadnaGodina, year);
+    EXPECT_EQ(session().RadnaGodina, m_year);
     EXPECT_EQ(session().ConnString, QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath());
 
     // The scripted person is still the one in charge.
     warn("probna poruka");
-    EXPECT_EQ(script->texts(), QStringList { QStringLiteral("probna poruka") });
+    EXPECT_EQ(m_script->texts(), QStringList { QStringLiteral("probna poruka") });
 
     const QString missing = test::scratchDir() + QStringLiteral("/nema.db");
     // Unknown books, bad years and levels; a period that is no period, or not of the
@@ -418,12 +377,19 @@ TEST(HostCommands, OpenDrawsTheBookIntoAPictureLeavesTheCallersSeamAndRefusesWro
     EXPECT_FALSE(QFileInfo::exists(missing));
 }
 
-TEST(HostCommands, WithoutADisplayOnlyAPictureCanBeMade)
+TEST(HostWindowSystem, WithoutADisplayOnlyAPictureCanBeMade)
 {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
-    Unset display("DISPLAY");
-    Unset wayland("WAYLAND_DISPLAY");
-    Unset platform("QT_QPA_PLATFORM");
+    // The variables come back as they were, set or not.
+    std::vector<std::pair<const char*, std::optional<QByteArray>>> saved;
+    for (const char* name : { "DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM" }) {
+        saved.emplace_back(name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt);
+        qunsetenv(name);
+    }
+    const auto restore = qScopeGuard([&] {
+        for (const auto& [name, value] : saved)
+            value ? qputenv(name, *value) : qunsetenv(name);
+    });
     EXPECT_EQ(host::prepareWindowSystem({}), 1);
     EXPECT_EQ(host::prepareWindowSystem({ "open", "96" }), 1);
     EXPECT_EQ(host::prepareWindowSystem({ "--screenshot", "a.png" }), 0);
@@ -476,12 +442,7 @@ TEST(CliOutput, NumbersTypesStatementsAndBatches)
     EXPECT_TRUE(host::cli::batchStatements(" -- samo komentar; \n /* i ovo */ ;").isEmpty());
 }
 
-namespace
-{
-
 using EntryClasses = BrowserTest;
-
-} // namespace
 
 TEST(EntryClassObjects, TwelveClassesUnderTheLibraryNameEachKeepingItsOwnProperties)
 {
