@@ -10,7 +10,6 @@
 #include "test_editor_fixture.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QTest>
 
 using namespace knjige;

@@ -322,14 +322,13 @@ TEST(TextViewer, TheRealSeamShowsLongTextsInTheViewer)
         body = viewer->txtPoruka->toPlainText();
         viewer->cmdDa->click();
     });
-    // Should the viewer not come, the box that came instead is closed and the test fails.
-    QTimer guard;
-    guard.setSingleShot(true);
-    QObject::connect(&guard, &QTimer::timeout, [] {
+    // Should the viewer not come, the box that came instead is closed and the test fails;
+    // the guard goes with the test.
+    QObject guard;
+    QTimer::singleShot(5000, &guard, [] {
         if (QWidget* w = QApplication::activeModalWidget())
             w->close();
     });
-    guard.start(5000);
     QString text;
     for (int i = 1; i <= 40; ++i)
         text += QStringLiteral("Stavka %1 nije knjižena.\n").arg(i);
