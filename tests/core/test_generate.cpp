@@ -276,7 +276,6 @@ TEST_F(Generation, StopsWithTheMessageOfEachFailureNegatesReturnsAndNamesThePaym
         EXPECT_EQ(izvedi(march(DgpRacuni)).zapisano, 0);
         EXPECT_EQ(script->messages.size(), no + 1);
     }
-    EXPECT_EQ(lastNumber(), last);
 
     // A source that cannot be opened: the kind's own message.
     const QStringList readErrors = { "Greška u čitanju podatka iz KIF-a!", "Greška u čitanju podatka iz uplata KIF-a!",
@@ -293,7 +292,7 @@ TEST_F(Generation, StopsWithTheMessageOfEachFailureNegatesReturnsAndNamesThePaym
     EXPECT_EQ(lastNumber(), last);
 
     // Returns are the shop notes negated.
-    const qint64 start = lastNumber();
+    const qint64 start = last;
     ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
     const qint64 middle = lastNumber();
     ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
