@@ -39,6 +39,15 @@ inline std::string rowText(const db::ResultSet& rs, int row, int onlyColumn = -1
     return out.join(u'|').toStdString();
 }
 
+// Every row as rowText gives it, joined with "; ".
+inline std::string rowsText(const db::ResultSet& rs)
+{
+    std::string out;
+    for (int r = 0; r < rs.rowCount(); ++r)
+        out += (r ? "; " : "") + rowText(rs, r);
+    return out;
+}
+
 // A result of `fields` with a row for each list of values, each value set as
 // ResultSet::set takes it: a text in a typed column is read as that type, an empty
 // QVariant is NULL.

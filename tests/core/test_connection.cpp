@@ -25,31 +25,17 @@ const QString FreeTds = QStringLiteral("FreeTDS");
 const QString Microsoft = QStringLiteral("ODBC Driver 18 for SQL Server");
 const QString kAdo = "Provider=SQLOLEDB.1;Data Source=srv;Initial Catalog=db;User ID=sa;Password=x";
 
-QString odbc(const QString& text, const QString& driver = FreeTds)
+db::ConnectionTarget parsed(const QString& text, Kind kind, const QString& driver = FreeTds)
 {
     const db::ConnectionTarget t = db::parseConnectionString(text, driver);
-    EXPECT_EQ(t.kind, Kind::Odbc) << text.toStdString() << ": " << t.error.toStdString();
-    return t.odbc;
-}
-
-QString sqlitePath(const QString& text)
-{
-    const db::ConnectionTarget t = db::parseConnectionString(text, FreeTds);
-    EXPECT_EQ(t.kind, Kind::Sqlite) << text.toStdString() << ": " << t.error.toStdString();
-    return t.sqlitePath;
+    EXPECT_EQ(t.kind, kind) << text.toStdString() << ": " << t.error.toStdString();
+    return t;
 }
 
 QString freeTdsRefusal(const QString& key, const QString& driver = "\"FreeTDS\"")
 {
     return "vrijednost ključa " + key + " ne može se neizmijenjena predati upravljačkom programu " + driver
         + ": sadrži znak '}', a uz njega ';', '{' na početku ili razmak na rubu.";
-}
-
-QString errorOf(const QString& text)
-{
-    const db::ConnectionTarget t = db::parseConnectionString(text, FreeTds);
-    EXPECT_EQ(t.kind, Kind::Invalid) << text.toStdString();
-    return t.error;
 }
 
 } // namespace
@@ -136,7 +122,7 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
         { "Driver={FreeTDS};Server=srv;PWD={a;b}", false, '=', "Driver={FreeTDS};Server=srv;PWD={a;b}" },
     };
     for (const auto& c : cases) {
-        const QString out = odbc(c.input, c.microsoft ? Microsoft : FreeTds);
+        const QString out = parsed(c.input, Kind::Odbc, c.microsoft ? Microsoft : FreeTds).odbc;
         const bool ok = c.match == '=' ? out == c.odbc
             : c.match == '^'           ? out.startsWith(c.odbc)
             : c.match == '$'           ? out.endsWith(c.odbc)
@@ -152,11 +138,11 @@ TEST(ConnectionString, HostStringsBecomeOdbcStringsForEitherDriver)
         { ";TrustServerCertificate=yes", ";Encryption=request", ";TrustServerCertificate=yes" }
     };
     for (const auto& c : encryption) {
-        EXPECT_EQ(odbc(kAdo + c[0]),
+        EXPECT_EQ(parsed(kAdo + c[0], Kind::Odbc).odbc,
             "DRIVER={FreeTDS};SERVER=srv;PORT=1433;DATABASE=db;UID=sa;PWD=x;TDS_Version=7.4;ClientCharset=UTF-8"
                 + QString(c[1]))
             << c[0];
-        EXPECT_EQ(odbc(kAdo + c[0], Microsoft),
+        EXPECT_EQ(parsed(kAdo + c[0], Kind::Odbc, Microsoft).odbc,
             "DRIVER={ODBC Driver 18 for SQL Server};SERVER=srv;DATABASE=db;UID=sa;PWD=x" + QString(c[2]))
             << c[0];
     }
@@ -194,14 +180,14 @@ TEST(ConnectionString, DatabaseFilesOpenTheEmbeddedDatabase)
         { "Data Source=C:\\Arbosa\\knjige.db;Version=3;", "C:\\Arbosa\\knjige.db" },
     };
     for (const auto& [text, path] : cases)
-        EXPECT_EQ(sqlitePath(text), path) << text;
+        EXPECT_EQ(parsed(text, Kind::Sqlite).sqlitePath, path) << text;
     // An existing file is a database whatever its name.
     const QString existing = test::scratchDir() + "/knjige-bez-nastavka";
     QFile f(existing);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.close();
-    EXPECT_EQ(sqlitePath(existing), existing);
-    EXPECT_EQ(sqlitePath("Data Source=" + existing), existing);
+    EXPECT_EQ(parsed(existing, Kind::Sqlite).sqlitePath, existing);
+    EXPECT_EQ(parsed("Data Source=" + existing, Kind::Sqlite).sqlitePath, existing);
 }
 
 TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
@@ -246,7 +232,7 @@ TEST(ConnectionString, MalformedStringsSayWhatIsWrongAndNeverShowThePassword)
             "DSN datoteka se navodi prvim ključem FILEDSN." },
     };
     for (const auto& [text, error] : cases)
-        EXPECT_EQ(errorOf(text), "Neispravan connection string: " + error) << text.toStdString();
+        EXPECT_EQ(parsed(text, Kind::Invalid).error, "Neispravan connection string: " + error) << text.toStdString();
 }
 
 TEST(ConnectionString, FreeTdsLogsInWithEveryValueWholeOrTheStringIsRefused)

@@ -250,10 +250,7 @@ TEST_F(Generation, ASecondRunAndLastYearsInvoiceAreAskedAbout)
         const db::ResultSet book = t.query(QStringLiteral("SELECT RBroj-%1,GodinaKnj,Datum,Isprava,Iznos FROM "
                                                           "dbo.KnjPrihRashDB WHERE Opis LIKE 'VP-7-%' ORDER BY RBroj")
                                                .arg(last));
-        std::string rows;
-        for (int r = 0; r < book.rowCount(); ++r)
-            rows += (r ? "; " : "") + test::rowText(book, r);
-        EXPECT_EQ(rows, run.book);
+        EXPECT_EQ(test::rowsText(book), run.book);
     }
     script->onQuestion = nullptr;
 }
@@ -276,7 +273,6 @@ TEST_F(Generation, StopsWithTheMessageOfEachFailureNegatesReturnsAndNamesThePaym
         EXPECT_EQ(izvedi(march(DgpRacuni)).zapisano, 0);
         EXPECT_EQ(script->messages.size(), no + 1);
     }
-    EXPECT_EQ(lastNumber(), last);
 
     // A source that cannot be opened: the kind's own message.
     const QStringList readErrors = { "Greška u čitanju podatka iz KIF-a!", "Greška u čitanju podatka iz uplata KIF-a!",
@@ -293,7 +289,7 @@ TEST_F(Generation, StopsWithTheMessageOfEachFailureNegatesReturnsAndNamesThePaym
     EXPECT_EQ(lastNumber(), last);
 
     // Returns are the shop notes negated.
-    const qint64 start = lastNumber();
+    const qint64 start = last;
     ASSERT_EQ(izvedi(march(PosOtpremnice)).zapisano > 0, true);
     const qint64 middle = lastNumber();
     ASSERT_EQ(izvedi(march(PosPovrat)).zapisano, middle - start);
@@ -438,17 +434,17 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
         int vrsta;
         const char *orgJed, *supplier;
         std::string types;
-        std::vector<std::string> rows;
+        std::string rows;
     } cases[] = {
         { DgpRacuni, "3", "", columns,
-            { "1|2016|2016-03-15|Pazar 3|DGP-3-12345/2016|250.5", "1|2016|2016-03-16|Pazar 3|DGP-3-12346/2016|100" } },
+            "1|2016|2016-03-15|Pazar 3|DGP-3-12345/2016|250.5; 1|2016|2016-03-16|Pazar 3|DGP-3-12346/2016|100" },
         { UplateIzlaznih, "1234567", "", columns,
-            { "1|2016|2016-03-20|Uplata 1234567 d:IZV|VELEPRODAJ-1234567-2000000001/|7.5" } },
-        { UlazniRacuni, "2", "500", columns, { "1|2016|2016-03-02|KUF 2|KUF-2-77/2016|99.99" } },
+            "1|2016|2016-03-20|Uplata 1234567 d:IZV|VELEPRODAJ-1234567-2000000001/|7.5" },
+        { UlazniRacuni, "2", "500", columns, "1|2016|2016-03-02|KUF 2|KUF-2-77/2016|99.99" },
         { UplateUlaznih, "2", "600", "integer,integer,date,text,text,text,currency",
-            { "1|2016|2016-03-10|UPL-1|KUF 2|KUF-2-77/2016|50" } },
-        { MatOtpremnice, "", "", columns + ",currency", { "1|2016|2016-03-01|M.Int.otp. 900|4-15/2016|117|17" } },
-        { PosOtpremnice, "", "", columns, { "1|2016|2016-03-05|P.Int.otp. 900|5-3/2016|12.3456" } },
+            "1|2016|2016-03-10|UPL-1|KUF 2|KUF-2-77/2016|50" },
+        { MatOtpremnice, "", "", columns + ",currency", "1|2016|2016-03-01|M.Int.otp. 900|4-15/2016|117|17" },
+        { PosOtpremnice, "", "", columns, "1|2016|2016-03-05|P.Int.otp. 900|5-3/2016|12.3456" },
     };
     for (const auto& c : cases) {
         Parametri p = march(c.vrsta, t.path());
@@ -456,10 +452,7 @@ TEST(GenerationTexts, SourceStatementsReadExactlyTheirRows)
         p.supplier = QString::fromLatin1(c.supplier);
         p.prima = QStringLiteral("900");
         const db::ResultSet rs = t.query(izvorniUpit(p));
-        std::vector<std::string> rows;
-        for (int r = 0; r < rs.rowCount(); ++r)
-            rows.push_back(test::rowText(rs, r));
         EXPECT_EQ(test::fieldTypes(rs), c.types) << c.vrsta;
-        EXPECT_EQ(rows, c.rows) << c.vrsta;
+        EXPECT_EQ(test::rowsText(rs), c.rows) << c.vrsta;
     }
 }

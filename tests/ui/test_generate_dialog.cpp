@@ -45,12 +45,7 @@ protected:
         BrowserTest::TearDown();
     }
 
-    static QString text(QDialog& d, const QString& name)
-    {
-        if (auto* l = d.findChild<QLabel*>(name))
-            return l->text();
-        return d.findChild<QLineEdit*>(name)->text();
-    }
+    static QString text(QDialog& d, const QString& name) { return d.findChild<QLabel*>(name)->text(); }
     static bool shown(QDialog& d, const QString& name) { return !d.findChild<QWidget*>(name)->isHidden(); }
 
     // The March 2016 values that give every kind entries on the demo documents.
