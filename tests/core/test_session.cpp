@@ -20,6 +20,7 @@
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 #include <limits>
+#include <numeric>
 
 using namespace knjige;
 using knjige::test::ScopedScript;
@@ -97,8 +98,7 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
         }
     }
     std::vector<int> reversed(600);
-    for (int i = 0; i < 600; ++i)
-        reversed[i] = 599 - i;
+    std::iota(reversed.rbegin(), reversed.rend(), 0);
     edges.permute(reversed);
     EXPECT_EQ(edges.integer(599, 0), 1);
     EXPECT_EQ(edges.money(0, 1).units(), numbers[0]); // row 599: (599 + 1) % 6 == 0
@@ -108,20 +108,16 @@ TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
 
 TEST(RowStatement, ChangesExactlyOneRowMatchingEveryColumnAsRead)
 {
-    db::RowChange change;
-    change.kind = db::RowChange::Kind::Update;
-    change.table = QStringLiteral("dbo.KnjPrometaFBiH");
-    change.values = { { "RBroj", 3 }, { "Opis", QStringLiteral("Pazar") } };
-    change.original = { { "RBroj", 2 }, { "Opis", QVariant() } };
+    db::RowChange change { db::RowChange::Kind::Update, QStringLiteral("dbo.KnjPrometaFBiH"),
+        { { "RBroj", 3 }, { "Opis", QStringLiteral("Pazar") } }, { { "RBroj", 2 }, { "Opis", QVariant() } } };
 
     const db::BoundStatement server = db::rowStatement(change, db::SqlDialect::SqlServer);
     EXPECT_EQ(server.sql,
         QStringLiteral("UPDATE TOP (1) dbo.KnjPrometaFBiH SET RBroj = ?,Opis = ? WHERE RBroj = ? AND Opis IS NULL"));
     EXPECT_EQ(server.values, (QVariantList { 3, QStringLiteral("Pazar"), 2 }));
 
+    // The deletion's text, matched the same way, is RowWrites'.
     change.kind = db::RowChange::Kind::Delete;
-    EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).sql,
-        QStringLiteral("DELETE TOP (1) FROM dbo.KnjPrometaFBiH WHERE RBroj = ? AND Opis IS NULL"));
     EXPECT_EQ(db::rowStatement(change, db::SqlDialect::SqlServer).values, (QVariantList { 2 }));
 
     change.kind = db::RowChange::Kind::Insert;
