@@ -29,19 +29,11 @@ using State = AmountReading::State;
 
 TEST(ResultSet, KeepsEachTypeReadsItBackByNameAndPermutesEveryColumnTogether)
 {
-    db::ResultSet rs({ { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency },
-        { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text }, { "Stopa", db::FieldType::Decimal } });
-    rs.appendRow();
-    rs.set(0, 7);
-    rs.set(1, QVariant::fromValue(Money::fromUnits(145299)));
-    rs.set(2, QDate(2016, 3, 15));
-    rs.set(3, QStringLiteral("Nabavka robe"));
-    rs.set(4, 33.3333333);
-    rs.appendRow(); // all NULL
-    rs.appendRow();
-    rs.setText(1, QStringLiteral("100"));
-    rs.setText(2, QStringLiteral("2016-12-31 00:00:00"));
-
+    db::ResultSet rs = test::resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Iznos", db::FieldType::Currency }, { "Datum", db::FieldType::Date },
+            { "Opis", db::FieldType::Text }, { "Stopa", db::FieldType::Decimal } },
+        { { 7, QVariant::fromValue(Money::fromUnits(145299)), QDate(2016, 3, 15), "Nabavka robe", 33.3333333 }, {},
+            { {}, "100", "2016-12-31 00:00:00" } });
     ASSERT_EQ(rs.rowCount(), 3);
     EXPECT_EQ(rs.indexOf(QStringLiteral("iznos")), 1);
     EXPECT_EQ(rs.indexOf(QStringLiteral("nema")), -1);
