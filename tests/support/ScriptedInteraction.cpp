@@ -67,16 +67,6 @@ int ScriptedInteraction::exec(QDialog& dialog)
     return onDialog ? onDialog(dialog) : 0;
 }
 
-QString ScriptedInteraction::chooseSaveFile(const FileChoice&)
-{
-    return files.isEmpty() ? QString() : files.dequeue();
-}
-
-QString ScriptedInteraction::chooseOpenFile(const FileChoice&)
-{
-    return files.isEmpty() ? QString() : files.dequeue();
-}
-
 bool ScriptedInteraction::startProgram(const QString& program, const QStringList& arguments)
 {
     startedPrograms.append(QStringList { program } + arguments);

@@ -41,8 +41,9 @@ public:
 
     Answer show(const Message& message) override;
     int exec(QDialog& dialog) override;
-    QString chooseSaveFile(const FileChoice&) override;
-    QString chooseOpenFile(const FileChoice&) override;
+    // Either file chooser takes the next of `files`; nothing once they run out.
+    QString chooseSaveFile(const FileChoice&) override { return files.isEmpty() ? QString() : files.dequeue(); }
+    QString chooseOpenFile(const FileChoice& choice) override { return chooseSaveFile(choice); }
     bool startProgram(const QString& program, const QStringList& arguments) override;
     std::unique_ptr<Progress> startProgress(const ProgressSpec& spec) override;
 
@@ -57,7 +58,6 @@ public:
     ScopedScript();
     ~ScopedScript();
     ScriptedInteraction* operator->() { return m_script; }
-    ScriptedInteraction& operator*() { return *m_script; }
 
 private:
     ScriptedInteraction* m_script;

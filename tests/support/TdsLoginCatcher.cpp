@@ -67,8 +67,8 @@ QString field(const QByteArray& record, int at, bool password)
     return QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.constData()), chars);
 }
 
-} // namespace
-
+// The login record of a LOGIN7 message (the TDS packet headers taken off), or
+// false when the bytes are no such record.
 bool decodeTdsLogin(const QByteArray& record, TdsLogin& login)
 {
     if (record.size() < 94 || qFromLittleEndian<quint32>(record.constData()) != quint32(record.size()))
@@ -79,6 +79,8 @@ bool decodeTdsLogin(const QByteArray& record, TdsLogin& login)
     login.database = field(record, 68, false);
     return true;
 }
+
+} // namespace
 
 TdsLoginCatcher::TdsLoginCatcher()
 {

@@ -48,8 +48,4 @@ private:
     std::thread m_thread;
 };
 
-// The login record of a LOGIN7 message (the TDS packet headers taken off), or
-// nothing when the bytes are no such record.
-bool decodeTdsLogin(const QByteArray& record, TdsLogin& login);
-
 } // namespace knjige::test

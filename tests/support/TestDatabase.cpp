@@ -39,11 +39,7 @@ void TestDatabase::exec(const QString& tsql)
 
 void TestDatabase::insert(const QString& table, const db::RowChange::Values& values)
 {
-    db::RowChange change;
-    change.kind = db::RowChange::Kind::Insert;
-    change.table = table;
-    change.values = values;
-    if (!db().writeRow(change))
+    if (!db().writeRow({ db::RowChange::Kind::Insert, table, values, {} }))
         ADD_FAILURE() << "insert into " << table.toStdString() << ": " << db().errorDescription().toStdString();
 }
 

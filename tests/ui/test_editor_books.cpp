@@ -1,7 +1,6 @@
 // Each book's record editor: its checks in order with their messages and focus, the
 // row it writes, the links it keeps, and the rules behind them (kind lists, read
 // statements, captions, search periods, the entry a list row stands for).
-#include "books/BookKind.h"
 #include "core/ResultText.h"
 #include "editors/EditorRules.h"
 #include "editors/widgets/MoneyBox.h"
@@ -14,7 +13,6 @@
 #include "session/HostServices.h"
 #include "session/Session.h"
 #include "session/SettingsStore.h"
-#include "support/Sandbox.h"
 #include "test_editor_fixture.h"
 
 #include <QMenuBar>
@@ -170,7 +168,6 @@ TEST_F(BookEditors, AssetListsNeverWriteTheNumberAndCheckLifeAndValues)
 
     // The RS list uses the same table and checks.
     auto r = editor<editors::frmPopListaDImovineFBiH>(101, 1);
-    EXPECT_EQ(r->readSql().left(48), "SELECT * FROM dbo.KnjPopListaDugImovFBiH WHERE G");
     run(*r, [&] {
         save(*r,
             { { "dpDatum=2016-12-01;txtBrojDokumenta=3;ubVijekTrajanja=0", "Vijek trajanja ne može biti 0 ili manji!" },
@@ -302,10 +299,6 @@ namespace
 class PrihRashEditor : public EditorTest
 {
 protected:
-    static std::unique_ptr<editors::frmKnjPRashFBiHPregled> prihRash(int book, int mode, qint32 redniBroj = 0)
-    {
-        return editor<editors::frmKnjPRashFBiHPregled>(book, mode, redniBroj);
-    }
     void insertFBiH(int rbroj, int vrsta, const QString& iznos, const QString& pdv)
     {
         exec(QStringLiteral("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,Isprava,Opis,Vrsta,"
@@ -327,7 +320,7 @@ protected:
 
 TEST_F(PrihRashEditor, NewEntryWritesEveryColumnWithTheVatOfTheAmountUnlessTheOptionSaysNot)
 {
-    auto e = prihRash(96, 1);
+    auto e = editor<frmKnjPRashFBiHPregled>(96, 1);
     EXPECT_EQ(e->windowTitle(), "Upis nove stavke knjige prihoda i rashoda");
     EXPECT_EQ(e->cmdSpremi->text(), "Spremi");
     run(*e, [&] {
@@ -344,7 +337,7 @@ TEST_F(PrihRashEditor, NewEntryWritesEveryColumnWithTheVatOfTheAmountUnlessTheOp
 
     // The option not to compute the VAT leaves it, and persists.
     settings::setFlag("Arbosa", "Settings", "KnjNeIzrPDV", true);
-    auto o = prihRash(96, 1);
+    auto o = editor<frmKnjPRashFBiHPregled>(96, 1);
     EXPECT_TRUE(o->mnuNeIzrPDV->isChecked());
     o->ubIznosPDV->setValue(Money::fromWhole(3));
     o->ubIznos->setValue(Money::fromWhole(100));
@@ -357,7 +350,7 @@ TEST_F(PrihRashEditor, NewEntryWritesEveryColumnWithTheVatOfTheAmountUnlessTheOp
 
 TEST_F(PrihRashEditor, ChecksRunInOrderWithTheirMessagesAndFocus)
 {
-    auto e = prihRash(96, 1);
+    auto e = editor<frmKnjPRashFBiHPregled>(96, 1);
     run(*e, [&] {
         save(*e,
             { { "ubRBroj=0;dpDatum=2015-12-31", "Morate upisati redni broj veći od 0!", "ubRBroj" },
@@ -379,7 +372,7 @@ TEST_F(PrihRashEditor, ChangingTheNumberCarriesTheReceivablesLink)
     insertLink(1, 7);
     exec("INSERT INTO dbo.KnjEvidPotrIObvFBiH (BrojPoduzeca,RBroj,Datum,GodinaKnj,SifKomit,Vrsta,Opis,"
          "Isprava,Iznos,RBrojKPR) VALUES (1,2,'03.01.2015',2015,1,11,'Druga godina','R',10,7)");
-    auto e = prihRash(96, 2, 7);
+    auto e = editor<frmKnjPRashFBiHPregled>(96, 2, 7);
     run(*e, [&] {
         EXPECT_EQ(values(*e, "txtIsprava;cmbVrsta;ubIznosPDV"), "D-7|11 - Prihod - Gotovina|7.265");
         save(*e, { { "ubRBroj=9" } });
@@ -401,7 +394,7 @@ TEST_F(PrihRashEditor, ALinkedEntryCannotBeDeletedAnUnlinkedOneCanAndAnUnchecked
     insertFBiH(3, 16, "80", "0");
     insertFBiH(4, 12, "90", "0");
     insertLink(1, 3);
-    auto e = prihRash(96, 4, 3);
+    auto e = editor<frmKnjPRashFBiHPregled>(96, 4, 3);
     run(*e, [&] {
         EXPECT_FALSE(e->txtIsprava->isEnabled());
         EXPECT_TRUE(e->cmdSpremi->isEnabled());
@@ -416,14 +409,14 @@ TEST_F(PrihRashEditor, ALinkedEntryCannotBeDeletedAnUnlinkedOneCanAndAnUnchecked
     EXPECT_TRUE(e->IzišaoSaPrekidom());
     EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 2);
 
-    auto d = prihRash(96, 4, 4);
+    auto d = editor<frmKnjPRashFBiHPregled>(96, 4, 4);
     run(*d, [&] { save(*d, { {} }); });
     EXPECT_FALSE(d->IzišaoSaPrekidom());
     EXPECT_EQ(table("SELECT RBroj FROM dbo.KnjPrihRashFBiH"), "3");
 
     // When the link cannot be checked the deletion goes on, after saying so.
     exec("DROP TABLE dbo.KnjEvidPotrIObvFBiH");
-    auto u = prihRash(96, 4, 3);
+    auto u = editor<frmKnjPRashFBiHPregled>(96, 4, 3);
     run(*u, [&] { save(*u, { { {}, "Desila se greška: u čitanju stavke.", {}, {}, Icon::None } }); });
     EXPECT_FALSE(u->IzišaoSaPrekidom());
     EXPECT_EQ(count("dbo.KnjPrihRashFBiH"), 0);
@@ -432,7 +425,7 @@ TEST_F(PrihRashEditor, ALinkedEntryCannotBeDeletedAnUnlinkedOneCanAndAnUnchecked
 TEST_F(PrihRashEditor, TheDbBookHasNoVatAndNeverComputesIt)
 {
     settings::setFlag("Arbosa", "Settings", "KnjNeIzrPDV", false);
-    auto e = prihRash(109, 1);
+    auto e = editor<frmKnjPRashFBiHPregled>(109, 1);
     run(*e, [&] {
         EXPECT_FALSE(e->ubIznosPDV->isVisible());
         EXPECT_FALSE(e->lblIznosPDV->isVisible());
@@ -449,7 +442,7 @@ TEST_F(PrihRashEditor, TheDbBookHasNoVatAndNeverComputesIt)
     EXPECT_EQ(dump(rs), "1|1|2016-06-01|2016|B-1||16|100");
 
     // Kind 16 maps back to the last list position; the DB book skips the link check.
-    auto d = prihRash(109, 4, 1);
+    auto d = editor<frmKnjPRashFBiHPregled>(109, 4, 1);
     run(*d, [&] {
         EXPECT_EQ(d->cmbVrsta->currentIndex(), 10);
         d->cmdSpremi->click();
@@ -490,9 +483,8 @@ TEST(EditorRules, ReadStatementsAndCaptionsAreTheSystemsTexts)
     EXPECT_EQ(modeCaption(7, 98), QString());
 }
 
-TEST(EditorRules, VatSearchPeriodAndTheReceivablesWarningBeforeARefusal)
+TEST(EditorRules, SearchPeriodAndTheReceivablesWarningBeforeARefusal)
 {
-    EXPECT_EQ(vatContained(-Money::fromWhole(100)), -Money::fromUnits(145299));
     const struct {
         QDate today;
         int year;

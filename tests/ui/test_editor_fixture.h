@@ -15,17 +15,8 @@ namespace knjige::test
 // the message that follows (none when empty) with its title and icon, and the control
 // that has the focus afterwards (not checked when empty).
 struct Try {
-    Try(QString set_ = {}, QString message_ = {}, QString focus_ = {}, QString title_ = {},
-        Icon icon_ = Icon::Exclamation)
-        : set(std::move(set_))
-        , message(std::move(message_))
-        , focus(std::move(focus_))
-        , title(std::move(title_))
-        , icon(icon_)
-    {
-    }
-    QString set, message, focus, title;
-    Icon icon;
+    QString set {}, message {}, focus {}, title {};
+    Icon icon = Icon::Exclamation;
 };
 
 // Types `text` over the whole of `box` as a person does; `leave` then tabs away.

@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QComboBox>
 #include <QTest>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -95,10 +94,9 @@ protected:
     static std::unique_ptr<editors::RecordEditor> newEntry(int book)
     {
         auto e = editor(book, 1);
-        e->ubRBroj->setValue(Money::fromWhole(4)); // as the browser proposes it
-        e->dpDatum->setDate(QDate(2016, 4, 1));
-        if (auto* isprava = qobject_cast<QLineEdit*>(e->control(book == 105 ? "txtBrojDokumenta" : "txtIsprava")))
-            isprava->setText("KIF-1");
+        // The number as the browser proposes it.
+        set(*e,
+            QString("ubRBroj=4;dpDatum=2016-04-01;") + (book == 105 ? "txtBrojDokumenta" : "txtIsprava") + "=KIF-1");
         return e;
     }
 };
@@ -108,8 +106,7 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
     auto a = newEntry(105);
     auto* vijek = qobject_cast<editors::MoneyBox*>(a->control("ubVijekTrajanja"));
     run(*a, [&] {
-        for (const char* name : { "ubNabavna", "ubKnjigovodstvena" })
-            qobject_cast<editors::MoneyBox*>(a->control(name))->setValue(Money::fromWhole(900));
+        set(*a, "ubNabavna=900;ubKnjigovodstvena=900");
         enter(vijek, Way::Type, "0,5");
         a->cmdSpremi->click();
         EXPECT_EQ(texts(),
@@ -124,7 +121,7 @@ TEST_F(NumberEditors, WhatABoxCouldNotReadIsRefusedOnSave)
     auto e = newEntry(96);
     script->messages.clear();
     run(*e, [&] {
-        qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
+        set(*e, "cmbVrsta=#0");
         enter(qobject_cast<editors::MoneyBox*>(e->control("ubIznos")), Way::Type, "1,234.56");
         e->cmdSpremi->click();
         EXPECT_TRUE(texts().value(0).startsWith("Dio upisa u polje nije prihvaćen (ostalo je \"1,23\")"));
@@ -151,8 +148,7 @@ TEST_F(NumberEditors, AProposedNumberTakenMeanwhileIsReplacedAndReported)
         run(*e, [&] {
             if (typed)
                 enter(e->ubRBroj, Way::Type, "4");
-            qobject_cast<QComboBox*>(e->control("cmbVrsta"))->setCurrentIndex(0);
-            qobject_cast<editors::MoneyBox*>(e->control("ubIznos"))->setValue(Money::fromWhole(50));
+            set(*e, "cmbVrsta=#0;ubIznos=50");
             // Another operator saves numbers 4 and 5 while the dialog is open.
             exec("INSERT INTO dbo.KnjPrihRashFBiH (BrojPoduzeca,RBroj,GodinaKnj,Isprava) "
                  "VALUES (1,4,2016,'Tuđa'),(1,5,2016,'Tuđa')");
