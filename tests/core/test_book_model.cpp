@@ -191,11 +191,10 @@ TEST(BookModel, LaysTheTotalsRowsAndHeaderClicksToggleTheSortWhichSurvivesAReloa
     m.headerSort(10);
     EXPECT_EQ(column(m, 9), "0.00,0.00,585.00,1,000,000.25");
 
-    EXPECT_EQ(browser::BookModel::rowAfterReload(-1, 4), 0);
-    EXPECT_EQ(browser::BookModel::rowAfterReload(2, 4), 2);
-    EXPECT_EQ(browser::BookModel::rowAfterReload(4, 4), 3); // the last entry was deleted
-    EXPECT_EQ(browser::BookModel::rowAfterReload(10, 1), 0);
-    EXPECT_EQ(browser::BookModel::rowAfterReload(0, 0), -1);
+    // Row, entries after the reload, the row then; at 4 of 4 the last entry was deleted.
+    for (const auto& [row, count, after] :
+        { std::array { -1, 4, 0 }, { 2, 4, 2 }, { 4, 4, 3 }, { 10, 1, 0 }, { 0, 0, -1 } })
+        EXPECT_EQ(browser::BookModel::rowAfterReload(row, count), after) << row << " of " << count;
 
     m.setResultSet(db::ResultSet(incomeExpenseRows().fields()));
     m.setBookKind(105);

@@ -371,19 +371,20 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         // The print command asks the rights the window asks: Edin may open book 96 but
         // not print it, and may not open the others; rights that cannot be read allow nothing.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
-        const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
-            "--operator", "Edin", "--pdf", cliPdf };
-        EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
+        const auto as = [&](const char* op) {
+            return QStringList { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
+                "--operator", op, "--pdf", cliPdf };
+        };
+        EXPECT_EQ(host::runPrint(as("Edin")), 1) << "no dbo.PRAVA";
         expectOneError(script->messages, "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA");
         script->clear();
         db->exec(host::PravaRights::createSql());
         for (const char* right : { "96", "96.1" })
             db->insert("dbo.PRAVA", { { "OPERATER", "Edin" }, { "PROGRAM", "KNJIGE" }, { "PRAVO", right } });
-        EXPECT_EQ(host::runPrint(edin), 1);
+        EXPECT_EQ(host::runPrint(as("Edin")), 1);
         EXPECT_FALSE(QFileInfo::exists(cliPdf));
         // The print command writes the same report as the window.
-        QStringList args = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
-            "--operator", "Ana", "--pdf", cliPdf };
+        QStringList args = as("Ana");
         if (filtered)
             args << "--period"
                  << "02.01.2016-31.12.2016";
