@@ -161,12 +161,10 @@ TEST_F(BrowserTest, EachBookRemembersItsOwnPositionUnderItsCaptionButNotWhenMini
     }
     const QString caption = "Knjiga Evidencija potraživanja i obveza za FBiH";
     const QString sec = settings::section();
-    auto twips = [](int px) { return browser::pixelsToTwips(px, 96); };
     if (QWidget().logicalDpiX() == 96) {
-        EXPECT_EQ(settings::number(caption, sec, "MainLeft", -1), twips(30));
-        EXPECT_EQ(settings::number(caption, sec, "MainTop", -1), twips(45));
-        EXPECT_EQ(settings::number(caption, sec, "MainWidth", -1), twips(700));
-        EXPECT_EQ(settings::number(caption, sec, "MainHeight", -1), twips(420));
+        for (const auto& [key, px] :
+            { std::pair { "MainLeft", 30 }, { "MainTop", 45 }, { "MainWidth", 700 }, { "MainHeight", 420 } })
+            EXPECT_EQ(settings::number(caption, sec, key, -1), browser::pixelsToTwips(px, 96)) << key;
     }
     auto same = open(97);
     EXPECT_EQ(same->pos(), QPoint(30, 45));
