@@ -14,7 +14,6 @@
 #include "support/TestDatabase.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QFile>
 #include <gtest/gtest.h>
 

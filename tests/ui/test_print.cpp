@@ -10,7 +10,6 @@
 #include "output/widgets/ReportPrinter.h"
 #include "output/widgets/ReportText.h"
 #include "session/Session.h"
-#include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
 
@@ -19,13 +18,10 @@
 #include <QDir>
 #include <QImage>
 #include <QPainter>
-#include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
-#include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QScreen>
 
 using namespace knjige;
 using namespace knjige::test;
