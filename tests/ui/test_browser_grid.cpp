@@ -229,8 +229,7 @@ TEST_F(BrowserGridTest, TheGridDumpGoesToTheHomeFolderWhereThereIsNoDriveC)
     w->findChild<QPushButton*>("cmdFG")->click();
     qputenv("HOME", oldHome);
     QFile dump(home + QStringLiteral("/PelunGrid.xlsx"));
-    ASSERT_TRUE(dump.exists()) << script->texts().join(u'\n').toStdString();
-    ASSERT_TRUE(dump.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(dump.open(QIODevice::ReadOnly)) << script->texts().join(u'\n').toStdString();
     EXPECT_EQ(dump.read(2), QByteArray("PK"));
     ASSERT_EQ(script->messages.size(), 1);
     EXPECT_EQ(script->messages[0].text, "Tablica je spremljena kao Excel radna knjiga u datoteku:\n" + dump.fileName());
