@@ -19,7 +19,6 @@
 #include <unistd.h>
 
 using namespace knjige;
-using knjige::test::TestDatabase;
 using namespace knjige::test;
 
 TEST(Schema, CreatesEveryTableAndTheAssetNumberingTrigger)
@@ -45,11 +44,9 @@ TEST(Schema, CreatesEveryTableAndTheAssetNumberingTrigger)
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv) VALUES (1,2017,'b')");
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv) VALUES (1,2018,'c')");
     t.exec("INSERT INTO dbo.KnjPopListaDugImovFBiH (BrojPoduzeca,GodinaKnj,Naziv,RBroj) VALUES (1,2017,'d',2)");
-    const db::ResultSet rs
-        = t.query("SELECT RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE Naziv IS NOT NULL ORDER BY Naziv");
-    ASSERT_EQ(rs.rowCount(), 4);
-    EXPECT_EQ(QVector<qint64>({ rs.integer(0, 0), rs.integer(1, 0), rs.integer(2, 0), rs.integer(3, 0) }),
-        QVector<qint64>({ 5, 6, 1, 2 }));
+    EXPECT_EQ(columnText(t.query("SELECT RBroj FROM dbo.KnjPopListaDugImovFBiH WHERE Naziv IS NOT NULL ORDER BY Naziv"),
+                  "RBroj"),
+        "5|6|1|2");
 }
 
 // As the server's money type: quotients keep four decimals, and a row written by a

@@ -14,7 +14,6 @@
 #include "support/TestDatabase.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -29,6 +28,53 @@ Money m(qint64 whole)
 {
     return Money::fromWhole(whole);
 }
+
+const QString kLetters = QStringLiteral("ČĆĐŠŽ čćđšž");
+
+db::ResultSet sampleRows()
+{
+    // A spreadsheet reads 15.03.30 as 1930; the second row is NULL but for the text.
+    return test::resultSet(
+        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
+            { "Iznos", db::FieldType::Currency }, { "Stopa", db::FieldType::Decimal },
+            { "Zatvoreno", db::FieldType::Boolean }, { "I", db::FieldType::Text } },
+        { { 1234567, QDate(2030, 3, 15), "  Pazar; \"Centar\"  ", "1234567.5", 0.125, true, QString() },
+            { {}, {}, kLetters }, { -3, QDate(9999, 12, 31), {}, "-7", -1000000.25, false } });
+}
+
+QByteArray exported(const db::ResultSet& rows, const ExportOptions& options, ExportResult* result)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    *result = writeOfficeExport(rows, options, buffer);
+    return buffer.data();
+}
+
+// Takes what it is given until `capacity` bytes, then refuses; counts the calls.
+class LimitedDevice final : public QIODevice
+{
+public:
+    explicit LimitedDevice(qint64 capacity)
+        : m_capacity(capacity)
+    {
+        open(WriteOnly);
+    }
+    QList<qint64> writes;
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(const char*, qint64 size) override
+    {
+        if ((m_taken += size) > m_capacity)
+            setErrorString(QStringLiteral("Disk je pun"));
+        writes << size;
+        return m_taken > m_capacity ? -1 : size;
+    }
+
+private:
+    qint64 m_capacity;
+    qint64 m_taken = 0;
+};
 
 } // namespace
 
@@ -191,7 +237,6 @@ TEST(ReportQueries, TheBookACommandReads)
     }
 }
 
-// One row per kind in the order of the kinds, with the kind's name and its sums.
 TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
 {
     const db::ResultSet full = test::resultSet(
@@ -206,58 +251,6 @@ TEST(ReportHeader, CompanyLinesFromWhateverTheConfigurationHolds)
     EXPECT_TRUE(companyLines(nameOnly).isEmpty());
     EXPECT_EQ(salesPointLine(0, {}), QStringLiteral("Prodajno mjesto: sva"));
 }
-
-namespace
-{
-
-const QString kLetters = QStringLiteral("ČĆĐŠŽ čćđšž");
-
-db::ResultSet sampleRows()
-{
-    // A spreadsheet reads 15.03.30 as 1930; the second row is NULL but for the text.
-    return test::resultSet(
-        { { "RBroj", db::FieldType::Integer }, { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
-            { "Iznos", db::FieldType::Currency }, { "Stopa", db::FieldType::Decimal },
-            { "Zatvoreno", db::FieldType::Boolean }, { "I", db::FieldType::Text } },
-        { { 1234567, QDate(2030, 3, 15), "  Pazar; \"Centar\"  ", "1234567.5", 0.125, true, QString() },
-            { {}, {}, kLetters }, { -3, QDate(9999, 12, 31), {}, "-7", -1000000.25, false } });
-}
-
-QByteArray exported(const db::ResultSet& rows, const ExportOptions& options, ExportResult* result)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    *result = writeOfficeExport(rows, options, buffer);
-    return buffer.data();
-}
-
-// Takes what it is given until `capacity` bytes, then refuses; counts the calls.
-class LimitedDevice final : public QIODevice
-{
-public:
-    explicit LimitedDevice(qint64 capacity)
-        : m_capacity(capacity)
-    {
-        open(WriteOnly);
-    }
-    QList<qint64> writes;
-
-protected:
-    qint64 readData(char*, qint64) override { return -1; }
-    qint64 writeData(const char*, qint64 size) override
-    {
-        if ((m_taken += size) > m_capacity)
-            setErrorString(QStringLiteral("Disk je pun"));
-        writes << size;
-        return m_taken > m_capacity ? -1 : size;
-    }
-
-private:
-    qint64 m_capacity;
-    qint64 m_taken = 0;
-};
-
-} // namespace
 
 TEST(OfficeExport, ValuesSeparatorsQuotationAndDecimalMarks)
 {

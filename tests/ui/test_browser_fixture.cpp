@@ -4,7 +4,6 @@
 #include "session/Session.h"
 #include "support/Sandbox.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace knjige::test
@@ -88,12 +87,9 @@ db::RowChange::Values BrowserTest::entry(int book, int i, const db::RowChange::V
     default:
         v << db::RowChange::Values { { "BrojProd", 501 }, { "Zaduzenje", a }, { "Razduzenje", money(amount(i + 1)) } };
     }
-    for (const auto& [column, value] : more) {
-        auto same = std::find_if(v.begin(), v.end(), [&](const auto& c) { return c.first == column; });
-        if (same == v.end())
-            v << std::pair(column, value);
-        else
-            same->second = value;
+    for (const auto& column : more) {
+        v.removeIf([&](const auto& c) { return c.first == column.first; });
+        v << column;
     }
     return v;
 }

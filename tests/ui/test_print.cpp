@@ -10,7 +10,6 @@
 #include "output/widgets/ReportPrinter.h"
 #include "output/widgets/ReportText.h"
 #include "session/Session.h"
-#include "session/Workstation.h"
 #include "support/Sandbox.h"
 #include "test_browser_fixture.h"
 
@@ -19,13 +18,10 @@
 #include <QDir>
 #include <QImage>
 #include <QPainter>
-#include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
-#include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QScreen>
 
 using namespace knjige;
 using namespace knjige::test;
@@ -62,9 +58,11 @@ QStringList pdfPages(const QString& pdf)
 // The amounts of the summary line that starts with `label`, in column order; nothing
 // when the page has no such line. Every amount has two decimals, whatever the marks.
 // Sums are kept to four decimals and printed to two, half away from zero: compare them
-// printed.
-QVector<Money> printed(QVector<Money> sums)
+// printed; not `shown`, the line is missing.
+std::optional<QVector<Money>> printed(QVector<Money> sums, bool shown = true)
 {
+    if (!shown)
+        return std::nullopt;
     for (Money& m : sums) {
         const qint64 whole = (std::abs(m.units()) + 50) / 100 * 100;
         m = Money::fromUnits(m.isNegative() ? -whole : whole);
@@ -325,26 +323,22 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
                     running[i] += b->money(earlier, r, summed[i]);
         }
         const QVector<Money> brought = running;
-        EXPECT_EQ(sumsOn(first, "Donos:"), continues ? std::optional<QVector<Money>>(printed(running)) : std::nullopt);
+        EXPECT_EQ(sumsOn(first, "Donos:"), printed(running, continues));
         if (const auto before = sumsInTable(*db, book.code, "01.01.2016"); continues && before) {
             EXPECT_EQ(printed(running), printed(*before));
         }
         const int rbroj = rs.indexOf("RBroj");
         for (int p = 0; p < pages.size(); ++p) {
             const bool last = p + 1 == pages.size();
-            EXPECT_EQ(
-                sumsOn(pages[p], "Prenos:"), p == 0 ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
-                << "page " << p + 1;
+            EXPECT_EQ(sumsOn(pages[p], "Prenos:"), printed(running, p > 0)) << "page " << p + 1;
             for (int r = 0; r < rs.rowCount(); ++r)
                 if (pageOf.value(int(rs.integer(r, rbroj)), -1) == p)
                     for (int i = 0; i < summed.size(); ++i)
                         running[i] += bound->money(rs, r, summed[i]);
-            EXPECT_EQ(
-                sumsOn(pages[p], "Za prenos:"), last ? std::nullopt : std::optional<QVector<Money>>(printed(running)))
-                << "page " << p + 1;
+            EXPECT_EQ(sumsOn(pages[p], "Za prenos:"), printed(running, !last)) << "page " << p + 1;
         }
         const auto toDate = sumsOn(pages.last(), "Ukupno od 01.01.2016 do 31.12.2016:");
-        EXPECT_EQ(toDate, continues ? std::optional<QVector<Money>>(printed(running)) : std::nullopt);
+        EXPECT_EQ(toDate, printed(running, continues));
         if (const auto inTable = sumsInTable(*db, book.code, "12.31.2016"); continues && inTable) {
             EXPECT_EQ(toDate, printed(*inTable));
         }
@@ -371,19 +365,20 @@ TEST_F(PrintTest, EveryBookPrintsEveryRowOnceWithItsCarriedSumsAndTheBrowsersTot
         // The print command asks the rights the window asks: Edin may open book 96 but
         // not print it, and may not open the others; rights that cannot be read allow nothing.
         const QString cliPdf = dir + QStringLiteral("/cli%1.pdf").arg(book.code);
-        const QStringList edin = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
-            "--operator", "Edin", "--pdf", cliPdf };
-        EXPECT_EQ(host::runPrint(edin), 1) << "no dbo.PRAVA";
+        const auto as = [&](const char* op) {
+            return QStringList { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
+                "--operator", op, "--pdf", cliPdf };
+        };
+        EXPECT_EQ(host::runPrint(as("Edin")), 1) << "no dbo.PRAVA";
         expectOneError(script->messages, "Prava operatera nije moguće pročitati iz tablice dbo.PRAVA");
         script->clear();
         db->exec(host::PravaRights::createSql());
         for (const char* right : { "96", "96.1" })
             db->insert("dbo.PRAVA", { { "OPERATER", "Edin" }, { "PROGRAM", "KNJIGE" }, { "PRAVO", right } });
-        EXPECT_EQ(host::runPrint(edin), 1);
+        EXPECT_EQ(host::runPrint(as("Edin")), 1);
         EXPECT_FALSE(QFileInfo::exists(cliPdf));
         // The print command writes the same report as the window.
-        QStringList args = { QString::number(book.code), "--db", db->path(), "--company", "1", "--year", "2016",
-            "--operator", "Ana", "--pdf", cliPdf };
+        QStringList args = as("Ana");
         if (filtered)
             args << "--period"
                  << "02.01.2016-31.12.2016";
