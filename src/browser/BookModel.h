@@ -68,7 +68,6 @@ public:
     const db::ResultSet& resultSet() const { return m_rows; }
     int entryCount() const { return m_rows.rowCount(); }
 
-    bool hasTotalsRows() const { return m_totalsShown; }
     bool isTotalsRow(int modelRow) const;
     // The result set row of a model row; -1 for a totals row or a row out of range.
     int dataRow(int modelRow) const;
