@@ -22,8 +22,13 @@ QString ZadnjiRBrojSql(int tipKnjige, qint16 brojPoduzeca, qint16 godina, qint32
 
 LastNumber ZadnjiRBroj(int tipKnjige, qint32 brojProd)
 {
+    return lastNumberIn(tipKnjige, session().RadnaGodina, brojProd);
+}
+
+LastNumber lastNumberIn(int tipKnjige, qint16 godina, qint32 brojProd)
+{
     Session& s = session();
-    const QString sql = ZadnjiRBrojSql(tipKnjige, s.BrojPoduzeca, s.RadnaGodina, brojProd);
+    const QString sql = ZadnjiRBrojSql(tipKnjige, s.BrojPoduzeca, godina, brojProd);
     if (sql.isEmpty())
         return {};
     db::Database& db = s.db();

@@ -22,5 +22,8 @@ struct LastNumber {
 };
 // Reads the session's company and working year.
 LastNumber ZadnjiRBroj(int tipKnjige, qint32 brojProd = 0);
+// The same for another year of the session's company (the asset lists carried into
+// the next year), leaving the session's working year as it is.
+LastNumber lastNumberIn(int tipKnjige, qint16 godina, qint32 brojProd = 0);
 
 } // namespace knjige::DefVarijabli

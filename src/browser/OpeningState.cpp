@@ -14,20 +14,6 @@ namespace knjige::browser::openingstate
 namespace
 {
 
-// The highest number of the asset list in `year`, read by the shared routine, which
-// reads the session's working year.
-qint32 highestNumberIn(int tip, qint16 year)
-{
-    Session& s = session();
-    const qint16 working = s.RadnaGodina;
-    s.RadnaGodina = year;
-    const DefVarijabli::LastNumber highest = DefVarijabli::ZadnjiRBroj(tip);
-    s.RadnaGodina = working;
-    // Told here: the question that follows is asked all the same.
-    tell(highest.failure);
-    return highest.number;
-}
-
 // The rows the statement adds to the new year, numbered by the table, are the
 // journal record of the change.
 bool run(const QString& sql, const journal::Scope& next, QString* error)
@@ -91,8 +77,11 @@ Generated generate(int tip)
             { QStringLiteral("Nije moguće generirati početna stanja za ") + QString::number(next)
                     + QStringLiteral(" jer ona još nije nastupila!"),
                 {}, Icon::Exclamation } };
+    const DefVarijabli::LastNumber highest = DefVarijabli::lastNumberIn(tip, qint16(next));
+    // Told here: the question that follows is asked all the same.
+    tell(highest.failure);
     QString question;
-    if (highestNumberIn(tip, qint16(next)) > 0)
+    if (highest.number > 0)
         question = QStringLiteral("Već postoji knjiženje za godinu: ") + QString::number(next) + QStringLiteral(" ! ");
     question += QStringLiteral("Želite li zaista generirati početna stanja za ") + QString::number(next)
         + QStringLiteral(" na osnovu stanja u godini: ") + QString::number(year) + QStringLiteral("?") + u'\n'
