@@ -248,7 +248,7 @@ DateStep moveLinks(db::Database& db, const Book& b, const std::vector<qint64>& n
         for (int r = 0; r < held.rowCount(); ++r)
             if (const auto it = moved.find(held.integer(r, c)); it != moved.end())
                 moving[size_t(r)] = it->second;
-        *error = refuseMovedLinks(db, b, held, moving);
+        *error = journal::periodlock::refuseRows(lock, held, &moving, kLockedLink);
         if (!error->isEmpty())
             return DateStep::Locked;
     }

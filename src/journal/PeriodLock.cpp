@@ -79,6 +79,12 @@ QString refuseRows(db::Database& db, const journal::Scope& scope, const db::Resu
     QString error;
     if (!lockDate(db, scope, &lock, &error))
         return QStringLiteral("Zaključano razdoblje knjige nije moguće pročitati: ") + error;
+    return refuseRows(lock, rows, changes, what);
+}
+
+QString refuseRows(const QDate& lock, const db::ResultSet& rows, const std::vector<std::optional<qint64>>* changes,
+    const QString& what)
+{
     const int d = rows.indexOf(QStringLiteral("Datum"));
     const int n = rows.indexOf(QStringLiteral("RBroj"));
     if (!lock.isValid() || d < 0)

@@ -33,6 +33,9 @@ QString refuseDates(db::Database& db, const journal::Scope& scope, const QList<Q
 // `what` takes the row's number (%1) and date (%2).
 QString refuseRows(db::Database& db, const journal::Scope& scope, const db::ResultSet& rows,
     const std::vector<std::optional<qint64>>* changes, const QString& what);
+// The same against a lock date the caller has read already (invalid when open).
+QString refuseRows(const QDate& lock, const db::ResultSet& rows, const std::vector<std::optional<qint64>>* changes,
+    const QString& what);
 
 // Closes the period up to `to` (on or after any earlier lock of the book), journaled.
 bool lock(db::Database& db, const journal::Scope& scope, const QDate& to, QString* error);
