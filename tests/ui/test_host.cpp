@@ -303,6 +303,9 @@ TEST_F(HostPickers, TheListNarrowsAsThePersonTypesAndChooseRunsThroughTheSeamUnt
         QTest::keyClick(search, Qt::Key_Enter);
         return d.result();
     };
+    // Each shop kept by one of the two trade books only.
+    m_db.exec(QStringLiteral("DELETE FROM dbo.TrgKnjUsluga WHERE BrojProd=%1").arg(demo::Maloprodaja2));
+    m_db.exec(QStringLiteral("DELETE FROM dbo.TrgKnjKomisiona WHERE BrojProd=%1").arg(demo::Maloprodaja1));
     KomitentRegister shops(KomitentRegister::Kind::Shops);
     for (const auto& [search, code] : { std::pair("Ilid", demo::Maloprodaja1), std::pair("50", demo::Maloprodaja2) }) {
         typed = search;
