@@ -524,10 +524,11 @@ TEST(EditorRules, AnEntryReadByItsNumberIsTheOneTheListShows)
                         { "Datum", db::FieldType::Date }, { "Opis", db::FieldType::Text },
                         { "Iznos", db::FieldType::Integer }, { "Prihodi", db::FieldType::Currency } },
             { { 5, "Prihod - Robe", second, "Druga", 30 }, { 5, "Prihod - Robe", first, "Prva", 10 },
-                { 5, "Prihod - Robe", second, "Druga", 20 } });
+                { 5, "Prihod - Robe", second, "Druga", 20 }, { 5, "Prihod - Robe", second, "Druga", 25 } });
     EXPECT_EQ(matchingRow(read, &list, 0), 2);
     EXPECT_EQ(matchingRow(read, &list, 1), 0);
     EXPECT_EQ(matchingRow(read, &list, 2), 1);
+    EXPECT_EQ(matchingRow(read, &list, 3), 1) << "the first of equals";
     // Without a list row the first is taken; without candidates there is none.
     EXPECT_EQ(matchingRow(read, nullptr, -1), 0);
     EXPECT_EQ(matchingRow(read, &list, -1), 0);
