@@ -191,15 +191,24 @@ TEST(DialectHardening, EveryMalformedOrTooDeepStatementIsAnErrorNotACrashOnAOneM
         QStringLiteral("SELECT 1 WHERE ") + QStringLiteral("NOT ").repeated(3000) + QStringLiteral("1=1") };
     for (const QString& sql : deep)
         EXPECT_EQ(errorOf(t, sql), kTooDeep) << sql.left(40).toStdString();
-    // Nesting within the limit runs as far as the engine's own parser goes.
+        // Nesting within the limit runs as far as the engine's own parser goes. Under
+        // AddressSanitizer every frame is several times larger, and the stack guard, rightly,
+        // stops a shallower statement.
+#ifdef __SANITIZE_ADDRESS__
+    const int within = 25;
+#else
+    const int within = 900;
+#endif
     EXPECT_EQ(errorOf(t, nested(50)), "");
-    EXPECT_EQ(t.query(terms(900)).integer(0, 0), 900);
+    const db::ResultSet sum = t.query(terms(within));
+    ASSERT_EQ(sum.rowCount(), 1);
+    EXPECT_EQ(sum.integer(0, 0), within);
 
     // Deep statements are refused on a one-mebibyte stack.
     tsql::Catalog catalog;
     std::vector<std::string> errors;
     QThread* thread = QThread::create([&] {
-        for (const QString& sql : { nested(10500), terms(14000), nested(900) })
+        for (const QString& sql : { nested(10500), terms(14000), nested(within) })
             errors.push_back(tsql::translateStatement(sql, catalog).error.toStdString());
     });
     thread->setStackSize(1024 * 1024);
