@@ -292,6 +292,12 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         // A number where a date is wanted counts days from 1 January 1900.
         { "CAST(45000 AS datetime)", {}, "2023-03-17" },
         { "(SELECT COUNT(*) FROM dbo.KnjPrihRashDB WHERE Datum = 45000)", {}, "0" },
+        // A text where a date part is asked for is read month first.
+        { "MONTH('01/15/2016')*100+DAY(N'12.31.2015')+YEAR(0)", {}, "2031" },
+        { "MONTH('02/30/2016')",
+            "The conversion of a varchar data type to a datetime data type resulted in an "
+            "out-of-range value.",
+            nullptr },
     };
     for (const Case& c : cases) {
         const QString sql = QStringLiteral("SELECT ") + QString::fromUtf8(c.expr) + QStringLiteral(" AS R");

@@ -686,7 +686,13 @@ private:
         }
         if (f == u"SUM" || f == u"MIN" || f == u"MAX" || f == u"ABS" || f == u"AVG")
             return first;
-        if (f == u"COUNT" || f == u"MONTH" || f == u"YEAR" || f == u"DAY")
+        if (f == u"MONTH" || f == u"YEAR" || f == u"DAY") {
+            // The server reads a text argument as a datetime, month first.
+            if (n->args.size() == 1)
+                dateContext(n->args.front(), false);
+            return SqlType::Int;
+        }
+        if (f == u"COUNT")
             return SqlType::Int;
         if (f == u"RTRIM" || f == u"LTRIM" || f == u"UPPER" || f == u"LOWER" || f == u"REPLACE" || f == u"SUBSTR")
             return SqlType::Text;
