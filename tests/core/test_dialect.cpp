@@ -287,6 +287,8 @@ TEST(DialectHardening, EachCaseGivesTheServersValueOrItsError)
         { "SUBSTRING(N'abcdef',2,3)", {}, "bcd" },
         { "SUBSTRING(N'abc',0,1)", {}, "" },
         { "SUBSTRING(N'abc',1,-1)", "Invalid length parameter passed to the substring function.", nullptr },
+        { "left(N'čšž',2)+LEFT('ab',9)", {}, "čšab" },
+        { "LEFT(N'abc',-1)", "Invalid length parameter passed to the left function.", nullptr },
         { "UPPER(N'čšžđć äöß')", {}, "ČŠŽĐĆ ÄÖß" },
         { "LOWER(N'ČŠŽĐĆ ÄÖ Ǆ')", {}, "čšžđć äö ǆ" },
         // A number where a date is wanted counts days from 1 January 1900.

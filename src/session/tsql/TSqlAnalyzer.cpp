@@ -657,8 +657,7 @@ private:
             return t;
         }
         if (f == u"LEFT" && n->commas.size() == 1) {
-            m_edits.replace[n->opToken] = QStringLiteral("SUBSTR");
-            m_edits.replace[n->commas[0]] = QStringLiteral(",1,");
+            m_edits.replace[n->opToken] = QStringLiteral("tsql_left");
             return SqlType::Text;
         }
         if (f == u"SUBSTRING") {

@@ -230,17 +230,22 @@ void tsqlMod(sqlite3_context* ctx, int, sqlite3_value** argv)
 }
 
 // SUBSTRING(s, start, length): the characters at positions start .. start+length-1,
-// counted from 1; positions before the first count but give nothing.
-void tsqlSubstring(sqlite3_context* ctx, int, sqlite3_value** argv)
+// counted from 1; positions before the first count but give nothing. LEFT(s, length)
+// is SUBSTRING from 1 with its own name in the refusal.
+template <bool Left> void tsqlSubstring(sqlite3_context* ctx, int, sqlite3_value** argv)
 {
-    if (isNull(argv[0]) || isNull(argv[1]) || isNull(argv[2])) {
+    sqlite3_value* const lengthArg = argv[Left ? 1 : 2];
+    if (isNull(argv[0]) || isNull(argv[1]) || isNull(lengthArg)) {
         sqlite3_result_null(ctx);
         return;
     }
-    const sqlite3_int64 start = sqlite3_value_int64(argv[1]);
-    const sqlite3_int64 length = sqlite3_value_int64(argv[2]);
+    const sqlite3_int64 start = Left ? 1 : sqlite3_value_int64(argv[1]);
+    const sqlite3_int64 length = sqlite3_value_int64(lengthArg);
     if (length < 0) {
-        sqlite3_result_error(ctx, "Invalid length parameter passed to the substring function.", -1);
+        sqlite3_result_error(ctx,
+            Left ? "Invalid length parameter passed to the left function."
+                 : "Invalid length parameter passed to the substring function.",
+            -1);
         return;
     }
     const QString s = QString::fromUtf8(textOf(argv[0]));
@@ -306,7 +311,8 @@ bool registerConversions(sqlite3* db)
         { "tsql_num", 3, tsqlNum },
         { "tsql_date", 1, tsqlDate },
         { "tsql_mod", 2, tsqlMod },
-        { "tsql_substring", 3, tsqlSubstring },
+        { "tsql_substring", 3, tsqlSubstring<false> },
+        { "tsql_left", 2, tsqlSubstring<true> },
         { "upper", 1, changeCase<true> },
         { "lower", 1, changeCase<false> },
     };
