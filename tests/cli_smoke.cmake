@@ -139,6 +139,8 @@ endif()
 knjige(missing query --db "${WORK}/nema.db" "SELECT 1")
 expect_refusal(missing "query of a missing file" "nema.db")
 expect_missing("${WORK}/nema.db" "query of a missing file")
+knjige(folder query --db "${WORK}" "SELECT 1")
+expect_refusal(folder "query of a folder" "${WORK} je mapa, a ne datoteka baze.")
 
 knjige(missing2 query --conn "Data Source=${WORK}/nema2.db" "CREATE TABLE x (a int)")
 expect_refusal(missing2 "query through a connection string to a missing file" "nema2.db")

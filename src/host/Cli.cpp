@@ -214,10 +214,11 @@ QString connectionFor(const Options& o, const QString& usage, int* code)
         }
         path = target.sqlitePath;
     }
-    if (!path.isEmpty() && !QFileInfo(path).isFile()) {
-        *code = complain(QStringLiteral("Datoteka baze %1 ne postoji (ništa nije napravljeno; novu bazu pravi "
-                                        "knjige init).")
-                             .arg(path));
+    if (const QString problem = path.isEmpty()
+            ? QString()
+            : databaseFileProblem(path, QStringLiteral(" (ništa nije napravljeno; novu bazu pravi knjige init)."));
+        !problem.isEmpty()) {
+        *code = complain(problem);
         return {};
     }
     return connection;
@@ -344,6 +345,20 @@ QString queryUsage()
 QString defaultDatabasePath()
 {
     return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/knjige-demo.db");
+}
+
+QString databaseFileProblem(const QString& path, const QString& missing)
+{
+    const QFileInfo info(path);
+    if (info.isFile())
+        return {};
+    if (path.trimmed().isEmpty())
+        return QStringLiteral("Putanja do datoteke baze je prazna.");
+    if (info.isDir())
+        return QStringLiteral("%1 je mapa, a ne datoteka baze.").arg(path);
+    if (info.exists())
+        return QStringLiteral("%1 nije obična datoteka, pa ne može biti datoteka baze.").arg(path);
+    return QStringLiteral("Datoteka baze %1 ne postoji").arg(path) + missing;
 }
 
 QStringList batchStatements(const QString& sql)

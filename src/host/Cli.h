@@ -33,6 +33,9 @@ QString queryUsage();
 
 // Where `knjige init` puts the database when no --db is given.
 QString defaultDatabasePath();
+// Why `path` cannot be opened as an existing database file (a folder, a device, no
+// such file); empty when it can. `missing` ends the text for a file that is not there.
+QString databaseFileProblem(const QString& path, const QString& missing);
 
 // The statements of a batch, in order: split at the ';' outside literals, comments
 // and parentheses, pieces holding nothing but comments left out.

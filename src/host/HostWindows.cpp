@@ -131,17 +131,21 @@ QString connectionFor(const Options& o, bool* isDemo, int* code)
             *code = complain(target.error);
             return {};
         }
-        if (target.kind == db::ConnectionTarget::Kind::Sqlite && !QFileInfo(target.sqlitePath).isFile()) {
-            *code = complain(QStringLiteral("Datoteka baze %1 ne postoji.").arg(target.sqlitePath));
+        if (const QString problem = target.kind == db::ConnectionTarget::Kind::Sqlite
+                ? cli::databaseFileProblem(target.sqlitePath, QStringLiteral("."))
+                : QString();
+            !problem.isEmpty()) {
+            *code = complain(problem);
             return {};
         }
         return conn;
     }
     if (o.values.contains(QStringLiteral("--db"))) {
         const QString path = o.values.value(QStringLiteral("--db"));
-        if (!QFileInfo(path).isFile()) {
-            *code = complain(
-                QStringLiteral("Datoteka baze %1 ne postoji (novu bazu pravi: knjige init --db PUTANJA).").arg(path));
+        if (const QString problem
+            = cli::databaseFileProblem(path, QStringLiteral(" (novu bazu pravi: knjige init --db PUTANJA)."));
+            !problem.isEmpty()) {
+            *code = complain(problem);
             return {};
         }
         return QStringLiteral("sqlite:") + QFileInfo(path).absoluteFilePath();
